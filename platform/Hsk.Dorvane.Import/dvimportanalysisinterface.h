@@ -1,0 +1,69 @@
+// An import plugin for whole analyses: header, table of masses, scans. The order of the virtual
+// operations is fixed.
+#ifndef DVIMPORTANALYSISINTERFACE_H
+#define DVIMPORTANALYSISINTERFACE_H
+
+#include "dvimportinterface.h"
+
+#include <memory>
+
+class DVHeader;
+class DVImportReceiver;
+
+class DVImportAnalysisInterface : public DVImportInterface
+{
+    // No Q_OBJECT: the plugin's meta-object has DVImportInterface as its super class.
+
+public:
+    // Points for which the arrays of importScan have room, whatever the scan.
+    static constexpr int scanCapacity = 1 << 24;
+
+    DVImportAnalysisInterface();
+    ~DVImportAnalysisInterface() override;
+
+    // The run on an open file: importHeader, importMassTable, then importScan for each scan of the
+    // header, each scan handed on to the receiver and none kept. The header is freed at the end. False
+    // if importHeader says so, if memory runs out (an error message names `fileName`), or if the run
+    // was cancelled. `title`, `path` and `buffer` aren't used by this run.
+    bool import(const QString &fileName, const QString &title, const QString &path,
+                TFileBuffer *buffer) override;
+
+    // Length of a modulation of a GCxGC run; 0 for other runs.
+    virtual float modulationPeriod();
+
+    // Makes `header`.
+    virtual bool importHeader() = 0;
+
+    // Gives the number of masses, and in `*table` their ascending array from new[], now the caller's;
+    // 0 and null for a run without a table.
+    virtual unsigned short importMassTable(float **table) = 0;
+
+    // Gives the total abundance of scan `scan`, from 0. Fills `*time`, and the first `*pointCount`
+    // elements of the two arrays, which have room for scanCapacity points.
+    virtual double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
+                              float *abundances, unsigned short *positions) = 0;
+
+    DVImportAnalysisInterface *clone() override = 0;
+
+    // Who gets what `import` reads; null for nobody. It stays the caller's and must outlive the run.
+    void setReceiver(DVImportReceiver *receiver);
+
+    // The modulation length that the driving program knows from elsewhere than the plugin's own
+    // question; 0 for a plain run. Call it before `clone`.
+    void setModulation(float length);
+
+protected:
+    void copyInterface(PluginInterface *source) override;
+
+    // Looks `mass` up in the ascending `table`. On a hit sets `*found` to true and gives the index of
+    // the first entry that equals it; on a miss sets `*found` to false and gives 0.
+    unsigned short findTablePosition(float mass, float *table, int size, bool *found);
+
+    DVHeader *header = nullptr; // of the current run
+    float modulation = 0;
+
+private:
+    DVImportReceiver *receiver = nullptr;
+};
+
+#endif // DVIMPORTANALYSISINTERFACE_H

@@ -1,0 +1,54 @@
+// The import plugin for .cdf files of the AIA MS template.
+#ifndef IMPORTAIAMS_H
+#define IMPORTAIAMS_H
+
+#include "dvimportanalysisinterface.h"
+#include "dvimportparamtype.h"
+#include "mstoolkit.h"
+
+class ImportAiaMs : public DVImportAnalysisInterface, public DVImportParamType
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "DV.DVImportInterface")
+
+public:
+    ImportAiaMs();
+    ~ImportAiaMs() override;
+
+    bool canImport(TFileBuffer *buffer, const QString &fileName, QString &text) override;
+    int importQueryValue() override;
+
+    // The run, in this order, on an open file.
+    bool importHeader() override;
+    unsigned short importMassTable(float **table) override;
+    double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
+                      float *abundances, unsigned short *positions) override;
+
+    // Moves the open file and the answers to the copy; this object is closed afterwards.
+    ImportAiaMs *clone() override;
+
+    int pluginKind() override;
+    bool reopenForFile(const QString &fileName) override;
+    int askParameters(QWidget *parent) override;
+    bool paramTypeFlag() override;
+
+private:
+    bool openFile(const QString &fileName);
+    void clearRecords(char release);
+    quint32 parseTimeStamp(const QString &text);
+    int readGlobalTextAttribute(const char *name, char *buffer, int size);
+
+    int fileId = -1; // netCDF id; -1 means that no file is open
+    double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
+    double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
+    double massFactor = 0.0;       // ten to the power of the table's decimals
+    double timeDivisor = 1.0;      // turns stored times into the header's unit
+    double samplingInterval = 0.0; // in the header's unit
+    bool applyToAll = false;       // the user's answer holds for all later files
+    MsAdminRecord admin;
+    MsSampleRecord sample;
+    MsTestRecord test;
+    MsRawGlobalRecord raw;
+};
+
+#endif // IMPORTAIAMS_H
