@@ -151,15 +151,15 @@ struct MsDimension {
 // What the toolkit remembers of one open file. It owns nothing.
 struct MsFileRecord {
     qint32 ncid;
-    qint32 experiment_type;  // vocabulary code; 0 where the file doesn't say
-    qint32 mass_format;      // data format codes: of the stored variables in a file that is read,
-    qint32 time_format;      // of ms_open_write's arguments in one that is written
+    qint32 experiment_type; // vocabulary code; 0 where the file doesn't say
+    qint32 mass_format;     // data format codes: of the stored variables in a file that is read,
+    qint32 time_format;     // of ms_open_write's arguments in one that is written
     qint32 intensity_format;
     qint32 has_mass_values; // 1 if the variable exists, else 0
     qint32 has_time_values;
     MsDimension dimensions[MsDimensionCount]; // by MsDimensionSlot
     qint32 variables[MsVariableCount];        // netCDF ids by MsVariableSlot; -1 for an absent one
-    qint32 next_point_index; // of a file being written: scan_index of the next scan
+    qint32 next_point_index;                  // of a file being written: scan_index of the next scan
 };
 
 // A constant table: `count` rows from `first` on, in an order that matters.
@@ -213,8 +213,8 @@ int ms_open_read(const char *path);
 //   has_mass_values, has_time_values   which axes the file gets; at least one
 // Gives the netCDF id, or -1; the partly made file then stays on disk, closed.
 int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, qint32 instrument_count,
-                  qint32 mass_format, qint32 time_format, qint32 intensity_format,
-                  qint32 has_mass_values, qint32 has_time_values);
+                  qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
+                  qint32 has_time_values);
 
 // Closes the file and drops its record. Any id may be given, also -1. Gives -1 for an id without a
 // record, else 0, whatever netCDF makes of the closing; a writer who must know that all has reached
@@ -246,19 +246,19 @@ int ms_inquire_variables(int ncid);
 // ---------------------------------------------------------------------------------------------------
 
 // The data format code of an nc type, and the reverse; `fallback` for anything outside the four.
-qint32 ms_format_of_nc_type(qint32 nc_type, qint32 fallback);
+qint32 ms_format_of_nc_type(qint32 type, qint32 fallback);
 qint32 ms_nc_type_of_format(qint32 format, qint32 fallback);
 
 // A new, uncleared array of `count` elements; null for a type other than NC_SHORT, NC_LONG, NC_FLOAT
 // and NC_DOUBLE, and where the size in bytes doesn't fit in 32 bits. Free with ms_free.
-void *ms_alloc_array(quint32 count, qint32 nc_type);
+void *ms_alloc_array(quint32 count, qint32 type);
 
 // Frees a text or array that the toolkit handed out; null is allowed.
 void ms_free(void *block);
 
-// Stores the missing value of `nc_type` in element `index` of an array of that type; nothing for
+// Stores the missing value of `type` in element `index` of an array of that type; nothing for
 // NC_CHAR and unknown types.
-void ms_set_missing(qint32 nc_type, void *array, qint32 index);
+void ms_set_missing(qint32 type, void *array, qint32 index);
 
 // Converts `count` elements from one data format to another, in separate buffers. Numbers go to whole
 // numbers by truncation toward zero in 32 bits, after adding 0.5 if `round_values` isn't 0; what lies
@@ -402,19 +402,19 @@ struct MsTestRecord {
 
 // The axes and ranges of the raw data.
 struct MsRawGlobalRecord {
-    qint32 scan_count = 0; // size of scan_number, or of point_number in a file without it
+    qint32 scan_count = 0;      // size of scan_number, or of point_number in a file without it
     qint32 has_mass_values = 0; // 1 if the file has the variable, else 0
     qint32 has_time_values = 0;
-    double mass_scale_factor;       // scale_factor of mass_values
-    double time_scale_factor;       // scale_factor of time_values
-    double intensity_scale_factor;  // scale_factor of intensity_values
-    double intensity_add_offset;    // add_offset of intensity_values
-    qint32 mass_units;              // code; units of mass_values
-    qint32 time_units;              // code; units of time_values
-    qint32 intensity_units;         // code; units of intensity_values
-    qint32 total_intensity_units;   // code; units of total_intensity
-    qint32 raw_data_mass_format;    // data format codes as the attributes say; the stored ones
-    qint32 raw_data_time_format;    // are in MsFileRecord
+    double mass_scale_factor;      // scale_factor of mass_values
+    double time_scale_factor;      // scale_factor of time_values
+    double intensity_scale_factor; // scale_factor of intensity_values
+    double intensity_add_offset;   // add_offset of intensity_values
+    qint32 mass_units;             // code; units of mass_values
+    qint32 time_units;             // code; units of time_values
+    qint32 intensity_units;        // code; units of intensity_values
+    qint32 total_intensity_units;  // code; units of total_intensity
+    qint32 raw_data_mass_format;   // data format codes as the attributes say; the stored ones
+    qint32 raw_data_time_format;   // are in MsFileRecord
     qint32 raw_data_intensity_format;
     char *mass_long_name;      // long_name of mass_values
     char *time_long_name;      // long_name of time_values
@@ -465,9 +465,86 @@ void ms_init_global(char release, MsAdminRecord *admin, MsSampleRecord *sample, 
 int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                    MsRawGlobalRecord *raw);
 
-// Converts `value` to `nc_type` and stores it in the field at offset `field` of `record`: a number
+// Writes the records to a file made by ms_open_write, in data mode before and after. A null text, a
+// missing number and a code outside the vocabulary leave no attribute; error_log is always written.
+// dataset_completeness, ms_template_revision, netcdf_revision and languages get fixed texts whatever
+// `admin` holds, and are null in it afterwards, unfreed. -1: a null record, or the first refused write;
+// the file may then still be in define mode.
+int ms_write_global(int ncid, MsAdminRecord *admin, const MsSampleRecord *sample,
+                    const MsTestRecord *test, const MsRawGlobalRecord *raw);
+
+// Converts `value` to `type` and stores it in the field at offset `field` of `record`: a number
 // that can't be made is stored as missing, a text becomes a new block.
-void ms_store_variant(void *record, std::size_t field, const QVariant &value, qint32 nc_type);
+void ms_store_variant(void *record, std::size_t field, const QVariant &value, qint32 type);
+
+// ---------------------------------------------------------------------------------------------------
+// Instrument components
+// ---------------------------------------------------------------------------------------------------
+
+// One component of the instrument. Texts are owned by a record that was read, the caller's in one that
+// is written.
+struct MsInstrumentRecord {
+    qint32 component_index; // which component, from 0; set it before each read or write. A negative one
+                            // stands for the only component of a file with one, and is refused in others
+    char *instrument_name;
+    char *instrument_id;
+    char *instrument_mfr;
+    char *instrument_model;
+    char *instrument_serial_no;
+    char *instrument_sw_version;
+    char *instrument_fw_version;
+    char *instrument_os_version;
+    char *instrument_app_version;
+    char *instrument_comments;
+};
+
+// Clears the texts, after freeing them where `release` isn't 0; component_index stays. Null is allowed.
+void ms_init_instrument(char release, MsInstrumentRecord *instrument);
+
+// Reads component `instrument->component_index`. Absent or blank lines give null. -1: null record, an
+// index beyond instrument_number (nothing is read then), a variable of another rank (after an error
+// message).
+int ms_read_instrument(int ncid, MsInstrumentRecord *instrument);
+
+// Writes the component to a file made with an instrument_count of at least 1. -1 at the first line that
+// can't be written.
+int ms_write_instrument(int ncid, const MsInstrumentRecord *instrument);
+
+// ---------------------------------------------------------------------------------------------------
+// Groups of monitored masses
+// ---------------------------------------------------------------------------------------------------
+
+// One group of masses of selected ion monitoring. All groups of a file have arrays of the same width,
+// group_max_masses; places beyond group_mass_count read as -9999.0.
+struct MsGroupRecord {
+    qint32 group_number; // which group, from 0; set it before each read or write
+    qint32 group_mass_count;
+    qint32 group_starting_scan;
+    double *group_masses;         // group_max_masses elements each: owned by a record that was read, the
+    double *group_sampling_times; // caller's in one that is written
+    double *group_delay_times;
+};
+
+// Clears the record: numbers, group_number too, to -9999, arrays to null, after freeing them where
+// `release` isn't 0. Null is allowed.
+void ms_init_group(char release, MsGroupRecord *group);
+
+// Looks for the groups of an existing file; needed before ms_read_group. The counts are both 0 where the
+// file has no groups. -1: a null pointer.
+int ms_inquire_groups(int ncid, qint32 *group_count, qint32 *max_masses);
+
+// Reads group `group->group_number`. -1: null record, a number outside group_number, a variable of
+// another rank (after an error message) or an unreadable one; the record then holds no arrays and a
+// group_mass_count of 0. A file without group_mass_count gives -9999 there and in all places.
+int ms_read_group(int ncid, MsGroupRecord *group);
+
+// Adds the dimensions and variables of the groups to a new file, in data mode before and after. -1: a
+// count below 1, or a refused definition, which leaves the file in define mode.
+int ms_define_groups(int ncid, qint32 group_count, qint32 max_masses);
+
+// Writes the group, each array over its whole width. -1: null record, null array, a number outside
+// group_number, a refused write.
+int ms_write_group(int ncid, const MsGroupRecord *group);
 
 // ---------------------------------------------------------------------------------------------------
 // Library entries, scans
@@ -546,6 +623,14 @@ int ms_read_scan_header(int ncid, MsScanRecord *scan);
 // loaded by then stays in the records: release them.
 int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library);
 
+// Appends a scan to a file made by ms_open_write: numbers and counts at `scan->scan_number`, vectors (in
+// the formats given to ms_open_write) and flags behind the points written so far, and, in a library file,
+// the entry. Either record may be null. Scans may come in any order; one that is written twice appends
+// its data twice. A null mass or time vector leaves its stretch unwritten; without a mass vector the
+// flags go to the time axis. -1 at the first refused write, with what was written so far left in the
+// file; before anything is written for a negative scan_number, and for points without intensity_values.
+int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord *library);
+
 // ---------------------------------------------------------------------------------------------------
 // Whole-run readers
 // ---------------------------------------------------------------------------------------------------
@@ -561,5 +646,34 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
 // arrays of `scan_count` numbers; scan_count has to be the size of scan_number. -1: a count below 1,
 // an absent variable or one of another size or shape; nothing is handed out then.
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times);
+
+// ---------------------------------------------------------------------------------------------------
+// Time stamps
+// ---------------------------------------------------------------------------------------------------
+
+// A date-time stamp of the template and its numbers: "YYYYMMDDhhmmss+zzzz".
+struct MsTimestamp {
+    char *text;
+    qint32 year;
+    qint32 month;
+    qint32 day;
+    qint32 hour;
+    qint32 minute;
+    qint32 second;
+    qint32 zone; // as a plain signed number: "-0500" is -500
+};
+
+// With `to_text` other than 0, makes a new text from the numbers; `text` is overwritten unfreed. With 0,
+// takes the text apart; what stands behind its 19th character doesn't count. No number is tested for
+// its range. -1: a null stamp, a null text, or one shorter than 19 characters.
+int ms_timestamp(qint32 to_text, MsTimestamp *stamp);
+
+// The number in `count` bytes of `text` from `offset` on, each counting as its distance from "0". -1 for
+// a null text.
+qint32 ms_digits_to_int(const char *text, qint32 offset, qint32 count);
+
+// Writes the absolute value into `count` bytes from `offset` on, filled with zeros on the left. Of a
+// number with more digits the field keeps the low ones. -1 for a null text.
+int ms_int_to_digits(char *text, qint32 offset, qint32 count, qint32 value);
 
 #endif // MSTOOLKIT_H

@@ -34,11 +34,16 @@ public:
 
 private:
     bool openFile(const QString &fileName);
-    void clearRecords(char release);
+    void releaseRecords();
     quint32 parseTimeStamp(const QString &text);
+    void importTotalIon();
+    // The mass of a census key as the table has it. Table and scans get it in this one way, so that a
+    // look-up hits exactly.
+    float tableMass(int key) const { return static_cast<float>(key / massFactor); }
+    // Reads a global text attribute into a buffer of `size` bytes, cut to fit. 1 on success, else 0.
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 
-    int fileId = -1; // netCDF id; -1 means that no file is open
+    int fileId = -1;               // netCDF id; -1 means that no file is open
     double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
     double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
     double massFactor = 0.0;       // ten to the power of the table's decimals

@@ -1,0 +1,98 @@
+// Private to the toolkit: the few ways in which its walkers reach netCDF. Whatever these routines are
+// told by a file, they hand netCDF no buffer before they have looked at the stored type, rank and sizes.
+#ifndef ACCESS_P_H
+#define ACCESS_P_H
+
+#include "mstoolkit.h"
+
+#include <memory>
+
+// netCDF's older interface ends the process at the first failing call, unless told otherwise. An absent
+// object is an everyday event here, and another user of the library in the same process may have
+// turned the option back on.
+inline void ms_let_failures_return()
+{
+    ncopts = 0;
+}
+
+template <class T> T &ms_field(void *record, std::size_t offset)
+{
+    return *reinterpret_cast<T *>(static_cast<char *>(record) + offset);
+}
+
+template <class T> const T &ms_field(const void *record, std::size_t offset)
+{
+    return *reinterpret_cast<const T *>(static_cast<const char *>(record) + offset);
+}
+
+struct MsFree {
+    void operator()(void *block) const { ms_free(block); }
+};
+template <class T> using MsBlock = std::unique_ptr<T, MsFree>;
+
+// An uncleared block of `size` bytes, to be freed with ms_free.
+void *ms_alloc_bytes(std::size_t size);
+
+// What a file stores under a variable id. The lengths are those of the first two dimensions, 1 for one
+// that isn't there.
+struct MsShape {
+    nc_type type = NC_NAT;
+    int rank = 0;
+    std::size_t length[2] = {1, 1};
+};
+
+// False for an absent variable.
+bool ms_inquire_shape(int ncid, int varid, MsShape *shape);
+
+enum class MsPresence { Absent, Present, WrongRank };
+
+// Whether a row's variable is in the file. Another type than the row's costs a warning, another rank an
+// error message.
+MsPresence ms_check_variable(const MsFileRecord &file, const MsVariableRow &row);
+
+enum class MsFetch {
+    Read,
+    Unconvertible, // the number can't be held by the type wanted, or is no number
+    Failed
+};
+
+// Reads the number at `index` (as many as the variable's rank) and converts it to `type`, NC_SHORT to
+// NC_DOUBLE.
+MsFetch ms_fetch_number(int ncid, int varid, const std::size_t *index, qint32 type, void *target);
+
+// Reads element `index` of one of the counters over scan_number. -1 if it can't be read as a 32-bit
+// number.
+int ms_read_counter(const MsFileRecord &file, int slot, qint32 index, qint32 *value);
+
+// Reads `count` elements from `start` on of a variable of one dimension, as a new array of type
+// `type`. Elements of another type are converted if all can be held. Null on failure; nothing is
+// allocated where the file can't have that many.
+MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qint64 count);
+
+// Reads a variable whole. Null also where it hasn't got one dimension of exactly `count` elements.
+MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count);
+
+// Reads or writes a row of one number, or of one text, at `index` along its first dimension. Reading an
+// absent variable gives the missing value or null. -1: a negative index, another rank, a failed
+// transfer of a number, a failed write of a text.
+int ms_read_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, void *record);
+int ms_write_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, const void *record);
+
+// Clears the field of such a row; a text is freed first where `release` isn't 0.
+void ms_clear_row(char release, const MsVariableRow &row, void *record);
+
+// The netCDF id of a row's variable.
+inline int ms_variable(const MsFileRecord &file, const MsVariableRow &row)
+{
+    return file.variables[row.slot];
+}
+
+// ncdimid and ncvarid with one retry under the dashed spelling; -1 for an absent object.
+int ms_find_dimension(int ncid, const char *name);
+int ms_find_variable(int ncid, const char *name);
+
+// The library steps of reading and writing a scan.
+int ms_read_library_entry(const MsFileRecord &file, MsLibraryRecord *library);
+int ms_write_library_entry(const MsFileRecord &file, const MsLibraryRecord *library);
+
+#endif // ACCESS_P_H

@@ -1,0 +1,108 @@
+// The file registry, and opening and closing.
+
+#include "access_p.h"
+
+#include <QGlobalStatic>
+#include <QHash>
+
+// The one mutable state of the process. It owns its records. It gives null once the process has torn it
+// down: a host may destroy its plugin objects, which close their files, after that.
+using MsFileRegistry = QHash<qint32, MsFileRecord *>;
+Q_GLOBAL_STATIC(MsFileRegistry, registry)
+
+namespace
+{
+
+// Ends an opening that failed after the registration.
+int give_up(int ncid)
+{
+    ncclose(ncid);
+    ms_unregister_file(ncid);
+    return -1;
+}
+
+} // namespace
+
+MsFileRecord *ms_file_record(int ncid)
+{
+    ms_let_failures_return();
+    const MsFileRegistry *files = registry();
+    return files ? files->value(ncid, nullptr) : nullptr;
+}
+
+int ms_register_file(int ncid)
+{
+    MsFileRegistry *files = registry();
+    if (!files || files->contains(ncid))
+        return 0;
+
+    auto file = std::make_unique<MsFileRecord>();
+    file->ncid = ncid;
+    file->experiment_type = MsCentroidedSpectrum;
+    file->mass_format = MsShortFormat;
+    file->time_format = MsShortFormat;
+    file->intensity_format = MsLongFormat;
+    file->has_mass_values = 0;
+    file->has_time_values = 0;
+    for (MsDimension &dimension : file->dimensions)
+        dimension = {-1, 0};
+    for (qint32 &variable : file->variables)
+        variable = -1;
+    file->next_point_index = 0;
+
+    files->insert(ncid, file.get());
+    file.release();
+    return 0;
+}
+
+int ms_unregister_file(int ncid)
+{
+    MsFileRegistry *files = registry();
+    const std::unique_ptr<MsFileRecord> file(files ? files->take(ncid) : nullptr);
+    return file ? 0 : -1;
+}
+
+int ms_open_read(const char *path)
+{
+    if (!path || !*path)
+        return -1;
+
+    ms_let_failures_return();
+    const int ncid = ncopen(path, NC_NOWRITE);
+    if (ncid == -1)
+        return -1;
+
+    ms_register_file(ncid);
+    if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)
+        return give_up(ncid);
+    return ncid;
+}
+
+int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, qint32 instrument_count,
+                  qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
+                  qint32 has_time_values)
+{
+    if (!path || !*path)
+        return -1;
+
+    ms_let_failures_return();
+    const int ncid = nccreate(path, NC_CLOBBER);
+    if (ncid == -1)
+        return -1;
+
+    ms_register_file(ncid);
+    if (ms_define_dimensions(ncid, scan_count, instrument_count) == -1
+        || ms_define_variables(ncid, experiment_type, mass_format, time_format, intensity_format,
+                               has_mass_values, has_time_values)
+            == -1)
+        return give_up(ncid);
+    ncendef(ncid);
+    return ncid;
+}
+
+int ms_close(int ncid)
+{
+    ms_let_failures_return();
+    ncclose(ncid);
+    return ms_unregister_file(ncid);
+}

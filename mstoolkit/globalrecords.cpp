@@ -1,0 +1,35 @@
+// Clearing and releasing the global records.
+
+#include "access_p.h"
+
+namespace
+{
+
+void clear(char release, const MsTable<MsAttributeRow> &table, void *record)
+{
+    if (!record)
+        return;
+    for (const MsAttributeRow &row : table) {
+        if (row.nc_type != NC_CHAR) {
+            ms_set_missing(row.nc_type, &ms_field<char>(record, row.field), 0);
+        } else if (row.enumerated) {
+            ms_field<qint32>(record, row.field) = row.default_code;
+        } else {
+            char *&text = ms_field<char *>(record, row.field);
+            if (release)
+                ms_free(text);
+            text = nullptr;
+        }
+    }
+}
+
+} // namespace
+
+void ms_init_global(char release, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
+                    MsRawGlobalRecord *raw)
+{
+    clear(release, ms_admin_table, admin);
+    clear(release, ms_sample_table, sample);
+    clear(release, ms_test_table, test);
+    clear(release, ms_raw_table, raw);
+}

@@ -1,0 +1,121 @@
+// Reading one scan.
+
+#include "access_p.h"
+
+namespace
+{
+
+int read_numbers(const MsFileRecord &file, MsScanRecord *scan)
+{
+    if (scan->scan_number < 0)
+        return -1;
+    for (const MsVariableRow &row : ms_per_scan_table) {
+        if (ms_read_row(file, row, scan->scan_number, scan) == -1)
+            return -1;
+    }
+    return 0;
+}
+
+// An axis or the intensities, with the nc type of the vectors in memory.
+struct Axis {
+    int varid;
+    qint32 nc_type;
+};
+
+// A vector of the file as a new array in the fixed format of the flags.
+MsBlock<void> read_flags(const MsFileRecord &file, const Axis &axis, qint64 start, qint32 count,
+                         qint32 format)
+{
+    const MsBlock<void> stored = ms_read_vector(file.ncid, axis.varid, axis.nc_type, start, count);
+    if (!stored)
+        return nullptr;
+    MsBlock<void> flags(ms_alloc_array(quint32(count), ms_nc_type_of_format(format, NC_LONG)));
+    ms_transcode_vector(stored.get(), ms_format_of_nc_type(axis.nc_type, format), count, flags.get(),
+                        format, 0);
+    return flags;
+}
+
+// The points of a scan from position `start` on, and the flags directly behind them.
+int read_vectors(const MsFileRecord &file, qint64 start, MsScanRecord *scan)
+{
+    const Axis masses = {file.variables[MsVar_mass_values],
+                         ms_nc_type_of_format(file.mass_format, NC_SHORT)};
+    const Axis times = {file.variables[MsVar_time_values],
+                        ms_nc_type_of_format(file.time_format, NC_SHORT)};
+    const Axis intensities = {file.variables[MsVar_intensity_values],
+                              ms_nc_type_of_format(file.intensity_format, NC_LONG)};
+    const auto read = [&](const Axis &axis) {
+        return ms_read_vector(file.ncid, axis.varid, axis.nc_type, start, scan->point_count).release();
+    };
+
+    Axis flag_axis = {-1, NC_LONG};
+    if (file.has_time_values) {
+        scan->time_values = read(times);
+        if (!scan->time_values)
+            return -1;
+        flag_axis = times;
+    }
+    if (file.has_mass_values) {
+        scan->mass_values = read(masses);
+        if (!scan->mass_values)
+            return -1;
+        flag_axis = masses;
+    }
+    scan->intensity_values = read(intensities);
+    if (!scan->intensity_values)
+        return -1;
+    if (scan->flag_count < 1)
+        return 0;
+
+    const qint64 behind = start + scan->point_count;
+    const auto flags = [&](const Axis &axis, qint32 format) {
+        return read_flags(file, axis, behind, scan->flag_count, format).release();
+    };
+    scan->flagged_peaks = static_cast<qint32 *>(flags(flag_axis, MsLongFormat));
+    if (!scan->flagged_peaks)
+        return -1;
+    scan->flag_values = static_cast<qint16 *>(flags(intensities, MsShortFormat));
+    return scan->flag_values ? 0 : -1;
+}
+
+int read_scan(const MsFileRecord &file, MsScanRecord *scan)
+{
+    if (read_numbers(file, scan) == -1)
+        return -1;
+
+    qint32 scan_index = 0;
+    if (ms_read_counter(file, MsVar_scan_index, scan->scan_number, &scan_index) == -1
+        || ms_read_counter(file, MsVar_point_count, scan->scan_number, &scan->point_count) == -1)
+        return -1;
+    if (ms_read_counter(file, MsVar_flag_count, scan->scan_number, &scan->flag_count) == -1)
+        scan->flag_count = 0;
+
+    scan->mass_values = nullptr;
+    scan->time_values = nullptr;
+    scan->intensity_values = nullptr;
+    scan->flagged_peaks = nullptr;
+    scan->flag_values = nullptr;
+    return scan->point_count < 1 ? 0 : read_vectors(file, scan_index, scan);
+}
+
+} // namespace
+
+int ms_read_scan_header(int ncid, MsScanRecord *scan)
+{
+    const MsFileRecord *file = ms_file_record(ncid);
+    if (!file)
+        return -1;
+    return scan ? read_numbers(*file, scan) : 0;
+}
+
+int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library)
+{
+    const MsFileRecord *file = ms_file_record(ncid);
+    if (!file)
+        return -1;
+    if (scan && read_scan(*file, scan) == -1)
+        return -1;
+    if (!library || file->experiment_type != MsLibrarySpectrum)
+        return 0;
+    return ms_read_library_entry(*file, library);
+}

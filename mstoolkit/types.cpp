@@ -1,0 +1,89 @@
+// nc types, data formats, memory and missing values.
+
+#include "access_p.h"
+
+#include <limits>
+#include <new>
+
+namespace
+{
+
+struct FormatRow {
+    qint32 format;
+    qint32 nc_type;
+    quint32 width;
+};
+
+// clang-format off
+constexpr FormatRow format_rows[] = {
+    {MsShortFormat,  NC_SHORT,  2},
+    {MsLongFormat,   NC_LONG,   4},
+    {MsFloatFormat,  NC_FLOAT,  4},
+    {MsDoubleFormat, NC_DOUBLE, 8},
+};
+// clang-format on
+static_assert(std::size(format_rows) == 4);
+
+} // namespace
+
+qint32 ms_format_of_nc_type(qint32 type, qint32 fallback)
+{
+    for (const FormatRow &row : format_rows) {
+        if (row.nc_type == type)
+            return row.format;
+    }
+    return fallback;
+}
+
+qint32 ms_nc_type_of_format(qint32 format, qint32 fallback)
+{
+    for (const FormatRow &row : format_rows) {
+        if (row.format == format)
+            return row.nc_type;
+    }
+    return fallback;
+}
+
+void *ms_alloc_bytes(std::size_t size)
+{
+    return ::operator new[](size);
+}
+
+void *ms_alloc_array(quint32 count, qint32 type)
+{
+    for (const FormatRow &row : format_rows) {
+        if (row.nc_type != type)
+            continue;
+        const quint64 size = quint64(count) * row.width;
+        return size <= std::numeric_limits<quint32>::max() ? ms_alloc_bytes(size) : nullptr;
+    }
+    return nullptr;
+}
+
+void ms_free(void *block)
+{
+    ::operator delete[](block);
+}
+
+void ms_set_missing(qint32 type, void *array, qint32 index)
+{
+    switch (type) {
+    case NC_BYTE:
+        static_cast<qint8 *>(array)[index] = -1;
+        break;
+    case NC_SHORT:
+        static_cast<qint16 *>(array)[index] = qint16(MsMissingLong);
+        break;
+    case NC_LONG:
+        static_cast<qint32 *>(array)[index] = MsMissingLong;
+        break;
+    case NC_FLOAT:
+        static_cast<float *>(array)[index] = float(MsMissingDouble);
+        break;
+    case NC_DOUBLE:
+        static_cast<double *>(array)[index] = MsMissingDouble;
+        break;
+    default:
+        break;
+    }
+}

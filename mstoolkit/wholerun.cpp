@@ -1,0 +1,107 @@
+// Readers of a variable over a whole run.
+
+#include "access_p.h"
+
+#include "tmath.h"
+
+#include <cmath>
+
+namespace
+{
+
+constexpr int most_masses = 65535;
+
+// Keys to a tenth, cut toward zero: several can become one.
+void lose_a_decimal(QSet<qint32> *masses)
+{
+    QSet<qint32> fewer;
+    fewer.reserve(masses->size());
+    for (const qint32 key : qAsConst(*masses))
+        fewer.insert(key / 10);
+    masses->swap(fewer);
+}
+
+template <class Stored>
+void take_census(const void *vector, qint32 count, double scale, QSet<qint32> *masses, qint32 *decimals)
+{
+    const auto *stored = static_cast<const Stored *>(vector);
+    double power = std::pow(10.0, *decimals);
+    for (qint32 i = 0; i < count; ++i) {
+        const double mass = double(stored[i]) * scale;
+        // Before the mass's own key, and one decimal a mass, however full the set stays.
+        if (masses->size() >= most_masses) {
+            --*decimals;
+            if (*decimals == -1)
+                return;
+            power = std::pow(10.0, *decimals);
+            lose_a_decimal(masses);
+        }
+        masses->insert(TMath::round(mass * power));
+    }
+}
+
+MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count)
+{
+    return MsBlock<double>(
+        static_cast<double *>(ms_read_whole(file, slot, NC_DOUBLE, scan_count).release()));
+}
+
+} // namespace
+
+int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
+{
+    const MsFileRecord *file = ms_file_record(ncid);
+    if (!file)
+        return -1;
+
+    const MsDimension &points = file->dimensions[MsDim_point_number];
+    const qint32 count = points.id != -1 ? points.size : 0;
+    if (!file->has_mass_values || count < 1)
+        return 0;
+
+    const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
+    const MsBlock<void> vector = ms_read_whole(*file, MsVar_mass_values, type, count);
+    if (!vector)
+        return -1;
+    switch (type) {
+    case NC_LONG:
+        take_census<qint32>(vector.get(), count, scale, &masses, decimals);
+        break;
+    case NC_FLOAT:
+        take_census<float>(vector.get(), count, scale, &masses, decimals);
+        break;
+    case NC_DOUBLE:
+        take_census<double>(vector.get(), count, scale, &masses, decimals);
+        break;
+    default:
+        take_census<qint16>(vector.get(), count, scale, &masses, decimals);
+        break;
+    }
+    return 0;
+}
+
+int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times)
+{
+    if (scan_count < 1)
+        return -1;
+    const MsFileRecord *file = ms_file_record(ncid);
+    if (!file)
+        return -1;
+    if (file->variables[MsVar_total_intensity] == -1)
+        return -1;
+
+    *intensities = nullptr;
+    if (times)
+        *times = nullptr;
+    MsBlock<double> total = read_trace(*file, MsVar_total_intensity, scan_count);
+    if (!total)
+        return -1;
+    if (times) {
+        MsBlock<double> time = read_trace(*file, MsVar_scan_acquisition_time, scan_count);
+        if (!time)
+            return -1;
+        *times = time.release();
+    }
+    *intensities = total.release();
+    return 0;
+}

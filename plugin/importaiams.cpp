@@ -1,0 +1,119 @@
+// The plugin's life: making, recognising and opening a file, moving it to a working copy.
+
+#include "importaiams.h"
+
+#include "messageloggerinterface.h"
+
+#include <utility>
+
+namespace
+{
+
+void replaceMissing(double *value, double substitute)
+{
+    if (*value == MsMissingDouble)
+        *value = substitute;
+}
+
+} // namespace
+
+ImportAiaMs::ImportAiaMs() : DVImportParamType(QString())
+{
+    extensionList.append(QStringLiteral(".cdf"));
+    ms_init_global(0, &admin, &sample, &test, &raw);
+    typeText = QStringLiteral("AiaMS");
+}
+
+ImportAiaMs::~ImportAiaMs()
+{
+    releaseRecords();
+    ms_close(fileId);
+    ms_free(ticTimes);
+    ms_free(ticValues);
+}
+
+void ImportAiaMs::releaseRecords()
+{
+    ms_init_global(1, &admin, &sample, &test, &raw);
+    ms_free(std::exchange(admin.error_log, nullptr)); // no row of the tables clears it
+}
+
+bool ImportAiaMs::canImport(TFileBuffer *buffer, const QString &name, QString &text)
+{
+    if (!DVImportInterface::canImport(buffer, name, text))
+        return false;
+    if (!openFile(name))
+        return false;
+    int dimension = -1;
+    return nc_inq_dimid(fileId, "scan_number", &dimension) == NC_NOERR;
+}
+
+int ImportAiaMs::importQueryValue()
+{
+    return 0;
+}
+
+int ImportAiaMs::pluginKind()
+{
+    return 5;
+}
+
+bool ImportAiaMs::openFile(const QString &name)
+{
+    if (fileId != -1)
+        return true;
+
+    fileId = ms_open_read(name.toLatin1().constData());
+    if (fileId == -1) {
+        MessageLoggerInterface::Debug(QStringLiteral("ms_open_read failed!"), nullptr);
+        return false;
+    }
+
+    releaseRecords();
+    if (ms_read_global(fileId, &admin, &sample, &test, &raw) == -1) {
+        MessageLoggerInterface::Debug(QStringLiteral("ms_read_global failed!"), nullptr);
+        releaseRecords();
+        ms_close(fileId);
+        fileId = -1;
+        return false;
+    }
+
+    replaceMissing(&raw.mass_scale_factor, 1.0);
+    replaceMissing(&raw.intensity_scale_factor, 1.0);
+    replaceMissing(&raw.intensity_add_offset, 0.0);
+    replaceMissing(&raw.time_scale_factor, 1.0);
+    fileName = name;
+    return true;
+}
+
+bool ImportAiaMs::reopenForFile(const QString &name)
+{
+    if (!matchExtension(name))
+        return false;
+    releaseRecords();
+    ms_close(fileId);
+    fileId = -1;
+    return openFile(name);
+}
+
+ImportAiaMs *ImportAiaMs::clone()
+{
+    auto *copy = new ImportAiaMs;
+    copy->copyInterface(this);
+    copy->applyToAll = applyToAll;
+    copy->fileId = std::exchange(fileId, -1);
+    copy->timeDivisor = timeDivisor;
+
+    // The text blocks go with the pointers, so they aren't freed here.
+    copy->admin = admin;
+    copy->sample = sample;
+    copy->test = test;
+    copy->raw = raw;
+    ms_init_global(0, &admin, &sample, &test, &raw);
+    admin.error_log = nullptr;
+
+    copy->modulation = modulation;
+    if (!applyToAll)
+        modulation = 0;
+    return copy;
+}

@@ -1,0 +1,34 @@
+// Reading of a single global text attribute, outside the records.
+
+#include "importaiams.h"
+
+#include "ttestingmacros.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+int ImportAiaMs::readGlobalTextAttribute(const char *name, char *buffer, int size)
+{
+    if (!buffer || size < 1)
+        return 0;
+    buffer[0] = '\0';
+    if (!name)
+        return 0;
+
+    // nc_get_att_text gives bytes of text attributes only; all others it refuses.
+    std::size_t length = 0;
+    if (nc_inq_attlen(fileId, NC_GLOBAL, name, &length) != NC_NOERR)
+        return 0;
+    std::vector<char> text(length + 1, '\0');
+    if (nc_get_att_text(fileId, NC_GLOBAL, name, text.data()) != NC_NOERR)
+        return 0;
+
+    const std::size_t copied = std::min(std::strlen(text.data()), std::size_t(size) - 1);
+    std::memcpy(buffer, text.data(), copied);
+    buffer[copied] = '\0';
+    testingMessageOutput(
+        2, nullptr,
+        QStringLiteral("%1 = %2").arg(QString::fromLatin1(name), QString::fromLatin1(buffer)));
+    return 1;
+}

@@ -1,0 +1,98 @@
+// One scan: its time, its total abundance, its abundances at positions of the table.
+
+#include "importaiams.h"
+
+#include "dvheader.h"
+#include "tmath.h"
+
+#include <algorithm>
+
+namespace
+{
+
+// Points for which the caller's arrays have room.
+constexpr int scanCapacity = 1 << 24;
+
+// A scan record for the length of one call.
+class Scan : public MsScanRecord
+{
+public:
+    explicit Scan(int number)
+    {
+        ms_init_per_scan(0, this, nullptr);
+        scan_number = number;
+    }
+    ~Scan() { ms_init_per_scan(1, this, nullptr); }
+
+private:
+    Q_DISABLE_COPY(Scan)
+};
+
+// Calls `use` with the vector's first element, as a pointer of the format's type.
+template <class Use> void withFormat(qint32 format, const void *vector, Use use)
+{
+    switch (format) {
+    case MsShortFormat:
+        return use(static_cast<const qint16 *>(vector));
+    case MsLongFormat:
+        return use(static_cast<const qint32 *>(vector));
+    case MsFloatFormat:
+        return use(static_cast<const float *>(vector));
+    case MsDoubleFormat:
+        return use(static_cast<const double *>(vector));
+    default:
+        return;
+    }
+}
+
+} // namespace
+
+double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
+                               float *abundances, unsigned short *positions)
+{
+    *pointCount = 0;
+    const double interpolated = scan * samplingInterval;
+    if (tableSize < 1) {
+        *time = ticTimes ? ticTimes[scan] : interpolated + header->getDelay();
+        return ticValues ? ticValues[scan] : 0.0;
+    }
+
+    Scan record(scan);
+    if (ms_read_per_scan(fileId, &record, nullptr) == -1 || record.point_count > scanCapacity) {
+        *time = interpolated + header->getDelay();
+        return 0.0;
+    }
+
+    const int count = std::max(record.point_count, 0);
+    double total = 0.0;
+    const auto placeAll = [&](const auto *masses, const auto *intensities) {
+        for (int i = 0; i < count; ++i) {
+            const double mass = double(masses[i]) * raw.mass_scale_factor;
+            const double intensity =
+                double(intensities[i]) * raw.intensity_scale_factor + raw.intensity_add_offset;
+            bool found = false;
+            const unsigned short position =
+                findTablePosition(tableMass(TMath::round(mass * massFactor)), table, tableSize, &found);
+            abundances[i] = found ? float(intensity) : 0.0f;
+            positions[i] = found ? position : 0;
+            total += intensity;
+        }
+    };
+    // The stored formats: the attributes that name a format needn't agree with the data.
+    const MsFileRecord *file = ms_file_record(fileId);
+    if (count > 0) {
+        withFormat(file->mass_format, record.mass_values, [&](const auto *masses) {
+            withFormat(file->intensity_format, record.intensity_values,
+                       [&](const auto *intensities) { placeAll(masses, intensities); });
+        });
+    }
+    *pointCount = count;
+
+    if (header->getModulation() > 0.0f)
+        *time = interpolated;
+    else if (record.scan_acquisition_time == MsMissingDouble)
+        *time = interpolated + header->getDelay();
+    else
+        *time = record.scan_acquisition_time / timeDivisor;
+    return total;
+}
