@@ -153,6 +153,19 @@ MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qin
     return ms_read_vector(file.ncid, varid, type, 0, count);
 }
 
+int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target)
+{
+    MsShape shape;
+    const int varid = file.variables[slot];
+    if (!ms_inquire_shape(file.ncid, varid, &shape) || shape.rank != 2 || !is_number(shape.type))
+        return -1;
+    const std::size_t start[2] = {std::size_t(line), 0};
+    const std::size_t count[2] = {1, std::size_t(width)};
+    if (start[0] >= shape.length[0] || count[1] > shape.length[1])
+        return -1;
+    return nc_get_vara_double(file.ncid, varid, start, count, target) == NC_NOERR ? 0 : -1;
+}
+
 int ms_read_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, void *record)
 {
     if (index < 0)

@@ -72,6 +72,9 @@ MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qin
 // Reads a variable whole. Null also where it hasn't got one dimension of exactly `count` elements.
 MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count);
 
+// Reads the first `width` numbers of line `line` of a variable of two dimensions.
+int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target);
+
 // Reads or writes a row of one number, or of one text, at `index` along its first dimension. Reading an
 // absent variable gives the missing value or null. -1: a negative index, another rank, a failed
 // transfer of a number, a failed write of a text.
