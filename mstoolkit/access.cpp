@@ -2,6 +2,8 @@
 
 #include "access_p.h"
 
+#include "missingdata_p.h"
+
 #include "messageloggerinterface.h"
 
 #include <limits>
@@ -50,11 +52,10 @@ int fetch_stretch_as(int ncid, int varid, const std::size_t *start, const std::s
 int read_number_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, void *record)
 {
     void *field = &ms_field<char>(record, row.field);
-    const std::size_t at = std::size_t(index);
-    switch (ms_fetch_number(file.ncid, ms_variable(file, row), &at, row.nc_type, field)) {
+    switch (ms_fetch_number(file.ncid, ms_variable(file, row), std::size_t(index), row.nc_type, field)) {
     case MsFetch::Read:
         return 0;
-    case MsFetch::Unconvertible:
+    case MsFetch::None:
         ms_set_missing(row.nc_type, field, 0);
         return 0;
     default:
@@ -101,28 +102,30 @@ MsPresence ms_check_variable(const MsFileRecord &file, const MsVariableRow &row)
     return MsPresence::Present;
 }
 
-MsFetch ms_fetch_number(int ncid, int varid, const std::size_t *index, qint32 type, void *target)
+MsFetch ms_fetch_number(int ncid, int varid, std::size_t index, qint32 type, void *target)
 {
     nc_type stored = NC_NAT;
     if (nc_inq_vartype(ncid, varid, &stored) != NC_NOERR)
         return MsFetch::Failed;
     if (!is_number(stored))
-        return MsFetch::Unconvertible;
+        return MsFetch::None;
 
-    const int status = fetch_as(ncid, varid, index, type, target);
-    if (status == NC_ERANGE)
-        return MsFetch::Unconvertible;
-    return status == NC_NOERR ? MsFetch::Read : MsFetch::Failed;
+    const int status = fetch_as(ncid, varid, &index, type, target);
+    if (status != NC_NOERR && status != NC_ERANGE)
+        return MsFetch::Failed;
+    const std::size_t one = 1;
+    return status == NC_NOERR && ms_is_stored(ncid, varid, 1, &index, &one) ? MsFetch::Read
+                                                                            : MsFetch::None;
 }
 
 int ms_read_counter(const MsFileRecord &file, int slot, qint32 index, qint32 *value)
 {
     MsShape shape;
     const int varid = file.variables[slot];
-    const std::size_t at = std::size_t(index);
     if (!ms_inquire_shape(file.ncid, varid, &shape) || shape.rank != 1)
         return -1;
-    return ms_fetch_number(file.ncid, varid, &at, NC_LONG, value) == MsFetch::Read ? 0 : -1;
+    return ms_fetch_number(file.ncid, varid, std::size_t(index), NC_LONG, value) == MsFetch::Read ? 0
+                                                                                                  : -1;
 }
 
 MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qint64 count)
@@ -134,23 +137,25 @@ MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qin
         || count > std::numeric_limits<quint32>::max())
         return nullptr;
 
+    const std::size_t from = std::size_t(start);
+    const std::size_t size = std::size_t(count);
+    if (!ms_is_stored(ncid, varid, 1, &from, &size))
+        return nullptr;
     MsBlock<void> vector(ms_alloc_array(quint32(count), type));
     if (!vector)
         return nullptr;
-    const std::size_t from = std::size_t(start);
-    const std::size_t size = std::size_t(count);
     const int status = fetch_stretch_as(ncid, varid, &from, &size, type, vector.get());
     return status == NC_NOERR ? std::move(vector) : nullptr;
 }
 
-MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count)
+MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted)
 {
     MsShape shape;
     const int varid = file.variables[slot];
     if (!ms_inquire_shape(file.ncid, varid, &shape) || shape.rank != 1
         || shape.length[0] != std::size_t(count))
         return nullptr;
-    return ms_read_vector(file.ncid, varid, type, 0, count);
+    return ms_read_vector(file.ncid, varid, type, 0, wanted);
 }
 
 int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target)
@@ -161,7 +166,8 @@ int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, 
         return -1;
     const std::size_t start[2] = {std::size_t(line), 0};
     const std::size_t count[2] = {1, std::size_t(width)};
-    if (start[0] >= shape.length[0] || count[1] > shape.length[1])
+    if (start[0] >= shape.length[0] || count[1] < 1 || count[1] > shape.length[1]
+        || !ms_is_stored(file.ncid, varid, 2, start, count))
         return -1;
     return nc_get_vara_double(file.ncid, varid, start, count, target) == NC_NOERR ? 0 : -1;
 }

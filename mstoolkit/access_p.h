@@ -52,13 +52,12 @@ MsPresence ms_check_variable(const MsFileRecord &file, const MsVariableRow &row)
 
 enum class MsFetch {
     Read,
-    Unconvertible, // the number can't be held by the type wanted, or is no number
+    None, // no number that `type` can hold, or one beyond the end of a file that is cut off
     Failed
 };
 
-// Reads the number at `index` (as many as the variable's rank) and converts it to `type`, NC_SHORT to
-// NC_DOUBLE.
-MsFetch ms_fetch_number(int ncid, int varid, const std::size_t *index, qint32 type, void *target);
+// Reads element `index` of a variable of one dimension and converts it to `type`, NC_SHORT to NC_DOUBLE.
+MsFetch ms_fetch_number(int ncid, int varid, std::size_t index, qint32 type, void *target);
 
 // Reads element `index` of one of the counters over scan_number. -1 if it can't be read as a 32-bit
 // number.
@@ -69,8 +68,8 @@ int ms_read_counter(const MsFileRecord &file, int slot, qint32 index, qint32 *va
 // allocated where the file can't have that many.
 MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qint64 count);
 
-// Reads a variable whole. Null also where it hasn't got one dimension of exactly `count` elements.
-MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count);
+// Reads the first `wanted` elements of a variable that has to have one dimension of exactly `count`.
+MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted);
 
 // Reads the first `width` numbers of line `line` of a variable of two dimensions.
 int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target);

@@ -1,6 +1,10 @@
 // The file registry, and opening and closing.
 
 #include "access_p.h"
+#include "classicheader_p.h"
+#include "missingdata_p.h"
+
+#include "messageloggerinterface.h"
 
 #include <QGlobalStatic>
 #include <QHash>
@@ -12,6 +16,29 @@ Q_GLOBAL_STATIC(MsFileRegistry, registry)
 
 namespace
 {
+
+QString shown_name(const char *path)
+{
+    return QString::fromLatin1(path).toHtmlEscaped();
+}
+
+void report_damage(const char *path)
+{
+    MessageLoggerInterface::Error(
+        QStringLiteral("File <b>%1</b> is damaged: its header can't be right").arg(shown_name(path)),
+        nullptr);
+}
+
+// Says what is missing, and sees to it that it isn't read as zeros.
+void report_missing_data(int ncid, const char *path, const MsClassicLayout &layout)
+{
+    ms_note_short_file(ncid, layout);
+    MessageLoggerInterface::Warning(
+        QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
+            .arg(shown_name(path), QString::number(layout.needed - layout.length),
+                 QString::number(layout.needed)),
+        nullptr);
+}
 
 // Ends an opening that failed after the registration.
 int give_up(int ncid)
@@ -57,6 +84,7 @@ int ms_register_file(int ncid)
 
 int ms_unregister_file(int ncid)
 {
+    ms_forget_short_file(ncid);
     MsFileRegistry *files = registry();
     const std::unique_ptr<MsFileRecord> file(files ? files->take(ncid) : nullptr);
     return file ? 0 : -1;
@@ -67,12 +95,19 @@ int ms_open_read(const char *path)
     if (!path || !*path)
         return -1;
 
+    MsClassicLayout layout;
+    if (ms_inspect_header(path, &layout) == MsHeader::Damaged) {
+        report_damage(path);
+        return -1;
+    }
     ms_let_failures_return();
     const int ncid = ncopen(path, NC_NOWRITE);
     if (ncid == -1)
         return -1;
 
     ms_register_file(ncid);
+    if (layout.length < layout.needed)
+        report_missing_data(ncid, path, layout);
     if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)
         return give_up(ncid);
     return ncid;

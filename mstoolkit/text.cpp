@@ -1,6 +1,7 @@
 // Texts in a file: enumerated attributes, text variables, the dashed spelling of names.
 
 #include "access_p.h"
+#include "missingdata_p.h"
 
 #include <algorithm>
 #include <cstring>
@@ -48,7 +49,8 @@ bool fetch_text(int ncid, int varid, TextPlace place, qint32 width, std::string 
     while (left > 0) {
         const std::size_t size = std::min(left, piece);
         const std::size_t count[2] = {place.rank == 1 ? size : 1, size};
-        if (nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR)
+        if (!ms_is_stored(ncid, varid, place.rank, place.start, count)
+            || nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR)
             return false;
         const auto end = buffer.begin() + std::ptrdiff_t(size);
         const auto nul = std::find(buffer.begin(), end, '\0');

@@ -1,9 +1,11 @@
 // Readers of a variable over a whole run.
 
 #include "access_p.h"
+#include "missingdata_p.h"
 
 #include "tmath.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -40,10 +42,26 @@ void take_census(const void *vector, qint32 count, double scale, QSet<qint32> *m
     }
 }
 
+// What a file that is cut off still has of a variable over the whole run.
+qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
+{
+    return qint32(ms_stored_elements(file.ncid, file.variables[slot], std::size_t(count)));
+}
+
+// Numbers beyond the end of a file that is cut off are missing.
 MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count)
 {
-    return MsBlock<double>(
-        static_cast<double *>(ms_read_whole(file, slot, NC_DOUBLE, scan_count).release()));
+    const qint32 stored = stored_elements(file, slot, scan_count);
+    MsBlock<void> numbers = ms_read_whole(file, slot, NC_DOUBLE, scan_count, stored);
+    if (!numbers || stored == scan_count)
+        return MsBlock<double>(static_cast<double *>(numbers.release()));
+
+    MsBlock<double> trace(static_cast<double *>(ms_alloc_array(quint32(scan_count), NC_DOUBLE)));
+    if (!trace)
+        return nullptr;
+    const double *first = static_cast<const double *>(numbers.get());
+    std::fill(std::copy(first, first + stored, trace.get()), trace.get() + scan_count, MsMissingDouble);
+    return trace;
 }
 
 } // namespace
@@ -60,21 +78,22 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
         return 0;
 
     const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
-    const MsBlock<void> vector = ms_read_whole(*file, MsVar_mass_values, type, count);
+    const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
+    const MsBlock<void> vector = ms_read_whole(*file, MsVar_mass_values, type, count, stored);
     if (!vector)
         return -1;
     switch (type) {
     case NC_LONG:
-        take_census<qint32>(vector.get(), count, scale, &masses, decimals);
+        take_census<qint32>(vector.get(), stored, scale, &masses, decimals);
         break;
     case NC_FLOAT:
-        take_census<float>(vector.get(), count, scale, &masses, decimals);
+        take_census<float>(vector.get(), stored, scale, &masses, decimals);
         break;
     case NC_DOUBLE:
-        take_census<double>(vector.get(), count, scale, &masses, decimals);
+        take_census<double>(vector.get(), stored, scale, &masses, decimals);
         break;
     default:
-        take_census<qint16>(vector.get(), count, scale, &masses, decimals);
+        take_census<qint16>(vector.get(), stored, scale, &masses, decimals);
         break;
     }
     return 0;

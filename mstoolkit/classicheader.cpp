@@ -1,0 +1,278 @@
+// Walking the header of a classic netCDF file.
+
+#include "classicheader_p.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <limits>
+
+namespace
+{
+
+constexpr quint64 largest = quint64(std::numeric_limits<qint64>::max());
+constexpr quint32 dimensionTag = 0x0A;
+constexpr quint32 variableTag = 0x0B;
+constexpr quint32 attributeTag = 0x0C;
+
+// Sums and products that stop at the largest length a file can have.
+quint64 sum(quint64 a, quint64 b)
+{
+    return a > largest - std::min(b, largest) ? largest : a + b;
+}
+
+quint64 product(quint64 a, quint64 b)
+{
+    return a != 0 && b > largest / a ? largest : a * b;
+}
+
+quint64 padded(quint64 size)
+{
+    return sum(size, 3) & ~quint64(3);
+}
+
+// Bytes of an element by nc type, NC_BYTE to NC_UINT64; the last five are of CDF-5.
+constexpr std::array<quint64, 12> typeWidths = {0, 1, 1, 2, 4, 4, 8, 1, 2, 4, 8, 8};
+
+// Reads a header from front to back. What can't be right makes it fail, and it stays failed: all
+// further numbers are 0.
+class Walk
+{
+public:
+    explicit Walk(const char *path);
+
+    bool isClassic();
+    bool run(MsClassicLayout *layout);
+
+private:
+    struct Variable {
+        std::vector<quint64> dimensions;
+        quint64 width;
+        quint64 begin;
+    };
+
+    quint64 left() const { return length - position; }
+    bool fail();
+    void skip(quint64 size);
+    quint64 number(int bytes);
+    quint64 word() { return number(4); }
+    quint64 size() { return number(version == 5 ? 8 : 4); }
+    quint64 offset() { return number(version == 1 ? 4 : 8); }
+    quint64 count(quint32 tag, quint64 leastSize);
+    quint64 typeWidth();
+    void skipName() { skip(padded(size())); }
+    void skipAttributes();
+    void readDimensions();
+    void readVariables();
+    quint64 elements(const Variable &variable, std::size_t first) const;
+    bool isRecord(const Variable &variable) const;
+    void lay(MsClassicLayout *layout) const;
+    quint64 recordSize() const;
+
+    std::ifstream file; // takes the bytes of a path as they are
+    quint64 length = 0;
+    quint64 position = 0;
+    int version = 0;
+    bool sound = true;
+    quint64 records = 0;
+    std::vector<quint64> dimensions; // 0: the unlimited one
+    std::vector<Variable> variables;
+};
+
+Walk::Walk(const char *path) : file(path, std::ios::binary)
+{
+    if (file.seekg(0, std::ios::end))
+        length = quint64(file.tellg());
+    file.seekg(0);
+}
+
+bool Walk::fail()
+{
+    sound = false;
+    return false;
+}
+
+void Walk::skip(quint64 size)
+{
+    // Padding at the very end may be missing.
+    if (size > left() + 3) {
+        fail();
+        return;
+    }
+    position += std::min(size, left());
+    file.seekg(std::streamoff(position));
+}
+
+quint64 Walk::number(int bytes)
+{
+    std::array<char, 8> raw{};
+    if (!sound || !file.read(raw.data() + 8 - bytes, bytes)) {
+        fail();
+        return 0;
+    }
+    position += quint64(bytes);
+    return qFromBigEndian<quint64>(raw.data());
+}
+
+// The length of a list whose entries take `leastSize` bytes or more each.
+quint64 Walk::count(quint32 tag, quint64 leastSize)
+{
+    const quint64 found = word();
+    const quint64 entries = size();
+    if ((found != tag && (found != 0 || entries != 0)) || entries > left() / leastSize) {
+        fail();
+        return 0;
+    }
+    return entries;
+}
+
+quint64 Walk::typeWidth()
+{
+    const quint64 type = word();
+    if (type < 1 || type >= typeWidths.size()) {
+        fail();
+        return 0;
+    }
+    return typeWidths[std::size_t(type)];
+}
+
+void Walk::skipAttributes()
+{
+    const quint64 entries = count(attributeTag, 12);
+    for (quint64 i = 0; sound && i < entries; ++i) {
+        skipName();
+        const quint64 width = typeWidth();
+        skip(padded(product(size(), width)));
+    }
+}
+
+void Walk::readDimensions()
+{
+    const quint64 entries = count(dimensionTag, 8);
+    for (quint64 i = 0; sound && i < entries; ++i) {
+        skipName();
+        dimensions.push_back(size());
+    }
+}
+
+void Walk::readVariables()
+{
+    const quint64 entries = count(variableTag, 28);
+    for (quint64 i = 0; sound && i < entries; ++i) {
+        Variable variable;
+        skipName();
+        const quint64 rank = size();
+        if (rank > left() / 4) {
+            fail();
+            return;
+        }
+        for (quint64 j = 0; sound && j < rank; ++j) {
+            const quint64 id = size();
+            if (id >= dimensions.size()) {
+                fail();
+                return;
+            }
+            variable.dimensions.push_back(dimensions[std::size_t(id)]);
+        }
+        skipAttributes();
+        variable.width = typeWidth();
+        size(); // the stored size is only a help; the library, too, makes its own
+        variable.begin = offset();
+        if (variable.begin > largest)
+            fail();
+        variables.push_back(std::move(variable));
+    }
+}
+
+bool Walk::isRecord(const Variable &variable) const
+{
+    return !variable.dimensions.empty() && variable.dimensions.front() == 0;
+}
+
+// Elements over the dimensions from `first` on.
+quint64 Walk::elements(const Variable &variable, std::size_t first) const
+{
+    quint64 result = 1;
+    for (std::size_t i = first; i < variable.dimensions.size(); ++i)
+        result = product(result, variable.dimensions[i]);
+    return result;
+}
+
+// Bytes from one record to the next. The only record variable of a file isn't padded.
+quint64 Walk::recordSize() const
+{
+    quint64 result = 0;
+    quint64 unpadded = 0;
+    int found = 0;
+    for (const Variable &variable : variables) {
+        if (!isRecord(variable))
+            continue;
+        unpadded = product(elements(variable, 1), variable.width);
+        result = sum(result, padded(unpadded));
+        ++found;
+    }
+    return found == 1 ? unpadded : result;
+}
+
+void Walk::lay(MsClassicLayout *layout) const
+{
+    layout->length = length;
+    layout->needed = 0;
+    layout->variables.clear();
+    const quint64 stride = recordSize();
+    for (const Variable &variable : variables) {
+        MsVariableExtent extent;
+        extent.begin = variable.begin;
+        extent.width = variable.width;
+        extent.line = elements(variable, 1);
+        const quint64 lineSize = product(extent.line, extent.width);
+        extent.stride = isRecord(variable) ? stride : lineSize;
+        layout->variables.push_back(extent);
+
+        const quint64 lines = isRecord(variable) ? records
+            : variable.dimensions.empty()        ? 1
+                                                 : variable.dimensions.front();
+        if (lines == 0 || lineSize == 0)
+            continue;
+        const quint64 end = sum(sum(extent.begin, product(lines - 1, extent.stride)), lineSize);
+        layout->needed = std::max(layout->needed, end);
+    }
+}
+
+bool Walk::isClassic()
+{
+    std::array<char, 4> magic{};
+    if (!file.read(magic.data(), 4) || magic[0] != 'C' || magic[1] != 'D' || magic[2] != 'F')
+        return false;
+    position = magic.size();
+    version = magic[3];
+    return version == 1 || version == 2 || version == 5;
+}
+
+bool Walk::run(MsClassicLayout *layout)
+{
+    records = size();
+    // All ones: the writer left the number to be found from the file's length.
+    const quint64 streaming = version == 5 ? ~quint64(0) : 0xFFFFFFFFu;
+    if (records == streaming)
+        records = 0;
+    readDimensions();
+    skipAttributes();
+    readVariables();
+    if (!sound)
+        return false;
+    lay(layout);
+    return layout->needed < largest;
+}
+
+} // namespace
+
+MsHeader ms_inspect_header(const char *path, MsClassicLayout *layout)
+{
+    Walk walk(path);
+    if (!walk.isClassic())
+        return MsHeader::NotClassic;
+    return walk.run(layout) ? MsHeader::Sound : MsHeader::Damaged;
+}

@@ -1,0 +1,33 @@
+// Private to the toolkit: a look at the header of a file of the classic kinds (CDF-1, CDF-2, CDF-5)
+// before the netCDF library gets it. The library trusts the header's counts, and reads zeros where a file
+// ends before its header says. The grammar is that of "The NetCDF Classic Format Specification".
+#ifndef CLASSICHEADER_P_H
+#define CLASSICHEADER_P_H
+
+#include <QtGlobal>
+
+#include <vector>
+
+// Where the elements of one variable lie.
+struct MsVariableExtent {
+    quint64 begin = 0;
+    quint64 width = 0;  // bytes of an element
+    quint64 line = 1;   // elements of one step along the first dimension
+    quint64 stride = 0; // bytes from one step along the first dimension to the next
+};
+
+struct MsClassicLayout {
+    std::vector<MsVariableExtent> variables; // by netCDF id
+    quint64 needed = 0;                      // bytes that the file has to have
+    quint64 length = 0;                      // bytes that it has
+};
+
+enum class MsHeader {
+    NotClassic, // another kind of file, or one that can't be read: netCDF's to judge
+    Sound,      // safe to hand to netCDF, though the data may be cut off
+    Damaged     // counts, names, lengths or places that can't be right
+};
+
+MsHeader ms_inspect_header(const char *path, MsClassicLayout *layout);
+
+#endif // CLASSICHEADER_P_H
