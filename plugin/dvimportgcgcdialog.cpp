@@ -1,0 +1,89 @@
+#include "dvimportgcgcdialog.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpacerItem>
+#include <QTextBoundaryFinder>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace
+{
+
+// Names up to this length fit in a line, and are shown untouched.
+constexpr int lineLength = 40;
+
+// A label wraps between words only, so a long name without blanks would make the dialog wider than the
+// screen. Zero-width spaces let it wrap at any character.
+QString breakableName(const QString &name)
+{
+    if (name.size() <= lineLength)
+        return name;
+    QString breakable;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, name);
+    for (int start = 0, end = finder.toNextBoundary(); end != -1; end = finder.toNextBoundary()) {
+        breakable += name.mid(start, end - start) + QChar(0x200B);
+        start = end;
+    }
+    return breakable;
+}
+
+} // namespace
+
+// The calls of translate stand in full, as lupdate finds them only so.
+DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
+    : QDialog(parent, Qt::WindowTitleHint | Qt::WindowSystemMenuHint), modulationSpin(new QDoubleSpinBox),
+      applyCheck(new QCheckBox(QCoreApplication::translate(
+          "TApplicationTranslator", "Apply those parameters to all files of that type",
+          "Appliquer ce paramètrage à tous les fichiers de ce type", -1))),
+      yesButton(new QPushButton(QCoreApplication::translate("TApplicationTranslator", "Yes", "Oui", -1)))
+{
+    setWindowTitle(QCoreApplication::translate("TApplicationTranslator", "CDF import parameters",
+                                               "Paramètres d'importation du format CDF", -1));
+
+    auto *question = new QLabel(
+        QCoreApplication::translate("TApplicationTranslator", "Is <b>%1</b> file a GCxGC analysis?",
+                                    "Le fichier <b>%1</b> est-il une analyse de GCxGC ?", -1)
+            .arg(breakableName(fileName).toHtmlEscaped()));
+    question->setTextFormat(Qt::RichText);
+    question->setWordWrap(true);
+
+    modulationSpin->setRange(0.0, 100.0);
+    // Selected as the dialog opens, so that typing replaces the 0.00; showing a spin box deselects it.
+    QTimer::singleShot(0, modulationSpin, &QAbstractSpinBox::selectAll);
+    auto *lengthRow = new QHBoxLayout;
+    lengthRow->addWidget(new QLabel(QCoreApplication::translate(
+        "TApplicationTranslator", "Modulation length: ", "Période de modulation :", -1)));
+    lengthRow->addWidget(modulationSpin);
+
+    auto *noButton =
+        new QPushButton(QCoreApplication::translate("TApplicationTranslator", "No", "Non", -1));
+    auto *buttonRow = new QHBoxLayout;
+    buttonRow->addItem(new QSpacerItem(150, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
+    buttonRow->addWidget(yesButton);
+    buttonRow->addWidget(noButton);
+
+    auto *rows = new QVBoxLayout(this);
+    rows->addWidget(question);
+    rows->addLayout(lengthRow);
+    rows->addWidget(applyCheck);
+    rows->addLayout(buttonRow);
+
+    connect(yesButton, &QAbstractButton::clicked, this, &DVImportGCGCDialog::accept);
+    connect(noButton, &QAbstractButton::clicked, this, &DVImportGCGCDialog::accept);
+}
+
+DVImportGCGCDialog::~DVImportGCGCDialog() = default;
+
+void DVImportGCGCDialog::accept()
+{
+    const auto *button = qobject_cast<QPushButton *>(sender());
+    isGCxGC_ = button && button == yesButton;
+    modulationLength_ = modulationSpin->value();
+    applyToAll_ = applyCheck->isChecked();
+    QDialog::accept();
+}

@@ -1,0 +1,25 @@
+// The parameters that a file doesn't hold and the user is asked for.
+#include "importaiams.h"
+
+#include "dvimportgcgcdialog.h"
+
+#include <QFileInfo>
+
+int ImportAiaMs::askParameters(QWidget *parent)
+{
+    if (applyToAll)
+        return 0;
+
+    DVImportGCGCDialog dialog(parent, QFileInfo(fileName).fileName());
+    dialog.exec();
+    applyToAll = dialog.applyToAll();
+    // "No" leaves the length alone: clone() has set it back to 0 after the last file.
+    if (dialog.isGCxGC())
+        modulation = static_cast<float>(dialog.modulationLength());
+    return 0;
+}
+
+bool ImportAiaMs::paramTypeFlag()
+{
+    return true;
+}
