@@ -5,7 +5,7 @@
 
 #include "dvimportinterface.h"
 
-#include <memory>
+#include <vector>
 
 class DVHeader;
 class DVImportReceiver;
@@ -63,7 +63,13 @@ protected:
     float modulation = 0;
 
 private:
+    static constexpr int rememberedBits = 16;
+    static constexpr std::size_t rememberedCount = std::size_t(1) << rememberedBits;
+
+    bool run();
+
     DVImportReceiver *receiver = nullptr;
+    std::vector<quint16> rememberedPositions; // by a mass's bits; see findTablePosition
 };
 
 #endif // DVIMPORTANALYSISINTERFACE_H

@@ -43,6 +43,7 @@ public:
 
 protected:
     bool isCanceled() const { return canceled; }
+    void resetCanceled() { canceled = false; }
     void copyImportState(const DVImportInterface &source);
 
     QList<QString> extensionList; // with the dot

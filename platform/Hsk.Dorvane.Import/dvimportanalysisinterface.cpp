@@ -1,0 +1,137 @@
+#include "dvimportanalysisinterface.h"
+
+#include "dvheader.h"
+#include "dvimportreceiver.h"
+#include "messageloggerinterface.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace
+{
+
+// Receives what nobody wants.
+class NoReceiver : public DVImportReceiver
+{
+public:
+    void analysisStarted(const DVHeader &, const float *, int) override { }
+    void scanImported(int, double, double, int, const float *, const unsigned short *) override { }
+    void progressChanged(int, int) override { }
+};
+
+bool isFirstAt(float mass, const float *table, int index)
+{
+    return table[index] == mass && (index == 0 || table[index - 1] != mass);
+}
+
+} // namespace
+
+DVImportAnalysisInterface::DVImportAnalysisInterface() : rememberedPositions(rememberedCount, 0)
+{
+}
+
+DVImportAnalysisInterface::~DVImportAnalysisInterface() = default;
+
+bool DVImportAnalysisInterface::import(const QString &name, const QString &, const QString &,
+                                       TFileBuffer *)
+{
+    try {
+        return run();
+    } catch (const std::bad_alloc &) {
+        MessageLoggerInterface::Error(
+            QStringLiteral("There isn't enough memory to import <b>%1</b>").arg(name.toHtmlEscaped()),
+            nullptr);
+        return false;
+    }
+}
+
+bool DVImportAnalysisInterface::run()
+{
+    resetCanceled();
+    header = nullptr;
+    struct HeaderOwner {
+        DVHeader *&header;
+        ~HeaderOwner() { delete std::exchange(header, nullptr); }
+    } const owner{header};
+    if (!importHeader())
+        return false;
+
+    float *masses = nullptr;
+    const int tableSize = importMassTable(&masses);
+    const std::unique_ptr<float[]> table(masses);
+
+    NoReceiver nobody;
+    DVImportReceiver &target = receiver ? *receiver : nobody;
+    target.analysisStarted(*header, table.get(), tableSize);
+
+    // Room for any scan, uncleared: of memory that nobody touches the system makes no pages.
+    const std::unique_ptr<float[]> abundances(new float[scanCapacity]);
+    const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
+    const int count = header->getNbScans();
+    const int step = std::max(count / 100, 1);
+    for (int scan = 0; scan < count; ++scan) {
+        if (isCanceled())
+            return false;
+        double time = 0.0;
+        int points = 0;
+        const double total =
+            importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
+        target.scanImported(scan, time, total, points, abundances.get(), positions.get());
+        if ((scan + 1) % step == 0)
+            target.progressChanged(scan + 1, count);
+    }
+    return true;
+}
+
+float DVImportAnalysisInterface::modulationPeriod()
+{
+    return modulation;
+}
+
+void DVImportAnalysisInterface::setReceiver(DVImportReceiver *newReceiver)
+{
+    receiver = newReceiver;
+}
+
+void DVImportAnalysisInterface::setModulation(float length)
+{
+    modulation = length;
+}
+
+void DVImportAnalysisInterface::copyInterface(PluginInterface *source)
+{
+    const auto *analysis = dynamic_cast<DVImportAnalysisInterface *>(source);
+    if (!analysis)
+        return;
+    copyImportState(*analysis);
+    receiver = analysis->receiver;
+}
+
+// A run asks for the same few thousand masses millions of times, and a binary search mispredicts at each
+// step. So the position last found for a mass with these low bits is tried first. It is believed only
+// after a look at the table itself, so that it can't be wrong, whatever table the caller hands in.
+unsigned short DVImportAnalysisInterface::findTablePosition(float mass, float *table, int size,
+                                                            bool *found)
+{
+    quint32 bits = 0;
+    static_assert(sizeof bits == sizeof mass);
+    std::memcpy(&bits, &mass, sizeof bits);
+    // Neighbouring masses differ in the middle of the number; the product brings that to the top.
+    quint16 &remembered = rememberedPositions[bits * 2654435761u >> (32 - rememberedBits)];
+    if (remembered < size && isFirstAt(mass, table, remembered)) {
+        *found = true;
+        return remembered;
+    }
+
+    const float *end = table + std::max(size, 0);
+    const float *place = std::lower_bound(static_cast<const float *>(table), end, mass);
+    *found = place != end && *place == mass && place - table <= std::numeric_limits<quint16>::max();
+    if (!*found)
+        return 0;
+    remembered = static_cast<quint16>(place - table);
+    return remembered;
+}

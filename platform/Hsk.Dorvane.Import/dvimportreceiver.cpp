@@ -1,0 +1,3 @@
+#include "dvimportreceiver.h"
+
+DVImportReceiver::~DVImportReceiver() = default;

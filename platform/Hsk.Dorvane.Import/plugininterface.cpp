@@ -1,0 +1,3 @@
+#include "plugininterface.h"
+
+PluginInterface::~PluginInterface() = default;
