@@ -1,0 +1,32 @@
+# Shared by ./run, ./test and .ci/run: source it from the project's root.
+
+say() { printf '\n== %s\n' "$*"; }
+
+# install_missing PACKAGE...: installs those of the Debian packages that aren't there.
+install_missing() {
+    local package missing=()
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    say "Installing ${missing[*]}"
+    local sudo=()
+    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    "${sudo[@]}" apt-get update -qq
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+
+install_build_tools() {
+    install_missing g++ cmake ninja-build pkg-config qtbase5-dev libnetcdf-dev netcdf-bin
+}
+
+# build PRESET [TARGET...]
+build() {
+    local preset=$1
+    shift
+    say "Building ($preset)"
+    cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; return 1; }
+    rm -f "build-$preset.log"
+    cmake --build --preset "$preset" ${1:+--target "$@"}
+}
