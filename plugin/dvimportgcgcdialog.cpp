@@ -81,8 +81,7 @@ DVImportGCGCDialog::~DVImportGCGCDialog() = default;
 
 void DVImportGCGCDialog::accept()
 {
-    const auto *button = qobject_cast<QPushButton *>(sender());
-    isGCxGC_ = button && button == yesButton;
+    isGCxGC_ = qobject_cast<QPushButton *>(sender()) == yesButton;
     modulationLength_ = modulationSpin->value();
     applyToAll_ = applyCheck->isChecked();
     QDialog::accept();

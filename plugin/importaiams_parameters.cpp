@@ -15,7 +15,7 @@ int ImportAiaMs::askParameters(QWidget *parent)
     applyToAll = dialog.applyToAll();
     // "No" leaves the length alone: clone() has set it back to 0 after the last file.
     if (dialog.isGCxGC())
-        modulation = static_cast<float>(dialog.modulationLength());
+        modulation = float(dialog.modulationLength());
     return 0;
 }
 
