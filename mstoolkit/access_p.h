@@ -3,6 +3,7 @@
 #ifndef ACCESS_P_H
 #define ACCESS_P_H
 
+#include "filestate_p.h"
 #include "mstoolkit.h"
 
 #include <memory>
@@ -33,16 +34,24 @@ template <class T> using MsBlock = std::unique_ptr<T, MsFree>;
 // An uncleared block of `size` bytes, to be freed with ms_free.
 void *ms_alloc_bytes(std::size_t size);
 
-// What a file stores under a variable id. The lengths are those of the first two dimensions, 1 for one
-// that isn't there.
-struct MsShape {
-    nc_type type = NC_NAT;
-    int rank = 0;
-    std::size_t length[2] = {1, 1};
-};
+// The shape of a variable, asked of netCDF anew. False for an absent one.
+bool ms_ask_shape(int ncid, int varid, MsShape *shape);
 
-// False for an absent variable.
-bool ms_inquire_shape(int ncid, int varid, MsShape *shape);
+// The shape of a variable of the template. False for an absent one.
+bool ms_inquire_shape(const MsFileRecord &file, int slot, MsShape *shape);
+
+// Puts the id of a variable in the record; what was known of the slot's variable before is forgotten.
+void ms_set_variable(MsFileRecord *file, int slot, int varid);
+
+// Whether netCDF converts a type to other numbers.
+bool ms_is_number(nc_type type);
+
+// Reads elements of a variable of one dimension, with conversion to `type`. Gives a netCDF status.
+int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, qint32 type,
+                     void *target);
+
+// Bytes of an element of NC_SHORT to NC_DOUBLE; 0 for other types.
+quint32 ms_type_width(qint32 type);
 
 enum class MsPresence { Absent, Present, WrongRank };
 
@@ -57,7 +66,7 @@ enum class MsFetch {
 };
 
 // Reads element `index` of a variable of one dimension and converts it to `type`, NC_SHORT to NC_DOUBLE.
-MsFetch ms_fetch_number(int ncid, int varid, std::size_t index, qint32 type, void *target);
+MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, qint32 type, void *target);
 
 // Reads element `index` of one of the counters over scan_number. -1 if it can't be read as a 32-bit
 // number.
@@ -66,7 +75,7 @@ int ms_read_counter(const MsFileRecord &file, int slot, qint32 index, qint32 *va
 // Reads `count` elements from `start` on of a variable of one dimension, as a new array of type
 // `type`. Elements of another type are converted if all can be held. Null on failure; nothing is
 // allocated where the file can't have that many.
-MsBlock<void> ms_read_vector(int ncid, int varid, qint32 type, qint64 start, qint64 count);
+MsBlock<void> ms_read_vector(const MsFileRecord &file, int slot, qint32 type, qint64 start, qint64 count);
 
 // Reads the first `wanted` elements of a variable that has to have one dimension of exactly `count`.
 MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted);

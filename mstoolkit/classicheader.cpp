@@ -9,8 +9,7 @@
 #include <fstream>
 #include <limits>
 
-namespace
-{
+namespace {
 
 constexpr quint64 largest = quint64(std::numeric_limits<qint64>::max());
 constexpr quint32 dimensionTag = 0x0A;

@@ -2,8 +2,7 @@
 
 #include "define_p.h"
 
-namespace
-{
+namespace {
 
 // A variable over one of the record's dimensions, its id stored under `slot`.
 int define_plain(MsFileRecord *file, int slot, const char *name, qint32 nc_type, int dimension)

@@ -1,8 +1,7 @@
 // The file registry, and opening and closing.
 
 #include "access_p.h"
-#include "classicheader_p.h"
-#include "missingdata_p.h"
+#include "filestate_p.h"
 
 #include "messageloggerinterface.h"
 
@@ -11,11 +10,10 @@
 
 // The one mutable state of the process. It owns its records. It gives null once the process has torn it
 // down: a host may destroy its plugin objects, which close their files, after that.
-using MsFileRegistry = QHash<qint32, MsFileRecord *>;
+using MsFileRegistry = QHash<qint32, MsFileState *>;
 Q_GLOBAL_STATIC(MsFileRegistry, registry)
 
-namespace
-{
+namespace {
 
 QString shown_name(const char *path)
 {
@@ -32,7 +30,7 @@ void report_damage(const char *path)
 // Says what is missing, and sees to it that it isn't read as zeros.
 void report_missing_data(int ncid, const char *path, const MsClassicLayout &layout)
 {
-    ms_note_short_file(ncid, layout);
+    ms_file_state(ncid)->cut_off = std::make_unique<MsClassicLayout>(layout);
     MessageLoggerInterface::Warning(
         QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
             .arg(shown_name(path), QString::number(layout.needed - layout.length),
@@ -50,11 +48,16 @@ int give_up(int ncid)
 
 } // namespace
 
-MsFileRecord *ms_file_record(int ncid)
+MsFileState *ms_file_state(int ncid)
 {
     ms_let_failures_return();
     const MsFileRegistry *files = registry();
     return files ? files->value(ncid, nullptr) : nullptr;
+}
+
+MsFileRecord *ms_file_record(int ncid)
+{
+    return ms_file_state(ncid);
 }
 
 int ms_register_file(int ncid)
@@ -63,7 +66,7 @@ int ms_register_file(int ncid)
     if (!files || files->contains(ncid))
         return 0;
 
-    auto file = std::make_unique<MsFileRecord>();
+    auto file = std::make_unique<MsFileState>();
     file->ncid = ncid;
     file->experiment_type = MsCentroidedSpectrum;
     file->mass_format = MsShortFormat;
@@ -84,9 +87,8 @@ int ms_register_file(int ncid)
 
 int ms_unregister_file(int ncid)
 {
-    ms_forget_short_file(ncid);
     MsFileRegistry *files = registry();
-    const std::unique_ptr<MsFileRecord> file(files ? files->take(ncid) : nullptr);
+    const std::unique_ptr<MsFileState> file(files ? files->take(ncid) : nullptr);
     return file ? 0 : -1;
 }
 
@@ -106,6 +108,7 @@ int ms_open_read(const char *path)
         return -1;
 
     ms_register_file(ncid);
+    ms_file_state(ncid)->columns = std::make_unique<MsColumn[]>(MsVariableCount);
     if (layout.length < layout.needed)
         report_missing_data(ncid, path, layout);
     if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)

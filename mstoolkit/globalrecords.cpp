@@ -2,8 +2,7 @@
 
 #include "access_p.h"
 
-namespace
-{
+namespace {
 
 void clear(char release, const MsTable<MsAttributeRow> &table, void *record)
 {

@@ -2,8 +2,7 @@
 
 #include "mstoolkit.h"
 
-namespace
-{
+namespace {
 
 // clang-format off
 //   field, name, holder (-1: global), type, mandatory, enumerated, default code

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 // A file can claim any width for its groups without holding a single number.
 constexpr qint32 widest_group = 1 << 24;

@@ -5,8 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace
-{
+namespace {
 
 // Sizes beyond 32 bits show as the largest number: readers then find the variables shorter or longer
 // than expected, and nothing wraps.
@@ -23,7 +22,7 @@ MsDimension inquire_dimension(int ncid, const char *name, qint32 absent_size)
 void inquire_rows(MsFileRecord *file, const MsTable<MsVariableRow> &table)
 {
     for (const MsVariableRow &row : table)
-        file->variables[row.slot] = ms_find_variable(file->ncid, row.name);
+        ms_set_variable(file, row.slot, ms_find_variable(file->ncid, row.name));
 }
 
 // The stored format of a value variable; the fallback type is that of an absent one.
@@ -73,13 +72,13 @@ int ms_inquire_variables(int ncid)
     inquire_rows(file, ms_error_table);
     inquire_rows(file, ms_per_scan_table);
 
-    qint32 *variables = file->variables;
-    variables[MsVar_scan_index] = ncvarid(ncid, "scan_index");
-    variables[MsVar_point_count] = ncvarid(ncid, "point_count");
-    variables[MsVar_flag_count] = ncvarid(ncid, "flag_count");
-    variables[MsVar_mass_values] = ncvarid(ncid, "mass_values");
-    variables[MsVar_time_values] = ncvarid(ncid, "time_values");
-    variables[MsVar_intensity_values] = ncvarid(ncid, "intensity_values");
+    ms_set_variable(file, MsVar_scan_index, ncvarid(ncid, "scan_index"));
+    ms_set_variable(file, MsVar_point_count, ncvarid(ncid, "point_count"));
+    ms_set_variable(file, MsVar_flag_count, ncvarid(ncid, "flag_count"));
+    ms_set_variable(file, MsVar_mass_values, ncvarid(ncid, "mass_values"));
+    ms_set_variable(file, MsVar_time_values, ncvarid(ncid, "time_values"));
+    ms_set_variable(file, MsVar_intensity_values, ncvarid(ncid, "intensity_values"));
+    const qint32 *variables = file->variables;
     if (variables[MsVar_mass_values] != -1)
         file->has_mass_values = 1;
     if (variables[MsVar_time_values] != -1)

@@ -2,8 +2,7 @@
 
 #include "access_p.h"
 
-namespace
-{
+namespace {
 
 // A negative index stands for the only component of a file with one. -1 in any other file.
 qint32 component_of(const MsFileRecord &file, const MsInstrumentRecord &instrument)

@@ -2,29 +2,9 @@
 
 #include "missingdata_p.h"
 
-#include "classicheader_p.h"
-
-#include <QGlobalStatic>
-#include <QHash>
-
 #include <algorithm>
 
-// Only files that are cut off are in it, so that whole ones pay for a look at an empty hash.
-using MsShortFiles = QHash<int, MsClassicLayout>;
-Q_GLOBAL_STATIC(MsShortFiles, shortFiles)
-
-namespace
-{
-
-// Null for a file that is whole.
-const MsClassicLayout *layout_of(int ncid)
-{
-    const MsShortFiles *files = shortFiles();
-    if (!files || files->isEmpty())
-        return nullptr;
-    const auto found = files->constFind(ncid);
-    return found != files->constEnd() ? &found.value() : nullptr;
-}
+namespace {
 
 // Bytes of a variable's data, from its begin on, that lie before the end of the file.
 quint64 bytes_left(const MsClassicLayout &layout, const MsVariableExtent &extent)
@@ -34,23 +14,12 @@ quint64 bytes_left(const MsClassicLayout &layout, const MsVariableExtent &extent
 
 } // namespace
 
-void ms_note_short_file(int ncid, const MsClassicLayout &layout)
+bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
+                  const std::size_t *count)
 {
-    if (MsShortFiles *files = shortFiles())
-        files->insert(ncid, layout);
-}
-
-void ms_forget_short_file(int ncid)
-{
-    if (MsShortFiles *files = shortFiles())
-        files->remove(ncid);
-}
-
-bool ms_is_stored(int ncid, int varid, int rank, const std::size_t *start, const std::size_t *count)
-{
-    const MsClassicLayout *layout = layout_of(ncid);
-    if (!layout)
+    if (!state || !state->cut_off)
         return true;
+    const MsClassicLayout *layout = state->cut_off.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
         return false;
 
@@ -61,9 +30,9 @@ bool ms_is_stored(int ncid, int varid, int rank, const std::size_t *start, const
     return last_line * extent.stride + elements * extent.width <= bytes_left(*layout, extent);
 }
 
-std::size_t ms_stored_elements(int ncid, int varid, std::size_t count)
+std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count)
 {
-    const MsClassicLayout *layout = layout_of(ncid);
+    const MsClassicLayout *layout = state.cut_off.get();
     if (!layout)
         return count;
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())

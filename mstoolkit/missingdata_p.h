@@ -3,19 +3,15 @@
 #ifndef MISSINGDATA_P_H
 #define MISSINGDATA_P_H
 
-#include <cstddef>
-
-struct MsClassicLayout;
-
-// Remembers the layout of an open file that is cut off, and forgets it again.
-void ms_note_short_file(int ncid, const MsClassicLayout &layout);
-void ms_forget_short_file(int ncid);
+#include "filestate_p.h"
 
 // Whether the file reaches to the last element of a request, given like those of netCDF, with `rank`
-// (1 or 2) elements in each vector and nothing in it empty.
-bool ms_is_stored(int ncid, int varid, int rank, const std::size_t *start, const std::size_t *count);
+// (1 or 2) elements in each vector and nothing in it empty. `state` may be null: an unknown file counts
+// as whole.
+bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
+                  const std::size_t *count);
 
 // How many of the first `count` elements of a variable of one dimension the file holds.
-std::size_t ms_stored_elements(int ncid, int varid, std::size_t count);
+std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count);
 
 #endif // MISSINGDATA_P_H

@@ -8,8 +8,7 @@
 #include <cstring>
 #include <vector>
 
-namespace
-{
+namespace {
 
 void warn(const char *text, const QByteArray &name)
 {

@@ -2,8 +2,7 @@
 
 #include "access_p.h"
 
-namespace
-{
+namespace {
 
 int read_numbers(const MsFileRecord &file, MsScanRecord *scan)
 {
@@ -18,7 +17,7 @@ int read_numbers(const MsFileRecord &file, MsScanRecord *scan)
 
 // An axis or the intensities, with the nc type of the vectors in memory.
 struct Axis {
-    int varid;
+    int slot;
     qint32 nc_type;
 };
 
@@ -26,7 +25,7 @@ struct Axis {
 MsBlock<void> read_flags(const MsFileRecord &file, const Axis &axis, qint64 start, qint32 count,
                          qint32 format)
 {
-    const MsBlock<void> stored = ms_read_vector(file.ncid, axis.varid, axis.nc_type, start, count);
+    const MsBlock<void> stored = ms_read_vector(file, axis.slot, axis.nc_type, start, count);
     if (!stored)
         return nullptr;
     MsBlock<void> flags(ms_alloc_array(quint32(count), ms_nc_type_of_format(format, NC_LONG)));
@@ -38,17 +37,15 @@ MsBlock<void> read_flags(const MsFileRecord &file, const Axis &axis, qint64 star
 // The points of a scan from position `start` on, and the flags directly behind them.
 int read_vectors(const MsFileRecord &file, qint64 start, MsScanRecord *scan)
 {
-    const Axis masses = {file.variables[MsVar_mass_values],
-                         ms_nc_type_of_format(file.mass_format, NC_SHORT)};
-    const Axis times = {file.variables[MsVar_time_values],
-                        ms_nc_type_of_format(file.time_format, NC_SHORT)};
-    const Axis intensities = {file.variables[MsVar_intensity_values],
+    const Axis masses = {MsVar_mass_values, ms_nc_type_of_format(file.mass_format, NC_SHORT)};
+    const Axis times = {MsVar_time_values, ms_nc_type_of_format(file.time_format, NC_SHORT)};
+    const Axis intensities = {MsVar_intensity_values,
                               ms_nc_type_of_format(file.intensity_format, NC_LONG)};
     const auto read = [&](const Axis &axis) {
-        return ms_read_vector(file.ncid, axis.varid, axis.nc_type, start, scan->point_count).release();
+        return ms_read_vector(file, axis.slot, axis.nc_type, start, scan->point_count).release();
     };
 
-    Axis flag_axis = {-1, NC_LONG};
+    Axis flag_axis = {MsVar_time_values, NC_LONG}; // of a file with neither axis: its read fails
     if (file.has_time_values) {
         scan->time_values = read(times);
         if (!scan->time_values)

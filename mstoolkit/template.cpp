@@ -2,8 +2,7 @@
 
 #include "mstoolkit.h"
 
-namespace
-{
+namespace {
 
 // Row order is the order of definition in a new file, of reading and of messages.
 // clang-format off

@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace
-{
+namespace {
 
 bool is_one_byte_wide(nc_type type)
 {
@@ -28,7 +27,7 @@ struct TextPlace {
 bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 width, TextPlace *place)
 {
     MsShape shape;
-    if (width < 1 || !ms_inquire_shape(ncid, varid, &shape) || !is_one_byte_wide(shape.type))
+    if (width < 1 || !ms_ask_shape(ncid, varid, &shape) || !is_one_byte_wide(shape.type))
         return false;
 
     place->rank = row < 0 ? 1 : 2;
@@ -49,7 +48,7 @@ bool fetch_text(int ncid, int varid, TextPlace place, qint32 width, std::string 
     while (left > 0) {
         const std::size_t size = std::min(left, piece);
         const std::size_t count[2] = {place.rank == 1 ? size : 1, size};
-        if (!ms_is_stored(ncid, varid, place.rank, place.start, count)
+        if (!ms_is_stored(ms_file_state(ncid), varid, place.rank, place.start, count)
             || nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR)
             return false;
         const auto end = buffer.begin() + std::ptrdiff_t(size);

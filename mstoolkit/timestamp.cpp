@@ -4,8 +4,7 @@
 
 #include <cstring>
 
-namespace
-{
+namespace {
 
 struct StampRow {
     qint32 MsTimestamp::*field;

@@ -6,8 +6,7 @@
 #include <limits>
 #include <type_traits>
 
-namespace
-{
+namespace {
 
 // Truncation toward zero to 32 bits. What doesn't fit, NaN too, becomes the most negative number: the
 // comparison is written so that NaN fails it.

@@ -5,8 +5,7 @@
 #include <limits>
 #include <new>
 
-namespace
-{
+namespace {
 
 struct FormatRow {
     qint32 format;
@@ -49,15 +48,20 @@ void *ms_alloc_bytes(std::size_t size)
     return ::operator new[](size);
 }
 
-void *ms_alloc_array(quint32 count, qint32 type)
+quint32 ms_type_width(qint32 type)
 {
     for (const FormatRow &row : format_rows) {
-        if (row.nc_type != type)
-            continue;
-        const quint64 size = quint64(count) * row.width;
-        return size <= std::numeric_limits<quint32>::max() ? ms_alloc_bytes(size) : nullptr;
+        if (row.nc_type == type)
+            return row.width;
     }
-    return nullptr;
+    return 0;
+}
+
+void *ms_alloc_array(quint32 count, qint32 type)
+{
+    const quint32 width = ms_type_width(type);
+    const quint64 size = quint64(count) * width;
+    return width != 0 && size <= std::numeric_limits<quint32>::max() ? ms_alloc_bytes(size) : nullptr;
 }
 
 void ms_free(void *block)

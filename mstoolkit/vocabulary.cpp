@@ -4,8 +4,7 @@
 
 #include <cctype>
 
-namespace
-{
+namespace {
 
 // Phrases of the enumerated attributes and their codes. The codes run in families, one for each kind of
 // attribute; a look-up doesn't ask for the family:

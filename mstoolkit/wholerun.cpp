@@ -7,45 +7,85 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
-namespace
-{
+namespace {
 
 constexpr int most_masses = 65535;
 
-// Keys to a tenth, cut toward zero: several can become one.
-void lose_a_decimal(QSet<qint32> *masses)
+// The census of one run. Nearly all masses of a run are known ones, and to ask a hash for each costs more
+// than all else, so keys in the usual range are also marked in a plain array.
+class Census
 {
-    QSet<qint32> fewer;
-    fewer.reserve(masses->size());
-    for (const qint32 key : qAsConst(*masses))
-        fewer.insert(key / 10);
-    masses->swap(fewer);
-}
+public:
+    Census(QSet<qint32> *keys, qint32 *decimalCount)
+        : masses(keys), decimals(decimalCount), marks(marked_keys, 0)
+    {
+        scale_to_decimals();
+    }
+
+    // False when the last decimal is gone.
+    bool take(double mass)
+    {
+        // Before the mass's own key, and one decimal a mass, however full the set stays.
+        if (masses->size() >= most_masses && !lose_a_decimal())
+            return false;
+        insert(TMath::round(mass * power));
+        return true;
+    }
+
+private:
+    static constexpr std::size_t marked_keys = 1 << 18; // two decimals up to a mass of 2,621
+
+    void insert(qint32 key)
+    {
+        if (quint32(key) < marked_keys) {
+            char &mark = marks[std::size_t(key)];
+            if (mark)
+                return;
+            mark = 1;
+        }
+        masses->insert(key);
+    }
+
+    void scale_to_decimals() { power = std::pow(10.0, *decimals); }
+
+    // Keys to a tenth, cut toward zero: several can become one.
+    bool lose_a_decimal()
+    {
+        --*decimals;
+        if (*decimals == -1)
+            return false;
+        scale_to_decimals();
+        const QSet<qint32> keys = *masses;
+        masses->clear();
+        std::fill(marks.begin(), marks.end(), 0);
+        for (const qint32 key : keys)
+            insert(key / 10);
+        return true;
+    }
+
+    QSet<qint32> *masses;
+    qint32 *decimals;
+    std::vector<char> marks;
+    double power = 1.0;
+};
 
 template <class Stored>
 void take_census(const void *vector, qint32 count, double scale, QSet<qint32> *masses, qint32 *decimals)
 {
     const auto *stored = static_cast<const Stored *>(vector);
-    double power = std::pow(10.0, *decimals);
+    Census census(masses, decimals);
     for (qint32 i = 0; i < count; ++i) {
-        const double mass = double(stored[i]) * scale;
-        // Before the mass's own key, and one decimal a mass, however full the set stays.
-        if (masses->size() >= most_masses) {
-            --*decimals;
-            if (*decimals == -1)
-                return;
-            power = std::pow(10.0, *decimals);
-            lose_a_decimal(masses);
-        }
-        masses->insert(TMath::round(mass * power));
+        if (!census.take(double(stored[i]) * scale))
+            return;
     }
 }
 
 // What a file that is cut off still has of a variable over the whole run.
 qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
 {
-    return qint32(ms_stored_elements(file.ncid, file.variables[slot], std::size_t(count)));
+    return qint32(ms_stored_elements(ms_state_of(file), file.variables[slot], std::size_t(count)));
 }
 
 // Numbers beyond the end of a file that is cut off are missing.

@@ -4,8 +4,7 @@
 
 #include <cstring>
 
-namespace
-{
+namespace {
 
 // What the first four fields of the administrative record are in every file that is written.
 // clang-format off

@@ -5,8 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace
-{
+namespace {
 
 int write_numbers(const MsFileRecord &file, const MsScanRecord &scan)
 {

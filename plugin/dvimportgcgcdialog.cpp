@@ -11,8 +11,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-namespace
-{
+namespace {
 
 // Names up to this length fit in a line, and are shown untouched.
 constexpr int lineLength = 40;

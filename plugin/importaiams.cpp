@@ -6,8 +6,7 @@
 
 #include <utility>
 
-namespace
-{
+namespace {
 
 void replaceMissing(double *value, double substitute)
 {

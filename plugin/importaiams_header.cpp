@@ -7,8 +7,7 @@
 
 #include <QDateTime>
 
-namespace
-{
+namespace {
 
 template <class Number> void account(const char *text, Number number)
 {

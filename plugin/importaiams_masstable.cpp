@@ -9,8 +9,7 @@
 #include <memory>
 #include <vector>
 
-namespace
-{
+namespace {
 
 // What the 16-bit positions of a table can reach.
 constexpr std::size_t mostMasses = 65535;

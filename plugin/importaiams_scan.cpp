@@ -7,8 +7,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 // Points for which the caller's arrays have room.
 constexpr int scanCapacity = 1 << 24;

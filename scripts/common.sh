@@ -26,7 +26,6 @@ build() {
     local preset=$1
     shift
     say "Building ($preset)"
-    cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; return 1; }
-    rm -f "build-$preset.log"
+    cmake --preset "$preset" --log-level=NOTICE
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -1,7 +1,6 @@
 #include "dvheader.h"
 
-namespace
-{
+namespace {
 
 // A null text stays null, an empty one empty: the two read back differently.
 const char *textOf(const QByteArray &text)

@@ -63,13 +63,13 @@ protected:
     float modulation = 0;
 
 private:
-    static constexpr int rememberedBits = 16;
-    static constexpr std::size_t rememberedCount = std::size_t(1) << rememberedBits;
+    static constexpr std::size_t rememberedCount = 1 << 17;
+    static constexpr float rememberedRange = 1 << 24;
 
     bool run();
 
     DVImportReceiver *receiver = nullptr;
-    std::vector<quint16> rememberedPositions; // by a mass's bits; see findTablePosition
+    std::vector<quint16> rememberedPositions; // by a mass's hundredths; see findTablePosition
 };
 
 #endif // DVIMPORTANALYSISINTERFACE_H

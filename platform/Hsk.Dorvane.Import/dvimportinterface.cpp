@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 // Why a file can't be read at all, with %1 for its name; null if it can.
 const char *obstacle(const QFileInfo &file)

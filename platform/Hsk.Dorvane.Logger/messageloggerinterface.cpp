@@ -3,8 +3,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace
-{
+namespace {
 
 MessageLoggerInterface::Receiver &receiver()
 {

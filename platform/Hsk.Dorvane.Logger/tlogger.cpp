@@ -1,7 +1,6 @@
 #include "tlogger.h"
 
-namespace
-{
+namespace {
 
 TLogger *defaultInstance = nullptr;
 

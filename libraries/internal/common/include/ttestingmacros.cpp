@@ -11,8 +11,7 @@
 #include <windows.h>
 #endif
 
-namespace
-{
+namespace {
 
 struct LevelRow {
     int level;

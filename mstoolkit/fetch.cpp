@@ -1,0 +1,147 @@
+// Shapes and numbers of a file, read ahead where that can be done unseen.
+
+#include "access_p.h"
+#include "missingdata_p.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+// Scans whose numbers are read at once.
+constexpr std::size_t stretch = 1024;
+
+// Null for a file that is written.
+MsColumn *column_of(const MsFileRecord &file, int slot)
+{
+    const MsFileState &state = ms_state_of(file);
+    return state.columns ? &state.columns[std::size_t(slot)] : nullptr;
+}
+
+int fetch_one(int ncid, int varid, std::size_t index, qint32 type, void *target)
+{
+    switch (type) {
+    case NC_SHORT:
+        return nc_get_var1_short(ncid, varid, &index, static_cast<qint16 *>(target));
+    case NC_LONG:
+        return nc_get_var1_int(ncid, varid, &index, static_cast<qint32 *>(target));
+    case NC_FLOAT:
+        return nc_get_var1_float(ncid, varid, &index, static_cast<float *>(target));
+    case NC_DOUBLE:
+        return nc_get_var1_double(ncid, varid, &index, static_cast<double *>(target));
+    default:
+        return NC_EBADTYPE;
+    }
+}
+
+bool covers(const MsColumn &column, std::size_t index, qint32 type)
+{
+    return column.type == type && index >= column.first && index - column.first < column.count;
+}
+
+// Reads the stretch around `index`. Where it can't be read whole, for whatever reason, each number has to
+// find out for itself.
+bool read_ahead(const MsFileRecord &file, int slot, std::size_t index, qint32 type, MsColumn *column)
+{
+    if (column->refuses_stretches || column->shape.rank != 1 || index >= column->shape.length[0])
+        return false;
+
+    const std::size_t first = index / stretch * stretch;
+    const std::size_t count = std::min(stretch, column->shape.length[0] - first);
+    column->count = 0;
+    column->numbers.resize(count * ms_type_width(type));
+    const int varid = file.variables[slot];
+    if (!ms_is_stored(&ms_state_of(file), varid, 1, &first, &count)
+        || ms_fetch_stretch(file.ncid, varid, first, count, type, column->numbers.data()) != NC_NOERR) {
+        column->refuses_stretches = true;
+        return false;
+    }
+    column->type = type;
+    column->first = first;
+    column->count = count;
+    return true;
+}
+
+} // namespace
+
+bool ms_is_number(nc_type type)
+{
+    return type >= NC_BYTE && type <= NC_UINT64 && type != NC_CHAR;
+}
+
+int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, qint32 type, void *target)
+{
+    switch (type) {
+    case NC_SHORT:
+        return nc_get_vara_short(ncid, varid, &start, &count, static_cast<qint16 *>(target));
+    case NC_LONG:
+        return nc_get_vara_int(ncid, varid, &start, &count, static_cast<qint32 *>(target));
+    case NC_FLOAT:
+        return nc_get_vara_float(ncid, varid, &start, &count, static_cast<float *>(target));
+    case NC_DOUBLE:
+        return nc_get_vara_double(ncid, varid, &start, &count, static_cast<double *>(target));
+    default:
+        return NC_EBADTYPE;
+    }
+}
+
+bool ms_ask_shape(int ncid, int varid, MsShape *shape)
+{
+    if (ncvarinq(ncid, varid, nullptr, &shape->type, &shape->rank, nullptr, nullptr) == -1)
+        return false;
+    if (shape->rank < 1 || shape->rank > 2)
+        return true;
+
+    int dimensions[2];
+    if (nc_inq_vardimid(ncid, varid, dimensions) != NC_NOERR)
+        return false;
+    for (int i = 0; i < shape->rank; ++i) {
+        if (nc_inq_dimlen(ncid, dimensions[i], &shape->length[i]) != NC_NOERR)
+            return false;
+    }
+    return true;
+}
+
+void ms_set_variable(MsFileRecord *file, int slot, int varid)
+{
+    file->variables[slot] = varid;
+    if (MsColumn *column = column_of(*file, slot))
+        *column = MsColumn();
+}
+
+bool ms_inquire_shape(const MsFileRecord &file, int slot, MsShape *shape)
+{
+    MsColumn *column = column_of(file, slot);
+    if (!column)
+        return ms_ask_shape(file.ncid, file.variables[slot], shape);
+    if (!column->inquired) {
+        column->present = ms_ask_shape(file.ncid, file.variables[slot], &column->shape);
+        column->inquired = true;
+    }
+    *shape = column->shape;
+    return column->present;
+}
+
+MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, qint32 type, void *target)
+{
+    MsShape shape;
+    if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1)
+        return MsFetch::Failed;
+    if (!ms_is_number(shape.type))
+        return MsFetch::None;
+
+    MsColumn *column = column_of(file, slot);
+    if (column && (covers(*column, index, type) || read_ahead(file, slot, index, type, column))) {
+        const std::size_t width = ms_type_width(type);
+        std::memcpy(target, column->numbers.data() + (index - column->first) * width, width);
+        return MsFetch::Read;
+    }
+
+    const int varid = file.variables[slot];
+    const int status = fetch_one(file.ncid, varid, index, type, target);
+    if (status != NC_NOERR && status != NC_ERANGE)
+        return MsFetch::Failed;
+    const std::size_t one = 1;
+    const bool stored = ms_is_stored(&ms_state_of(file), varid, 1, &index, &one);
+    return status == NC_NOERR && stored ? MsFetch::Read : MsFetch::None;
+}
