@@ -1,0 +1,138 @@
+#include "infofields.h"
+
+#include <QLocale>
+
+namespace {
+
+constexpr int longest_attribute = 1000;
+constexpr int longest_line = 255; // of a text variable: the widest of the template
+
+QVariant shortened(const char *text, int longest)
+{
+    const QString whole = QString::fromLatin1(text);
+    if (whole.size() <= longest)
+        return whole;
+    return QStringLiteral("%1... (%2 characters)").arg(whole.left(longest)).arg(whole.size());
+}
+
+// A float as the double of the same shortest decimal: 70.1 rather than 70.0999985.
+double widened(float number)
+{
+    constexpr int enough_digits = 9;
+    for (int digits = 6; digits < enough_digits; ++digits) {
+        const QString text = QString::number(double(number), 'g', digits);
+        if (text.toFloat() == number)
+            return text.toDouble();
+    }
+    return double(number);
+}
+
+template <class T> T field_of(const void *record, std::size_t offset)
+{
+    return *reinterpret_cast<const T *>(static_cast<const char *>(record) + offset);
+}
+
+// The value of a field of a record; invalid for a null text and a missing number.
+QVariant field_value(const void *record, std::size_t offset, qint32 type, int longest_text)
+{
+    const auto unless_missing = [](auto number, const QVariant &value) {
+        return double(number) == MsMissingDouble ? QVariant() : value;
+    };
+    switch (type) {
+    case NC_CHAR: {
+        const char *text = field_of<const char *>(record, offset);
+        return text ? shortened(text, longest_text) : QVariant();
+    }
+    case NC_SHORT: {
+        const auto number = field_of<qint16>(record, offset);
+        return unless_missing(number, int(number));
+    }
+    case NC_LONG: {
+        const auto number = field_of<qint32>(record, offset);
+        return unless_missing(number, number);
+    }
+    case NC_FLOAT: {
+        const auto number = field_of<float>(record, offset);
+        return unless_missing(number, widened(number));
+    }
+    case NC_DOUBLE: {
+        const auto number = field_of<double>(record, offset);
+        return unless_missing(number, number);
+    }
+    default:
+        return QVariant();
+    }
+}
+
+void add_if_there(InfoNode *section, const QString &name, const QVariant &value)
+{
+    if (value.isValid())
+        section->addValue(name, value);
+}
+
+// Attributes of variables share their names; the prefix tells whose it is.
+QString attribute_name(const MsAttributeRow &row)
+{
+    const QString name = QString::fromLatin1(row.name);
+    switch (row.variable) {
+    case MsVar_mass_values:
+        return QLatin1String("mass_") + name;
+    case MsVar_time_values:
+        return QLatin1String("time_") + name;
+    case MsVar_intensity_values:
+        return QLatin1String("intensity_") + name;
+    case MsVar_total_intensity:
+        return QLatin1String("total_intensity_") + name;
+    default:
+        return name;
+    }
+}
+
+} // namespace
+
+QVariant text_value(const char *text)
+{
+    return shortened(text, longest_line);
+}
+
+QString phrase_of(qint32 code)
+{
+    const char *phrase = ms_enum_text(code);
+    return phrase ? QString::fromLatin1(phrase) : QStringLiteral("(not in the vocabulary)");
+}
+
+void add_attributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
+{
+    for (const MsAttributeRow &row : table) {
+        const QVariant value = row.enumerated
+            ? phrase_of(field_of<qint32>(record, row.field))
+            : field_value(record, row.field, row.nc_type, longest_attribute);
+        add_if_there(section, attribute_name(row), value);
+    }
+}
+
+void add_variables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
+{
+    for (const MsVariableRow &row : table) {
+        if (row.ndims == 1 || row.nc_type == NC_CHAR)
+            add_if_there(section, QString::fromLatin1(row.name),
+                         field_value(record, row.field, row.nc_type, longest_line));
+    }
+}
+
+QVariant element(const void *array, qint32 format, qint32 index)
+{
+    const std::size_t place = std::size_t(index);
+    switch (format) {
+    case MsShortFormat:
+        return int(static_cast<const qint16 *>(array)[place]);
+    case MsLongFormat:
+        return static_cast<const qint32 *>(array)[place];
+    case MsFloatFormat:
+        return widened(static_cast<const float *>(array)[place]);
+    default: {
+        const double number = static_cast<const double *>(array)[place];
+        return number == MsMissingDouble ? QVariant() : number;
+    }
+    }
+}

@@ -1,0 +1,394 @@
+#include "infogather.h"
+
+#include "infofields.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+using Kind = InfoNode::Kind;
+
+// Items of a list and rows of a table; a file may claim any number of either.
+constexpr qint64 short_list = 20;
+constexpr qint64 long_list = 10000;
+// Numbers looked at for the groups together: their common width, too, is only a claim.
+constexpr qint64 group_numbers = 1 << 24;
+
+// A column of a table; one without numbers isn't there.
+struct Column {
+    const char *name;
+    const void *numbers;
+    qint32 format;
+};
+
+struct GlobalRecords {
+    MsAdminRecord admin;
+    MsSampleRecord sample;
+    MsTestRecord test;
+    MsRawGlobalRecord raw;
+
+    GlobalRecords() { ms_init_global(0, &admin, &sample, &test, &raw); }
+    ~GlobalRecords()
+    {
+        ms_free(admin.error_log);
+        ms_init_global(1, &admin, &sample, &test, &raw);
+    }
+    Q_DISABLE_COPY(GlobalRecords)
+};
+
+struct ScanAndEntry {
+    MsScanRecord scan;
+    MsLibraryRecord entry;
+
+    ScanAndEntry() { ms_init_per_scan(0, &scan, &entry); }
+    ~ScanAndEntry() { ms_init_per_scan(1, &scan, &entry); }
+    Q_DISABLE_COPY(ScanAndEntry)
+};
+
+struct Instrument {
+    MsInstrumentRecord record;
+
+    Instrument() { ms_init_instrument(0, &record); }
+    ~Instrument() { ms_init_instrument(1, &record); }
+    Q_DISABLE_COPY(Instrument)
+};
+
+struct Group {
+    MsGroupRecord record;
+
+    Group() { ms_init_group(0, &record); }
+    ~Group() { ms_init_group(1, &record); }
+    Q_DISABLE_COPY(Group)
+};
+
+// What the template has and an import can't do without, or makes do without at a price.
+struct Need {
+    enum class Of { Dimension, Variable } of;
+    int slot;
+    const char *lack;
+};
+
+constexpr Need needs[] = {
+    // clang-format off
+    {Need::Of::Dimension, MsDim_scan_number,            "dimension scan_number: there are no scans"},
+    {Need::Of::Dimension, MsDim_point_number,           "dimension point_number: there are no points"},
+    {Need::Of::Variable,  MsVar_scan_index,             "variable scan_index: where a scan begins isn't known"},
+    {Need::Of::Variable,  MsVar_point_count,            "variable point_count: how long a scan is isn't known"},
+    {Need::Of::Variable,  MsVar_intensity_values,       "variable intensity_values: there are no spectra"},
+    {Need::Of::Variable,  MsVar_mass_values,            "variable mass_values: points have no masses"},
+    {Need::Of::Variable,  MsVar_total_intensity,        "variable total_intensity: there is no total-ion trace"},
+    {Need::Of::Variable,  MsVar_scan_acquisition_time,  "variable scan_acquisition_time: scans have no times"},
+    // clang-format on
+};
+
+struct NamedSlot {
+    int slot;
+    const char *name;
+};
+
+constexpr NamedSlot counting_dimensions[] = {
+    {MsDim_scan_number, "scan_number"},
+    {MsDim_point_number, "point_number"},
+    {MsDim_instrument_number, "instrument_number"},
+    {MsDim_group_number, "group_number"},
+    {MsDim_group_max_masses, "group_max_masses"},
+    {MsDim_error_number, "error_number"},
+};
+
+constexpr NamedSlot vectors[] = {
+    {MsVar_mass_values, "mass_values"},
+    {MsVar_time_values, "time_values"},
+    {MsVar_intensity_values, "intensity_values"},
+};
+
+QString kind_of_file(int ncid)
+{
+    int kind = 0;
+    nc_inq_format(ncid, &kind);
+    switch (kind) {
+    case NC_FORMAT_CLASSIC:
+        return QStringLiteral("netCDF classic");
+    case NC_FORMAT_64BIT_OFFSET:
+        return QStringLiteral("netCDF classic with 64-bit offsets");
+    case NC_FORMAT_64BIT_DATA:
+        return QStringLiteral("netCDF classic with 64-bit data");
+    case NC_FORMAT_NETCDF4:
+    case NC_FORMAT_NETCDF4_CLASSIC:
+        return QStringLiteral("netCDF-4");
+    default:
+        return QStringLiteral("netCDF of another kind");
+    }
+}
+
+// The stored type may also be one that isn't a data format of the template.
+QString stored_type(int ncid, int varid)
+{
+    nc_type type = NC_NAT;
+    nc_inq_vartype(ncid, varid, &type);
+    const qint32 format = ms_format_of_nc_type(type, -1);
+    if (format != -1)
+        return phrase_of(format);
+    char name[NC_MAX_NAME + 1] = "";
+    if (nc_inq_type(ncid, type, name, nullptr) != NC_NOERR)
+        return QStringLiteral("unknown");
+    return QString::fromUtf8(name) + QLatin1String(" (no data format of the template)");
+}
+
+class Gatherer
+{
+public:
+    Gatherer(int ncid, const InfoOptions &options)
+        : ncid_(ncid), options_(options), file_(*ms_file_record(ncid))
+    {
+    }
+
+    InfoResult gather(const QString &path);
+
+private:
+    void problem(const QString &text);
+    qint64 listed(qint64 count, InfoNode *list) const;
+    void addTable(InfoNode *section, const char *name, const std::vector<Column> &columns,
+                  qint32 count) const;
+
+    void addTemplate(InfoNode *report) const;
+    void addDimensions(InfoNode *report) const;
+    void addStoredTypes(InfoNode *report) const;
+    void addGlobals(InfoNode *report);
+    void addInstruments(InfoNode *report);
+    void addGroups(InfoNode *report);
+    void addGroup(const MsGroupRecord &group, qint32 width, InfoNode *groups) const;
+    void addLibrary(InfoNode *report);
+    void addScan(qint32 number, InfoNode *report);
+
+    qint32 size(int slot) const { return file_.dimensions[slot].size; }
+    bool hasDimension(int slot) const { return file_.dimensions[slot].id != -1; }
+    bool hasVariable(int slot) const { return file_.variables[slot] != -1; }
+    bool isLibrary() const { return file_.experiment_type == MsLibrarySpectrum; }
+
+    int ncid_;
+    InfoOptions options_;
+    MsFileRecord file_;
+    std::vector<QString> problems_;
+};
+
+void Gatherer::problem(const QString &text)
+{
+    problems_.push_back(text);
+}
+
+// How many of `count` items the list gets; the others are counted in it.
+qint64 Gatherer::listed(qint64 count, InfoNode *list) const
+{
+    const qint64 shown = std::min(count, options_.everything ? long_list : short_list);
+    list->omitted = count - shown;
+    return shown;
+}
+
+void Gatherer::addTable(InfoNode *section, const char *name, const std::vector<Column> &columns,
+                        qint32 count) const
+{
+    std::vector<Column> there;
+    std::copy_if(columns.begin(), columns.end(), std::back_inserter(there),
+                 [](const Column &column) { return column.numbers != nullptr; });
+    if (count < 1 || there.empty())
+        return;
+
+    InfoNode &table = section->add(Kind::Table, QString::fromLatin1(name));
+    for (const Column &column : there)
+        table.columns += QString::fromLatin1(column.name);
+    const qint64 shown = listed(count, &table);
+    for (qint32 i = 0; i < shown; ++i) {
+        std::vector<QVariant> row;
+        for (const Column &column : there)
+            row.push_back(element(column.numbers, column.format, i));
+        table.rows.push_back(std::move(row));
+    }
+}
+
+void Gatherer::addTemplate(InfoNode *report) const
+{
+    const bool is_ours = hasDimension(MsDim_scan_number) && hasVariable(MsVar_intensity_values);
+    int unused = 0;
+    const bool is_chromatogram =
+        !is_ours && nc_inq_attid(ncid_, NC_GLOBAL, "aia_template_revision", &unused) == NC_NOERR;
+    report->addValue(QStringLiteral("template"),
+                     is_ours               ? QStringLiteral("AIA MS")
+                         : is_chromatogram ? QStringLiteral("not AIA MS, but AIA for chromatography")
+                                           : QStringLiteral("not AIA MS"));
+
+    InfoNode lacks;
+    lacks.kind = Kind::List;
+    lacks.name = QStringLiteral("lacks");
+    for (const Need &need : needs) {
+        const bool there =
+            need.of == Need::Of::Dimension ? hasDimension(need.slot) : hasVariable(need.slot);
+        if (!there)
+            lacks.addValue(QString::number(lacks.children.size()), QString::fromLatin1(need.lack));
+    }
+    if (!lacks.children.empty())
+        report->children.push_back(std::move(lacks));
+}
+
+void Gatherer::addDimensions(InfoNode *report) const
+{
+    InfoNode &section = report->add(Kind::Section, QStringLiteral("dimensions"));
+    for (const NamedSlot &dimension : counting_dimensions) {
+        if (hasDimension(dimension.slot))
+            section.addValue(QString::fromLatin1(dimension.name), size(dimension.slot));
+    }
+}
+
+void Gatherer::addStoredTypes(InfoNode *report) const
+{
+    InfoNode &section = report->add(Kind::Section, QStringLiteral("stored_as"));
+    for (const NamedSlot &vector : vectors) {
+        if (hasVariable(vector.slot))
+            section.addValue(QString::fromLatin1(vector.name),
+                             stored_type(ncid_, file_.variables[vector.slot]));
+    }
+}
+
+void Gatherer::addGlobals(InfoNode *report)
+{
+    GlobalRecords records;
+    const int status =
+        ms_read_global(ncid_, &records.admin, &records.sample, &records.test, &records.raw);
+    if (status == -1 && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
+        problem(QStringLiteral("the global information can't be read whole"));
+
+    InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
+    add_attributes(ms_admin_table, &records.admin, &admin);
+    if (records.admin.error_log)
+        admin.addValue(QStringLiteral("error_log"), text_value(records.admin.error_log));
+    add_attributes(ms_sample_table, &records.sample,
+                   &report->add(Kind::Section, QStringLiteral("sample")));
+    add_attributes(ms_test_table, &records.test, &report->add(Kind::Section, QStringLiteral("test")));
+    add_attributes(ms_raw_table, &records.raw, &report->add(Kind::Section, QStringLiteral("raw_data")));
+}
+
+void Gatherer::addInstruments(InfoNode *report)
+{
+    if (!hasDimension(MsDim_instrument_number))
+        return;
+    InfoNode &list = report->add(Kind::List, QStringLiteral("instruments"));
+    const qint64 shown = listed(size(MsDim_instrument_number), &list);
+    for (qint32 i = 0; i < shown; ++i) {
+        Instrument instrument;
+        instrument.record.component_index = i;
+        if (ms_read_instrument(ncid_, &instrument.record) == -1)
+            return problem(QStringLiteral("instrument component %1 can't be read").arg(i));
+        add_variables(ms_instrument_table, &instrument.record,
+                      &list.add(Kind::Section, QString::number(i)));
+    }
+}
+
+void Gatherer::addGroup(const MsGroupRecord &group, qint32 width, InfoNode *groups) const
+{
+    InfoNode &section = groups->add(Kind::Section, QString::number(group.group_number));
+    add_variables(ms_group_table, &group, &section);
+    addTable(&section, "masses",
+             {{"mass", group.group_masses, MsDoubleFormat},
+              {"sampling_time", group.group_sampling_times, MsDoubleFormat},
+              {"delay_time", group.group_delay_times, MsDoubleFormat}},
+             std::min(group.group_mass_count, width));
+}
+
+void Gatherer::addGroups(InfoNode *report)
+{
+    qint32 count = 0;
+    qint32 width = 0;
+    if (ms_inquire_groups(ncid_, &count, &width) == -1 || count < 1)
+        return;
+
+    InfoNode &list = report->add(Kind::List, QStringLiteral("groups"));
+    const qint64 affordable = std::max<qint64>(1, group_numbers / std::max(width, 1));
+    const qint64 shown = std::min(listed(count, &list), affordable);
+    list.omitted = count - shown;
+    for (qint32 i = 0; i < shown; ++i) {
+        Group group;
+        group.record.group_number = i;
+        if (ms_read_group(ncid_, &group.record) == -1)
+            return problem(QStringLiteral("group %1 can't be read").arg(i));
+        addGroup(group.record, width, &list);
+    }
+}
+
+void Gatherer::addLibrary(InfoNode *report)
+{
+    if (!isLibrary())
+        return;
+    InfoNode &list = report->add(Kind::List, QStringLiteral("library"));
+    const qint64 shown = listed(size(MsDim_scan_number), &list);
+    for (qint32 i = 0; i < shown; ++i) {
+        ScanAndEntry records;
+        records.entry.entry_index = i;
+        if (ms_read_per_scan(ncid_, nullptr, &records.entry) == -1)
+            return problem(QStringLiteral("library entry %1 can't be read").arg(i));
+        add_variables(ms_library_table, &records.entry, &list.add(Kind::Section, QString::number(i)));
+    }
+}
+
+void Gatherer::addScan(qint32 number, InfoNode *report)
+{
+    if (number >= size(MsDim_scan_number))
+        return problem(QStringLiteral("there is no scan %1: the file has %2")
+                           .arg(number)
+                           .arg(size(MsDim_scan_number)));
+
+    ScanAndEntry records;
+    MsScanRecord &scan = records.scan;
+    scan.scan_number = number;
+    records.entry.entry_index = number;
+    if (ms_read_per_scan(ncid_, &scan, &records.entry) == -1)
+        problem(QStringLiteral("scan %1 can't be read whole").arg(number));
+
+    InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
+    section.addValue(QStringLiteral("scan"), number);
+    add_variables(ms_per_scan_table, &scan, &section);
+    section.addValue(QStringLiteral("point_count"), scan.point_count);
+    section.addValue(QStringLiteral("flag_count"), scan.flag_count);
+    if (isLibrary())
+        add_variables(ms_library_table, &records.entry,
+                      &section.add(Kind::Section, QStringLiteral("entry")));
+    addTable(&section, "points",
+             {{"mass", scan.mass_values, file_.mass_format},
+              {"time", scan.time_values, file_.time_format},
+              {"intensity", scan.intensity_values, file_.intensity_format}},
+             scan.point_count);
+    addTable(&section, "flags",
+             {{"peak", scan.flagged_peaks, MsLongFormat}, {"flag", scan.flag_values, MsShortFormat}},
+             scan.flag_count);
+}
+
+InfoResult Gatherer::gather(const QString &path)
+{
+    InfoResult result;
+    InfoNode &report = result.report;
+    report.addValue(QStringLiteral("file"), path);
+    report.addValue(QStringLiteral("kind"), kind_of_file(ncid_));
+    addTemplate(&report);
+    addDimensions(&report);
+    addStoredTypes(&report);
+    addGlobals(&report);
+    addInstruments(&report);
+    addGroups(&report);
+    addLibrary(&report);
+    if (options_.scan)
+        addScan(*options_.scan, &report);
+
+    result.complete = problems_.empty();
+    if (!result.complete) {
+        InfoNode &list = report.add(Kind::List, QStringLiteral("problems"));
+        for (const QString &text : problems_)
+            list.addValue(QString::number(list.children.size()), text);
+    }
+    return result;
+}
+
+} // namespace
+
+InfoResult gather_info(int ncid, const QString &path, const InfoOptions &options)
+{
+    return Gatherer(ncid, options).gather(path);
+}

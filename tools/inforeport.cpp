@@ -1,0 +1,162 @@
+#include "inforeport.h"
+
+#include <QJsonArray>
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int indent_width = 2;
+
+bool is_floating(const QVariant &value)
+{
+    return value.type() == QVariant::Double;
+}
+
+QString printable(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n'))
+            result += QLatin1String("\\n");
+        else if (c.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(uint(c.unicode()), 2, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return result;
+}
+
+QString value_text(const QVariant &value)
+{
+    if (!value.isValid())
+        return QStringLiteral("-");
+    if (is_floating(value))
+        return QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest);
+    return printable(value.toString());
+}
+
+QJsonValue value_json(const QVariant &value)
+{
+    if (is_floating(value) && !std::isfinite(value.toDouble()))
+        return QJsonValue::Null;
+    return QJsonValue::fromVariant(value);
+}
+
+QString indented(int depth, const QString &line)
+{
+    return QString(depth * indent_width, QLatin1Char(' ')) + line + QLatin1Char('\n');
+}
+
+QString omission_text(const InfoNode &node, int depth)
+{
+    return node.omitted == 0 ? QString()
+                             : indented(depth, QStringLiteral("... and %1 more").arg(node.omitted));
+}
+
+QString table_text(const InfoNode &table, int depth)
+{
+    std::vector<QStringList> lines = {table.columns};
+    for (const std::vector<QVariant> &row : table.rows) {
+        QStringList cells;
+        for (const QVariant &value : row)
+            cells += value_text(value);
+        lines.push_back(cells);
+    }
+
+    std::vector<int> widths(std::size_t(table.columns.size()), 0);
+    for (const QStringList &cells : lines) {
+        for (int i = 0; i < cells.size(); ++i)
+            widths[std::size_t(i)] = std::max(widths[std::size_t(i)], cells[i].size());
+    }
+
+    QString text;
+    for (const QStringList &cells : lines) {
+        QStringList padded;
+        for (int i = 0; i < cells.size(); ++i)
+            padded += cells[i].rightJustified(widths[std::size_t(i)]);
+        text += indented(depth, padded.join(QLatin1String("  ")));
+    }
+    return text + omission_text(table, depth);
+}
+
+QString node_text(const InfoNode &node, int depth)
+{
+    switch (node.kind) {
+    case InfoNode::Kind::Value:
+        return indented(depth, node.name + QLatin1String(": ") + value_text(node.value));
+    case InfoNode::Kind::Table:
+        return indented(depth, node.name + QLatin1Char(':')) + table_text(node, depth + 1);
+    default:
+        return indented(depth, node.name + QLatin1Char(':')) + info_text(node, depth + 1)
+            + omission_text(node, depth + 1);
+    }
+}
+
+QJsonArray table_json(const InfoNode &table)
+{
+    QJsonArray array;
+    for (const std::vector<QVariant> &row : table.rows) {
+        QJsonObject object;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            object.insert(table.columns[int(i)], value_json(row[i]));
+        array.append(object);
+    }
+    return array;
+}
+
+QJsonValue node_json(const InfoNode &node)
+{
+    switch (node.kind) {
+    case InfoNode::Kind::Value:
+        return value_json(node.value);
+    case InfoNode::Kind::Section:
+        return info_json(node);
+    case InfoNode::Kind::Table:
+        return table_json(node);
+    case InfoNode::Kind::List:
+        break;
+    }
+    QJsonArray array;
+    for (const InfoNode &child : node.children)
+        array.append(node_json(child));
+    return array;
+}
+
+} // namespace
+
+InfoNode &InfoNode::add(Kind child_kind, const QString &child_name)
+{
+    InfoNode child;
+    child.kind = child_kind;
+    child.name = child_name;
+    children.push_back(std::move(child));
+    return children.back();
+}
+
+void InfoNode::addValue(const QString &child_name, const QVariant &child_value)
+{
+    add(Kind::Value, child_name).value = child_value;
+}
+
+QString info_text(const InfoNode &section, int depth)
+{
+    QString text;
+    for (const InfoNode &child : section.children)
+        text += node_text(child, depth);
+    return text;
+}
+
+QJsonObject info_json(const InfoNode &section)
+{
+    QJsonObject object;
+    for (const InfoNode &child : section.children) {
+        object.insert(child.name, node_json(child));
+        if (child.omitted > 0)
+            object.insert(child.name + QLatin1String("_omitted"), double(child.omitted));
+    }
+    return object;
+}
