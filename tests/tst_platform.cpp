@@ -1,0 +1,250 @@
+// The host's layers: what the plugin and the programs build on.
+
+#include "dvheader.h"
+#include "dvimportanalysisinterface.h"
+#include "dvimportreceiver.h"
+#include "messageloggerinterface.h"
+#include "tmath.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// An import of a given number of scans, each of one point.
+class TestImport : public DVImportAnalysisInterface
+{
+public:
+    explicit TestImport(int scans) : scanCount(scans)
+    {
+        extensionList = QStringList{QStringLiteral(".cdf")};
+    }
+
+    using DVImportAnalysisInterface::findTablePosition;
+    bool hasHeader() const { return header != nullptr; }
+
+    int importQueryValue() override { return 0; }
+    int pluginKind() override { return 0; }
+    DVImportAnalysisInterface *clone() override { return nullptr; }
+    bool importHeader() override
+    {
+        header = new DVHeader;
+        header->setNbScans(scanCount);
+        return scanCount >= 0;
+    }
+    unsigned short importMassTable(float **table) override
+    {
+        *table = new float[1]{12.5f};
+        return 1;
+    }
+    double importScan(int scan, double *time, int, float *, int *pointCount, float *abundances,
+                      unsigned short *positions) override
+    {
+        if (scan == 1000)
+            throw std::bad_alloc();
+        *time = scan;
+        *pointCount = 1;
+        abundances[0] = float(scan);
+        positions[0] = 0;
+        return scan;
+    }
+
+private:
+    int scanCount;
+};
+
+class TestReceiver : public DVImportReceiver
+{
+public:
+    explicit TestReceiver(TestImport *import, int cancelAt) : source(import), cancelAfter(cancelAt) { }
+
+    void analysisStarted(const DVHeader &, const float *table, int) override { firstMass = table[0]; }
+    void scanImported(int scan, double, double total, int, const float *, const unsigned short *) override
+    {
+        ++scans;
+        sum += total;
+        if (scan == cancelAfter)
+            source->pBarCanceledSlot();
+    }
+    void progressChanged(int, int) override { ++progress; }
+
+    int scans = 0;
+    double sum = 0;
+    int progress = 0;
+    float firstMass = 0;
+
+private:
+    TestImport *source;
+    int cancelAfter;
+};
+
+} // namespace
+
+class TestPlatform : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void rounds_data();
+    void rounds();
+    void findsEveryMassAndNoOther();
+    void believesNoOtherTable();
+    void knowsImportableFiles_data();
+    void knowsImportableFiles();
+    void runs_data();
+    void runs();
+    void tellsNullFromEmpty();
+};
+
+void TestPlatform::rounds_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<int>("result");
+    const int top = std::numeric_limits<int>::max();
+    const int bottom = std::numeric_limits<int>::min();
+    const double infinity = std::numeric_limits<double>::infinity();
+    QTest::newRow("half") << 0.5 << 1;
+    QTest::newRow("half below") << -2.5 << -3;
+    QTest::newRow("just under a half") << 0.49999999999999994 << 0;
+    QTest::newRow("just over minus a half") << -0.49999999999999994 << 0;
+    QTest::newRow("NaN") << std::nan("") << 0;
+    QTest::newRow("top") << 2147483646.6 << top;
+    QTest::newRow("one below the top") << 2147483646.4 << top - 1;
+    QTest::newRow("beyond the top") << infinity << top;
+    QTest::newRow("bottom") << -2147483647.5 << bottom;
+    QTest::newRow("one above the bottom") << -2147483647.4 << bottom + 1;
+    QTest::newRow("beyond the bottom") << -infinity << bottom;
+}
+
+void TestPlatform::rounds()
+{
+    QFETCH(double, value);
+    QTEST(TMath::round(value), "result");
+}
+
+void TestPlatform::findsEveryMassAndNoOther()
+{
+    TestImport import(0);
+    std::vector<float> table(65535);
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = float((double(i) - 100) / 10.0);
+    table[501] = table[500]; // the first of equals counts
+    const int size = int(table.size());
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < size; ++i) {
+            const float mass = table[std::size_t(i)];
+            bool found = false;
+            QCOMPARE(int(import.findTablePosition(mass, table.data(), size, &found)), i == 501 ? 500 : i);
+            QVERIFY(found);
+            import.findTablePosition(std::nextafter(mass, 1e9f), table.data(), size, &found);
+            QVERIFY(!found);
+        }
+    }
+    for (const float mass : {std::nanf(""), std::numeric_limits<float>::infinity(), -1e30f, 1e30f}) {
+        bool found = true;
+        import.findTablePosition(mass, table.data(), size, &found);
+        QVERIFY(!found);
+    }
+}
+
+void TestPlatform::believesNoOtherTable()
+{
+    TestImport import(0);
+    float first[] = {1.0f, 2.0f, 3.0f};
+    float second[] = {2.0f, 3.0f, 4.0f};
+    bool found = false;
+    QCOMPARE(int(import.findTablePosition(3.0f, first, 3, &found)), 2);
+    QCOMPARE(int(import.findTablePosition(3.0f, second, 3, &found)), 1);
+    import.findTablePosition(3.0f, second, 1, &found);
+    QVERIFY(!found);
+    import.findTablePosition(3.0f, second, 0, &found);
+    QVERIFY(!found);
+}
+
+void TestPlatform::knowsImportableFiles_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("reason"); // empty: importable
+    QTest::newRow("file") << "a.cdf"
+                          << "";
+    QTest::newRow("capitals") << "B.CDF"
+                              << "";
+    QTest::newRow("missing") << "missing.cdf"
+                             << "doesn't exist";
+    QTest::newRow("folder") << "folder.cdf"
+                            << "is a folder";
+    QTest::newRow("extension") << "c.txt"
+                               << "extension";
+}
+
+void TestPlatform::knowsImportableFiles()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, reason);
+    QTemporaryDir folder;
+    for (const char *file : {"a.cdf", "B.CDF", "c.txt"}) {
+        QFile made(folder.filePath(QString::fromLatin1(file)));
+        QVERIFY(made.open(QIODevice::WriteOnly));
+    }
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
+
+    TestImport import(0);
+    QString text;
+    const QString path = folder.filePath(name);
+    QCOMPARE(import.DVImportInterface::canImport(nullptr, path, text), reason.isEmpty());
+    QVERIFY2(text.contains(reason) && text.contains(path) != reason.isEmpty(), qPrintable(text));
+}
+
+void TestPlatform::runs_data()
+{
+    QTest::addColumn<int>("scans");
+    QTest::addColumn<int>("cancelAt");
+    QTest::addColumn<bool>("result");
+    QTest::addColumn<int>("received");
+    QTest::addColumn<int>("messages");
+    QTest::newRow("whole") << 900 << -1 << true << 900 << 0;
+    QTest::newRow("no scans") << 0 << -1 << true << 0 << 0;
+    QTest::newRow("cancelled") << 900 << 4 << false << 5 << 0;
+    QTest::newRow("no header") << -1 << -1 << false << 0 << 0;
+    QTest::newRow("out of memory") << 2000 << -1 << false << 1000 << 1;
+}
+
+void TestPlatform::runs()
+{
+    QFETCH(int, scans);
+    QFETCH(int, cancelAt);
+    int messages = 0;
+    MessageLoggerInterface::setReceiver([&](MessageLoggerInterface::Level level, const QString &text) {
+        QCOMPARE(level, MessageLoggerInterface::Level::Error);
+        QVERIFY(text.contains(QStringLiteral("x.cdf")));
+        ++messages;
+    });
+    TestImport import(scans);
+    TestReceiver receiver(&import, cancelAt);
+    import.setReceiver(&receiver);
+    QTEST(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), "result");
+    MessageLoggerInterface::setReceiver({});
+    QTEST(receiver.scans, "received");
+    QCOMPARE(receiver.sum, receiver.scans * (receiver.scans - 1) / 2.0);
+    QTEST(messages, "messages");
+    QVERIFY(receiver.progress <= 100);
+    QVERIFY(!import.hasHeader());
+}
+
+void TestPlatform::tellsNullFromEmpty()
+{
+    DVHeader header;
+    QCOMPARE(header.getRetentionUnit(), QStringLiteral("minutes"));
+    QVERIFY(!header.getDevice() && !header.isSet(DVHeader::DetectorType));
+    header.setDevice("");
+    header.setDetectorType(0);
+    QVERIFY(header.getDevice() && header.isSet(DVHeader::DetectorType));
+    header.setDevice(nullptr);
+    QVERIFY(!header.getDevice());
+}
+
+QTEST_GUILESS_MAIN(TestPlatform)
+#include "tst_platform.moc"
