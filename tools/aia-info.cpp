@@ -2,8 +2,9 @@
 
 #include "infogather.h"
 #include "inforeport.h"
+#include "messagelist.h"
+#include "terminaltext.h"
 
-#include "messageloggerinterface.h"
 #include "mstoolkit.h"
 
 #include <QCommandLineParser>
@@ -14,7 +15,6 @@
 
 #include <cstdio>
 #include <new>
-#include <utility>
 
 namespace {
 
@@ -26,44 +26,6 @@ struct CommandLine {
     QStringList paths;
     Format format = Format::Text;
     InfoOptions info;
-};
-
-// The toolkit's messages about one file: each once, with its count, in the order of their first coming.
-class Messages
-{
-public:
-    Messages()
-    {
-        before_ = MessageLoggerInterface::setReceiver(
-            [this](MessageLoggerInterface::Level, const QString &text) { add(text); });
-    }
-    ~Messages() { MessageLoggerInterface::setReceiver(before_); }
-    Q_DISABLE_COPY(Messages)
-
-    void print(const QString &path) const
-    {
-        for (const auto &[text, count] : counted_) {
-            const QString times = count > 1 ? QStringLiteral(" (%1 times)").arg(count) : QString();
-            std::fprintf(stderr, "aia-info: %s: %s%s\n", qUtf8Printable(path), qUtf8Printable(text),
-                         qUtf8Printable(times));
-        }
-    }
-
-private:
-    void add(QString text)
-    {
-        text.remove(QLatin1String("<b>")).remove(QLatin1String("</b>"));
-        for (auto &[known, count] : counted_) {
-            if (known == text) {
-                ++count;
-                return;
-            }
-        }
-        counted_.emplace_back(text, 1);
-    }
-
-    std::vector<std::pair<QString, int>> counted_;
-    MessageLoggerInterface::Receiver before_;
 };
 
 class OpenFile
@@ -81,7 +43,7 @@ private:
 
 int fail(const QString &path, const char *what)
 {
-    std::fprintf(stderr, "aia-info: %s: %s\n", qUtf8Printable(path), what);
+    writeLine(stderr, QStringLiteral("Error: %1: %2").arg(path, QString::fromLatin1(what)));
     return Failure;
 }
 
@@ -115,14 +77,17 @@ int show(const QString &path, const CommandLine &line)
 
 int show_with_messages(const QString &path, const CommandLine &line)
 {
-    const Messages messages;
+    MessageList messages;
+    const MessageRedirection redirection([&](MessageList::Level level, const QString &text) {
+        messages.add(level, path.toHtmlEscaped() + QLatin1String(": ") + text);
+    });
     int code = Failure;
     try {
         code = show(path, line);
     } catch (const std::bad_alloc &) {
         fail(path, "takes more memory than there is");
     }
-    messages.print(path);
+    messages.write(stderr, MessageList::Level::Debug);
     return code;
 }
 
@@ -134,7 +99,9 @@ int parse(const QStringList &arguments, CommandLine *line)
         QStringLiteral("Shows what is in .cdf files with mass spectra, as UTF-8 text or JSON. Exit code: "
                        "0, or 1 where a "
                        "file, or a part of it that was asked for, can't be read, or 2 for wrong usage."));
-    const QCommandLineOption help = parser.addHelpOption();
+    // The ready-made help option would bring one for Qt's own options along.
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help."));
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption json(
         QStringLiteral("json"),
@@ -144,12 +111,12 @@ int parse(const QStringList &arguments, CommandLine *line)
     const QCommandLineOption all(
         QStringLiteral("all"),
         QStringLiteral("Show up to 10000 of the items of a long list, not only the first 20."));
-    parser.addOptions({json, scan, all});
+    parser.addOptions({help, json, scan, all});
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The files to look into."),
                                  QStringLiteral("FILE..."));
 
     const auto refuse = [](const QString &why) {
-        std::fprintf(stderr, "aia-info: %s\nTry aia-info --help.\n", qUtf8Printable(why));
+        writeLine(stderr, QStringLiteral("Error: %1; see aia-info --help").arg(why));
         return int(WrongUsage);
     };
     if (!parser.parse(arguments))
@@ -194,7 +161,7 @@ int main(int argc, char **argv)
             code = Failure;
     }
     if (std::fflush(stdout) != 0) {
-        std::fputs("aia-info: the report can't be written\n", stderr);
+        std::fputs("Error: the report can't be written\n", stderr);
         return Failure;
     }
     return code;

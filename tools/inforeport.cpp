@@ -10,6 +10,8 @@ namespace {
 
 constexpr int indent_width = 2;
 
+QString node_text(const InfoNode &node, int depth);
+
 bool is_floating(const QVariant &value)
 {
     return value.type() == QVariant::Double;
@@ -83,6 +85,17 @@ QString table_text(const InfoNode &table, int depth)
     return text + omission_text(table, depth);
 }
 
+QString list_text(const InfoNode &list, int depth)
+{
+    QString text;
+    for (const InfoNode &item : list.children) {
+        text += item.kind == InfoNode::Kind::Value
+            ? indented(depth, QLatin1String("- ") + value_text(item.value))
+            : node_text(item, depth);
+    }
+    return text + omission_text(list, depth);
+}
+
 QString node_text(const InfoNode &node, int depth)
 {
     switch (node.kind) {
@@ -90,10 +103,14 @@ QString node_text(const InfoNode &node, int depth)
         return indented(depth, node.name + QLatin1String(": ") + value_text(node.value));
     case InfoNode::Kind::Table:
         return indented(depth, node.name + QLatin1Char(':')) + table_text(node, depth + 1);
-    default:
-        return indented(depth, node.name + QLatin1Char(':')) + info_text(node, depth + 1)
-            + omission_text(node, depth + 1);
+    case InfoNode::Kind::List:
+        return indented(depth, node.name + QLatin1Char(':')) + list_text(node, depth + 1);
+    case InfoNode::Kind::Section:
+        break;
     }
+    if (node.children.empty())
+        return indented(depth, node.name + QLatin1String(": (nothing)"));
+    return indented(depth, node.name + QLatin1Char(':')) + info_text(node, depth + 1);
 }
 
 QJsonArray table_json(const InfoNode &table)
