@@ -4,18 +4,12 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 constexpr int indent_width = 2;
 
 QString node_text(const InfoNode &node, int depth);
-
-bool is_floating(const QVariant &value)
-{
-    return value.type() == QVariant::Double;
-}
 
 QString printable(const QString &text)
 {
@@ -36,16 +30,9 @@ QString value_text(const QVariant &value)
 {
     if (!value.isValid())
         return QStringLiteral("-");
-    if (is_floating(value))
+    if (value.type() == QVariant::Double)
         return QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest);
     return printable(value.toString());
-}
-
-QJsonValue value_json(const QVariant &value)
-{
-    if (is_floating(value) && !std::isfinite(value.toDouble()))
-        return QJsonValue::Null;
-    return QJsonValue::fromVariant(value);
 }
 
 QString indented(int depth, const QString &line)
@@ -119,7 +106,7 @@ QJsonArray table_json(const InfoNode &table)
     for (const std::vector<QVariant> &row : table.rows) {
         QJsonObject object;
         for (std::size_t i = 0; i < row.size(); ++i)
-            object.insert(table.columns[int(i)], value_json(row[i]));
+            object.insert(table.columns[int(i)], QJsonValue::fromVariant(row[i]));
         array.append(object);
     }
     return array;
@@ -129,7 +116,7 @@ QJsonValue node_json(const InfoNode &node)
 {
     switch (node.kind) {
     case InfoNode::Kind::Value:
-        return value_json(node.value);
+        return QJsonValue::fromVariant(node.value);
     case InfoNode::Kind::Section:
         return info_json(node);
     case InfoNode::Kind::Table:
