@@ -60,7 +60,8 @@ MsBlock<void> ms_read_vector(const MsFileRecord &file, int slot, qint32 type, qi
     if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1 || !ms_is_number(shape.type))
         return nullptr;
     if (start < 0 || count < 1 || quint64(start) + quint64(count) > shape.length[0]
-        || count > std::numeric_limits<quint32>::max())
+        || count > std::numeric_limits<quint32>::max()
+        || quint64(count) * ms_type_width(type) > ms_state_of(file).most_bytes)
         return nullptr;
 
     const std::size_t from = std::size_t(start);

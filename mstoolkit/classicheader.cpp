@@ -42,6 +42,7 @@ class Walk
 public:
     explicit Walk(const char *path);
 
+    quint64 fileLength() const { return length; }
     bool isClassic();
     bool run(MsClassicLayout *layout);
 
@@ -217,7 +218,6 @@ quint64 Walk::recordSize() const
 
 void Walk::lay(MsClassicLayout *layout) const
 {
-    layout->length = length;
     layout->needed = 0;
     layout->variables.clear();
     const quint64 stride = recordSize();
@@ -271,6 +271,7 @@ bool Walk::run(MsClassicLayout *layout)
 MsHeader ms_inspect_header(const char *path, MsClassicLayout *layout)
 {
     Walk walk(path);
+    layout->length = walk.fileLength();
     if (!walk.isClassic())
         return MsHeader::NotClassic;
     return walk.run(layout) ? MsHeader::Sound : MsHeader::Damaged;

@@ -19,7 +19,7 @@ struct MsVariableExtent {
 struct MsClassicLayout {
     std::vector<MsVariableExtent> variables; // by netCDF id
     quint64 needed = 0;                      // bytes that the file has to have
-    quint64 length = 0;                      // bytes that it has
+    quint64 length = 0; // bytes that it has, of whatever kind it is; 0 if that can't be told
 };
 
 enum class MsHeader {

@@ -38,6 +38,15 @@ void report_missing_data(int ncid, const char *path, const MsClassicLayout &layo
         nullptr);
 }
 
+// What a file of that length can hold: the tightest packing in use, deflate, makes of a byte 1,032 at the
+// most. The rest is for small variables that were never written.
+quint64 most_bytes(quint64 length)
+{
+    constexpr quint64 tightest = 1100;
+    constexpr quint64 unwritten = 1 << 20;
+    return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
+}
+
 // Ends an opening that failed after the registration.
 int give_up(int ncid)
 {
@@ -108,7 +117,9 @@ int ms_open_read(const char *path)
         return -1;
 
     ms_register_file(ncid);
-    ms_file_state(ncid)->columns = std::make_unique<MsColumn[]>(MsVariableCount);
+    MsFileState *state = ms_file_state(ncid);
+    state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
+    state->most_bytes = most_bytes(layout.length);
     if (layout.length < layout.needed)
         report_missing_data(ncid, path, layout);
     if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)

@@ -5,6 +5,7 @@
 #include "classicheader_p.h"
 #include "mstoolkit.h"
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -33,6 +34,9 @@ struct MsColumn {
 };
 
 struct MsFileState : MsFileRecord {
+    // No variable can hold more bytes than this. A file of the newer kinds may claim any number of
+    // elements that were never written; memory isn't made for those.
+    quint64 most_bytes = std::numeric_limits<quint64>::max();
     // Of a classic file that is shorter than its header says.
     std::unique_ptr<MsClassicLayout> cut_off;
     // By MsVariableSlot; null for a file that is written.

@@ -6,9 +6,6 @@
 
 namespace {
 
-// A file can claim any width for its groups without holding a single number.
-constexpr qint32 widest_group = 1 << 24;
-
 bool has_array(const MsVariableRow &row)
 {
     return row.ndims == 2;
@@ -96,7 +93,7 @@ int ms_read_group(int ncid, MsGroupRecord *group)
 
     clear_arrays(group);
     const qint32 width = file->dimensions[MsDim_group_max_masses].size;
-    if (width <= widest_group) {
+    if (quint64(width) * sizeof(double) <= ms_state_of(*file).most_bytes) {
         for (const MsVariableRow &row : ms_group_table) {
             if (has_array(row))
                 ms_field<double *>(group, row.field) =

@@ -91,6 +91,8 @@ qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
 // Numbers beyond the end of a file that is cut off are missing.
 MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count)
 {
+    if (quint64(scan_count) * sizeof(double) > ms_state_of(file).most_bytes)
+        return nullptr;
     const qint32 stored = stored_elements(file, slot, scan_count);
     MsBlock<void> numbers = ms_read_whole(file, slot, NC_DOUBLE, scan_count, stored);
     if (!numbers || stored == scan_count)

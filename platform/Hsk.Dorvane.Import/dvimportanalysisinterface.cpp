@@ -12,6 +12,10 @@
 
 namespace {
 
+// A file can claim thousands of millions of scans in a few bytes. After so many in a row without any
+// data nothing more is expected of it.
+constexpr int mostEmptyScans = 1 << 20;
+
 // Receives what nobody wants.
 class NoReceiver : public DVImportReceiver
 {
@@ -38,7 +42,7 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
                                        TFileBuffer *)
 {
     try {
-        return run();
+        return run(name);
     } catch (const std::bad_alloc &) {
         MessageLoggerInterface::Error(
             QStringLiteral("There isn't enough memory to import <b>%1</b>").arg(name.toHtmlEscaped()),
@@ -47,7 +51,7 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
     }
 }
 
-bool DVImportAnalysisInterface::run()
+bool DVImportAnalysisInterface::run(const QString &name)
 {
     resetCanceled();
     header = nullptr;
@@ -71,6 +75,7 @@ bool DVImportAnalysisInterface::run()
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();
     const int step = std::max(count / 100, 1);
+    int empty = 0;
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
             return false;
@@ -78,6 +83,14 @@ bool DVImportAnalysisInterface::run()
         int points = 0;
         const double total =
             importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
+        empty = points == 0 && total == 0.0 ? empty + 1 : 0;
+        if (empty > mostEmptyScans) {
+            MessageLoggerInterface::Error(
+                QStringLiteral("The import of <b>%1</b> was given up: %2 scans in a row are empty")
+                    .arg(name.toHtmlEscaped(), QString::number(mostEmptyScans)),
+                nullptr);
+            return false;
+        }
         target.scanImported(scan, time, total, points, abundances.get(), positions.get());
         if ((scan + 1) % step == 0)
             target.progressChanged(scan + 1, count);

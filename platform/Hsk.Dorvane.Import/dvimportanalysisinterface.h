@@ -23,8 +23,9 @@ public:
 
     // The run on an open file: importHeader, importMassTable, then importScan for each scan of the
     // header, each scan handed on to the receiver and none kept. The header is freed at the end. False
-    // if importHeader says so, if memory runs out (an error message names `fileName`), or if the run
-    // was cancelled. `title`, `path` and `buffer` aren't used by this run.
+    // if importHeader says so or the run was cancelled, and, with an error message that names
+    // `fileName`, if memory runs out or a million scans in a row are empty. `title`, `path` and `buffer`
+    // aren't used by this run.
     bool import(const QString &fileName, const QString &title, const QString &path,
                 TFileBuffer *buffer) override;
 
@@ -66,7 +67,7 @@ private:
     static constexpr std::size_t rememberedCount = 1 << 17;
     static constexpr float rememberedRange = 1 << 24;
 
-    bool run();
+    bool run(const QString &name);
 
     DVImportReceiver *receiver = nullptr;
     std::vector<quint16> rememberedPositions; // by a mass's hundredths; see findTablePosition
