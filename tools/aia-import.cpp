@@ -1,0 +1,84 @@
+// Plays the host: imports files through the plugin and shows what a host would receive.
+
+#include "fileimport.h"
+#include "importoptions.h"
+#include "jsonwriter.h"
+#include "terminaltext.h"
+
+#include <QApplication>
+#include <QPluginLoader>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+enum ExitStatus { AllImported = 0, NotAllImported = 1 };
+
+void onInterrupt(int signal)
+{
+    FileImport::interrupt();
+    std::signal(signal, SIG_DFL); // a second Ctrl-C ends a program that doesn't come to a stop
+}
+
+void report(const QString &sentence)
+{
+    writeLine(stderr, QStringLiteral("aia-import: ") + sentence);
+}
+
+int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options)
+{
+    JsonWriter json;
+    const bool writesJson = !options.json.isEmpty();
+    bool complete = !writesJson || json.open(options.json);
+    for (const QString &file : options.files) {
+        if (json.hasFailed() || FileImport::isInterrupted())
+            break;
+        FileImport import(prototype, options, writesJson ? &json : nullptr, file);
+        complete = import.run() && complete;
+    }
+    if (writesJson && !json.finish()) {
+        report(QStringLiteral("\"%1\" can't be written: %2.").arg(options.json, json.errorText()));
+        complete = false;
+    }
+    return complete && !FileImport::isInterrupted() ? AllImported : NotAllImported;
+}
+
+int runProgram(const ImportOptions &options)
+{
+    QPluginLoader loader(QCoreApplication::applicationDirPath()
+                         + QStringLiteral("/" AIA_PLUGIN_DIR "/Hsk.Dorvane.ImportAiaMs.so"));
+    auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
+    if (!prototype) {
+        report(loader.isLoaded()
+                   ? QStringLiteral("\"%1\" isn't an import plugin.").arg(loader.fileName())
+                   : QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString()));
+        return NotAllImported;
+    }
+    std::signal(SIGINT, onInterrupt);
+    const int status = importAll(*prototype, options);
+    if (std::fflush(stdout) != 0) {
+        report(QStringLiteral("Standard output can't be written."));
+        return NotAllImported;
+    }
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // A display is needed, and looked for, only where a dialog is to be shown.
+    CommandLine commandLine;
+    {
+        const QCoreApplication application(argc, argv);
+        commandLine = parseCommandLine(QCoreApplication::arguments());
+        if (commandLine.exitStatus)
+            return *commandLine.exitStatus;
+        if (!commandLine.options.ask)
+            return runProgram(commandLine.options);
+    }
+    const QApplication application(argc, argv);
+    return runProgram(commandLine.options);
+}

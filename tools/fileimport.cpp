@@ -1,0 +1,169 @@
+#include "fileimport.h"
+
+#include "dvheader.h"
+#include "dvimportparamtype.h"
+#include "terminaltext.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+// The plugin hands a name to netCDF as Latin-1, so another coding of it would be another file's name.
+bool canReachNetcdf(const QString &name)
+{
+    return QFile::encodeName(name) == name.toLatin1();
+}
+
+bool canImport(DVImportAnalysisInterface &prototype, const QString &name, QString &text)
+{
+    if (canReachNetcdf(name))
+        return prototype.canImport(nullptr, name, text);
+    // The host's own test only: the plugin's would open the other file.
+    if (prototype.DVImportInterface::canImport(nullptr, name, text))
+        text =
+            QStringLiteral("The name of the file \"%1\" has characters with which netCDF can't find it.")
+                .arg(name);
+    return false;
+}
+
+} // namespace
+
+FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine,
+                       JsonWriter *jsonWriter, const QString &name)
+    : prototype(plugin), options(commandLine), json(jsonWriter), fileName(name), audit(name),
+      progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
+{
+}
+
+void FileImport::interrupt()
+{
+    interrupted = 1;
+}
+
+bool FileImport::isInterrupted()
+{
+    return interrupted != 0;
+}
+
+bool FileImport::run()
+{
+    const MessageRedirection collection(
+        [this](MessageLoggerInterface::Level level, const QString &text) { messages.add(level, text); });
+    const bool imported = importIfPossible();
+    messages.write(stderr, options.quiet ? MessageList::Level::Warning : MessageList::Level::Debug);
+    return imported;
+}
+
+bool FileImport::importIfPossible()
+{
+    QString text;
+    if (!canImport(prototype, fileName, text)) {
+        report(refusal(text));
+        // A file that opened but was refused stays with the prototype; a copy takes it along.
+        delete prototype.clone();
+        return false;
+    }
+
+    if (options.ask)
+        askParameters();
+    if (options.modulation)
+        prototype.setModulation(*options.modulation);
+    const std::unique_ptr<DVImportAnalysisInterface> copy(prototype.clone());
+    return importOn(*copy);
+}
+
+void FileImport::askParameters()
+{
+    auto *questions = static_cast<DVImportParamType *>(prototype.qt_metacast("DVImportParamType"));
+    if (questions)
+        questions->askParameters(nullptr);
+}
+
+bool FileImport::importOn(DVImportAnalysisInterface &copy)
+{
+    working = &copy;
+    copy.setReceiver(this);
+    const bool complete = copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr);
+    working = nullptr;
+    progress.clear();
+    if (json && started)
+        json->endFile();
+    if (!complete) {
+        report(QStringLiteral("The import of \"%1\" stopped after %2 of %3 scans.")
+                   .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
+    }
+    if (started && !options.quiet)
+        summary.write(options.json == QLatin1String("-") ? stderr : stdout, audit.result());
+    if (audit.unreadCount() > 0) {
+        report(QStringLiteral("\"%1\" was not imported in full; scans that could not be read: %2.")
+                   .arg(fileName, audit.result()));
+    }
+    return complete && audit.unreadCount() == 0;
+}
+
+void FileImport::analysisStarted(const DVHeader &header, const float *table, int tableSize)
+{
+    started = true;
+    scanCount = header.getNbScans();
+    summary.start(fileName, header, table, tableSize);
+    audit.start(header, tableSize);
+    if (json)
+        json->beginFile(fileName, header, table, tableSize);
+}
+
+void FileImport::scanImported(int scan, double time, double total, int pointCount,
+                              const float *abundances, const unsigned short *positions)
+{
+    ++scansDone;
+    summary.addPoints(pointCount);
+    audit.check(scan, pointCount, total);
+    if (json)
+        json->addScan(time, total, pointCount, abundances, positions);
+    if (isInterrupted() || (json && json->hasFailed()))
+        working->pBarCanceledSlot();
+}
+
+void FileImport::progressChanged(int done, int count)
+{
+    progress.show(done, count);
+}
+
+QString FileImport::refusal(const QString &hostText)
+{
+    // These only repeat the sentence; an error says what is wrong and becomes part of it.
+    const QStringList traces = messages.take(MessageList::Level::Debug);
+    const QStringList errors = messages.take(MessageList::Level::Error);
+    if (!hostText.isEmpty())
+        return hostText;
+    if (QFileInfo(fileName).size() == 0)
+        return QStringLiteral("The file \"%1\" is empty.").arg(fileName);
+
+    QString reason;
+    if (traces.contains(QStringLiteral("ms_open_read failed!"))) {
+        reason =
+            QStringLiteral("netCDF can't open it: it isn't a netCDF file, or its header is damaged or "
+                           "cut off");
+    } else if (traces.contains(QStringLiteral("ms_read_global failed!"))) {
+        reason = QStringLiteral("its global attributes can't be read");
+    } else {
+        // What else it lacks of a template that it doesn't follow is of no interest.
+        messages.take(MessageList::Level::Warning);
+        reason =
+            QStringLiteral("it has no dimension \"scan_number\", so it isn't a mass spectrometry file "
+                           "of the AIA MS template");
+    }
+    if (!errors.isEmpty())
+        reason += QStringLiteral(" (%1)").arg(errors.join(QLatin1String("; ")));
+    return QStringLiteral("The file \"%1\" can't be imported: %2.").arg(fileName, reason);
+}
+
+void FileImport::report(const QString &sentence) const
+{
+    writeLine(stderr, QStringLiteral("aia-import: ") + sentence);
+}

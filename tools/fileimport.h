@@ -1,0 +1,56 @@
+// The import of one file, on the host's road: the plugin's prototype is asked whether it takes the file,
+// and a working copy of it then does the run.
+#ifndef FILEIMPORT_H
+#define FILEIMPORT_H
+
+#include "dvimportanalysisinterface.h"
+#include "dvimportreceiver.h"
+#include "importoptions.h"
+#include "importsummary.h"
+#include "jsonwriter.h"
+#include "messagelist.h"
+#include "progressbar.h"
+#include "scanaudit.h"
+
+class FileImport : private DVImportReceiver
+{
+public:
+    // `json` may be null. All that is handed in must outlive the import.
+    FileImport(DVImportAnalysisInterface &prototype, const ImportOptions &options, JsonWriter *json,
+               const QString &fileName);
+
+    // Whether the file was imported in full. If not, standard error says why.
+    bool run();
+
+    // Makes the run that goes on, and any later one, stop before its next scan. May be called by a signal
+    // handler.
+    static void interrupt();
+    static bool isInterrupted();
+
+private:
+    void analysisStarted(const DVHeader &header, const float *table, int tableSize) override;
+    void scanImported(int scan, double time, double total, int pointCount, const float *abundances,
+                      const unsigned short *positions) override;
+    void progressChanged(int done, int count) override;
+
+    bool importIfPossible();
+    void askParameters();
+    bool importOn(DVImportAnalysisInterface &copy);
+    QString refusal(const QString &hostText);
+    void report(const QString &sentence) const;
+
+    DVImportAnalysisInterface &prototype;
+    const ImportOptions &options;
+    JsonWriter *const json;
+    const QString fileName;
+    DVImportAnalysisInterface *working = nullptr; // during the run
+    MessageList messages;
+    ImportSummary summary;
+    ScanAudit audit;
+    ProgressBar progress;
+    bool started = false; // header and table are there
+    int scanCount = 0;
+    int scansDone = 0;
+};
+
+#endif // FILEIMPORT_H

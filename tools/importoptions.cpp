@@ -1,0 +1,99 @@
+#include "importoptions.h"
+
+#include "terminaltext.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int wrongUsage = 2;
+constexpr double longestModulation = 100.0;
+
+// A JSON file over a data file would destroy the data.
+bool isOneOf(const QString &name, const QStringList &files)
+{
+    const QString path = QFileInfo(name).canonicalFilePath();
+    return !path.isEmpty() && std::any_of(files.cbegin(), files.cend(), [&](const QString &file) {
+        return QFileInfo(file).canonicalFilePath() == path;
+    });
+}
+
+std::optional<float> modulationLength(const QString &text)
+{
+    bool isNumber = false;
+    const double length = text.toDouble(&isNumber);
+    if (!isNumber || !(length >= 0.0 && length <= longestModulation))
+        return std::nullopt;
+    return float(length);
+}
+
+CommandLine refuse(const QString &reason)
+{
+    writeLine(stderr, QStringLiteral("aia-import: %1").arg(reason));
+    writeLine(stderr, QStringLiteral("\"aia-import --help\" shows how it is used."));
+    return {wrongUsage, {}};
+}
+
+} // namespace
+
+CommandLine parseCommandLine(const QStringList &arguments)
+{
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Write all that is imported to FILE, - for standard "
+                                                 "output, as JSON: an object a file, one a line."),
+                                  QStringLiteral("FILE"));
+    const QCommandLineOption quiet(QStringLiteral("quiet"),
+                                   QStringLiteral("Show warnings and errors only."));
+    const QCommandLineOption gcxgc(
+        QStringLiteral("gcxgc"),
+        QStringLiteral("Import GCxGC runs, with modulations of LENGTH seconds: "
+                       "0 to 100, 0 for a plain run."),
+        QStringLiteral("LENGTH"));
+    const QCommandLineOption ask(QStringLiteral("ask"),
+                                 QStringLiteral("Ask for the parameters of each file in a dialog."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Show the version."));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Imports .cdf files of the AIA MS template."));
+    parser.addOptions({json, quiet, gcxgc, ask, help, version});
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
+                                 QStringLiteral("FILE..."));
+
+    if (!parser.parse(arguments))
+        return refuse(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(parser.helpText().toLocal8Bit().constData(), stdout);
+        return {0, {}};
+    }
+    if (parser.isSet(version)) {
+        writeLine(stdout, QStringLiteral("aia-import " AIA_VERSION));
+        return {0, {}};
+    }
+
+    ImportOptions options;
+    options.files = parser.positionalArguments();
+    options.json = parser.value(json);
+    options.quiet = parser.isSet(quiet);
+    options.ask = parser.isSet(ask);
+    if (options.files.isEmpty())
+        return refuse(QStringLiteral("No file is named."));
+    if (parser.isSet(json) && options.json.isEmpty())
+        return refuse(QStringLiteral("The name after --json is empty."));
+    if (isOneOf(options.json, options.files))
+        return refuse(QStringLiteral("\"%1\" can't be read and written at once.").arg(options.json));
+    if (options.ask && parser.isSet(gcxgc))
+        return refuse(QStringLiteral("--ask and --gcxgc exclude each other."));
+    if (parser.isSet(gcxgc)) {
+        options.modulation = modulationLength(parser.value(gcxgc));
+        if (!options.modulation)
+            return refuse(
+                QStringLiteral("\"%1\" isn't a modulation length: a number from 0 to 100 is needed.")
+                    .arg(parser.value(gcxgc)));
+    }
+    return {std::nullopt, options};
+}

@@ -1,0 +1,28 @@
+#include "terminaltext.h"
+
+#include <QRegularExpression>
+
+QString plainText(const QString &richText)
+{
+    static const QRegularExpression tag(QStringLiteral("</?[A-Za-z][^<>]*>"));
+    QString plain = richText;
+    plain.remove(tag);
+    // The ampersand comes last, so that "&amp;lt;" ends as "&lt;".
+    return plain.replace(QLatin1String("&lt;"), QLatin1String("<"))
+        .replace(QLatin1String("&gt;"), QLatin1String(">"))
+        .replace(QLatin1String("&quot;"), QLatin1String("\""))
+        .replace(QLatin1String("&#39;"), QLatin1String("'"))
+        .replace(QLatin1String("&nbsp;"), QLatin1String(" "))
+        .replace(QLatin1String("&amp;"), QLatin1String("&"));
+}
+
+void writeLine(std::FILE *stream, const QString &text)
+{
+    QString line = text;
+    for (QChar &character : line) {
+        if (character.category() == QChar::Other_Control)
+            character = QLatin1Char('?');
+    }
+    line += QLatin1Char('\n');
+    std::fputs(line.toLocal8Bit().constData(), stream);
+}

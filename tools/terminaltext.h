@@ -1,0 +1,16 @@
+// Texts on their way to a terminal.
+#ifndef TERMINALTEXT_H
+#define TERMINALTEXT_H
+
+#include <QString>
+
+#include <cstdio>
+
+// A message's rich text without its tags, its entities as the characters that they stand for.
+QString plainText(const QString &richText);
+
+// Writes a line in the terminal's coding. Control characters, which a file's texts may hold and a
+// terminal would obey, become question marks.
+void writeLine(std::FILE *stream, const QString &text);
+
+#endif // TERMINALTEXT_H
