@@ -2,6 +2,7 @@
 
 #include "dvheader.h"
 #include "dvimportparamtype.h"
+#include "mstoolkit.h"
 #include "terminaltext.h"
 
 #include <QFile>
@@ -30,6 +31,17 @@ bool canImport(DVImportAnalysisInterface &prototype, const QString &name, QStrin
             QStringLiteral("The name of the file \"%1\" has characters with which netCDF can't find it.")
                 .arg(name);
     return false;
+}
+
+// Tells, for a file that was refused, which of the plugin's tests it failed.
+bool hasScans(const QString &name)
+{
+    const MessageRedirection silence([](MessageLoggerInterface::Level, const QString &) {});
+    const int fileId = ms_open_read(name.toLatin1().constData());
+    int dimension = -1;
+    const bool found = nc_inq_dimid(fileId, "scan_number", &dimension) == NC_NOERR;
+    ms_close(fileId);
+    return found;
 }
 
 } // namespace
@@ -149,7 +161,7 @@ QString FileImport::refusal(const QString &hostText)
         reason =
             QStringLiteral("netCDF can't open it: it isn't a netCDF file, or its header is damaged or "
                            "cut off");
-    } else if (traces.contains(QStringLiteral("ms_read_global failed!"))) {
+    } else if (hasScans(fileName)) {
         reason = QStringLiteral("its global attributes can't be read");
     } else {
         // What else it lacks of a template that it doesn't follow is of no interest.

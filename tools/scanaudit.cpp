@@ -73,7 +73,7 @@ QString ScanAudit::result() const
     if (unread == 0)
         return QStringLiteral("none");
     if (run == Run::Nothing)
-        return QStringLiteral("all %1: the file has neither masses nor a total intensity for each scan")
+        return QStringLiteral("%1, as the file has neither masses nor a total intensity for each scan")
             .arg(unread);
 
     QStringList numbers;
@@ -81,6 +81,6 @@ QString ScanAudit::result() const
         numbers.append(QString::number(scan));
     if (std::size_t(unread) > first.size())
         numbers.append(QStringLiteral("..."));
-    return QStringLiteral("%1 (counted from 0: %2)")
+    return QStringLiteral("%1 (counted from 0: number %2)")
         .arg(QString::number(unread), numbers.join(QLatin1String(", ")));
 }

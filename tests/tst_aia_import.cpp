@@ -1,0 +1,256 @@
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+namespace {
+
+struct Result {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+Result run(const QStringList &arguments, const QString &folder = QString())
+{
+    QProcess program;
+    program.setWorkingDirectory(folder);
+    program.start(QStringLiteral(AIA_TOOLS "/aia-import"), arguments);
+    Result result;
+    if (program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit)
+        result.status = program.exitCode();
+    result.out = program.readAllStandardOutput();
+    result.err = program.readAllStandardError();
+    return result;
+}
+
+QString fixture(const QByteArray &name)
+{
+    return QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(QString::fromLatin1(name));
+}
+
+// What the program itself says, without the account that the plugin gives of a run.
+QByteArrayList sentences(const QByteArray &err)
+{
+    QByteArrayList found;
+    for (const QByteArray &line : err.split('\n')) {
+        if (line.startsWith("aia-import: ") || line.startsWith("Error: ") || line.startsWith("Debug: "))
+            found.append(line);
+    }
+    return found;
+}
+
+} // namespace
+
+class TestAiaImport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void refusal_data();
+    void refusal();
+    void permission();
+    void usage_data();
+    void usage();
+    void json();
+    void summary_data();
+    void summary();
+    void refusalAmongOthers();
+    void messages();
+    void fullDisk();
+
+private:
+    void write(const QString &name, const QByteArray &content);
+
+    QTemporaryDir folder;
+    const QString otherFile = QString::fromUtf8("\xE6\x97\xA5.cdf"); // in Latin-1: "?.cdf"
+    const bool namesAreUtf8 = QFile::encodeName(otherFile) == otherFile.toUtf8();
+};
+
+void TestAiaImport::write(const QString &name, const QByteArray &content)
+{
+    QFile file(folder.filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+void TestAiaImport::initTestCase()
+{
+    QVERIFY(folder.isValid());
+    QFile gcgc(fixture("gcgc"));
+    QVERIFY(gcgc.open(QIODevice::ReadOnly));
+    const QByteArray content = gcgc.readAll();
+    write("text.cdf", "not netCDF");
+    write("empty.cdf", QByteArray());
+    write("cut.cdf", content.left(100));
+    write("run.txt", content);
+    write("?.cdf", content);
+    if (namesAreUtf8)
+        write(otherFile, content);
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
+}
+
+void TestAiaImport::refusal_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("text") << "text.cdf" << QByteArray("isn't a netCDF file");
+    QTest::newRow("empty") << "empty.cdf" << QByteArray("is empty");
+    QTest::newRow("folder") << "folder.cdf" << QByteArray("is a folder");
+    QTest::newRow("missing") << "missing.cdf" << QByteArray("doesn't exist");
+    QTest::newRow("cut off in its header") << "cut.cdf" << QByteArray("damaged or cut off");
+    QTest::newRow("extension") << "run.txt" << QByteArray("extension");
+    if (namesAreUtf8)
+        QTest::newRow("another file's name") << otherFile << QByteArray("netCDF can't find it");
+    QTest::newRow("no scans") << fixture("chromatogram") << QByteArray("no dimension \"scan_number\"");
+    QTest::newRow("nothing of the template") << fixture("no-axes") << QByteArray("\"scan_number\"");
+    QTest::newRow("attributes") << fixture("error-log-rank-1") << QByteArray("loading error_log");
+}
+
+void TestAiaImport::refusal()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, reason);
+    const Result result = run({"--json", "-", file}, folder.path());
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.out, QByteArray());
+    const QByteArrayList said = sentences(result.err);
+    QCOMPARE(said.size(), 1);
+    QVERIFY2(said[0].contains(reason), said[0].constData());
+    QVERIFY2(said[0].contains(file.toLocal8Bit()), said[0].constData());
+}
+
+void TestAiaImport::permission()
+{
+    if (geteuid() == 0)
+        QSKIP("root may read everything");
+    write("locked.cdf", "x");
+    QFile::setPermissions(folder.filePath("locked.cdf"), QFileDevice::WriteOwner);
+    const Result result = run({"locked.cdf"}, folder.path());
+    QCOMPARE(result.status, 1);
+    QVERIFY(result.err.contains("no permission"));
+}
+
+void TestAiaImport::usage_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("status");
+    QTest::newRow("no length") << QStringList{"--gcxgc", "0"} << 0;
+    QTest::newRow("longest") << QStringList{"--gcxgc", "100"} << 0;
+    QTest::newRow("too long") << QStringList{"--gcxgc", "100.01"} << 2;
+    QTest::newRow("negative") << QStringList{"--gcxgc", "-0.5"} << 2;
+    QTest::newRow("not a number") << QStringList{"--gcxgc", "nan"} << 2;
+    QTest::newRow("text") << QStringList{"--gcxgc", "6s"} << 2;
+    QTest::newRow("answer and question") << QStringList{"--gcxgc", "6", "--ask"} << 2;
+    QTest::newRow("unknown option") << QStringList{"--no-such-option"} << 2;
+    QTest::newRow("JSON over data") << QStringList{"--json", "run.txt", "run.txt"} << 2;
+    QTest::newRow("help wins") << QStringList{"--help"} << 0;
+    QTest::newRow("version wins") << QStringList{"--version"} << 0;
+}
+
+void TestAiaImport::usage()
+{
+    QFETCH(QStringList, options);
+    const Result result = run(options << fixture("gcgc"), folder.path());
+    QTEST(result.status, "status");
+    QCOMPARE(result.out.isEmpty(), result.status == 2);
+    QCOMPARE(run({}).status, 2);
+}
+
+void TestAiaImport::json()
+{
+    const Result result = run({"--json", "-", fixture("import-odd-scans")});
+    QCOMPARE(result.status, 1); // a scan couldn't be read
+    const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + '"';
+    QVERIFY(result.out.startsWith(head));
+    QCOMPARE(
+        result.out.mid(head.size()),
+        QByteArray(
+            R"(,"header":{"scanCount":4,"modulation":0.0,"abundanceBits":28,"abundanceCoefficient":null,)"
+            R"("date":1190524080,"device":null,"experimentName":"Café \"5\\6\"\u0009<1>",)"
+            R"("retentionUnit":"minutes","runLength":0.30000000000000004,"delay":0.1,)"
+            R"("samplingInterval":0.10000000000000002,"detectorType":512},)"
+            R"("massTable":[50.099998474121094,60.0],"scans":[)"
+            R"({"time":0.1,"total":0.1,"positions":[0,1],"abundances":[-0.0,0.10000000149011612]},)"
+            R"({"time":0.2,"total":0.0,"positions":[],"abundances":[]},)"
+            R"({"time":0.3,"total":null,"positions":[0,1],"abundances":[null,1e999]},)"
+            R"({"time":0.4,"total":0.0,"positions":[],"abundances":[]}]})"
+            "\n"));
+}
+
+void TestAiaImport::summary_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("line");
+    const auto row = [](const char *name, const char *line) {
+        QTest::newRow(line) << QByteArray(name) << QString::fromLatin1(line);
+    };
+    row("import-odd-scans", "Date: +2007-09-23T05:08:00Z");
+    row("import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1");
+    row("import-odd-scans", "Points read: +4");
+    row("import-odd-scans", "Scans not read: +1 \\(.* 3\\)"); // the empty one isn't among them
+    row("total-ion", "Scans not read: +1 \\(.* 2\\)");
+    row("total-ion-no-intensity", "Scans not read: +3, as .*");
+    row("gcgc", "Modulation length: +60 s");
+    row("gcgc", "Scans in a modulation: +2"); // of half a minute
+    row("gcgc", "Modulations: +2");
+    row("gcgc", "Second-dimension step: +30 s");
+    row("gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)");
+    row("gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)");
+}
+
+void TestAiaImport::summary()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, line);
+    const Result result = run({"--gcxgc", "60", fixture(file)});
+    const QRegularExpression expected('^' + line + '$', QRegularExpression::MultilineOption);
+    QVERIFY2(expected.match(QString::fromUtf8(result.out)).hasMatch(), result.out.constData());
+}
+
+void TestAiaImport::refusalAmongOthers()
+{
+    // The length holds for each file, and a refused file leaves nothing behind for the next.
+    const Result result = run(
+        {"--json", "all.json", "--gcxgc", "6", fixture("gcgc"), fixture("chromatogram"), fixture("gcgc")},
+        folder.path());
+    QCOMPARE(result.status, 1);
+    QFile file(folder.filePath("all.json"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArrayList lines = file.readAll().split('\n');
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines[0], lines[1]);
+    QCOMPARE(QJsonDocument::fromJson(lines[1]).object()["header"].toObject()["modulation"].toDouble(),
+             6.0);
+}
+
+void TestAiaImport::messages()
+{
+    const Result result = run({"--quiet", fixture("import-odd-scans")});
+    QCOMPARE(result.out, QByteArray());
+    // First and last time for the header, then each scan; not the second look at two of them.
+    QVERIFY2(result.err.contains(
+                 "\nWarning: Data type mismatch while loading scan_acquisition_time (6 times)\n"),
+             result.err.constData());
+    QVERIFY(result.err.contains("\nWarning: Mandatory attribute netcdf-revision is missing from file\n"));
+}
+
+void TestAiaImport::fullDisk()
+{
+    if (!QFile::exists(QStringLiteral("/dev/full")))
+        QSKIP("this system has no full disk to offer");
+    const Result result = run({"--json", "/dev/full", fixture("gcgc")});
+    QCOMPARE(result.status, 1);
+    QVERIFY2(result.err.contains("\"/dev/full\" can't be written"), result.err.constData());
+}
+
+QTEST_GUILESS_MAIN(TestAiaImport)
+
+#include "tst_aia_import.moc"
