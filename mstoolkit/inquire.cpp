@@ -8,15 +8,16 @@
 namespace {
 
 // Sizes beyond 32 bits show as the largest number: readers then find the variables shorter or longer
-// than expected, and nothing wraps.
+// than expected, and nothing wraps. The library gives some of them as negative ones.
 MsDimension inquire_dimension(int ncid, const char *name, qint32 absent_size)
 {
+    constexpr long largest = std::numeric_limits<qint32>::max();
     const int id = ms_find_dimension(ncid, name);
     if (id == -1)
         return {-1, absent_size};
     long size = 0;
     ncdiminq(ncid, id, nullptr, &size);
-    return {id, qint32(std::min<long>(size, std::numeric_limits<qint32>::max()))};
+    return {id, qint32(size < 0 ? largest : std::min(size, largest))};
 }
 
 void inquire_rows(MsFileRecord *file, const MsTable<MsVariableRow> &table)

@@ -10,7 +10,7 @@
 namespace {
 
 // Points for which the caller's arrays have room.
-constexpr int scanCapacity = 1 << 24;
+constexpr int mostPoints = 1 << 24;
 
 // A scan record for the length of one call.
 class Scan : public MsScanRecord
@@ -57,7 +57,7 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     }
 
     Scan record(scan);
-    if (ms_read_per_scan(fileId, &record, nullptr) == -1 || record.point_count > scanCapacity) {
+    if (ms_read_per_scan(fileId, &record, nullptr) == -1 || record.point_count > mostPoints) {
         *time = interpolated + header->getDelay();
         return 0.0;
     }

@@ -193,6 +193,8 @@ void TestDamaged::survivesWrongWords()
 
 void TestDamaged::readAll(int id)
 {
+    for (const MsDimension &dimension : ms_file_record(id)->dimensions)
+        QVERIFY(dimension.size >= 0);
     MsAdminRecord admin;
     MsSampleRecord sample;
     MsTestRecord test;

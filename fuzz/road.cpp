@@ -1,0 +1,146 @@
+#include "road.h"
+
+#include "dvheader.h"
+#include "importaiams.h"
+#include "infogather.h"
+#include "messageloggerinterface.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+// Scans, groups and components that are looked at: what comes behind them is read the same way.
+constexpr int most = 64;
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+// The host's run with one pair of arrays for the whole process: the sanitizer takes its time over each
+// new pair.
+class Run : public ImportAiaMs
+{
+public:
+    ~Run() override { delete header; }
+
+    void go()
+    {
+        importHeader();
+        float *masses = nullptr;
+        const int size = importMassTable(&masses);
+        const std::unique_ptr<float[]> table(masses);
+        for (int i = 0; i + 1 < size; ++i)
+            require(table[std::size_t(i)] <= table[std::size_t(i + 1)]);
+
+        static const std::unique_ptr<float[]> abundances(new float[scanCapacity]);
+        static const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
+        for (int scan = 0; scan < std::min(header->getNbScans(), most); ++scan) {
+            double time = 0.0;
+            int points = 0;
+            importScan(scan, &time, size, table.get(), &points, abundances.get(), positions.get());
+            require(points >= 0 && points <= scanCapacity);
+            for (int i = 0; i < points; ++i)
+                require(positions[std::size_t(i)] < size);
+        }
+    }
+};
+
+void importFile(const QString &path)
+{
+    ImportAiaMs prototype;
+    QString text;
+    prototype.canImport(nullptr, path, text);
+    const std::unique_ptr<ImportAiaMs> copy(prototype.clone());
+    Run run;
+    if (run.reopenForFile(path))
+        run.go();
+}
+
+void readScans(int ncid)
+{
+    for (int number = -1; number < most; ++number) {
+        MsScanRecord scan;
+        MsLibraryRecord library;
+        ms_init_per_scan(0, &scan, &library);
+        scan.scan_number = number;
+        library.entry_index = number;
+        const bool both = ms_read_per_scan(ncid, &scan, &library) != -1;
+        ms_init_per_scan(1, &scan, &library);
+        scan.scan_number = number;
+        const bool alone = ms_read_per_scan(ncid, &scan, nullptr) != -1;
+        ms_init_per_scan(1, &scan, nullptr);
+        if (number > 0 && !both && !alone)
+            break;
+    }
+}
+
+void readGroups(int ncid)
+{
+    int groups = 0;
+    int masses = 0;
+    ms_inquire_groups(ncid, &groups, &masses);
+    for (int number = 0; number < std::min(groups, 4); ++number) {
+        MsGroupRecord group;
+        ms_init_group(0, &group);
+        group.group_number = number;
+        ms_read_group(ncid, &group);
+        ms_init_group(1, &group);
+    }
+}
+
+void readInstruments(int ncid)
+{
+    for (int component = -1; component < 4; ++component) {
+        MsInstrumentRecord instrument;
+        ms_init_instrument(0, &instrument);
+        instrument.component_index = component;
+        ms_read_instrument(ncid, &instrument);
+        ms_init_instrument(1, &instrument);
+    }
+}
+
+void readWithToolkit(const QString &path)
+{
+    const int ncid = ms_open_read(path.toLatin1().constData());
+    if (ncid == -1)
+        return;
+    readScans(ncid);
+    readGroups(ncid);
+    readInstruments(ncid);
+    double *totals = nullptr;
+    double *times = nullptr;
+    ms_read_total_intensity(ncid, ms_file_record(ncid)->dimensions[MsDim_scan_number].size, &totals,
+                            &times);
+    ms_free(totals);
+    ms_free(times);
+    InfoOptions options;
+    options.scan = 1;
+    const InfoResult info = gather_info(ncid, path, options);
+    info_text(info.report);
+    info_json(info.report);
+    ms_close(ncid);
+}
+
+} // namespace
+
+void followRoad(const QString &path)
+{
+    MessageLoggerInterface::setReceiver([](MessageLoggerInterface::Level, const QString &) {});
+    importFile(path);
+    readWithToolkit(path);
+}
+
+QString scratchFile()
+{
+    static const QString name = QStringLiteral("/dev/shm/fuzz-%1.cdf").arg(getpid());
+    static const bool registered = [] { return std::atexit([] { QFile::remove(name); }) == 0; }();
+    Q_UNUSED(registered)
+    return name;
+}
