@@ -69,11 +69,16 @@ public:
         if (scan == cancelAfter)
             source->pBarCanceledSlot();
     }
-    void progressChanged(int, int) override { ++progress; }
+    void progressChanged(int done, int) override
+    {
+        ++progress;
+        lastDone = done;
+    }
 
     int scans = 0;
     double sum = 0;
     int progress = 0;
+    int lastDone = 0;
     float firstMass = 0;
 
 private:
@@ -206,6 +211,7 @@ void TestPlatform::runs_data()
     QTest::addColumn<int>("received");
     QTest::addColumn<int>("messages");
     QTest::newRow("whole") << 900 << -1 << true << 900 << 0;
+    QTest::newRow("not quite two scans a step") << 199 << -1 << true << 199 << 0;
     QTest::newRow("no scans") << 0 << -1 << true << 0 << 0;
     QTest::newRow("cancelled") << 900 << 4 << false << 5 << 0;
     QTest::newRow("no header") << -1 << -1 << false << 0 << 0;
@@ -231,6 +237,8 @@ void TestPlatform::runs()
     QCOMPARE(receiver.sum, receiver.scans * (receiver.scans - 1) / 2.0);
     QTEST(messages, "messages");
     QVERIFY(receiver.progress <= 100);
+    if (receiver.scans == scans)
+        QCOMPARE(receiver.lastDone, scans);
     QVERIFY(!import.hasHeader());
 }
 

@@ -74,7 +74,7 @@ bool DVImportAnalysisInterface::run(const QString &name)
     const std::unique_ptr<float[]> abundances(new float[scanCapacity]);
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();
-    const int step = std::max(count / 100, 1);
+    const int step = count / 100 + (count % 100 != 0);
     int empty = 0;
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
@@ -92,8 +92,9 @@ bool DVImportAnalysisInterface::run(const QString &name)
             return false;
         }
         target.scanImported(scan, time, total, points, abundances.get(), positions.get());
-        if ((scan + 1) % step == 0)
-            target.progressChanged(scan + 1, count);
+        const int done = scan + 1;
+        if (done % step == 0 || done == count)
+            target.progressChanged(done, count);
     }
     return true;
 }
