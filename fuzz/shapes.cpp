@@ -37,7 +37,7 @@ constexpr const char *dimensionNames[] = {
     "_32_byte_string", "_255_byte_string", "_128_byte_string", "group_number",    "group_max_masses"};
 constexpr std::size_t sizes[] = {3, 12, 1, 64, 2, 32, 255, 128, 2, 5};
 // NC_UNLIMITED among them: several in a file of the newer kind.
-constexpr std::size_t oddSizes[] = {0, 1, 2, 7, 40, 300, 5000, 70000};
+constexpr std::size_t oddSizes[] = {0, 1, 2, 7, 40, 300, 0, 1, 2, 7, 13, 14, 15, 70000};
 constexpr std::size_t claims[] = {0x7fffffff, 0xfffffff0, 0x80000000, std::size_t(1) << 40};
 
 constexpr nc_type classicTypes[] = {NC_FLOAT, NC_INT, NC_DOUBLE, NC_SHORT, NC_CHAR, NC_BYTE};

@@ -32,9 +32,7 @@ bool isFirstAt(float mass, const float *table, int index)
 
 } // namespace
 
-DVImportAnalysisInterface::DVImportAnalysisInterface() : rememberedPositions(rememberedCount, 0)
-{
-}
+DVImportAnalysisInterface::DVImportAnalysisInterface() = default;
 
 DVImportAnalysisInterface::~DVImportAnalysisInterface() = default;
 
@@ -132,6 +130,8 @@ unsigned short DVImportAnalysisInterface::findTablePosition(float mass, float *t
 {
     quint16 *remembered = nullptr;
     if (mass >= 0.0f && mass < rememberedRange) {
+        if (rememberedPositions.empty()) // the host makes many objects that never import
+            rememberedPositions.resize(rememberedCount, 0);
         remembered = &rememberedPositions[quint32(mass * 100.0f + 0.5f) % rememberedCount];
         if (*remembered < size && isFirstAt(mass, table, *remembered)) {
             *found = true;
