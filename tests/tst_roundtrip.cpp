@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -69,6 +70,12 @@ template <class Row> void fill(const MsTable<Row> &table, void *record, std::vec
     for (const Row &row : table) {
         char *field = static_cast<char *>(record) + row.field;
         ++number;
+        if constexpr (std::is_same_v<Row, MsAttributeRow>) {
+            if (row.enumerated) { // its text is held as a code of the vocabulary
+                *reinterpret_cast<qint32 *>(field) = number % 90;
+                continue;
+            }
+        }
         if (row.nc_type == NC_CHAR) {
             texts->push_back(QByteArray(row.name).left(20) + QByteArray::number(number));
             *reinterpret_cast<char **>(field) = texts->back().data();
@@ -287,17 +294,6 @@ void TestRoundTrip::keepsGlobalRecords()
     fill(ms_sample_table, &sample, &texts[1]);
     fill(ms_test_table, &test, &texts[2]);
     fill(ms_raw_table, &raw, &texts[3]);
-    // Enumerated fields hold a code: one of the vocabulary, another one for each row.
-    auto setCodes = [code = 0](const auto &table, void *record) mutable {
-        for (const MsAttributeRow &row : table) {
-            if (row.enumerated)
-                *reinterpret_cast<qint32 *>(static_cast<char *>(record) + row.field) = code++ % 90;
-        }
-    };
-    setCodes(ms_admin_table, &admin);
-    setCodes(ms_sample_table, &sample);
-    setCodes(ms_test_table, &test);
-    setCodes(ms_raw_table, &raw);
     char log[] = "a line that is longer than the sixty-three characters that it can have.";
     admin.error_log = log;
 
