@@ -11,8 +11,7 @@
 #include <functional>
 #include <memory>
 
-namespace
-{
+namespace {
 
 struct Run : DVImportReceiver {
     int detectorType = 0;
