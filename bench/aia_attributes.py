@@ -107,7 +107,7 @@ def as_text(found):
     if kind == NC_CHAR:
         text = decode_utf8(value)
     elif len(value) == 0:
-        text = str(int(MISSING))
+        return None
     else:
         text = shortest(float(value[0])) if kind in (NC_FLOAT, NC_DOUBLE) else str(value[0])
     # Texts are kept in Latin-1; a character outside it becomes one question mark for each UTF-16 unit.

@@ -83,7 +83,7 @@ class Axis:
 
     def holds(self, start, count):
         """Whether the stretches lie in the variable and all their numbers could be converted."""
-        held = (start >= 0) & (start + count <= self.length) & self.readable
+        held = (start >= 0) & (count >= 0) & (start + count <= self.length) & self.readable
         if self.misfits is not None:
             first, last = np.where(held, start, 0), np.where(held, start + count, 0)
             held &= self.misfits[first] == self.misfits[last]
