@@ -37,7 +37,8 @@ def find(objects, name):
 
 
 def is_number(variable):
-    return isinstance(variable.dtype, np.dtype) and variable.dtype.kind in "iuf"
+    kind = variable.datatype  # not dtype, which passes an enumeration off as its whole numbers
+    return isinstance(kind, np.dtype) and kind.kind in "iuf"
 
 
 def read_whole(variable):
