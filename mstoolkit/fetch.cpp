@@ -128,7 +128,7 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
     if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1)
         return MsFetch::Failed;
     if (!ms_is_number(shape.type))
-        return MsFetch::None;
+        return index < shape.length[0] ? MsFetch::None : MsFetch::Failed;
 
     MsColumn *column = column_of(file, slot);
     if (column && (covers(*column, index, type) || read_ahead(file, slot, index, type, column))) {

@@ -644,7 +644,7 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
 
 // Hands out total_intensity and, where `times` isn't null, scan_acquisition_time of all scans, as new
 // arrays of `scan_count` numbers; scan_count has to be the size of scan_number. -1: a count below 1,
-// an absent variable or one of another size or shape; nothing is handed out then.
+// an absent variable or one with another number of elements; nothing is handed out then.
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times);
 
 // ---------------------------------------------------------------------------------------------------

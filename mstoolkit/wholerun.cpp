@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -88,22 +89,49 @@ qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
     return qint32(ms_stored_elements(ms_state_of(file), file.variables[slot], std::size_t(count)));
 }
 
-// Numbers beyond the end of a file that is cut off are missing.
+// Elements of a variable of any rank; 0 also for an absent one.
+std::size_t count_elements(int ncid, int varid)
+{
+    int rank = 0;
+    if (nc_inq_varndims(ncid, varid, &rank) != NC_NOERR)
+        return 0;
+    std::vector<int> dimensions(std::size_t(rank) + 1); // an array even without dimensions
+    if (nc_inq_vardimid(ncid, varid, dimensions.data()) != NC_NOERR)
+        return 0;
+    std::size_t count = 1;
+    for (int i = 0; i < rank; ++i) {
+        std::size_t length = 0;
+        if (nc_inq_dimlen(ncid, dimensions[std::size_t(i)], &length) != NC_NOERR || length == 0
+            || count > std::numeric_limits<std::size_t>::max() / length)
+            return 0;
+        count *= length;
+    }
+    return count;
+}
+
+// A variable with one element for each scan, whatever its rank. Numbers beyond the end of a file that is
+// cut off are missing.
 MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count)
 {
-    if (quint64(scan_count) * sizeof(double) > ms_state_of(file).most_bytes)
+    const int varid = file.variables[slot];
+    MsShape shape;
+    if (quint64(scan_count) * sizeof(double) > ms_state_of(file).most_bytes
+        || !ms_inquire_shape(file, slot, &shape) || !ms_is_number(shape.type)
+        || count_elements(file.ncid, varid) != std::size_t(scan_count))
         return nullptr;
-    const qint32 stored = stored_elements(file, slot, scan_count);
-    MsBlock<void> numbers = ms_read_whole(file, slot, NC_DOUBLE, scan_count, stored);
-    if (!numbers || stored == scan_count)
-        return MsBlock<double>(static_cast<double *>(numbers.release()));
-
     MsBlock<double> trace(static_cast<double *>(ms_alloc_array(quint32(scan_count), NC_DOUBLE)));
     if (!trace)
         return nullptr;
-    const double *first = static_cast<const double *>(numbers.get());
-    std::fill(std::copy(first, first + stored, trace.get()), trace.get() + scan_count, MsMissingDouble);
-    return trace;
+
+    const qint32 stored = stored_elements(file, slot, scan_count);
+    if (stored == scan_count)
+        return nc_get_var_double(file.ncid, varid, trace.get()) == NC_NOERR ? std::move(trace) : nullptr;
+    std::fill(trace.get(), trace.get() + scan_count, MsMissingDouble);
+    const std::size_t first = 0;
+    const std::size_t count = std::size_t(stored);
+    const bool read = shape.rank == 1 && stored > 0
+        && nc_get_vara_double(file.ncid, varid, &first, &count, trace.get()) == NC_NOERR;
+    return read ? std::move(trace) : nullptr;
 }
 
 } // namespace
@@ -152,12 +180,11 @@ int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, d
         return -1;
 
     *intensities = nullptr;
-    if (times)
-        *times = nullptr;
     MsBlock<double> total = read_trace(*file, MsVar_total_intensity, scan_count);
     if (!total)
         return -1;
     if (times) {
+        *times = nullptr;
         MsBlock<double> time = read_trace(*file, MsVar_scan_acquisition_time, scan_count);
         if (!time)
             return -1;

@@ -52,12 +52,15 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     *pointCount = 0;
     const double interpolated = scan * samplingInterval;
     if (tableSize < 1) {
-        *time = ticTimes ? ticTimes[scan] : interpolated + header->getDelay();
+        *time = ticTimes ? ticTimes[scan] / timeDivisor : interpolated + header->getDelay();
         return ticValues ? ticValues[scan] : 0.0;
     }
 
     Scan record(scan);
-    if (ms_read_per_scan(fileId, &record, nullptr) == -1 || record.point_count > mostPoints) {
+    const bool read = ms_read_per_scan(fileId, &record, nullptr) != -1;
+    // A file without masses makes no table, but the caller may bring one from elsewhere.
+    const bool hasMasses = record.point_count < 1 || record.mass_values;
+    if (!read || !hasMasses || record.point_count > mostPoints) {
         *time = interpolated + header->getDelay();
         return 0.0;
     }

@@ -260,11 +260,13 @@ void TestImportAiaMs::imports_data()
     row("two-masses", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", "50 60", {});
     row("one-mass", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "", {});
     row("total-ion", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "",
-        {"60: 3.299999952", "-9999: 12.5", "120: -9999"});
+        {"1: 3.299999952", "-166.65: 12.5", "2: -9999"});
     row("total-ion", 2, "3 scans, minutes, 1 + 1 by 0.5, detector 1792, 32 bits, coefficient 0", "",
-        {"60: 3.299999952"});
+        {"1: 3.299999952"});
     row("total-ion-no-intensity", 0, "3 scans, minutes, 1 + 1 by 0.5, detector -, 32 bits, coefficient -",
         "", {"1: 0", "1.5: 0", "2: 0"});
+    row("total-ion-rank-2", 0, "3 scans, minutes, 0 + 2 by 1, detector 256", "",
+        {"1: 3", "1.5: 12", "2: 48"});
     row("no-scans", 0, "0 scans", "", {});
 }
 
@@ -447,6 +449,13 @@ void TestImportAiaMs::worksBesideAnother()
     // 60.25 isn't in that table: no abundance, but it counts in the total.
     QCOMPARE(receiver.unknown, QStringLiteral("48 0@0 32@0"));
     QCOMPARE(receiver.scans.last(), QStringLiteral("2: 48 16@1 32@2"));
+
+    // A table for a file without masses.
+    const auto third = copyFor("flags-on-times");
+    receiver.outer = third.get();
+    third->setReceiver(&receiver);
+    QVERIFY(third->import(QString(), QString(), QString(), nullptr));
+    QCOMPARE(receiver.unknown, QStringLiteral("0"));
 }
 
 QTEST_GUILESS_MAIN(TestImportAiaMs)

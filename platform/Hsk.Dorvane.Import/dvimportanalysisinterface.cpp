@@ -51,12 +51,16 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
 
 bool DVImportAnalysisInterface::run(const QString &name)
 {
-    resetCanceled();
     header = nullptr;
-    struct HeaderOwner {
-        DVHeader *&header;
-        ~HeaderOwner() { delete std::exchange(header, nullptr); }
-    } const owner{header};
+    // Whatever way the run ends: a later one begins afresh.
+    struct Ending {
+        DVImportAnalysisInterface *self;
+        ~Ending()
+        {
+            delete std::exchange(self->header, nullptr);
+            self->resetCanceled();
+        }
+    } const ending{this};
     if (!importHeader())
         return false;
 
@@ -73,6 +77,8 @@ bool DVImportAnalysisInterface::run(const QString &name)
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();
     const int step = count / 100 + (count % 100 != 0);
+    // A trace is in memory already, as long as the file could hold it.
+    const bool isTrace = tableSize == 0 && header->isSet(DVHeader::DetectorType);
     int empty = 0;
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
@@ -82,9 +88,10 @@ bool DVImportAnalysisInterface::run(const QString &name)
         const double total =
             importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
         empty = points == 0 && total == 0.0 ? empty + 1 : 0;
-        if (empty > mostEmptyScans) {
+        if (empty > mostEmptyScans && !isTrace) {
             MessageLoggerInterface::Error(
-                QStringLiteral("The import of <b>%1</b> was given up: %2 scans in a row are empty")
+                QStringLiteral(
+                    "The import of <b>%1</b> was given up: more than %2 scans in a row are empty")
                     .arg(name.toHtmlEscaped(), QString::number(mostEmptyScans)),
                 nullptr);
             return false;
