@@ -1,0 +1,103 @@
+#include "failingnetcdf.h"
+
+#include <cstddef>
+#include <cstring>
+#include <dlfcn.h>
+
+namespace {
+
+int wanted = 0;
+int calls = 0;
+const char *failed = "";
+
+bool failsNow(const char *name)
+{
+    ++calls;
+    if (calls != wanted)
+        return false;
+    failed = name;
+    return true;
+}
+
+template <class Function> Function *library(const char *name)
+{
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
+}
+
+constexpr int refused = -1;  // of the older interface
+constexpr int anError = -31; // a status of the current one
+
+} // namespace
+
+void failCall(int n)
+{
+    wanted = n;
+    calls = 0;
+    failed = "";
+}
+
+int callsMade()
+{
+    return calls;
+}
+
+const char *failedCall()
+{
+    return failed;
+}
+
+// The types are those of netcdf.h, which isn't included: its attributes would have to be repeated.
+#define PASS_ON(name, failure, parameters, arguments)                                                    \
+    extern "C" int name parameters                                                                       \
+    {                                                                                                    \
+        static auto *const real = library<int parameters>(#name);                                        \
+        return failsNow(#name) ? failure : real arguments;                                               \
+    }
+
+using Size = std::size_t;
+
+PASS_ON(ncopen, refused, (const char *path, int mode), (path, mode))
+PASS_ON(nccreate, refused, (const char *path, int mode), (path, mode))
+PASS_ON(ncredef, refused, (int id), (id))
+PASS_ON(ncendef, refused, (int id), (id))
+PASS_ON(ncdimdef, refused, (int id, const char *name, long size), (id, name, size))
+PASS_ON(ncdimid, refused, (int id, const char *name), (id, name))
+PASS_ON(ncdiminq, refused, (int id, int dim, char *name, long *size), (id, dim, name, size))
+PASS_ON(ncvardef, refused, (int id, const char *name, int type, int rank, const int *dims),
+        (id, name, type, rank, dims))
+PASS_ON(ncvarid, refused, (int id, const char *name), (id, name))
+PASS_ON(ncvarinq, refused, (int id, int var, char *name, int *type, int *rank, int *dims, int *atts),
+        (id, var, name, type, rank, dims, atts))
+PASS_ON(ncvarput, refused, (int id, int var, const long *start, const long *count, const void *from),
+        (id, var, start, count, from))
+PASS_ON(ncvarput1, refused, (int id, int var, const long *at, const void *from), (id, var, at, from))
+PASS_ON(ncattget, refused, (int id, int var, const char *name, void *to), (id, var, name, to))
+PASS_ON(ncattput, refused, (int id, int var, const char *name, int type, int length, const void *from),
+        (id, var, name, type, length, from))
+PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size *length),
+        (id, var, name, type, length))
+PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, dim))
+PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
+PASS_ON(nc_inq_vardimid, anError, (int id, int var, int *dims), (id, var, dims))
+PASS_ON(nc_inq_varndims, anError, (int id, int var, int *rank), (id, var, rank))
+PASS_ON(nc_get_vara, anError, (int id, int var, const Size *start, const Size *count, void *to),
+        (id, var, start, count, to))
+PASS_ON(nc_get_vara_short, anError, (int id, int var, const Size *start, const Size *count, short *to),
+        (id, var, start, count, to))
+PASS_ON(nc_get_vara_int, anError, (int id, int var, const Size *start, const Size *count, int *to),
+        (id, var, start, count, to))
+PASS_ON(nc_get_vara_float, anError, (int id, int var, const Size *start, const Size *count, float *to),
+        (id, var, start, count, to))
+PASS_ON(nc_get_vara_double, anError, (int id, int var, const Size *start, const Size *count, double *to),
+        (id, var, start, count, to))
+PASS_ON(nc_get_var1_double, anError, (int id, int var, const Size *at, double *to), (id, var, at, to))
+PASS_ON(nc_get_var1_int, anError, (int id, int var, const Size *at, int *to), (id, var, at, to))
+PASS_ON(nc_get_var_double, anError, (int id, int var, double *to), (id, var, to))
+
+// A failing close closes all the same, as the library's does.
+extern "C" int ncclose(int id)
+{
+    static auto *const real = library<int(int)>("ncclose");
+    const int status = real(id);
+    return failsNow("ncclose") ? refused : status;
+}
