@@ -1,0 +1,203 @@
+// Makes sample files: what an instrument could have measured, the same for the same seed.
+
+#include "samplefile.h"
+#include "samplespectrum.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <iterator>
+#include <new>
+
+namespace {
+
+enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
+
+struct CommandLine {
+    SampleOptions sample;
+    QString path;
+};
+
+// clang-format off
+constexpr struct {
+    const char *name;
+    SampleKind kind;
+    const char *what;
+} kinds[] = {
+    {"gcms",    SampleKind::Gcms,    "a GC-MS run, centroided"},
+    {"gcxgc",   SampleKind::Gcxgc,   "a GCxGC-MS run, modulated every 4 s, with 100 scans a second"},
+    {"tic",     SampleKind::Tic,     "a total ion chromatogram: a time axis and no masses"},
+    {"library", SampleKind::Library, "a library of spectra, each with its compound"},
+    {"sim",     SampleKind::Sim,     "a run of selected ions in groups, saturated peaks flagged"},
+};
+
+constexpr struct {
+    const char *name;
+    qint32 format;
+} formats[] = {
+    {"short",  MsShortFormat},
+    {"long",   MsLongFormat},
+    {"float",  MsFloatFormat},
+    {"double", MsDoubleFormat},
+};
+
+constexpr struct {
+    const char *option;
+    qint32 SampleOptions::*field;
+} format_options[] = {
+    {"mass-format",      &SampleOptions::mass_format},
+    {"time-format",      &SampleOptions::time_format},
+    {"intensity-format", &SampleOptions::intensity_format},
+};
+// clang-format on
+
+template <class Table> auto find_name(const Table &table, const QString &name)
+{
+    return std::find_if(std::begin(table), std::end(table),
+                        [&name](const auto &row) { return name == QLatin1String(row.name); });
+}
+
+QString description()
+{
+    QString text = QStringLiteral("Makes a .cdf file with mass spectra that an instrument could have "
+                                  "measured. The same arguments give the same file. KIND is one of\n");
+    for (const auto &kind : kinds)
+        text +=
+            QStringLiteral("  %1 %2\n").arg(QLatin1String(kind.name), -8).arg(QLatin1String(kind.what));
+    return text
+        + QStringLiteral("Exit code: 0, or 1 where the file can't be written, or 2 for wrong usage.");
+}
+
+int refuse(const QString &why)
+{
+    std::fprintf(stderr, "aia-sample: %s\nTry aia-sample --help.\n", qUtf8Printable(why));
+    return WrongUsage;
+}
+
+void add_options(QCommandLineParser *parser)
+{
+    parser->setApplicationDescription(description());
+    parser->addOptions({
+        {QStringLiteral("scans"), QStringLiteral("Number of scans."), QStringLiteral("N")},
+        {QStringLiteral("points"),
+         QStringLiteral("Points of each scan, in a sim run masses of each group; else as the signal is."),
+         QStringLiteral("N")},
+        {QStringLiteral("seed"), QStringLiteral("Number that the noise and the amounts hang on."),
+         QStringLiteral("N"), QStringLiteral("1")},
+    });
+    for (const auto &row : format_options) {
+        parser->addOption({QLatin1String(row.option),
+                           QStringLiteral("How these numbers are stored: short, long, float or double."),
+                           QStringLiteral("FORMAT"), QStringLiteral("float")});
+    }
+    parser->addPositionalArgument(QStringLiteral("kind"), QStringLiteral("What to make."),
+                                  QStringLiteral("KIND"));
+    parser->addPositionalArgument(QStringLiteral("output"), QStringLiteral("The file to make."),
+                                  QStringLiteral("OUTPUT.cdf"));
+}
+
+// A number of `option` within its limits, or `fallback` without the option; -1 for any other text.
+int number_of(const QCommandLineParser &parser, const char *option, qint64 limit, int fallback)
+{
+    if (!parser.isSet(QLatin1String(option)))
+        return fallback;
+    bool is_number = false;
+    const int number = parser.value(QLatin1String(option)).toInt(&is_number);
+    return is_number && number >= 1 && number <= limit ? number : -1;
+}
+
+// How many points a scan can have at most.
+qint64 most_points(const SampleOptions &sample)
+{
+    if (sample.points != 0)
+        return sample.points;
+    return sample.kind == SampleKind::Tic ? 1 : sample_mass_count;
+}
+
+// Reads the counts and formats; gives what is wrong with them, or a null text.
+QString read_options(const QCommandLineParser &parser, SampleOptions *sample)
+{
+    const int points_limit = sample->kind == SampleKind::Sim ? sample_mass_count : max_points_per_scan;
+    sample->scans = number_of(parser, "scans", max_sample_points, default_sample_scans(sample->kind));
+    if (sample->scans == -1)
+        return QStringLiteral("--scans takes a number from 1 to %1").arg(max_sample_points);
+    sample->points = number_of(parser, "points", points_limit, 0);
+    if (sample->points == -1)
+        return QStringLiteral("--points takes a number from 1 to %1 here").arg(points_limit);
+    if (sample->scans * most_points(*sample) > max_sample_points)
+        return QStringLiteral("these are more than %1 points").arg(max_sample_points);
+
+    bool is_number = false;
+    sample->seed = parser.value(QStringLiteral("seed")).toULongLong(&is_number);
+    if (!is_number)
+        return QStringLiteral("--seed takes a number from 0 on");
+    for (const auto &row : format_options) {
+        const auto format = find_name(formats, parser.value(QLatin1String(row.option)));
+        if (format == std::end(formats))
+            return QStringLiteral("--%1 takes short, long, float or double")
+                .arg(QLatin1String(row.option));
+        sample->*row.field = format->format;
+    }
+    return QString();
+}
+
+// Gives the exit code where there is nothing to make, else -1.
+int parse(const QStringList &arguments, CommandLine *line)
+{
+    QCommandLineParser parser;
+    add_options(&parser);
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    if (!parser.parse(arguments))
+        return refuse(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(qUtf8Printable(parser.helpText()), stdout);
+        return Success;
+    }
+    if (parser.isSet(version)) {
+        std::fputs("aia-sample " AIA_VERSION "\n", stdout);
+        return Success;
+    }
+
+    const QStringList words = parser.positionalArguments();
+    if (words.size() != 2 || words[1].isEmpty())
+        return refuse(QStringLiteral("a kind and a file have to be named"));
+    const auto kind = find_name(kinds, words[0]);
+    if (kind == std::end(kinds))
+        return refuse(QStringLiteral("there is no kind %1").arg(words[0]));
+    line->sample.kind = kind->kind;
+    line->path = words[1];
+    const QString wrong = read_options(parser, &line->sample);
+    return wrong.isNull() ? -1 : refuse(wrong);
+}
+
+int make(const CommandLine &line)
+{
+    QString wrong;
+    try {
+        wrong = write_sample(line.path, line.sample);
+    } catch (const std::bad_alloc &) {
+        wrong = QStringLiteral("takes more memory than there is; what is there of it is incomplete");
+    }
+    if (wrong.isNull())
+        return Success;
+    std::fprintf(stderr, "aia-sample: %s %s\n", qUtf8Printable(line.path), qUtf8Printable(wrong));
+    return Failure;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+#ifdef SIGXFSZ
+    // A limit on the size of files shall be a failed write, not the end.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+    const QCoreApplication application(argc, argv);
+    CommandLine line;
+    const int early = parse(QCoreApplication::arguments(), &line);
+    return early != -1 ? early : make(line);
+}

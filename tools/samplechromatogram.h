@@ -1,0 +1,48 @@
+// When and how much of each compound leaves the column.
+#ifndef SAMPLECHROMATOGRAM_H
+#define SAMPLECHROMATOGRAM_H
+
+#include "samplerandom.h"
+
+#include <vector>
+
+// One compound's peak.
+struct SampleElution {
+    int compound; // place in the table
+    double time;  // of the apex, seconds since injection
+    double height;
+};
+
+// Times in milliseconds, so that they add up without rounding.
+struct SampleClock {
+    qint64 start; // of the first scan
+    qint64 interval;
+    int scans;
+
+    double time(int scan) const { return double(start + scan * interval) / 1000.0; }
+    double length() const { return double(scans * interval) / 1000.0; }
+    // Which part of the run has passed by.
+    double progress(int scan) const { return double(scan) / double(scans); }
+};
+
+// When the compound elutes in a run, whose column is heated evenly: the retention index counts.
+double sample_retention_time(const SampleClock &clock, int compound);
+
+class SampleChromatogram
+{
+public:
+    SampleChromatogram(const SampleClock &clock, SampleRandom *random);
+
+    const SampleClock &clock() const { return clock_; }
+    const std::vector<SampleElution> &elutions() const { return elutions_; } // by time
+    std::vector<SampleElution> &elutions() { return elutions_; }
+
+    // Counts of the compound's base peak at a time, where its peak has the standard deviation `sigma`.
+    static double height_at(const SampleElution &elution, double time, double sigma);
+
+private:
+    SampleClock clock_;
+    std::vector<SampleElution> elutions_;
+};
+
+#endif // SAMPLECHROMATOGRAM_H

@@ -1,0 +1,14 @@
+// The file that a sample is written to.
+#ifndef SAMPLEFILE_H
+#define SAMPLEFILE_H
+
+#include "samplerecords.h"
+#include "samplerun.h"
+
+#include <QString>
+
+// Makes the file `path`, with a run's scans. Gives a null text, or why it couldn't be made; no file of
+// that name is left then.
+QString write_sample(const QString &path, const SampleOptions &options);
+
+#endif // SAMPLEFILE_H

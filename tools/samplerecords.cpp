@@ -1,0 +1,180 @@
+// The descriptions that stand in a sample: the global records and the instrument.
+
+#include "samplerecords.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// Codes of the vocabulary.
+constexpr qint32 liquid_state = 4;
+constexpr qint32 solid_state = 3;
+constexpr qint32 gas_liquid_chromatography = 9;
+constexpr qint32 capillary_direct = 24;
+constexpr qint32 mass_scan = 64;
+constexpr qint32 selected_ion_detection = 65;
+constexpr qint32 total_counts = 84;
+constexpr qint32 no_code = -1;
+
+template <class Record> struct TextRow {
+    char *Record::*field;
+    const char *text;
+};
+
+// clang-format off
+constexpr TextRow<MsAdminRecord> admin_texts[] = {
+    {&MsAdminRecord::administrative_comments,     "Made by aia-sample; nothing was measured"},
+    {&MsAdminRecord::dataset_origin,              "Example laboratory"},
+    {&MsAdminRecord::dataset_owner,               "Example laboratory"},
+    {&MsAdminRecord::netcdf_file_date_time_stamp, "20240312151200+0000"},
+    {&MsAdminRecord::experiment_date_time_stamp,  "20240312142530+0000"},
+    {&MsAdminRecord::operator_name,               "Operator"},
+    {&MsAdminRecord::source_file_reference,       "aia-sample"},
+    {&MsAdminRecord::source_file_format,          "Synthetic"},
+    {&MsAdminRecord::source_file_date_time_stamp, "20240312145100+0000"},
+};
+
+constexpr TextRow<MsSampleRecord> sample_texts[] = {
+    {&MsSampleRecord::sample_internal_id,             "MIX-24"},
+    {&MsSampleRecord::sample_external_id,             "Calibration mix of 24 compounds"},
+    {&MsSampleRecord::sample_receipt_date_time_stamp, "20240311090000+0000"},
+    {&MsSampleRecord::sample_owner,                   "Example laboratory"},
+    {&MsSampleRecord::sample_matrix,                  "Dichloromethane"},
+    {&MsSampleRecord::sample_storage,                 "4 degrees Celsius, dark"},
+    {&MsSampleRecord::sample_prep_comments,           "Diluted to 10 mg/l"},
+};
+
+constexpr TextRow<MsTestRecord> test_texts[] = {
+    {&MsTestRecord::test_resolution_method, "Full width at half maximum"},
+    {&MsTestRecord::mass_calibration_file,  "PFTBA"},
+    {&MsTestRecord::test_comments,          "30 m x 0.25 mm, 0.25 um film of 5% phenyl; helium 1.0 ml/min"},
+};
+
+constexpr struct {
+    float MsTestRecord::*field;
+    float value;
+} test_numbers[] = {
+    {&MsTestRecord::test_ms_inlet_temperature, 280.0f},
+    {&MsTestRecord::test_electron_energy,       70.0f},
+    {&MsTestRecord::test_source_temperature,   230.0f},
+    {&MsTestRecord::test_emission_current,      35.0f},
+    {&MsTestRecord::test_detector_potential,  1450.0f},
+};
+
+constexpr struct {
+    SampleKind kind;
+    const char *title;
+    qint32 scan_function;
+    float scan_time; // seconds
+} kinds[] = {
+    {SampleKind::Gcms,    "GC-MS of a calibration mix",            mass_scan,              0.55f},
+    {SampleKind::Gcxgc,   "GCxGC-MS of a calibration mix, 4 s modulation", mass_scan,      0.01f},
+    {SampleKind::Tic,     "Total ion chromatogram of a calibration mix", no_code,          0.55f},
+    {SampleKind::Library, "Library of a calibration mix",          mass_scan,              0.55f},
+    {SampleKind::Sim,     "Selected ions of a calibration mix",    selected_ion_detection, 0.45f},
+};
+
+constexpr TextRow<MsInstrumentRecord> components[sample_component_count][10] = {
+    {
+        {&MsInstrumentRecord::instrument_name,        "Gas chromatograph"},
+        {&MsInstrumentRecord::instrument_id,          "GC-1"},
+        {&MsInstrumentRecord::instrument_mfr,         "Example Instruments"},
+        {&MsInstrumentRecord::instrument_model,       "Example GC"},
+        {&MsInstrumentRecord::instrument_serial_no,   "100001"},
+        {&MsInstrumentRecord::instrument_sw_version,  "1.0"},
+        {&MsInstrumentRecord::instrument_fw_version,  "1.2"},
+        {&MsInstrumentRecord::instrument_os_version,  "none"},
+        {&MsInstrumentRecord::instrument_app_version, "1.0"},
+        {&MsInstrumentRecord::instrument_comments,    "Split 1:20, 10 C a minute"},
+    },
+    {
+        {&MsInstrumentRecord::instrument_name,        "Mass spectrometer"},
+        {&MsInstrumentRecord::instrument_id,          "MS-1"},
+        {&MsInstrumentRecord::instrument_mfr,         "Example Instruments"},
+        {&MsInstrumentRecord::instrument_model,       "Example MS"},
+        {&MsInstrumentRecord::instrument_serial_no,   "200001"},
+        {&MsInstrumentRecord::instrument_sw_version,  "2.0"},
+        {&MsInstrumentRecord::instrument_fw_version,  "2.3"},
+        {&MsInstrumentRecord::instrument_os_version,  "none"},
+        {&MsInstrumentRecord::instrument_app_version, "2.0"},
+        {&MsInstrumentRecord::instrument_comments,    "Electron impact, 70 eV"},
+    },
+};
+// clang-format on
+
+template <class Record, std::size_t size>
+void fill_texts(const TextRow<Record> (&rows)[size], SampleTexts *texts, Record *record)
+{
+    for (const auto &row : rows)
+        record->*row.field = texts->keep(row.text);
+}
+
+void describe_raw_data(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
+                       MsRawGlobalRecord *raw)
+{
+    raw->raw_data_mass_format = options.mass_format;
+    raw->raw_data_time_format = options.time_format;
+    raw->raw_data_intensity_format = options.intensity_format;
+    raw->intensity_units = total_counts;
+    raw->total_intensity_units = total_counts;
+    raw->intensity_scale_factor = scales.intensity;
+    raw->intensity_add_offset = 0.0;
+    raw->intensity_long_name = texts->keep("Abundance");
+    raw->starting_scan_number = 0;
+    raw->actual_delay_time = 0.0;
+    raw->raw_data_uniform_sampling_flag = 1.0f;
+
+    // What describes an axis that the file doesn't have would end up among the global attributes.
+    if (options.has_masses()) {
+        raw->mass_scale_factor = scales.mass;
+        raw->mass_long_name = texts->keep("Mass");
+    } else {
+        raw->mass_units = no_code;
+    }
+    if (options.has_times()) {
+        raw->time_scale_factor = scales.time;
+        raw->time_long_name = texts->keep("Time");
+    } else {
+        raw->time_units = no_code;
+    }
+}
+
+} // namespace
+
+void describe_sample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
+                     MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
+                     MsRawGlobalRecord *raw)
+{
+    ms_init_global(0, admin, sample, test, raw);
+    const auto &kind = *std::find_if(std::begin(kinds), std::end(kinds),
+                                     [&options](const auto &row) { return row.kind == options.kind; });
+
+    fill_texts(admin_texts, texts, admin);
+    admin->experiment_title = texts->keep(kind.title);
+    admin->experiment_type = options.is_library() ? MsLibrarySpectrum : MsCentroidedSpectrum;
+    admin->number_of_times_processed = 1;
+    admin->number_of_times_calibrated = 1;
+
+    fill_texts(sample_texts, texts, sample);
+    sample->sample_state = options.is_library() ? solid_state : liquid_state;
+
+    fill_texts(test_texts, texts, test);
+    for (const auto &row : test_numbers)
+        test->*row.field = row.value;
+    test->test_separation_type = gas_liquid_chromatography;
+    test->test_ms_inlet = capillary_direct;
+    test->test_scan_function = kind.scan_function;
+    test->test_scan_time = kind.scan_time;
+
+    describe_raw_data(options, scales, texts, raw);
+}
+
+MsInstrumentRecord sample_component(int index, SampleTexts *texts)
+{
+    MsInstrumentRecord component;
+    ms_init_instrument(0, &component);
+    component.component_index = index;
+    fill_texts(components[index], texts, &component);
+    return component;
+}
