@@ -47,6 +47,18 @@ quint64 most_bytes(quint64 length)
     return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
 }
 
+// The state of a file that was just opened. Its id may have a record still, of a file that was closed
+// without the toolkit: that record stands, but nothing beside it speaks for the new file.
+MsFileState *begin(int ncid)
+{
+    ms_register_file(ncid);
+    MsFileState *state = ms_file_state(ncid);
+    state->most_bytes = std::numeric_limits<quint64>::max();
+    state->cut_off.reset();
+    state->columns.reset();
+    return state;
+}
+
 // Ends an opening that failed after the registration.
 int give_up(int ncid)
 {
@@ -116,8 +128,7 @@ int ms_open_read(const char *path)
     if (ncid == -1)
         return -1;
 
-    ms_register_file(ncid);
-    MsFileState *state = ms_file_state(ncid);
+    MsFileState *state = begin(ncid);
     state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
     state->most_bytes = most_bytes(layout.length);
     if (layout.length < layout.needed)
@@ -139,7 +150,7 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
     if (ncid == -1)
         return -1;
 
-    ms_register_file(ncid);
+    begin(ncid);
     if (ms_define_dimensions(ncid, scan_count, instrument_count) == -1
         || ms_define_variables(ncid, experiment_type, mass_format, time_format, intensity_format,
                                has_mass_values, has_time_values)

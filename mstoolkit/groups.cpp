@@ -34,20 +34,37 @@ bool is_group(const MsFileRecord &file, const MsGroupRecord &group)
     return group.group_number >= 0 && group.group_number < file.dimensions[MsDim_group_number].size;
 }
 
-// The row's array of a group: missing values where the file lacks the variable.
+// False where a file of that length can't hold such arrays; some may be allocated then.
+bool allocate_arrays(const MsFileRecord &file, MsGroupRecord *group)
+{
+    const qint32 width = file.dimensions[MsDim_group_max_masses].size;
+    if (quint64(width) * sizeof(double) > ms_state_of(file).most_bytes)
+        return false;
+    for (const MsVariableRow &row : ms_group_table) {
+        if (!has_array(row))
+            continue;
+        double *array = static_cast<double *>(ms_alloc_array(quint32(width), NC_DOUBLE));
+        if (!array)
+            return false;
+        ms_field<double *>(group, row.field) = array;
+    }
+    return true;
+}
+
+// The row's array of a group: missing values where the file lacks the variable, or has no numbers in it.
 int read_array(const MsFileRecord &file, const MsVariableRow &row, MsGroupRecord *group)
 {
     const qint32 width = file.dimensions[MsDim_group_max_masses].size;
     double *array = ms_field<double *>(group, row.field);
-    switch (ms_check_variable(file, row)) {
-    case MsPresence::WrongRank:
+    const MsPresence presence = ms_check_variable(file, row);
+    if (presence == MsPresence::WrongRank)
         return -1;
-    case MsPresence::Absent:
-        std::fill_n(array, width, MsMissingDouble);
-        return 0;
-    default:
+    MsShape shape;
+    if (presence == MsPresence::Present && ms_inquire_shape(file, row.slot, &shape)
+        && ms_is_number(shape.type))
         return ms_read_line(file, row.slot, group->group_number, width, array);
-    }
+    std::fill_n(array, width, MsMissingDouble);
+    return 0;
 }
 
 int read_rows(const MsFileRecord &file, MsGroupRecord *group)
@@ -92,16 +109,8 @@ int ms_read_group(int ncid, MsGroupRecord *group)
         return -1;
 
     clear_arrays(group);
-    const qint32 width = file->dimensions[MsDim_group_max_masses].size;
-    if (quint64(width) * sizeof(double) <= ms_state_of(*file).most_bytes) {
-        for (const MsVariableRow &row : ms_group_table) {
-            if (has_array(row))
-                ms_field<double *>(group, row.field) =
-                    static_cast<double *>(ms_alloc_array(quint32(width), NC_DOUBLE));
-        }
-        if (read_rows(*file, group) == 0)
-            return 0;
-    }
+    if (allocate_arrays(*file, group) && read_rows(*file, group) == 0)
+        return 0;
     release_arrays(group);
     group->group_mass_count = 0;
     return -1;

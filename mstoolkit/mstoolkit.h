@@ -297,7 +297,8 @@ qint32 ms_read_enum_attribute(int ncid, int varid, const char *name);
 char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width);
 
 // Writes `text` (null: blanks) to a row of `width` bytes: the text, cut to width - 1, its NUL, blanks,
-// and a NUL as last byte. Rows and columns as above.
+// and a NUL as last byte. Rows as above; with a `column` of 0 or more only the first byte of all that is
+// written, at that column.
 int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
                              const char *text);
 
@@ -342,9 +343,10 @@ struct MsAdminRecord {
     char *calibration_history_1;
     char *calibration_history_2;
     char *calibration_history_3;
-    char *error_log = nullptr; // variable error_log: its first line that isn't blank, or null. The block
-                               // is the record holder's to free: ms_init_global leaves it alone
-    qint32 experiment_type;    // code
+    char *error_log =
+        nullptr; // variable error_log: the first of its first 1,000 lines that isn't blank, or null. The
+                 // block is the record holder's to free: ms_init_global leaves it alone
+    qint32 experiment_type; // code
     qint32 number_of_times_processed;
     qint32 number_of_times_calibrated;
     qint32 instrument_count = 0; // size of instrument_number, or -1 without it

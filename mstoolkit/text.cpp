@@ -23,11 +23,12 @@ struct TextPlace {
     std::size_t &first_byte() { return start[rank - 1]; }
 };
 
-// False where the variable doesn't hold such a text: the buffers below are made for bytes, in one row.
-bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 width, TextPlace *place)
+// False where the variable doesn't hold `size` bytes there: the buffers below are made for bytes, in one
+// row.
+bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 size, TextPlace *place)
 {
     MsShape shape;
-    if (width < 1 || !ms_ask_shape(ncid, varid, &shape) || !is_one_byte_wide(shape.type))
+    if (size < 1 || !ms_ask_shape(ncid, varid, &shape) || !is_one_byte_wide(shape.type))
         return false;
 
     place->rank = row < 0 ? 1 : 2;
@@ -35,7 +36,7 @@ bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 width, Tex
     place->start[1] = std::size_t(std::max(column, 0));
     if (shape.rank != place->rank || (row >= 0 && place->start[0] >= shape.length[0]))
         return false;
-    return place->first_byte() + std::size_t(width) <= shape.length[shape.rank - 1];
+    return place->first_byte() + std::size_t(size) <= shape.length[shape.rank - 1];
 }
 
 // The bytes of a text up to its first NUL, at most width - 1 of them. Pieces keep a row that claims a
@@ -101,8 +102,12 @@ int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qin
                              const char *text)
 {
     ms_let_failures_return();
+    if (width < 1)
+        return -1;
+    // Behind a column only its own byte is written.
+    const qint32 moved = row < 0 || column < 0 ? width : 1;
     TextPlace place;
-    if (!find_text(ncid, varid, row, column, width, &place))
+    if (!find_text(ncid, varid, row, column, moved, &place))
         return -1;
 
     const std::size_t size = std::size_t(width);
@@ -115,7 +120,7 @@ int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qin
     buffer.back() = '\0';
 
     const long start[2] = {long(place.start[0]), long(place.start[1])};
-    const long count[2] = {place.rank == 1 ? width : 1, column < 0 ? width : 1};
+    const long count[2] = {place.rank == 1 ? moved : 1, moved};
     return ncvarput(ncid, varid, start, count, buffer.data()) == -1 ? -1 : 0;
 }
 

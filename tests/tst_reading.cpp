@@ -62,6 +62,8 @@ private slots:
     void readsGroups_data();
     void readsGroups();
     void readsInstruments();
+    void forgetsAFileClosedBehindItsBack();
+    void refusesGiganticGroups();
     void readsLibraryEntries();
 
 private:
@@ -562,6 +564,39 @@ void TestReading::readsInstruments()
     ms_init_instrument(1, &instrument);
     open("no-attributes");
     QCOMPARE(ms_read_instrument(id, &instrument), -1);
+}
+
+// An id that netCDF gives again, while a record of an earlier file stands under it.
+void TestReading::forgetsAFileClosedBehindItsBack()
+{
+    open("no-attributes");
+    MsScanRecord scan;
+    ms_init_per_scan(0, &scan, nullptr);
+    scan.scan_number = 0;
+    QCOMPARE(ms_read_scan_header(id, &scan), 0);
+    nc_close(id);
+    const int before = id;
+    id = ms_open_read(AIA_FIXTURES "/float-times.cdf");
+    QCOMPARE(id, before);
+    scan.scan_number = 0;
+    QCOMPARE(ms_read_scan_header(id, &scan), 0);
+    QCOMPARE(float(scan.scan_acquisition_time), 60.1f);
+}
+
+// Wider than any array can be; only a file's length keeps others from trying.
+void TestReading::refusesGiganticGroups()
+{
+    const int writing = ms_open_write((QDir::tempPath() + "/gigantic.cdf").toLatin1().constData(), 0, 1,
+                                      0, 76, 76, 76, 1, 0);
+    ms_file_record(writing)->dimensions[MsDim_group_number].size = 1;
+    ms_file_record(writing)->dimensions[MsDim_group_max_masses].size = 1 << 29;
+    MsGroupRecord group;
+    ms_init_group(0, &group);
+    group.group_number = 0;
+    QCOMPARE(ms_read_group(writing, &group), -1);
+    QVERIFY(!group.group_masses && group.group_mass_count == 0);
+    ms_close(writing);
+    QFile::remove(QDir::tempPath() + "/gigantic.cdf");
 }
 
 void TestReading::readsLibraryEntries()
