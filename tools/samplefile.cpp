@@ -196,9 +196,9 @@ private:
         std::vector<double> delay_times(width, MsMissingDouble);
         for (std::size_t i = 0; i < count; ++i) {
             masses[i] = sample_peak_mass(group.masses[i]);
-            // The masses share what the settling of the voltages leaves of half a second.
-            delay_times[i] = 0.002;
-            sampling_times[i] = on_grid(0.45 / double(count), 1000.0);
+            // The masses share the half second of a scan; a tenth of it, the voltages settle.
+            delay_times[i] = on_grid(0.05 / double(count), 10000.0);
+            sampling_times[i] = on_grid(0.45 / double(count), 10000.0);
         }
         const MsGroupRecord record = {number,        qint32(count),         group.starting_scan,
                                       masses.data(), sampling_times.data(), delay_times.data()};

@@ -72,7 +72,7 @@ constexpr struct {
     {SampleKind::Gcxgc,   "GCxGC-MS of a calibration mix, 4 s modulation", mass_scan,      0.01f},
     {SampleKind::Tic,     "Total ion chromatogram of a calibration mix", no_code,          0.55f},
     {SampleKind::Library, "Library of a calibration mix",          mass_scan,              0.55f},
-    {SampleKind::Sim,     "Selected ions of a calibration mix",    selected_ion_detection, 0.45f},
+    {SampleKind::Sim,     "Selected ions of a calibration mix",    selected_ion_detection, 0.50f},
 };
 
 constexpr TextRow<MsInstrumentRecord> components[sample_component_count][10] = {
