@@ -33,7 +33,7 @@ void report_missing_data(int ncid, const char *path, const MsClassicLayout &layo
     ms_file_state(ncid)->cut_off = std::make_unique<MsClassicLayout>(layout);
     MessageLoggerInterface::Warning(
         QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
-            .arg(shown_name(path), QString::number(layout.needed - layout.length),
+            .arg(shown_name(path), QString::number(ms_missing_bytes(ncid)),
                  QString::number(layout.needed)),
         nullptr);
 }
@@ -79,6 +79,12 @@ MsFileState *ms_file_state(int ncid)
 MsFileRecord *ms_file_record(int ncid)
 {
     return ms_file_state(ncid);
+}
+
+quint64 ms_missing_bytes(int ncid)
+{
+    const MsFileState *file = ms_file_state(ncid);
+    return file && file->cut_off ? file->cut_off->needed - file->cut_off->length : 0;
 }
 
 int ms_register_file(int ncid)
