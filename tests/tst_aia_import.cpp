@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace {
@@ -17,17 +18,30 @@ struct Result {
     QByteArray err;
 };
 
-Result run(const QStringList &arguments, const QString &folder = QString())
+const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
+
+Result finish(QProcess &program)
 {
-    QProcess program;
-    program.setWorkingDirectory(folder);
-    program.start(QStringLiteral(AIA_TOOLS "/aia-import"), arguments);
     Result result;
     if (program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit)
         result.status = program.exitCode();
     result.out = program.readAllStandardOutput();
     result.err = program.readAllStandardError();
     return result;
+}
+
+Result run(const QStringList &arguments, const QString &folder = QString())
+{
+    QProcess program;
+    program.setWorkingDirectory(folder);
+    program.start(importer, arguments);
+    return finish(program);
+}
+
+QByteArray content(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QString fixture(const QByteArray &name)
@@ -62,38 +76,40 @@ private slots:
     void json();
     void summary_data();
     void summary();
+    void interruptedCopy_data();
+    void interruptedCopy();
     void refusalAmongOthers();
+    void leavesNothingOpen();
+    void interrupt();
     void messages();
     void fullDisk();
 
 private:
-    void write(const QString &name, const QByteArray &content);
+    void write(const QString &name, const QByteArray &bytes);
 
     QTemporaryDir folder;
     const QString otherFile = QString::fromUtf8("\xE6\x97\xA5.cdf"); // in Latin-1: "?.cdf"
     const bool namesAreUtf8 = QFile::encodeName(otherFile) == otherFile.toUtf8();
 };
 
-void TestAiaImport::write(const QString &name, const QByteArray &content)
+void TestAiaImport::write(const QString &name, const QByteArray &bytes)
 {
     QFile file(folder.filePath(name));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
 }
 
 void TestAiaImport::initTestCase()
 {
     QVERIFY(folder.isValid());
-    QFile gcgc(fixture("gcgc"));
-    QVERIFY(gcgc.open(QIODevice::ReadOnly));
-    const QByteArray content = gcgc.readAll();
+    const QByteArray gcgc = content(fixture("gcgc"));
     write("text.cdf", "not netCDF");
     write("empty.cdf", QByteArray());
-    write("cut.cdf", content.left(100));
-    write("run.txt", content);
-    write("?.cdf", content);
+    write("cut.cdf", gcgc.left(100));
+    write("run.txt", gcgc);
+    write("?.cdf", gcgc);
     if (namesAreUtf8)
-        write(otherFile, content);
+        write(otherFile, gcgc);
     QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
 }
 
@@ -111,7 +127,7 @@ void TestAiaImport::refusal_data()
         QTest::newRow("another file's name") << otherFile << QByteArray("netCDF can't find it");
     QTest::newRow("no scans") << fixture("chromatogram") << QByteArray("no dimension \"scan_number\"");
     QTest::newRow("nothing of the template") << fixture("no-axes") << QByteArray("\"scan_number\"");
-    QTest::newRow("attributes") << fixture("error-log-rank-1") << QByteArray("loading error_log");
+    QTest::newRow("attributes") << fixture("error-log-rank-1") << QByteArray("loading \"error_log\"");
 }
 
 void TestAiaImport::refusal()
@@ -215,6 +231,37 @@ void TestAiaImport::summary()
     QVERIFY2(expected.match(QString::fromUtf8(result.out)).hasMatch(), result.out.constData());
 }
 
+void TestAiaImport::interruptedCopy_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<int>("missing");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("whole") << QByteArray("gcms_float") << 0 << QByteArray();
+    QTest::newRow("last scan") << QByteArray("gcms_float") << 1
+                               << QByteArray("read: 1 (counted from 0: number 4)");
+    QTest::newRow("all masses") << QByteArray("gcms_float") << 120
+                                << QByteArray("masses could not be read");
+    QTest::newRow("no scan") << QByteArray("instruments") << 1
+                             << QByteArray("in full; the file is cut off");
+    QTest::newRow("masses out of shape")
+        << QByteArray("mass-values-rank-2") << 0 << QByteArray("masses could not be read");
+}
+
+void TestAiaImport::interruptedCopy()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(int, missing);
+    QFETCH(QByteArray, reason);
+    QByteArray bytes = content(fixture(file));
+    bytes.chop(missing);
+    write("copy.cdf", bytes);
+    const Result result = run({"copy.cdf"}, folder.path());
+    QCOMPARE(result.status, reason.isEmpty() ? 0 : 1);
+    QCOMPARE(sentences(result.err).join().contains("not imported in full"), !reason.isEmpty());
+    QVERIFY2(result.err.contains(reason), result.err.constData());
+    QCOMPARE(result.err.contains("copy.cdf\" is cut off"), missing > 0);
+}
+
 void TestAiaImport::refusalAmongOthers()
 {
     // The length holds for each file, and a refused file leaves nothing behind for the next.
@@ -222,13 +269,44 @@ void TestAiaImport::refusalAmongOthers()
         {"--json", "all.json", "--gcxgc", "6", fixture("gcgc"), fixture("chromatogram"), fixture("gcgc")},
         folder.path());
     QCOMPARE(result.status, 1);
-    QFile file(folder.filePath("all.json"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArrayList lines = file.readAll().split('\n');
+    const QByteArrayList lines = content(folder.filePath("all.json")).split('\n');
     QCOMPARE(lines.size(), 3);
     QCOMPARE(lines[0], lines[1]);
     QCOMPARE(QJsonDocument::fromJson(lines[1]).object()["header"].toObject()["modulation"].toDouble(),
              6.0);
+}
+
+void TestAiaImport::leavesNothingOpen()
+{
+    QStringList arguments{"-c", "ulimit -n 32 && exec \"$0\" --quiet \"$@\"", importer};
+    for (int i = 0; i < 40; ++i)
+        arguments << fixture("chromatogram") << fixture("import-odd-scans");
+    QProcess shell;
+    shell.start("/bin/sh", arguments);
+    const QByteArray err = finish(shell).err;
+    QCOMPARE(err.count("no dimension \"scan_number\""), 40);
+    QCOMPARE(err.count("scans that could not be read: 1 "), 40);
+}
+
+void TestAiaImport::interrupt()
+{
+    // Many scans and nothing else; as long as nobody reads the JSON, it can't come to its end.
+    write("long.cdf",
+          QByteArray::fromHex("43444601000000000000000a000000010000000b") + QByteArray("scan_number", 12)
+              + QByteArray::fromHex("7735940000000000000000000000000000000000"));
+    QProcess program;
+    program.setWorkingDirectory(folder.path());
+    program.start(importer, {"--json", "-", "long.cdf", fixture("gcgc")});
+    QByteArray err;
+    while (!err.contains("*** fin") && program.waitForReadyRead(10000))
+        err += program.readAllStandardError();
+    ::kill(pid_t(program.processId()), SIGINT);
+    const Result result = finish(program);
+    QCOMPARE(result.status, 1);
+    QVERIFY2(result.err.contains("of 2000000000 scans"), result.err.constData());
+    QVERIFY(!result.err.contains("given up"));
+    QVERIFY(result.err.contains("Files that were not looked at: 1."));
+    QVERIFY(result.out.endsWith("]}]}\n"));
 }
 
 void TestAiaImport::messages()
@@ -236,10 +314,12 @@ void TestAiaImport::messages()
     const Result result = run({"--quiet", fixture("import-odd-scans")});
     QCOMPARE(result.out, QByteArray());
     // First and last time for the header, then each scan; not the second look at two of them.
+    const QByteArray start = "\nWarning: " + fixture("import-odd-scans").toLocal8Bit() + ": ";
     QVERIFY2(result.err.contains(
-                 "\nWarning: Data type mismatch while loading scan_acquisition_time (6 times)\n"),
+                 start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times)\n"),
              result.err.constData());
-    QVERIFY(result.err.contains("\nWarning: Mandatory attribute netcdf-revision is missing from file\n"));
+    QVERIFY(
+        result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file\n"));
 }
 
 void TestAiaImport::fullDisk()

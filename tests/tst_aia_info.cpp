@@ -139,7 +139,7 @@ void TestAiaInfo::text()
 void TestAiaInfo::messagesComeOnce()
 {
     const Run result = run({fixture("info-library")});
-    QVERIFY2(result.err.contains("Data type mismatch while loading entry_number (20 times)\n"),
+    QVERIFY2(result.err.contains("Data type mismatch while loading \"entry_number\" (20 times)\n"),
              qPrintable(result.err));
     QCOMPARE(result.err.count("entry_number"), 1);
     QVERIFY(!result.out.contains("mismatch"));

@@ -32,17 +32,23 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
     JsonWriter json;
     const bool writesJson = !options.json.isEmpty();
     bool complete = !writesJson || json.open(options.json);
+    int done = 0;
     for (const QString &file : options.files) {
         if (json.hasFailed() || FileImport::isInterrupted())
             break;
         FileImport import(prototype, options, writesJson ? &json : nullptr, file);
         complete = import.run() && complete;
+        ++done;
+    }
+    if (done < options.files.size()) {
+        report(QStringLiteral("Files that were not looked at: %1.").arg(options.files.size() - done));
+        complete = false;
     }
     if (writesJson && !json.finish()) {
         report(QStringLiteral("\"%1\" can't be written: %2.").arg(options.json, json.errorText()));
         complete = false;
     }
-    return complete && !FileImport::isInterrupted() ? AllImported : NotAllImported;
+    return complete ? AllImported : NotAllImported;
 }
 
 int runProgram(const ImportOptions &options)

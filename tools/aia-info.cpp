@@ -77,10 +77,9 @@ int show(const QString &path, const CommandLine &line)
 
 int show_with_messages(const QString &path, const CommandLine &line)
 {
-    MessageList messages;
-    const MessageRedirection redirection([&](MessageList::Level level, const QString &text) {
-        messages.add(level, path.toHtmlEscaped() + QLatin1String(": ") + text);
-    });
+    MessageList messages(path);
+    const MessageRedirection redirection(
+        [&](MessageList::Level level, const QString &text) { messages.add(level, text); });
     int code = Failure;
     try {
         code = show(path, line);

@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -48,8 +49,8 @@ bool hasScans(const QString &name)
 
 FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine,
                        JsonWriter *jsonWriter, const QString &name)
-    : prototype(plugin), options(commandLine), json(jsonWriter), fileName(name), audit(name),
-      progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
+    : prototype(plugin), options(commandLine), json(jsonWriter), fileName(name), messages(name),
+      audit(name), progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
 {
 }
 
@@ -67,7 +68,13 @@ bool FileImport::run()
 {
     const MessageRedirection collection(
         [this](MessageLoggerInterface::Level level, const QString &text) { messages.add(level, text); });
-    const bool imported = importIfPossible();
+    bool imported = false;
+    try {
+        imported = importIfPossible();
+    } catch (const std::bad_alloc &) {
+        report(QStringLiteral("There isn't enough memory to import \"%1\".").arg(fileName));
+        closePrototype();
+    }
     messages.write(stderr, options.quiet ? MessageList::Level::Warning : MessageList::Level::Debug);
     return imported;
 }
@@ -77,8 +84,7 @@ bool FileImport::importIfPossible()
     QString text;
     if (!canImport(prototype, fileName, text)) {
         report(refusal(text));
-        // A file that opened but was refused stays with the prototype; a copy takes it along.
-        delete prototype.clone();
+        closePrototype();
         return false;
     }
 
@@ -88,6 +94,12 @@ bool FileImport::importIfPossible()
         prototype.setModulation(*options.modulation);
     const std::unique_ptr<DVImportAnalysisInterface> copy(prototype.clone());
     return importOn(*copy);
+}
+
+// A file that opened but isn't imported stays with the prototype; a copy takes it along.
+void FileImport::closePrototype()
+{
+    delete prototype.clone();
 }
 
 void FileImport::askParameters()
@@ -111,12 +123,15 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
     }
     if (started && !options.quiet)
-        summary.write(options.json == QLatin1String("-") ? stderr : stdout, audit.result());
-    if (audit.unreadCount() > 0) {
-        report(QStringLiteral("\"%1\" was not imported in full; scans that could not be read: %2.")
-                   .arg(fileName, audit.result()));
+        summary.write(options.json == QLatin1String("-") ? stderr : stdout, audit.unreadScans());
+    if (!complete)
+        return false;
+    const QStringList losses = audit.losses();
+    if (!losses.isEmpty()) {
+        report(QStringLiteral("\"%1\" was not imported in full; %2.")
+                   .arg(fileName, losses.join(QLatin1String("; "))));
     }
-    return complete && audit.unreadCount() == 0;
+    return losses.isEmpty();
 }
 
 void FileImport::analysisStarted(const DVHeader &header, const float *table, int tableSize)

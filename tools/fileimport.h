@@ -34,6 +34,7 @@ private:
     void progressChanged(int done, int count) override;
 
     bool importIfPossible();
+    void closePrototype();
     void askParameters();
     bool importOn(DVImportAnalysisInterface &copy);
     QString refusal(const QString &hostText);

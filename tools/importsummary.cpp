@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -42,9 +43,20 @@ QString masses(const float *table, int size)
 {
     if (size < 1)
         return QStringLiteral("0, a total-ion trace");
-    return QStringLiteral("%1, from %2 to %3, on a grid of %4")
-        .arg(QString::number(size), QString::number(double(table[0])),
-             QString::number(double(table[size - 1])), grid(table, size));
+    const QString range = QStringLiteral("%1, from %2 to %3, on a grid of %4")
+                              .arg(QString::number(size), QString::number(double(table[0])),
+                                   QString::number(double(table[size - 1])), grid(table, size));
+    if (size < std::numeric_limits<quint16>::max())
+        return range;
+    return range + QStringLiteral("; there is room for no more, so others may count in the totals only");
+}
+
+// A stamp that makes no sense becomes the largest number.
+QString date(quint32 seconds)
+{
+    if (seconds == std::numeric_limits<quint32>::max())
+        return absent;
+    return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC).toString(Qt::ISODate);
 }
 
 QString detector(const DVHeader &header)
@@ -91,7 +103,7 @@ void ImportSummary::start(const QString &fileName, const DVHeader &header, const
     add("File", fileName);
     add("Title", latin1(header.getExpName()));
     add("Device", latin1(header.getDevice()));
-    add("Date", QDateTime::fromSecsSinceEpoch(header.getDate(), Qt::UTC).toString(Qt::ISODate));
+    add("Date", date(header.getDate()));
     add("Scans", QString::number(header.getNbScans()));
     add("Retention unit", header.getRetentionUnit());
     add("Delay", number(header.getDelay()) + unit);

@@ -54,14 +54,16 @@ QStringList MessageList::take(Level level)
 
 void MessageList::write(std::FILE *stream, Level least) const
 {
+    const auto write = [&](Level level, const QString &text) {
+        writeLine(stream, QStringLiteral("%1: %2: %3").arg(label(level), fileName, text));
+    };
     for (const Entry &entry : entries) {
         if (entry.level < least)
             continue;
-        QString line = label(entry.level) + QLatin1String(": ") + plainText(entry.text);
-        if (entry.count > 1)
-            line += QStringLiteral(" (%1 times)").arg(entry.count);
-        writeLine(stream, line);
+        const QString times =
+            entry.count > 1 ? QStringLiteral(" (%1 times)").arg(entry.count) : QString();
+        write(entry.level, plainText(entry.text) + times);
     }
     if (leftOut > 0)
-        writeLine(stream, QStringLiteral("Warning: %1 more messages were left out").arg(leftOut));
+        write(Level::Warning, QStringLiteral("%1 more messages were left out").arg(leftOut));
 }

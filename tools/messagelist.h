@@ -1,4 +1,4 @@
-// The messages of one file: each text once, with its count.
+// The messages about one file: each text once, with its count.
 #ifndef MESSAGELIST_H
 #define MESSAGELIST_H
 
@@ -16,6 +16,8 @@ class MessageList
 {
 public:
     using Level = MessageLoggerInterface::Level;
+
+    explicit MessageList(const QString &file) : fileName(file) { }
 
     void add(Level level, const QString &text);
 
@@ -35,6 +37,7 @@ private:
         int count;
     };
 
+    const QString fileName;
     std::vector<Entry> entries;
     QHash<QPair<int, QString>, std::size_t> places; // in entries
     int leftOut = 0;

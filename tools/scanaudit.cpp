@@ -4,11 +4,16 @@
 #include "messagelist.h"
 #include "mstoolkit.h"
 
-#include <QStringList>
-
 namespace {
 
 constexpr std::size_t namedScans = 10;
+
+// The import has sent the messages of the second look already.
+class Silence : private MessageRedirection
+{
+public:
+    Silence() : MessageRedirection([](MessageLoggerInterface::Level, const QString &) {}) { }
+};
 
 } // namespace
 
@@ -53,27 +58,51 @@ bool ScanAudit::isUnread(int scan, int pointCount, double total)
 
 bool ScanAudit::failsAgain(int scan)
 {
-    // The import has sent these messages already.
-    const MessageRedirection silence([](MessageLoggerInterface::Level, const QString &) {});
-    if (!opened) {
-        opened = true;
-        fileId = ms_open_read(fileName.toLatin1().constData());
-    }
-
+    const Silence silence;
     struct Record : MsScanRecord {
         Record() { ms_init_per_scan(0, this, nullptr); }
         ~Record() { ms_init_per_scan(1, this, nullptr); }
     } record;
     record.scan_number = scan;
-    return ms_read_per_scan(fileId, &record, nullptr) == -1 || record.point_count > 0;
+    return ms_read_per_scan(openFile(), &record, nullptr) == -1 || record.point_count > 0;
 }
 
-QString ScanAudit::result() const
+bool ScanAudit::hasUnreadableMasses()
+{
+    const Silence silence;
+    QSet<qint32> masses;
+    qint32 decimals = 0;
+    return ms_read_mass_census(openFile(), masses, &decimals, 1.0) == -1;
+}
+
+int ScanAudit::openFile()
+{
+    if (!opened) {
+        opened = true;
+        fileId = ms_open_read(fileName.toLatin1().constData());
+    }
+    return fileId;
+}
+
+QStringList ScanAudit::losses()
+{
+    QStringList found;
+    if (unread > 0)
+        found.append(QStringLiteral("scans that could not be read: %1").arg(unreadScans()));
+    if (run != Run::Spectra && hasUnreadableMasses())
+        found.append(QStringLiteral("its masses could not be read"));
+    const Silence silence;
+    if (ms_missing_bytes(openFile()) > 0)
+        found.append(QStringLiteral("the file is cut off"));
+    return found;
+}
+
+QString ScanAudit::unreadScans() const
 {
     if (unread == 0)
         return QStringLiteral("none");
     if (run == Run::Nothing)
-        return QStringLiteral("%1, as the file has neither masses nor a total intensity for each scan")
+        return QStringLiteral("%1, as neither masses nor a total intensity for each scan can be found")
             .arg(unread);
 
     QStringList numbers;

@@ -1,9 +1,10 @@
-// Which scans of a run could not be read. An import gives such a scan without points, like an empty one,
-// so a scan without points is looked at once more, through the toolkit.
+// What of a run could not be read. An import gives a scan that it couldn't read without points, like an
+// empty one, and one whose masses it couldn't read as a total-ion trace, like one without masses. So
+// where the two can be mistaken, the file is looked at once more, through the toolkit.
 #ifndef SCANAUDIT_H
 #define SCANAUDIT_H
 
-#include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -18,10 +19,11 @@ public:
     void start(const DVHeader &header, int tableSize);
     void check(int scan, int pointCount, double total);
 
-    int unreadCount() const { return unread; }
+    // After the last scan: what the import lacks, and why, in parts of a sentence; empty for a whole run.
+    QStringList losses();
 
-    // The count, and what there is to say about it.
-    QString result() const;
+    // How many scans could not be read, and which.
+    QString unreadScans() const;
 
 private:
     Q_DISABLE_COPY(ScanAudit)
@@ -30,11 +32,13 @@ private:
 
     bool isUnread(int scan, int pointCount, double total);
     bool failsAgain(int scan);
+    bool hasUnreadableMasses();
+    int openFile();
 
     const QString fileName;
     Run run = Run::Spectra;
     bool opened = false;
-    int fileId = -1; // a handle of our own, as the import's isn't ours to use
+    int fileId = -1; // a handle of our own, as the import's isn't ours to use; use openFile()
     int unread = 0;
     std::vector<int> first; // the first few unread scans
 };

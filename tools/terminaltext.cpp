@@ -6,7 +6,9 @@ QString plainText(const QString &richText)
 {
     static const QRegularExpression tag(QStringLiteral("</?[A-Za-z][^<>]*>"));
     QString plain = richText;
-    plain.remove(tag);
+    plain.replace(QLatin1String("<b>"), QLatin1String("\""))
+        .replace(QLatin1String("</b>"), QLatin1String("\""))
+        .remove(tag);
     // The ampersand comes last, so that "&amp;lt;" ends as "&lt;".
     return plain.replace(QLatin1String("&lt;"), QLatin1String("<"))
         .replace(QLatin1String("&gt;"), QLatin1String(">"))

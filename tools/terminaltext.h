@@ -6,7 +6,8 @@
 
 #include <cstdio>
 
-// A message's rich text without its tags, its entities as the characters that they stand for.
+// A message's rich text without its tags: bold names in quotes, entities as the characters that they
+// stand for.
 QString plainText(const QString &richText);
 
 // Writes a line in the terminal's coding. Control characters, which a file's texts may hold and a
