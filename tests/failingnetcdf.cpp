@@ -47,11 +47,11 @@ const char *failedCall()
 }
 
 // The types are those of netcdf.h, which isn't included: its attributes would have to be repeated.
-#define PASS_ON(name, failure, parameters, arguments)                                                    \
-    extern "C" int name parameters                                                                       \
-    {                                                                                                    \
-        static auto *const real = library<int parameters>(#name);                                        \
-        return failsNow(#name) ? failure : real arguments;                                               \
+#define PASS_ON(name, failure, parameters, arguments)                                                                  \
+    extern "C" int name parameters                                                                                     \
+    {                                                                                                                  \
+        static auto *const real = library<int parameters>(#name);                                                      \
+        return failsNow(#name) ? failure : real arguments;                                                             \
     }
 
 using Size = std::size_t;

@@ -186,19 +186,17 @@ void TestAiaImport::json()
     QCOMPARE(result.status, 1); // a scan couldn't be read
     const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + '"';
     QVERIFY(result.out.startsWith(head));
-    QCOMPARE(
-        result.out.mid(head.size()),
-        QByteArray(
-            R"(,"header":{"scanCount":4,"modulation":0.0,"abundanceBits":28,"abundanceCoefficient":null,)"
-            R"("date":1190524080,"device":null,"experimentName":"Café \"5\\6\"\u0009<1>",)"
-            R"("retentionUnit":"minutes","runLength":0.30000000000000004,"delay":0.1,)"
-            R"("samplingInterval":0.10000000000000002,"detectorType":512},)"
-            R"("massTable":[50.099998474121094,60.0],"scans":[)"
-            R"({"time":0.1,"total":0.1,"positions":[0,1],"abundances":[-0.0,0.10000000149011612]},)"
-            R"({"time":0.2,"total":0.0,"positions":[],"abundances":[]},)"
-            R"({"time":0.3,"total":null,"positions":[0,1],"abundances":[null,1e999]},)"
-            R"({"time":0.4,"total":0.0,"positions":[],"abundances":[]}]})"
-            "\n"));
+    QCOMPARE(result.out.mid(head.size()),
+             QByteArray(R"(,"header":{"scanCount":4,"modulation":0.0,"abundanceBits":28,"abundanceCoefficient":null,)"
+                        R"("date":1190524080,"device":null,"experimentName":"Café \"5\\6\"\u0009<1>",)"
+                        R"("retentionUnit":"minutes","runLength":0.30000000000000004,"delay":0.1,)"
+                        R"("samplingInterval":0.10000000000000002,"detectorType":512},)"
+                        R"("massTable":[50.099998474121094,60.0],"scans":[)"
+                        R"({"time":0.1,"total":0.1,"positions":[0,1],"abundances":[-0.0,0.10000000149011612]},)"
+                        R"({"time":0.2,"total":0.0,"positions":[],"abundances":[]},)"
+                        R"({"time":0.3,"total":null,"positions":[0,1],"abundances":[null,1e999]},)"
+                        R"({"time":0.4,"total":0.0,"positions":[],"abundances":[]}]})"
+                        "\n"));
 }
 
 void TestAiaImport::summary_data()
@@ -237,14 +235,11 @@ void TestAiaImport::interruptedCopy_data()
     QTest::addColumn<int>("missing");
     QTest::addColumn<QByteArray>("reason");
     QTest::newRow("whole") << QByteArray("gcms_float") << 0 << QByteArray();
-    QTest::newRow("last scan") << QByteArray("gcms_float") << 1
-                               << QByteArray("read: 1 (counted from 0: number 4)");
-    QTest::newRow("all masses") << QByteArray("gcms_float") << 120
-                                << QByteArray("masses could not be read");
-    QTest::newRow("no scan") << QByteArray("instruments") << 1
-                             << QByteArray("in full; the file is cut off");
-    QTest::newRow("masses out of shape")
-        << QByteArray("mass-values-rank-2") << 0 << QByteArray("masses could not be read");
+    QTest::newRow("last scan") << QByteArray("gcms_float") << 1 << QByteArray("read: 1 (counted from 0: number 4)");
+    QTest::newRow("all masses") << QByteArray("gcms_float") << 120 << QByteArray("masses could not be read");
+    QTest::newRow("no scan") << QByteArray("instruments") << 1 << QByteArray("in full; the file is cut off");
+    QTest::newRow("masses out of shape") << QByteArray("mass-values-rank-2") << 0
+                                         << QByteArray("masses could not be read");
 }
 
 void TestAiaImport::interruptedCopy()
@@ -265,15 +260,14 @@ void TestAiaImport::interruptedCopy()
 void TestAiaImport::refusalAmongOthers()
 {
     // The length holds for each file, and a refused file leaves nothing behind for the next.
-    const Result result = run(
-        {"--json", "all.json", "--gcxgc", "6", fixture("gcgc"), fixture("chromatogram"), fixture("gcgc")},
-        folder.path());
+    const Result result =
+        run({"--json", "all.json", "--gcxgc", "6", fixture("gcgc"), fixture("chromatogram"), fixture("gcgc")},
+            folder.path());
     QCOMPARE(result.status, 1);
     const QByteArrayList lines = content(folder.filePath("all.json")).split('\n');
     QCOMPARE(lines.size(), 3);
     QCOMPARE(lines[0], lines[1]);
-    QCOMPARE(QJsonDocument::fromJson(lines[1]).object()["header"].toObject()["modulation"].toDouble(),
-             6.0);
+    QCOMPARE(QJsonDocument::fromJson(lines[1]).object()["header"].toObject()["modulation"].toDouble(), 6.0);
 }
 
 void TestAiaImport::leavesNothingOpen()
@@ -315,11 +309,9 @@ void TestAiaImport::messages()
     QCOMPARE(result.out, QByteArray());
     // First and last time for the header, then each scan; not the second look at two of them.
     const QByteArray start = "\nWarning: " + fixture("import-odd-scans").toLocal8Bit() + ": ";
-    QVERIFY2(result.err.contains(
-                 start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times)\n"),
+    QVERIFY2(result.err.contains(start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times)\n"),
              result.err.constData());
-    QVERIFY(
-        result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file\n"));
+    QVERIFY(result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file\n"));
 }
 
 void TestAiaImport::fullDisk()

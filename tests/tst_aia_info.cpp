@@ -114,8 +114,8 @@ void TestAiaInfo::text_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("control characters")
-        << "info-library" << QString::fromUtf8("experiment_title: Café \\x1b[31m\\nred\n");
+    QTest::newRow("control characters") << "info-library"
+                                        << QString::fromUtf8("experiment_title: Café \\x1b[31m\\nred\n");
     QTest::newRow("table") << "info-library"
                            << "    mass  intensity\n    50.1         10\n      60        nan\n";
     QTest::newRow("missing number") << "info-library"
@@ -173,12 +173,10 @@ void TestAiaInfo::exitCode_data()
     QTest::newRow("negative scan") << QStringList{"--scan=-1", good} << 2 << "--scan takes";
     QTest::newRow("help") << QStringList{"--help"} << 0 << "Usage:";
     QTest::newRow("version") << QStringList{"--version"} << 0 << "aia-info ";
-    QTest::newRow("no such file") << QStringList{"nosuch.cdf"} << 1
-                                  << "nosuch.cdf: there is no such file";
+    QTest::newRow("no such file") << QStringList{"nosuch.cdf"} << 1 << "nosuch.cdf: there is no such file";
     QTest::newRow("folder") << QStringList{AIA_FIXTURES} << 1 << "isn't a file";
     QTest::newRow("not netCDF") << QStringList{no_netcdf} << 1 << "isn't a netCDF file";
-    QTest::newRow("scan beyond") << QStringList{"--scan", "22", good} << 1
-                                 << "no scan 22: the file has 22";
+    QTest::newRow("scan beyond") << QStringList{"--scan", "22", good} << 1 << "no scan 22: the file has 22";
     QTest::newRow("other template") << QStringList{fixture("info-chromatogram")} << 0 << "lacks";
     QTest::newRow("bad file first") << QStringList{"nosuch.cdf", good} << 1 << "Toluene";
 }

@@ -169,8 +169,7 @@ void TestDamaged::refusesCutHeaders()
 void TestDamaged::survivesWrongWords_data()
 {
     QTest::addColumn<quint32>("word");
-    for (const quint32 word :
-         {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x01000000u, 0x00000fffu, 0x0000000bu, 2u, 0u})
+    for (const quint32 word : {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x01000000u, 0x00000fffu, 0x0000000bu, 2u, 0u})
         QTest::addRow("%x", word) << word;
 }
 

@@ -162,9 +162,8 @@ private slots:
         int asked = 0;
         QVector<float> lengths;
         for (int file = 0; file < 5; ++file) {
-            asked += ask(fixtures + "gcgc.cdf", [&](QDialog *dialog) {
-                answer(dialog, file == 0 ? "2.5" : "4", file == 1, "Yes");
-            });
+            asked += ask(fixtures + "gcgc.cdf",
+                         [&](QDialog *dialog) { answer(dialog, file == 0 ? "2.5" : "4", file == 1, "Yes"); });
             lengths.append(clone()->modulationPeriod());
         }
         QCOMPARE(asked, 2);

@@ -28,16 +28,14 @@ public:
     void analysisStarted(const DVHeader &header, const float *table, int tableSize) override
     {
         const char *device = header.getDevice();
-        head =
-            QStringLiteral("%1 scans, %2, %3 + %4 by %5, detector %6, %7 bits, coefficient %8, device %9")
-                .arg(header.getNbScans())
-                .arg(header.getRetentionUnit(), number(header.getDelay()),
-                     number(header.getRunTimeLength()), number(header.getSamplingInterval()),
-                     header.isSet(DVHeader::DetectorType) ? QString::number(header.getDetectorType())
-                                                          : QString("-"))
-                .arg(header.getNbBitsAbund())
-                .arg(header.isSet(DVHeader::CoeffAbund) ? "0" : "-")
-                .arg(device ? device : "-");
+        head = QStringLiteral("%1 scans, %2, %3 + %4 by %5, detector %6, %7 bits, coefficient %8, device %9")
+                   .arg(header.getNbScans())
+                   .arg(header.getRetentionUnit(), number(header.getDelay()), number(header.getRunTimeLength()),
+                        number(header.getSamplingInterval()),
+                        header.isSet(DVHeader::DetectorType) ? QString::number(header.getDetectorType()) : QString("-"))
+                   .arg(header.getNbBitsAbund())
+                   .arg(header.isSet(DVHeader::CoeffAbund) ? "0" : "-")
+                   .arg(device ? device : "-");
         for (int i = 0; i < tableSize; ++i)
             masses += number(double(table[i]));
     }
@@ -47,9 +45,7 @@ public:
         QStringList points;
         for (int i = 0; i < pointCount; ++i)
             points += number(double(abundances[i])) + QLatin1Char('@') + QString::number(positions[i]);
-        scans += QStringLiteral("%1: %2 %3")
-                     .arg(number(time), number(total), points.join(QLatin1Char(' ')))
-                     .trimmed();
+        scans += QStringLiteral("%1: %2 %3").arg(number(time), number(total), points.join(QLatin1Char(' '))).trimmed();
     }
     void progressChanged(int, int) override { }
 
@@ -104,10 +100,7 @@ private slots:
     void worksBesideAnother();
 
 private:
-    DVImportAnalysisInterface *prototype()
-    {
-        return dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
-    }
+    DVImportAnalysisInterface *prototype() { return dynamic_cast<DVImportAnalysisInterface *>(loader.instance()); }
     DVImportParamType *parameters(QObject *object)
     {
         return static_cast<DVImportParamType *>(object->qt_metacast("DVImportParamType"));
@@ -155,8 +148,7 @@ void TestImportAiaMs::namesItself()
     QCOMPARE(meta->methodCount(), meta->methodOffset());
     QCOMPARE(meta->propertyCount(), meta->propertyOffset());
     QCOMPARE(plugin->qt_metacast("ImportAiaMs"), static_cast<void *>(plugin));
-    QVERIFY(plugin->qt_metacast("DVImportInterface")
-            && !plugin->qt_metacast("DVImportAnalysisInterface"));
+    QVERIFY(plugin->qt_metacast("DVImportInterface") && !plugin->qt_metacast("DVImportAnalysisInterface"));
     QCOMPARE(parameters(plugin), dynamic_cast<DVImportParamType *>(plugin));
     QVERIFY(loader.instance() == plugin);
 
@@ -207,8 +199,7 @@ void TestImportAiaMs::opensAndMoves()
 void TestImportAiaMs::leavesNothingOpen()
 {
     const int before = openFiles();
-    for (const char *name :
-         {"two-scans", "chromatogram", "error-log-rank-1", "int64-attribute", "wide-values"}) {
+    for (const char *name : {"two-scans", "chromatogram", "error-log-rank-1", "int64-attribute", "wide-values"}) {
         QString text;
         prototype()->canImport(nullptr, fixture(name), text);
         delete prototype()->clone();
@@ -237,8 +228,7 @@ void TestImportAiaMs::imports_data()
         QTest::addRow("%s %g", name, modulation) << name << modulation << head << masses << scans;
     };
     const char *three = "50 60.25 70.5";
-    row("no-attributes", 0,
-        "3 scans, minutes, 1 + 1 by 0.5, detector 512, 28 bits, coefficient -, device -", three,
+    row("no-attributes", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512, 28 bits, coefficient -, device -", three,
         {"1: 3 1@0 2@1", "1.5: 12 4@0 8@2", "2: 48 16@1 32@2"});
     row("no-attributes", 0.5, "3 scans, minutes, 1 + 1 by 0.5, detector 2048, 28 bits", three,
         {"0: 3 1@0 2@1", "0.5: 12 4@0 8@2", "1: 48 16@1 32@2"});
@@ -252,10 +242,8 @@ void TestImportAiaMs::imports_data()
     row("several-numbers", 0, "", "25 30.12999916 35.25", {"1: 7 3@0 4@1"});
     row("contradicting-formats", 0, "", "50 60 70", {"1: 3 1@0 2@1"});
     row("overlapping-scans", 0, "", three, {"1: 28 4@0 8@2 16@1", "1.5: 15 1@0 2@1 4@0 8@2"});
-    row("odd-scan-index", 0, "6 scans", three,
-        {"1: 3 1@0 2@1", "1.5: 0", "2: 0", "2.5: 0", "3: 0", "3.5: 0"});
-    row("no-scan-index", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", three,
-        {"1: 0", "1.5: 0", "2: 0"});
+    row("odd-scan-index", 0, "6 scans", three, {"1: 3 1@0 2@1", "1.5: 0", "2: 0", "2.5: 0", "3: 0", "3.5: 0"});
+    row("no-scan-index", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", three, {"1: 0", "1.5: 0", "2: 0"});
     row("no-intensities", 0, "3 scans", three, {"1: 0", "1.5: 0"});
     row("two-masses", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", "50 60", {});
     row("one-mass", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "", {});
@@ -263,10 +251,9 @@ void TestImportAiaMs::imports_data()
         {"1: 3.299999952", "-166.65: 12.5", "2: -9999"});
     row("total-ion", 2, "3 scans, minutes, 1 + 1 by 0.5, detector 1792, 32 bits, coefficient 0", "",
         {"1: 3.299999952"});
-    row("total-ion-no-intensity", 0, "3 scans, minutes, 1 + 1 by 0.5, detector -, 32 bits, coefficient -",
-        "", {"1: 0", "1.5: 0", "2: 0"});
-    row("total-ion-rank-2", 0, "3 scans, minutes, 0 + 2 by 1, detector 256", "",
-        {"1: 3", "1.5: 12", "2: 48"});
+    row("total-ion-no-intensity", 0, "3 scans, minutes, 1 + 1 by 0.5, detector -, 32 bits, coefficient -", "",
+        {"1: 0", "1.5: 0", "2: 0"});
+    row("total-ion-rank-2", 0, "3 scans, minutes, 0 + 2 by 1, detector 256", "", {"1: 3", "1.5: 12", "2: 48"});
     row("no-scans", 0, "0 scans", "", {});
 }
 
@@ -312,10 +299,7 @@ void TestImportAiaMs::datesInManyZones()
     qputenv("TZ", zone);
     tzset();
     struct Dates : Receiver {
-        void analysisStarted(const DVHeader &header, const float *, int) override
-        {
-            date = header.getDate();
-        }
+        void analysisStarted(const DVHeader &header, const float *, int) override { date = header.getDate(); }
         quint32 date = 1;
     } receiver;
     const auto copy = copyFor(name);
@@ -331,10 +315,7 @@ void TestImportAiaMs::takesThePresentForAMissingDate()
 {
     const auto copy = copyFor("no-attributes");
     struct Dates : Receiver {
-        void analysisStarted(const DVHeader &header, const float *, int) override
-        {
-            date = header.getDate();
-        }
+        void analysisStarted(const DVHeader &header, const float *, int) override { date = header.getDate(); }
         quint32 date = 1;
     } receiver;
     copy->setReceiver(&receiver);
@@ -428,8 +409,7 @@ void TestImportAiaMs::worksBesideAnother()
             unsigned short places[2] = {9, 9};
             double otherTime = 0.0;
             int points = 0;
-            unknown = QStringLiteral("%1").arg(
-                outer->importScan(2, &otherTime, 1, table, &points, found, places));
+            unknown = QStringLiteral("%1").arg(outer->importScan(2, &otherTime, 1, table, &points, found, places));
             for (int i = 0; i < points; ++i)
                 unknown += QStringLiteral(" %1@%2").arg(double(found[i])).arg(places[i]);
         }

@@ -18,10 +18,7 @@ namespace {
 class TestImport : public DVImportAnalysisInterface
 {
 public:
-    explicit TestImport(int scans) : scanCount(scans)
-    {
-        extensionList = QStringList{QStringLiteral(".cdf")};
-    }
+    explicit TestImport(int scans) : scanCount(scans) { extensionList = QStringList{QStringLiteral(".cdf")}; }
 
     using DVImportAnalysisInterface::findTablePosition;
     bool hasHeader() const { return header != nullptr; }

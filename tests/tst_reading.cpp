@@ -78,8 +78,7 @@ void TestReading::init()
 {
     messages.clear();
     MessageLoggerInterface::setReceiver([this](MessageLoggerInterface::Level level, const QString &text) {
-        messages +=
-            (level == MessageLoggerInterface::Level::Error ? QStringLiteral("E ") : QStringLiteral("W "))
+        messages += (level == MessageLoggerInterface::Level::Error ? QStringLiteral("E ") : QStringLiteral("W "))
             + QString(text).remove(QStringLiteral("<b>")).remove(QStringLiteral("</b>"));
     });
 }
@@ -94,8 +93,7 @@ void TestReading::cleanup()
 void TestReading::open(const QString &fixture)
 {
     ms_close(id);
-    id = ms_open_read(
-        (QStringLiteral(AIA_FIXTURES "/") + fixture + QStringLiteral(".cdf")).toLatin1().constData());
+    id = ms_open_read((QStringLiteral(AIA_FIXTURES "/") + fixture + QStringLiteral(".cdf")).toLatin1().constData());
     QVERIFY2(id != -1, qPrintable(fixture));
 }
 
@@ -153,9 +151,7 @@ void TestReading::readsGlobalRecords_data()
 {
     QTest::addColumn<QString>("fixture");
     QTest::addColumn<QString>("values"); // name=value, parted by blanks; ~ for a blank in a value
-    const auto row = [](const char *fixture, const char *values) {
-        QTest::newRow(fixture) << fixture << values;
-    };
+    const auto row = [](const char *fixture, const char *values) { QTest::newRow(fixture) << fixture << values; };
     row("no-attributes",
         "status=0 title=- date=- log=- processed=-9999 instruments=-1 type=0 massScale=-9999 "
         "timeUnits=81 massFormat=74 uniform=-9999 scans=3 axes=10");
@@ -231,12 +227,9 @@ void TestReading::findsDashedNamesAndOthersAfterwards()
 void TestReading::knowsWhatAFileHas_data()
 {
     QTest::addColumn<QString>("fixture");
-    QTest::addColumn<QVector<int>>(
-        "codes"); // experiment type; formats of mass, time, intensity; axes; sizes of
-                  // _32_, _128_byte_string, error_number, scan_number, instrument_number
-    const auto row = [](const char *fixture, const QVector<int> &codes) {
-        QTest::newRow(fixture) << fixture << codes;
-    };
+    QTest::addColumn<QVector<int>>("codes"); // experiment type; formats of mass, time, intensity; axes; sizes of
+                                             // _32_, _128_byte_string, error_number, scan_number, instrument_number
+    const auto row = [](const char *fixture, const QVector<int> &codes) { QTest::newRow(fixture) << fixture << codes; };
     row("gcms_float", {0, 76, 76, 76, 1, 1, 32, 128, 1, 5, 1});
     row("no-attributes", {0, 76, 74, 76, 1, 0, 32, 128, 1, 3, 0});
     row("instruments", {0, 76, 74, 76, 1, 0, 40, 128, 1, 3, 2});
@@ -268,8 +261,7 @@ void TestReading::readsScans_data()
     QTest::addColumn<QString>("fixture");
     QTest::addColumn<int>("number");
     QTest::addColumn<int>("status");
-    QTest::addColumn<QString>(
-        "content"); // points, flags, time; masses; times; intensities; peaks; values
+    QTest::addColumn<QString>("content"); // points, flags, time; masses; times; intensities; peaks; values
     const auto row = [](const char *fixture, int number, int status, const char *content) {
         QTest::addRow("%s %d", fixture, number) << fixture << number << status << content;
     };
@@ -317,15 +309,13 @@ void TestReading::readsScans()
     scan.scan_number = number;
     QTEST(ms_read_per_scan(id, &scan, nullptr), "status");
     const int points = scan.point_count;
-    const QStringList content = {QStringLiteral("%1 %2 %3")
-                                     .arg(points)
-                                     .arg(scan.flag_count)
-                                     .arg(double(float(scan.scan_acquisition_time))),
-                                 shownAll(file.mass_format, scan.mass_values, points),
-                                 shownAll(file.time_format, scan.time_values, points),
-                                 shownAll(file.intensity_format, scan.intensity_values, points),
-                                 shownAll<qint32>(scan.flagged_peaks, scan.flag_count),
-                                 shownAll<qint16>(scan.flag_values, scan.flag_count)};
+    const QStringList content = {
+        QStringLiteral("%1 %2 %3").arg(points).arg(scan.flag_count).arg(double(float(scan.scan_acquisition_time))),
+        shownAll(file.mass_format, scan.mass_values, points),
+        shownAll(file.time_format, scan.time_values, points),
+        shownAll(file.intensity_format, scan.intensity_values, points),
+        shownAll<qint32>(scan.flagged_peaks, scan.flag_count),
+        shownAll<qint16>(scan.flag_values, scan.flag_count)};
     QTEST(content.join(QLatin1Char(';')), "content");
     ms_init_per_scan(1, &scan, nullptr);
     QVERIFY(!scan.mass_values && scan.point_count == 0 && scan.scan_number == -1);
@@ -341,10 +331,8 @@ void TestReading::readsNumbersOfOtherTypes()
         scan.scan_number = 1;
         QCOMPARE(ms_read_scan_header(id, &scan), 0);
         QCOMPARE(messages.size(), 5);
-        QCOMPARE(messages.first(),
-                 QStringLiteral("W Data type mismatch while loading a_d_coaddition_factor"));
-        QCOMPARE(messages.last(),
-                 QStringLiteral("W Data type mismatch while loading actual_scan_number"));
+        QCOMPARE(messages.first(), QStringLiteral("W Data type mismatch while loading a_d_coaddition_factor"));
+        QCOMPARE(messages.last(), QStringLiteral("W Data type mismatch while loading actual_scan_number"));
     }
     QCOMPARE(scan.actual_scan_number, -9999); // 3e10 has no 32-bit number
     QCOMPARE(int(scan.a_d_coaddition_factor), -9999);
@@ -472,8 +460,7 @@ void TestReading::readsTraces()
     QCOMPARE(totals != nullptr || times != nullptr, status == 0);
     if (status == 0)
         QCOMPARE(shownAll<double>(times, 3),
-                 fixture == QLatin1String("total-ion") ? QStringLiteral("60,-9999,120")
-                                                       : QStringLiteral("60,90,120"));
+                 fixture == QLatin1String("total-ion") ? QStringLiteral("60,-9999,120") : QStringLiteral("60,90,120"));
     ms_free(totals);
     ms_free(times);
 }
@@ -510,10 +497,9 @@ void TestReading::readsGroups_data()
     QTest::newRow("groups") << "groups" << 0
                             << "3 0;50,60.25,70.5,-9999,-9999;0.1,0.2,0.3,-9999,-9999;"
                                "-9999,-9999,-9999,-9999,-9999";
-    QTest::newRow("groups-without-count")
-        << "groups-without-count" << 0
-        << "-9999 0;-9999,-9999,-9999,-9999,-9999;-9999,-9999,-9999,-9999,-9999;"
-           "-9999,-9999,-9999,-9999,-9999";
+    QTest::newRow("groups-without-count") << "groups-without-count" << 0
+                                          << "-9999 0;-9999,-9999,-9999,-9999,-9999;-9999,-9999,-9999,-9999,-9999;"
+                                             "-9999,-9999,-9999,-9999,-9999";
     QTest::newRow("groups-rank-1") << "groups-rank-1" << -1 << "0 0;-;-;-";
     QTest::newRow("none") << "no-attributes" << -1 << "-9999 -9999;-;-;-";
 }
@@ -531,11 +517,10 @@ void TestReading::readsGroups()
     ms_init_group(0, &group);
     group.group_number = 0;
     QTEST(ms_read_group(id, &group), "status");
-    const QStringList content = {
-        QStringLiteral("%1 %2").arg(group.group_mass_count).arg(group.group_starting_scan),
-        shownAll<double>(group.group_masses, width),
-        QString(shownAll<double>(group.group_sampling_times, width)),
-        shownAll<double>(group.group_delay_times, width)};
+    const QStringList content = {QStringLiteral("%1 %2").arg(group.group_mass_count).arg(group.group_starting_scan),
+                                 shownAll<double>(group.group_masses, width),
+                                 QString(shownAll<double>(group.group_sampling_times, width)),
+                                 shownAll<double>(group.group_delay_times, width)};
     QTEST(content.join(QLatin1Char(';')), "content");
     ms_init_group(1, &group);
 }
@@ -549,13 +534,13 @@ void TestReading::readsInstruments()
     for (int i = -1; i < 3; ++i) {
         instrument.component_index = i;
         const int status = ms_read_instrument(id, &instrument);
-        seen += QString::number(status) + shown(instrument.instrument_name)
-            + shown(instrument.instrument_id) + shown(instrument.instrument_mfr);
+        seen += QString::number(status) + shown(instrument.instrument_name) + shown(instrument.instrument_id)
+            + shown(instrument.instrument_mfr);
         ms_init_instrument(1, &instrument);
     }
-    QCOMPARE(seen,
-             QStringList({"-1---", "0\"Detector\"\"123456789012345678901234567890123456789\"-",
-                          "0\"Pump\"--", "-1---"}));
+    QCOMPARE(
+        seen,
+        QStringList({"-1---", "0\"Detector\"\"123456789012345678901234567890123456789\"-", "0\"Pump\"--", "-1---"}));
     open("instrument-rank-1");
     messages.clear();
     instrument.component_index = 0;
@@ -586,8 +571,8 @@ void TestReading::forgetsAFileClosedBehindItsBack()
 // Wider than any array can be; only a file's length keeps others from trying.
 void TestReading::refusesGiganticGroups()
 {
-    const int writing = ms_open_write((QDir::tempPath() + "/gigantic.cdf").toLatin1().constData(), 0, 1,
-                                      0, 76, 76, 76, 1, 0);
+    const int writing =
+        ms_open_write((QDir::tempPath() + "/gigantic.cdf").toLatin1().constData(), 0, 1, 0, 76, 76, 76, 1, 0);
     ms_file_record(writing)->dimensions[MsDim_group_number].size = 1;
     ms_file_record(writing)->dimensions[MsDim_group_max_masses].size = 1 << 29;
     MsGroupRecord group;

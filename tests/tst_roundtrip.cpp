@@ -15,11 +15,10 @@ namespace {
 class File
 {
 public:
-    int write(qint32 type, qint32 scans, qint32 instruments, qint32 mass, qint32 time, qint32 intensity,
-              bool hasMass, bool hasTime)
+    int write(qint32 type, qint32 scans, qint32 instruments, qint32 mass, qint32 time, qint32 intensity, bool hasMass,
+              bool hasTime)
     {
-        id = ms_open_write(path().constData(), type, scans, instruments, mass, time, intensity, hasMass,
-                           hasTime);
+        id = ms_open_write(path().constData(), type, scans, instruments, mass, time, intensity, hasMass, hasTime);
         return id;
     }
     int readBack()
@@ -100,11 +99,7 @@ template <class Row> QByteArray shown(const MsTable<Row> &table, const void *rec
         if (row.nc_type == NC_CHAR)
             result += *reinterpret_cast<char *const *>(field);
         else
-            result += QByteArray(field,
-                                 row.nc_type == NC_DOUBLE      ? 8
-                                     : row.nc_type == NC_SHORT ? 2
-                                                               : 4)
-                          .toHex();
+            result += QByteArray(field, row.nc_type == NC_DOUBLE ? 8 : row.nc_type == NC_SHORT ? 2 : 4).toHex();
         result += '\n';
     }
     return result;
@@ -138,8 +133,7 @@ void TestRoundTrip::keepsScans_data()
     for (int axis = 74; axis <= 77; ++axis) {
         for (int intensity = 74; intensity <= 77; ++intensity) {
             const int axes = 1 + (axis + intensity) % 3;
-            QTest::addRow("%d %d axes %d", axis, intensity, axes)
-                << axis << intensity << axes << axis % 2 * 2;
+            QTest::addRow("%d %d axes %d", axis, intensity, axes) << axis << intensity << axes << axis % 2 * 2;
         }
     }
 }
@@ -277,8 +271,7 @@ void TestRoundTrip::keepsFlagsOfAWriterWithoutMasses()
             continue;
         QVERIFY(file.readBack() != -1);
         short times[3];
-        QCOMPARE(nc_get_var_short(file.id, ms_file_record(file.id)->variables[MsVar_time_values], times),
-                 NC_NOERR);
+        QCOMPARE(nc_get_var_short(file.id, ms_file_record(file.id)->variables[MsVar_time_values], times), NC_NOERR);
         QCOMPARE(int(times[2]), 4464);
     }
 }
@@ -300,8 +293,7 @@ void TestRoundTrip::keepsGlobalRecords()
     File file;
     QVERIFY(file.write(0, 1, 0, 76, 76, 76, true, true) != -1);
     QCOMPARE(ms_write_global(file.id, &admin, &sample, &test, &raw), 0);
-    QVERIFY(!admin.dataset_completeness && !admin.ms_template_revision && !admin.netcdf_revision
-            && !admin.languages);
+    QVERIFY(!admin.dataset_completeness && !admin.ms_template_revision && !admin.netcdf_revision && !admin.languages);
     QVERIFY(file.readBack() != -1);
     MsAdminRecord readAdmin;
     MsSampleRecord readSample;
@@ -329,9 +321,8 @@ void TestRoundTrip::keepsGlobalRecords()
                 QVERIFY2(std::memcmp(one, other, row.nc_type == NC_DOUBLE ? 8 : 4) == 0, row.name);
         }
     };
-    for (char *&text :
-         {std::ref(readAdmin.dataset_completeness), std::ref(readAdmin.ms_template_revision),
-          std::ref(readAdmin.netcdf_revision), std::ref(readAdmin.languages)}) {
+    for (char *&text : {std::ref(readAdmin.dataset_completeness), std::ref(readAdmin.ms_template_revision),
+                        std::ref(readAdmin.netcdf_revision), std::ref(readAdmin.languages)}) {
         ms_free(text);
         text = nullptr;
     }
@@ -445,8 +436,7 @@ void TestRoundTrip::keepsInstruments()
             const bool readable = i < 0 ? count == 1 : i < count;
             QCOMPARE(ms_read_instrument(file.id, &read), readable ? 0 : -1);
             if (readable)
-                QCOMPARE(shown(ms_instrument_table, &read),
-                         shown(ms_instrument_table, &written[qMax(i, 0)]));
+                QCOMPARE(shown(ms_instrument_table, &read), shown(ms_instrument_table, &written[qMax(i, 0)]));
             ms_init_instrument(1, &read);
         }
     }
@@ -483,10 +473,8 @@ void TestRoundTrip::keepsGroups()
     QCOMPARE(ms_read_group(file.id, &read), 0);
     QCOMPARE(read.group_mass_count, 2);
     QCOMPARE(read.group_starting_scan, 17);
-    QCOMPARE(QVector<double>(read.group_masses, read.group_masses + 3),
-             QVector<double>({50.25, 60.5, -9999.0}));
-    QCOMPARE(QVector<double>(read.group_delay_times, read.group_delay_times + 3),
-             QVector<double>({0.1, 0.2, -9999.0}));
+    QCOMPARE(QVector<double>(read.group_masses, read.group_masses + 3), QVector<double>({50.25, 60.5, -9999.0}));
+    QCOMPARE(QVector<double>(read.group_delay_times, read.group_delay_times + 3), QVector<double>({0.1, 0.2, -9999.0}));
     ms_init_group(1, &read);
     QCOMPARE(read.group_number, -9999);
 }

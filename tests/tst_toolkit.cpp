@@ -85,10 +85,7 @@ struct Vector {
     }
     double at(int format, int i) const
     {
-        return format == 74 ? shorts[i]
-            : format == 75  ? longs[i]
-            : format == 76  ? double(floats[i])
-                            : doubles[i];
+        return format == 74 ? shorts[i] : format == 75 ? longs[i] : format == 76 ? double(floats[i]) : doubles[i];
     }
 };
 
@@ -190,18 +187,16 @@ void TestToolkit::turnsStamps_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QVector<int>>("numbers");
     QTest::addColumn<bool>("bothWays");
-    QTest::newRow("west") << QByteArray("20220426135442-0500")
-                          << QVector<int>{2022, 4, 26, 13, 54, 42, -500} << true;
-    QTest::newRow("half an hour") << QByteArray("19991231235959-0130")
-                                  << QVector<int>{1999, 12, 31, 23, 59, 59, -130} << true;
-    QTest::newRow("zone 0") << QByteArray("00010203040506+0000") << QVector<int>{1, 2, 3, 4, 5, 6, 0}
-                            << true;
+    QTest::newRow("west") << QByteArray("20220426135442-0500") << QVector<int>{2022, 4, 26, 13, 54, 42, -500} << true;
+    QTest::newRow("half an hour") << QByteArray("19991231235959-0130") << QVector<int>{1999, 12, 31, 23, 59, 59, -130}
+                                  << true;
+    QTest::newRow("zone 0") << QByteArray("00010203040506+0000") << QVector<int>{1, 2, 3, 4, 5, 6, 0} << true;
     QTest::newRow("more behind") << QByteArray("20220426135442+0100 and more")
                                  << QVector<int>{2022, 4, 26, 13, 54, 42, 100} << false;
-    QTest::newRow("blank sign") << QByteArray("20220426135442 0100")
-                                << QVector<int>{2022, 4, 26, 13, 54, 42, 100} << false;
-    QTest::newRow("no digits") << QByteArray("2022042613541a+0100")
-                               << QVector<int>{2022, 4, 26, 13, 54, 59, 100} << false;
+    QTest::newRow("blank sign") << QByteArray("20220426135442 0100") << QVector<int>{2022, 4, 26, 13, 54, 42, 100}
+                                << false;
+    QTest::newRow("no digits") << QByteArray("2022042613541a+0100") << QVector<int>{2022, 4, 26, 13, 54, 59, 100}
+                               << false;
 }
 
 void TestToolkit::turnsStamps()
@@ -211,8 +206,7 @@ void TestToolkit::turnsStamps()
     QFETCH(bool, bothWays);
     MsTimestamp stamp = {text.data(), 0, 0, 0, 0, 0, 0, 0};
     QCOMPARE(ms_timestamp(0, &stamp), 0);
-    QCOMPARE((QVector<int>{stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second,
-                           stamp.zone}),
+    QCOMPARE((QVector<int>{stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second, stamp.zone}),
              numbers);
     if (!bothWays)
         return;

@@ -99,8 +99,7 @@ void TestWrittenFiles::witness()
 
     const QString kind = QString::fromLatin1(QTest::currentDataTag());
     const QString file = path(kind + QStringLiteral(".cdf"));
-    const Run made =
-        run(sample_tool, QStringList{kind} + arguments.split(QLatin1Char(' ')) + QStringList{file});
+    const Run made = run(sample_tool, QStringList{kind} + arguments.split(QLatin1Char(' ')) + QStringList{file});
     QCOMPARE(made.err, QString());
     QCOMPARE(made.code, 0);
 
@@ -141,8 +140,7 @@ void TestWrittenFiles::sizeLimit()
     QFETCH(bool, fits);
 
     const QString file = path(QStringLiteral("limited.cdf"));
-    const Run made =
-        run(QStringLiteral("sh"), {"-c", "ulimit -f $0; exec \"$@\"", limit, sample_tool, "gcms", file});
+    const Run made = run(QStringLiteral("sh"), {"-c", "ulimit -f $0; exec \"$@\"", limit, sample_tool, "gcms", file});
     QCOMPARE(made.code, fits ? 0 : 1);
     QCOMPARE(made.err.contains(file), !fits);
     QCOMPARE(QFile::exists(file), fits);
@@ -165,8 +163,7 @@ void TestWrittenFiles::wrongUsage()
     QFETCH(QString, arguments);
 
     const QString file = path(QStringLiteral("never.cdf"));
-    const Run made =
-        run(sample_tool, arguments.replace(QStringLiteral("FILE"), file).split(QLatin1Char(' ')));
+    const Run made = run(sample_tool, arguments.replace(QStringLiteral("FILE"), file).split(QLatin1Char(' ')));
     QCOMPARE(made.code, 2);
     QVERIFY(!made.err.isEmpty());
     QVERIFY(!QFile::exists(file));
