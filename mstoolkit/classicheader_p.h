@@ -1,6 +1,6 @@
 // Private to the toolkit: a look at the header of a file of the classic kinds (CDF-1, CDF-2, CDF-5)
 // before the netCDF library gets it. The library trusts the header's counts, and reads zeros where a file
-// ends before its header says. The grammar is that of "The NetCDF Classic Format Specification".
+// ends before its header says. The grammar is that of the classic format in the library's documentation.
 #ifndef CLASSICHEADER_P_H
 #define CLASSICHEADER_P_H
 
