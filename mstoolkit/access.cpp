@@ -26,6 +26,14 @@ int read_number_row(const MsFileRecord &file, const MsVariableRow &row, qint32 i
 
 } // namespace
 
+const MsFileRecord *ms_file_to_read(int ncid)
+{
+    MsFileState *state = ms_file_state(ncid);
+    if (state)
+        ms_look_at_length(state);
+    return state;
+}
+
 MsPresence ms_check_variable(const MsFileRecord &file, const MsVariableRow &row)
 {
     MsShape shape;

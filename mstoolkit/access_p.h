@@ -92,6 +92,9 @@ int ms_write_row(const MsFileRecord &file, const MsVariableRow &row, qint32 inde
 // Clears the field of such a row; a text is freed first where `release` isn't 0.
 void ms_clear_row(char release, const MsVariableRow &row, void *record);
 
+// The record of a file that is about to be read, after a look at its length; null for an unknown id.
+const MsFileRecord *ms_file_to_read(int ncid);
+
 // The netCDF id of a row's variable.
 inline int ms_variable(const MsFileRecord &file, const MsVariableRow &row)
 {

@@ -2,6 +2,7 @@
 
 #include "access_p.h"
 #include "filestate_p.h"
+#include "missingdata_p.h"
 
 #include "messageloggerinterface.h"
 
@@ -27,14 +28,12 @@ void report_damage(const char *path)
         nullptr);
 }
 
-// Says what is missing, and sees to it that it isn't read as zeros.
-void report_missing_data(int ncid, const char *path, const MsClassicLayout &layout)
+void report_missing_data(const char *path, const MsFileState &state)
 {
-    ms_file_state(ncid)->cut_off = std::make_unique<MsClassicLayout>(layout);
     MessageLoggerInterface::Warning(
         QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
-            .arg(shown_name(path), QString::number(ms_missing_bytes(ncid)),
-                 QString::number(layout.needed)),
+            .arg(shown_name(path), QString::number(ms_lacking(state)),
+                 QString::number(state.layout->needed)),
         nullptr);
 }
 
@@ -54,7 +53,7 @@ MsFileState *begin(int ncid)
     ms_register_file(ncid);
     MsFileState *state = ms_file_state(ncid);
     state->most_bytes = std::numeric_limits<quint64>::max();
-    state->cut_off.reset();
+    state->layout.reset();
     state->columns.reset();
     return state;
 }
@@ -84,7 +83,7 @@ MsFileRecord *ms_file_record(int ncid)
 quint64 ms_missing_bytes(int ncid)
 {
     const MsFileState *file = ms_file_state(ncid);
-    return file && file->cut_off ? file->cut_off->needed - file->cut_off->length : 0;
+    return file ? ms_lacking(*file) : 0;
 }
 
 int ms_register_file(int ncid)
@@ -125,7 +124,8 @@ int ms_open_read(const char *path)
         return -1;
 
     MsClassicLayout layout;
-    if (ms_inspect_header(path, &layout) == MsHeader::Damaged) {
+    const MsHeader header = ms_inspect_header(path, &layout);
+    if (header == MsHeader::Damaged) {
         report_damage(path);
         return -1;
     }
@@ -137,8 +137,12 @@ int ms_open_read(const char *path)
     MsFileState *state = begin(ncid);
     state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
     state->most_bytes = most_bytes(layout.length);
-    if (layout.length < layout.needed)
-        report_missing_data(ncid, path, layout);
+    if (header == MsHeader::Sound) {
+        state->layout = std::make_unique<MsClassicLayout>(std::move(layout));
+        state->handle.open(path, std::ios::binary);
+        if (ms_lacking(*state) > 0)
+            report_missing_data(path, *state);
+    }
     if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)
         return give_up(ncid);
     return ncid;

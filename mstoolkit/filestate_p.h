@@ -5,6 +5,7 @@
 #include "classicheader_p.h"
 #include "mstoolkit.h"
 
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -37,8 +38,10 @@ struct MsFileState : MsFileRecord {
     // No variable can hold more bytes than this. A file of the newer kinds may claim any number of
     // elements that were never written; memory isn't made for those.
     quint64 most_bytes = std::numeric_limits<quint64>::max();
-    // Of a classic file that is shorter than its header says.
-    std::unique_ptr<MsClassicLayout> cut_off;
+    // Of a classic file that is only read: where its data lie, and a handle that tells how long it is
+    // now.
+    std::unique_ptr<MsClassicLayout> layout;
+    std::ifstream handle;
     // By MsVariableSlot; null for a file that is written.
     std::unique_ptr<MsColumn[]> columns;
 };

@@ -104,7 +104,7 @@ void ms_init_group(char release, MsGroupRecord *group)
 
 int ms_read_group(int ncid, MsGroupRecord *group)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    const MsFileRecord *file = ms_file_to_read(ncid);
     if (!file || !group || !is_group(*file, *group))
         return -1;
 

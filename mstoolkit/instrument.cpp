@@ -24,7 +24,7 @@ void ms_init_instrument(char release, MsInstrumentRecord *instrument)
 
 int ms_read_instrument(int ncid, MsInstrumentRecord *instrument)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    const MsFileRecord *file = ms_file_to_read(ncid);
     if (!instrument || !file)
         return -1;
 

@@ -14,12 +14,29 @@ quint64 bytes_left(const MsClassicLayout &layout, const MsVariableExtent &extent
 
 } // namespace
 
+void ms_look_at_length(MsFileState *state)
+{
+    if (!state->layout)
+        return;
+    state->handle.clear();
+    if (!state->handle.seekg(0, std::ios::end))
+        return;
+    const quint64 length = quint64(state->handle.tellg());
+    state->layout->length = std::min(state->layout->length, length);
+}
+
+quint64 ms_lacking(const MsFileState &state)
+{
+    const MsClassicLayout *layout = state.layout.get();
+    return layout ? layout->needed - std::min(layout->needed, layout->length) : 0;
+}
+
 bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
                   const std::size_t *count)
 {
-    if (!state || !state->cut_off)
+    if (!state || ms_lacking(*state) == 0)
         return true;
-    const MsClassicLayout *layout = state->cut_off.get();
+    const MsClassicLayout *layout = state->layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
         return false;
 
@@ -32,9 +49,9 @@ bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size
 
 std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count)
 {
-    const MsClassicLayout *layout = state.cut_off.get();
-    if (!layout)
+    if (ms_lacking(state) == 0)
         return count;
+    const MsClassicLayout *layout = state.layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
         return 0;
 

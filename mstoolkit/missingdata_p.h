@@ -5,6 +5,13 @@
 
 #include "filestate_p.h"
 
+// Takes note of a file that was cut since it was opened. The readers call it first, once each: it costs
+// two calls of the system.
+void ms_look_at_length(MsFileState *state);
+
+// Bytes that the file lacks at its end.
+quint64 ms_lacking(const MsFileState &state);
+
 // Whether the file reaches to the last element of a request, given like those of netCDF, with `rank`
 // (1 or 2) elements in each vector and nothing in it empty. `state` may be null: an unknown file counts
 // as whole.

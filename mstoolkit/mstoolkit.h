@@ -221,8 +221,8 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
 // the disk calls nc_sync and looks at its status first.
 int ms_close(int ncid);
 
-// Bytes that a file of the classic kinds, opened by ms_open_read, lacks at its end by its own header. What
-// lies there can't be read. 0 for a whole file, another kind of file, and an unknown id.
+// Bytes that a file of the classic kinds, opened by ms_open_read, lacks at its end by its own header.
+// What lies there can't be read. 0 for a whole file, another kind of file, and an unknown id.
 quint64 ms_missing_bytes(int ncid);
 
 // The record of an open file, or null for an unknown id. It lives until ms_close; hold the pointer no

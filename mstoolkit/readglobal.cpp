@@ -247,7 +247,7 @@ void ms_store_variant(void *record, std::size_t field, const QVariant &value, qi
 int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                    MsRawGlobalRecord *raw)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    const MsFileRecord *file = ms_file_to_read(ncid);
     if (!admin || !sample || !test || !raw || !file)
         return -1;
 

@@ -138,7 +138,7 @@ MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count
 
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    const MsFileRecord *file = ms_file_to_read(ncid);
     if (!file)
         return -1;
 
@@ -173,7 +173,7 @@ int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, d
 {
     if (scan_count < 1)
         return -1;
-    const MsFileRecord *file = ms_file_record(ncid);
+    const MsFileRecord *file = ms_file_to_read(ncid);
     if (!file)
         return -1;
     if (file->variables[MsVar_total_intensity] == -1)

@@ -41,6 +41,7 @@ private slots:
     void cleanupTestCase();
     void readsWhatIsLeft_data();
     void readsWhatIsLeft();
+    void noticesACutWhileOpen();
     void refusesCutHeaders();
     void survivesWrongWords_data();
     void survivesWrongWords();
@@ -151,6 +152,22 @@ void TestDamaged::readsWhatIsLeft()
     QCOMPARE(ms_read_mass_census(id, census, &decimals, 1.0), masses == 0 ? -1 : 0);
     QVERIFY(!census.contains(0));
     QCOMPARE(census.size(), masses);
+    ms_close(id);
+}
+
+void TestDamaged::noticesACutWhileOpen()
+{
+    const int id = open(unlimited);
+    QVERIFY(id >= 0);
+    for (int left = scanCount; left >= 0; --left) {
+        const qint64 missing = (scanCount - left) * pointCount * 8;
+        QVERIFY(QFile::resize(folder.filePath(QStringLiteral("damaged.cdf")), unlimited.size() - missing));
+        for (int number = 0; number < scanCount; ++number) {
+            Scan scan(number);
+            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < left ? 0 : -1);
+        }
+    }
+    QVERIFY(ms_missing_bytes(id) > 0);
     ms_close(id);
 }
 

@@ -209,10 +209,11 @@ void TestImportAiaMs::leavesNothingOpen()
 
 void TestImportAiaMs::closesAllOfManyFiles()
 {
+    QVERIFY(parameters(prototype())->reopenForFile(fixture("two-scans")));
     const int before = openFiles();
     for (int i = 0; i < 10000; ++i)
         QVERIFY(parameters(prototype())->reopenForFile(fixture(i % 2 ? "two-scans" : "text-attributes")));
-    QCOMPARE(openFiles(), before + 1);
+    QCOMPARE(openFiles(), before);
     delete prototype()->clone();
 }
 
