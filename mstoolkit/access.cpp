@@ -80,8 +80,10 @@ MsBlock<void> ms_read_vector(const MsFileRecord &file, int slot, qint32 type, qi
     MsBlock<void> vector(ms_alloc_array(quint32(count), type));
     if (!vector)
         return nullptr;
-    const int status = ms_fetch_stretch(file.ncid, varid, from, size, type, vector.get());
-    return status == NC_NOERR ? std::move(vector) : nullptr;
+    if (ms_fetch_stretch(file.ncid, varid, from, size, type, vector.get()) != NC_NOERR
+        || ms_lies_beyond(file, slot, from, size, type, vector.get()))
+        return nullptr;
+    return vector;
 }
 
 MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted)

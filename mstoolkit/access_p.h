@@ -50,6 +50,11 @@ bool ms_is_number(nc_type type);
 int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, qint32 type,
                      void *target);
 
+// Whether elements that were just read lie beyond the end of a file that was cut since it was opened. The
+// library makes them zeros, so it takes a zero at their end to ask.
+bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count, qint32 type,
+                    const void *elements);
+
 // Bytes of an element of NC_SHORT to NC_DOUBLE; 0 for other types.
 quint32 ms_type_width(qint32 type);
 

@@ -52,7 +52,8 @@ bool read_ahead(const MsFileRecord &file, int slot, std::size_t index, qint32 ty
     column->numbers.resize(count * ms_type_width(type));
     const int varid = file.variables[slot];
     if (!ms_is_stored(&ms_state_of(file), varid, 1, &first, &count)
-        || ms_fetch_stretch(file.ncid, varid, first, count, type, column->numbers.data()) != NC_NOERR) {
+        || ms_fetch_stretch(file.ncid, varid, first, count, type, column->numbers.data()) != NC_NOERR
+        || ms_lies_beyond(file, slot, first, count, type, column->numbers.data())) {
         column->refuses_stretches = true;
         return false;
     }
@@ -83,6 +84,18 @@ int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, 
     default:
         return NC_EBADTYPE;
     }
+}
+
+bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count, qint32 type,
+                    const void *elements)
+{
+    const std::size_t width = ms_type_width(type);
+    const auto *last = static_cast<const unsigned char *>(elements) + (count - 1) * width;
+    if (std::any_of(last, last + width, [](unsigned char byte) { return byte != 0; }))
+        return false;
+    MsFileState *state = ms_file_state(file.ncid);
+    ms_look_at_length(state);
+    return !ms_is_stored(state, file.variables[slot], 1, &start, &count);
 }
 
 bool ms_ask_shape(int ncid, int varid, MsShape *shape)

@@ -107,7 +107,7 @@ int ms_read_scan_header(int ncid, MsScanRecord *scan)
 
 int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library)
 {
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    const MsFileRecord *file = ms_file_record(ncid);
     if (!file)
         return -1;
     if (scan && read_scan(*file, scan) == -1)

@@ -112,6 +112,9 @@ void TestPlatform::rounds_data()
     QTest::newRow("half below") << -2.5 << -3;
     QTest::newRow("just under a half") << 0.49999999999999994 << 0;
     QTest::newRow("just over minus a half") << -0.49999999999999994 << 0;
+    QTest::newRow("just under two and a half") << 2.4999999999999996 << 2;
+    QTest::newRow("large half") << 1073741824.5 << 1073741825;
+    QTest::newRow("just under a large half") << 1073741824.4999998 << 1073741824;
     QTest::newRow("NaN") << std::nan("") << 0;
     QTest::newRow("top") << 2147483646.6 << top;
     QTest::newRow("one below the top") << 2147483646.4 << top - 1;

@@ -25,11 +25,6 @@ public:
     void progressChanged(int, int) override { }
 };
 
-bool isFirstAt(float mass, const float *table, int index)
-{
-    return table[index] == mass && (index == 0 || table[index - 1] != mass);
-}
-
 } // namespace
 
 DVImportAnalysisInterface::DVImportAnalysisInterface() = default;
@@ -128,31 +123,20 @@ void DVImportAnalysisInterface::copyInterface(PluginInterface *source)
     receiver = analysis->receiver;
 }
 
-// A run asks for the same few thousand masses millions of times, and a binary search mispredicts at each
-// step. So the position last found for a mass in the same hundredth is tried first: neighbours of a table
-// have places of their own then, up to a mass of 1,310. It is believed only after a look at the table
-// itself, so that it can't be wrong, whatever table the caller hands in.
-unsigned short DVImportAnalysisInterface::findTablePosition(float mass, float *table, int size,
-                                                            bool *found)
+unsigned short DVImportAnalysisInterface::searchTable(float mass, const float *table, int size,
+                                                      bool *found)
 {
-    quint16 *remembered = nullptr;
-    if (mass >= 0.0f && mass < rememberedRange) {
-        if (rememberedPositions.empty()) // the host makes many objects that never import
-            rememberedPositions.resize(rememberedCount, 0);
-        remembered = &rememberedPositions[quint32(mass * 100.0f + 0.5f) % rememberedCount];
-        if (*remembered < size && isFirstAt(mass, table, *remembered)) {
-            *found = true;
-            return *remembered;
-        }
-    }
-
     const float *end = table + std::max(size, 0);
-    const float *place = std::lower_bound(static_cast<const float *>(table), end, mass);
-    *found = place != end && *place == mass && place - table <= std::numeric_limits<quint16>::max();
+    const float *place = std::lower_bound(table, end, mass);
+    *found =
+        place != end && *place == mass && place - table <= std::numeric_limits<unsigned short>::max();
     if (!*found)
         return 0;
-    const auto position = static_cast<quint16>(place - table);
-    if (remembered)
-        *remembered = position;
+
+    const auto position = static_cast<unsigned short>(place - table);
+    if (!remembered)
+        remembered = std::make_unique<unsigned short[]>(rememberedCount);
+    if (mass >= 0.0f && mass < rememberedRange)
+        remembered[placeOf(mass)] = position;
     return position;
 }
