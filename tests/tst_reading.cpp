@@ -46,6 +46,7 @@ private slots:
     void readsGlobalRecords_data();
     void readsGlobalRecords();
     void warnsOfMandatoryAttributes();
+    void opensFixturesInSilence();
     void findsDashedNamesAndOthersAfterwards();
     void knowsWhatAFileHas_data();
     void knowsWhatAFileHas();
@@ -211,6 +212,16 @@ void TestReading::warnsOfMandatoryAttributes()
     QCOMPARE(Globals(id).status, 0);
     QCOMPARE(messages.filter(QStringLiteral("W Data type mismatch for attribute ")).size(), 12);
     QCOMPARE(messages.at(3), QStringLiteral("W Data type mismatch for attribute dataset_owner"));
+}
+
+// Whole files aren't called damaged or cut off.
+void TestReading::opensFixturesInSilence()
+{
+    const QStringList files = QDir(QStringLiteral(AIA_FIXTURES)).entryList({QStringLiteral("*.cdf")});
+    QVERIFY(files.size() > 60);
+    for (const QString &file : files)
+        open(file.section(QLatin1Char('.'), 0, 0));
+    QCOMPARE(messages, QStringList());
 }
 
 void TestReading::findsDashedNamesAndOthersAfterwards()

@@ -49,6 +49,7 @@ void TestToolkit::transcodes_data()
     QTest::newRow("beyond, in a short") << 76 << 74 << 0 << big << 0.0;
     QTest::newRow("NaN") << 77 << 75 << 1 << std::nan("") << low;
     QTest::newRow("rounded out of range") << 77 << 75 << 1 << 2147483647.5 << low;
+    QTest::newRow("one beyond") << 77 << 75 << 0 << 2147483648.0 << low;
     QTest::newRow("last in range") << 77 << 75 << 0 << 2147483647.9 << 2147483647.0;
     QTest::newRow("nearest float") << 75 << 76 << 0 << 16777217.0 << 16777216.0;
     QTest::newRow("sign of a short") << 74 << 75 << 0 << -7.0 << -7.0;
@@ -270,7 +271,11 @@ void TestToolkit::closesWhatNeverWasOpen()
     const QByteArray path = folder.filePath(QStringLiteral("x.cdf")).toLatin1();
     QCOMPARE(ms_open_write(path.constData(), 0, 0, 0, 76, 76, 76, 1, 0), -1); // no scans
     QCOMPARE(ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 0, 0), -1); // no axis
-    const int id = ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 1, 0);
+    int id = -1;
+    QCOMPARE(nc_create(path.constData(), NC_CLOBBER, &id), NC_NOERR); // the id of the two that failed
+    QVERIFY(!ms_file_record(id));
+    nc_close(id);
+    id = ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 1, 0);
     QVERIFY(id != -1);
     QCOMPARE(ms_file_record(id)->variables[MsVar_time_values], -1);
     QCOMPARE(ms_define_variables(id, 0, 76, 76, 76, 1, 0), -1); // not in define mode any more
