@@ -20,33 +20,36 @@ class Census
 {
 public:
     Census(QSet<qint32> *keys, qint32 *decimalCount)
-        : masses(keys), decimals(decimalCount), marks(marked_keys, 0)
+        : masses(keys), decimals(decimalCount), marks(marked_keys, 0),
+          is_full(keys->size() >= most_masses)
     {
         scale_to_decimals();
     }
 
-    // False when the last decimal is gone.
-    bool take(double mass)
+    template <class Stored> void take(const Stored *stored, qint32 count, double scale)
     {
-        // Before the mass's own key, and one decimal a mass, however full the set stays.
-        if (masses->size() >= most_masses && !lose_a_decimal())
-            return false;
-        insert(TMath::round(mass * power));
-        return true;
+        for (qint32 i = 0; i < count; ++i) {
+            const double mass = double(stored[i]) * scale;
+            // Before the mass's own key, and one decimal a mass, however full the set stays.
+            if (is_full && !lose_a_decimal())
+                return;
+            const qint32 key = TMath::round(mass * power);
+            if (!is_marked(key))
+                insert(key);
+        }
     }
 
 private:
     static constexpr std::size_t marked_keys = 1 << 18; // two decimals up to a mass of 2,621
 
+    bool is_marked(qint32 key) const { return quint32(key) < marked_keys && marks[std::size_t(key)]; }
+
     void insert(qint32 key)
     {
-        if (quint32(key) < marked_keys) {
-            char &mark = marks[std::size_t(key)];
-            if (mark)
-                return;
-            mark = 1;
-        }
+        if (quint32(key) < marked_keys)
+            marks[std::size_t(key)] = 1;
         masses->insert(key);
+        is_full = masses->size() >= most_masses;
     }
 
     void scale_to_decimals() { power = std::pow(10.0, *decimals); }
@@ -60,6 +63,7 @@ private:
         scale_to_decimals();
         const QSet<qint32> keys = *masses;
         masses->clear();
+        is_full = false;
         std::fill(marks.begin(), marks.end(), 0);
         for (const qint32 key : keys)
             insert(key / 10);
@@ -69,19 +73,9 @@ private:
     QSet<qint32> *masses;
     qint32 *decimals;
     std::vector<char> marks;
+    bool is_full;
     double power = 1.0;
 };
-
-template <class Stored>
-void take_census(const void *vector, qint32 count, double scale, QSet<qint32> *masses, qint32 *decimals)
-{
-    const auto *stored = static_cast<const Stored *>(vector);
-    Census census(masses, decimals);
-    for (qint32 i = 0; i < count; ++i) {
-        if (!census.take(double(stored[i]) * scale))
-            return;
-    }
-}
 
 // What a file that is cut off still has of a variable over the whole run.
 qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
@@ -152,18 +146,19 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     const MsBlock<void> vector = ms_read_whole(*file, MsVar_mass_values, type, count, stored);
     if (!vector)
         return -1;
+    Census census(&masses, decimals);
     switch (type) {
     case NC_LONG:
-        take_census<qint32>(vector.get(), stored, scale, &masses, decimals);
+        census.take(static_cast<const qint32 *>(vector.get()), stored, scale);
         break;
     case NC_FLOAT:
-        take_census<float>(vector.get(), stored, scale, &masses, decimals);
+        census.take(static_cast<const float *>(vector.get()), stored, scale);
         break;
     case NC_DOUBLE:
-        take_census<double>(vector.get(), stored, scale, &masses, decimals);
+        census.take(static_cast<const double *>(vector.get()), stored, scale);
         break;
     default:
-        take_census<qint16>(vector.get(), stored, scale, &masses, decimals);
+        census.take(static_cast<const qint16 *>(vector.get()), stored, scale);
         break;
     }
     return 0;

@@ -39,7 +39,7 @@ private:
     void importTotalIon();
     // The mass of a census key as the table has it. Table and scans get it in this one way, so that a
     // look-up hits exactly.
-    float tableMass(int key) const { return static_cast<float>(key / massFactor); }
+    static float tableMass(int key, double factor) { return static_cast<float>(key / factor); }
     // Reads a global text attribute into a buffer of `size` bytes, cut to fit. 1 on success, else 0.
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 

@@ -35,7 +35,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     const std::size_t count = std::min(keys.size(), mostMasses);
     *table = new float[count];
     for (std::size_t i = 0; i < count; ++i)
-        (*table)[i] = tableMass(keys[i]);
+        (*table)[i] = tableMass(keys[i], massFactor);
 
     header->setNbBitsAbund(28);
     header->setDetectorType(header->getModulation() > 0.0f ? 2048 : 512);

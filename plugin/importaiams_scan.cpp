@@ -67,21 +67,31 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
 
     const int count = std::max(record.point_count, 0);
     double total = 0.0;
-    const auto placeAll = [&](const auto *masses, const auto *intensities) {
+    // The stored formats: the attributes that name a format needn't agree with the data. Copies of what
+    // the loop needs spare it a look at the object for each point.
+    const MsFileRecord *file = ms_file_record(fileId);
+    const double massScale = raw.mass_scale_factor;
+    const double scale = raw.intensity_scale_factor;
+    const double offset = raw.intensity_add_offset;
+    const double factor = massFactor;
+    const auto placeAll = [=, &total](const auto *masses, const auto *intensities) {
+        // Two loops: the way from a stored mass to that of the table is a long chain of operations, and
+        // in one loop with the look-up only few points fit into the processor at once.
         for (int i = 0; i < count; ++i) {
-            const double mass = double(masses[i]) * raw.mass_scale_factor;
-            const double intensity =
-                double(intensities[i]) * raw.intensity_scale_factor + raw.intensity_add_offset;
+            const double mass = double(masses[i]) * massScale;
+            abundances[i] = tableMass(TMath::round(mass * factor), factor);
+        }
+        double sum = 0.0;
+        for (int i = 0; i < count; ++i) {
+            const double intensity = double(intensities[i]) * scale + offset;
             bool found = false;
-            const unsigned short position =
-                findTablePosition(tableMass(TMath::round(mass * massFactor)), table, tableSize, &found);
+            const unsigned short position = findTablePosition(abundances[i], table, tableSize, &found);
             abundances[i] = found ? float(intensity) : 0.0f;
             positions[i] = found ? position : 0;
-            total += intensity;
+            sum += intensity;
         }
+        total = sum;
     };
-    // The stored formats: the attributes that name a format needn't agree with the data.
-    const MsFileRecord *file = ms_file_record(fileId);
     if (count > 0) {
         withFormat(file->mass_format, record.mass_values, [&](const auto *masses) {
             withFormat(file->intensity_format, record.intensity_values,

@@ -123,6 +123,24 @@ void DVImportAnalysisInterface::copyInterface(PluginInterface *source)
     receiver = analysis->receiver;
 }
 
+void DVImportAnalysisInterface::laySlots(const float *table, int size)
+{
+    constexpr float mostSlots = 1 << 17;
+    float step = std::numeric_limits<float>::infinity();
+    for (int i = 1; i < size; ++i) {
+        if (table[i] > table[i - 1])
+            step = std::min(step, table[i] - table[i - 1]);
+    }
+    firstMass = table[0];
+    slotCount = std::min((table[size - 1] - firstMass) / step + 2.0f, mostSlots);
+    slotsPerMass = 1.0f / step;
+    if (!(slotCount >= 1.0f && slotsPerMass > 0.0f)) // a table that isn't one of masses
+        slotCount = 0.0f;
+    remembered.assign(static_cast<std::size_t>(slotCount), 0);
+    slotCount = static_cast<float>(remembered.size());
+    searches = 0;
+}
+
 unsigned short DVImportAnalysisInterface::searchTable(float mass, const float *table, int size,
                                                       bool *found)
 {
@@ -133,10 +151,11 @@ unsigned short DVImportAnalysisInterface::searchTable(float mass, const float *t
     if (!*found)
         return 0;
 
+    if (remembered.empty() || ++searches > 4 * size)
+        laySlots(table, size);
     const auto position = static_cast<unsigned short>(place - table);
-    if (!remembered)
-        remembered = std::make_unique<unsigned short[]>(rememberedCount);
-    if (mass >= 0.0f && mass < rememberedRange)
-        remembered[placeOf(mass)] = position;
+    const float slot = slotOf(mass);
+    if (slot >= 0.0f && slot < slotCount)
+        remembered[static_cast<std::size_t>(slot)] = position;
     return position;
 }

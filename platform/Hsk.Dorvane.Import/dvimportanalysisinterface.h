@@ -5,7 +5,7 @@
 
 #include "dvimportinterface.h"
 
-#include <memory>
+#include <vector>
 
 class DVHeader;
 class DVImportReceiver;
@@ -60,13 +60,14 @@ protected:
     // the first entry that equals it; on a miss sets `*found` to false and gives 0.
     //
     // A run asks for the same few thousand masses millions of times, and a binary search mispredicts at
-    // each step. So the position last found for a mass in the same hundredth is tried first: neighbours
-    // of a table have places of their own then, up to a mass of 1,310. It is believed only after a look
-    // at the table itself, so that it can't be wrong, whatever table the caller hands in.
+    // each step. So the position last found for a mass in the same narrow slot is tried first. It is
+    // believed only after a look at the table itself, so that it can't be wrong, whatever table the
+    // caller hands in.
     unsigned short findTablePosition(float mass, float *table, int size, bool *found)
     {
-        if (remembered && mass >= 0.0f && mass < rememberedRange) {
-            const unsigned short position = remembered[placeOf(mass)];
+        const float slot = slotOf(mass);
+        if (slot >= 0.0f && slot < slotCount) {
+            const unsigned short position = remembered[static_cast<int>(slot)];
             if (position < size && table[position] == mass
                 && (position == 0 || table[position - 1] != mass)) {
                 *found = true;
@@ -80,15 +81,19 @@ protected:
     float modulation = 0;
 
 private:
-    static constexpr quint32 rememberedCount = 1 << 17;
-    static constexpr float rememberedRange = 1 << 24;
-
-    static quint32 placeOf(float mass) { return quint32(mass * 100.0f + 0.5f) % rememberedCount; }
+    float slotOf(float mass) const { return (mass - firstMass) * slotsPerMass + 0.5f; }
     unsigned short searchTable(float mass, const float *table, int size, bool *found);
+    void laySlots(const float *table, int size);
     bool run(const QString &name);
 
     DVImportReceiver *receiver = nullptr;
-    std::unique_ptr<unsigned short[]> remembered; // by a mass's hundredths; made with the first search
+
+    // The slots, as wide as the narrowest step of a table: few enough to stay near the processor.
+    std::vector<unsigned short> remembered;
+    float slotCount = 0.0f;
+    float firstMass = 0.0f;
+    float slotsPerMass = 0.0f;
+    int searches = 0; // since the slots were laid: many of them mean another table
 };
 
 #endif // DVIMPORTANALYSISINTERFACE_H
