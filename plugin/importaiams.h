@@ -33,6 +33,8 @@ public:
     bool paramTypeFlag() override;
 
 private:
+    struct Placement;
+
     bool openFile(const QString &fileName);
     void releaseRecords();
     quint32 parseTimeStamp(const QString &text);
@@ -40,6 +42,9 @@ private:
     // The mass of a census key as the table has it. Table and scans get it in this one way, so that a
     // look-up hits exactly.
     static float tableMass(int key, double factor) { return static_cast<float>(key / factor); }
+    template <class Mass, class Intensity>
+    double placePoints(const Mass *masses, const Intensity *intensities, int count,
+                       const Placement &place);
     // Reads a global text attribute into a buffer of `size` bytes, cut to fit. 1 on success, else 0.
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 

@@ -46,6 +46,45 @@ template <class Use> void withFormat(qint32 format, const void *vector, Use use)
 
 } // namespace
 
+// The table to place points in, and where they go.
+struct ImportAiaMs::Placement {
+    float *table;
+    int tableSize;
+    float *abundances;
+    unsigned short *positions;
+};
+
+// Gives the sum of all intensities, those of unknown masses, too. The numbers that the loops need are
+// copied from the object once.
+template <class Mass, class Intensity>
+double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
+                                const Placement &place)
+{
+    // Two loops: the way from a stored mass to that of the table is a long chain of operations, and in
+    // one loop with the look-up only few points fit into the processor at once.
+    float *const gridMasses = place.abundances; // until the abundances take their places
+    const double massScale = raw.mass_scale_factor;
+    const double factor = massFactor;
+    for (int i = 0; i < count; ++i) {
+        const double mass = double(masses[i]) * massScale;
+        gridMasses[i] = tableMass(TMath::round(mass * factor), factor);
+    }
+
+    const double scale = raw.intensity_scale_factor;
+    const double offset = raw.intensity_add_offset;
+    double total = 0.0;
+    for (int i = 0; i < count; ++i) {
+        const double intensity = double(intensities[i]) * scale + offset;
+        bool found = false;
+        const unsigned short position =
+            findTablePosition(gridMasses[i], place.table, place.tableSize, &found);
+        place.abundances[i] = found ? float(intensity) : 0.0f;
+        place.positions[i] = found ? position : 0;
+        total += intensity;
+    }
+    return total;
+}
+
 double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
                                float *abundances, unsigned short *positions)
 {
@@ -65,40 +104,18 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
         return 0.0;
     }
 
-    const int count = std::max(record.point_count, 0);
+    *pointCount = std::max(record.point_count, 0);
     double total = 0.0;
-    // The stored formats: the attributes that name a format needn't agree with the data. Copies of what
-    // the loop needs spare it a look at the object for each point.
-    const MsFileRecord *file = ms_file_record(fileId);
-    const double massScale = raw.mass_scale_factor;
-    const double scale = raw.intensity_scale_factor;
-    const double offset = raw.intensity_add_offset;
-    const double factor = massFactor;
-    const auto placeAll = [=, &total](const auto *masses, const auto *intensities) {
-        // Two loops: the way from a stored mass to that of the table is a long chain of operations, and
-        // in one loop with the look-up only few points fit into the processor at once.
-        for (int i = 0; i < count; ++i) {
-            const double mass = double(masses[i]) * massScale;
-            abundances[i] = tableMass(TMath::round(mass * factor), factor);
-        }
-        double sum = 0.0;
-        for (int i = 0; i < count; ++i) {
-            const double intensity = double(intensities[i]) * scale + offset;
-            bool found = false;
-            const unsigned short position = findTablePosition(abundances[i], table, tableSize, &found);
-            abundances[i] = found ? float(intensity) : 0.0f;
-            positions[i] = found ? position : 0;
-            sum += intensity;
-        }
-        total = sum;
-    };
-    if (count > 0) {
+    if (*pointCount > 0) {
+        // The stored formats: the attributes that name a format needn't agree with the data.
+        const MsFileRecord *file = ms_file_record(fileId);
+        const Placement place = {table, tableSize, abundances, positions};
         withFormat(file->mass_format, record.mass_values, [&](const auto *masses) {
-            withFormat(file->intensity_format, record.intensity_values,
-                       [&](const auto *intensities) { placeAll(masses, intensities); });
+            withFormat(file->intensity_format, record.intensity_values, [&](const auto *intensities) {
+                total = placePoints(masses, intensities, *pointCount, place);
+            });
         });
     }
-    *pointCount = count;
 
     if (header->getModulation() > 0.0f)
         *time = interpolated;

@@ -8,11 +8,25 @@
 #include <QApplication>
 #include <QPluginLoader>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 
 namespace {
+
+// Without one the application object would end the process.
+bool hasDisplay()
+{
+#ifdef Q_OS_UNIX
+    const char *variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return std::any_of(std::begin(variables), std::end(variables),
+                       [](const char *name) { return !qEnvironmentVariableIsEmpty(name); });
+#else
+    return true;
+#endif
+}
 
 enum ExitStatus { AllImported = 0, NotAllImported = 1 };
 
@@ -84,6 +98,10 @@ int main(int argc, char *argv[])
             return *commandLine.exitStatus;
         if (!commandLine.options.ask)
             return runProgram(commandLine.options);
+    }
+    if (!hasDisplay()) {
+        std::fputs("aia-import: --ask needs a display to open its dialog on.\n", stderr);
+        return NotAllImported;
     }
     const QApplication application(argc, argv);
     return runProgram(commandLine.options);
