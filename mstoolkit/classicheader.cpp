@@ -246,7 +246,7 @@ bool Walk::isClassic()
     if (!file.read(magic.data(), 4) || magic[0] != 'C' || magic[1] != 'D' || magic[2] != 'F')
         return false;
     position = magic.size();
-    version = magic[3];
+    version = static_cast<unsigned char>(magic[3]);
     return version == 1 || version == 2 || version == 5;
 }
 

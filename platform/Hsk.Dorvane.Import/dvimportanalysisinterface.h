@@ -67,7 +67,7 @@ protected:
     {
         const float slot = slotOf(mass);
         if (slot >= 0.0f && slot < slotCount) {
-            const unsigned short position = remembered[static_cast<int>(slot)];
+            const unsigned short position = remembered[static_cast<std::size_t>(slot)];
             if (position < size && table[position] == mass
                 && (position == 0 || table[position - 1] != mass)) {
                 *found = true;
