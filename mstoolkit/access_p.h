@@ -97,6 +97,9 @@ int ms_write_row(const MsFileRecord &file, const MsVariableRow &row, qint32 inde
 // Clears the field of such a row; a text is freed first where `release` isn't 0.
 void ms_clear_row(char release, const MsVariableRow &row, void *record);
 
+// The same for the field of an attribute: the missing value, the default code or null.
+void ms_clear_attribute(char release, const MsAttributeRow &row, void *record);
+
 // The record of a file that is about to be read, after a look at its length; null for an unknown id.
 const MsFileRecord *ms_file_to_read(int ncid);
 

@@ -8,21 +8,25 @@ void clear(char release, const MsTable<MsAttributeRow> &table, void *record)
 {
     if (!record)
         return;
-    for (const MsAttributeRow &row : table) {
-        if (row.nc_type != NC_CHAR) {
-            ms_set_missing(row.nc_type, &ms_field<char>(record, row.field), 0);
-        } else if (row.enumerated) {
-            ms_field<qint32>(record, row.field) = row.default_code;
-        } else {
-            char *&text = ms_field<char *>(record, row.field);
-            if (release)
-                ms_free(text);
-            text = nullptr;
-        }
-    }
+    for (const MsAttributeRow &row : table)
+        ms_clear_attribute(release, row, record);
 }
 
 } // namespace
+
+void ms_clear_attribute(char release, const MsAttributeRow &row, void *record)
+{
+    if (row.nc_type != NC_CHAR) {
+        ms_set_missing(row.nc_type, &ms_field<char>(record, row.field), 0);
+    } else if (row.enumerated) {
+        ms_field<qint32>(record, row.field) = row.default_code;
+    } else {
+        char *&text = ms_field<char *>(record, row.field);
+        if (release)
+            ms_free(text);
+        text = nullptr;
+    }
+}
 
 void ms_init_global(char release, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                     MsRawGlobalRecord *raw)

@@ -94,16 +94,6 @@ QVariant fetch_number(int ncid, const Attribute &attribute)
     }
 }
 
-void store_default(const MsAttributeRow &row, void *record)
-{
-    if (row.nc_type != NC_CHAR)
-        ms_set_missing(row.nc_type, &ms_field<char>(record, row.field), 0);
-    else if (row.enumerated)
-        ms_field<qint32>(record, row.field) = row.default_code;
-    else
-        ms_field<char *>(record, row.field) = nullptr;
-}
-
 int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *record,
                    std::vector<char> *buffer)
 {
@@ -114,7 +104,7 @@ int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *re
         warn("Mandatory attribute <b>%1</b> is missing from file", attribute.name);
 
     if (!attribute.present) {
-        store_default(row, record);
+        ms_clear_attribute(0, row, record);
         return 0;
     }
     if (attribute.type < NC_BYTE || attribute.type > NC_DOUBLE)
@@ -131,7 +121,7 @@ int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *re
     }
 
     if (attribute.length == 0) { // a number without a value counts as absent
-        store_default(row, record);
+        ms_clear_attribute(0, row, record);
         return 0;
     }
     const QVariant number = fetch_number(file.ncid, attribute);
