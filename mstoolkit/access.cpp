@@ -74,24 +74,12 @@ MsBlock<void> ms_read_vector(const MsFileRecord &file, int slot, qint32 type, qi
 
     const std::size_t from = std::size_t(start);
     const std::size_t size = std::size_t(count);
-    const int varid = file.variables[slot];
-    if (!ms_is_stored(&ms_state_of(file), varid, 1, &from, &size))
+    if (!ms_is_stored(&ms_state_of(file), file.variables[slot], 1, &from, &size))
         return nullptr;
     MsBlock<void> vector(ms_alloc_array(quint32(count), type));
-    if (!vector)
-        return nullptr;
-    if (ms_fetch_stretch(file.ncid, varid, from, size, type, vector.get()) != NC_NOERR
-        || ms_lies_beyond(file, slot, from, size, type, vector.get()))
+    if (!vector || !ms_fetch_points(file, slot, from, size, type, vector.get()))
         return nullptr;
     return vector;
-}
-
-MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted)
-{
-    MsShape shape;
-    if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1 || shape.length[0] != std::size_t(count))
-        return nullptr;
-    return ms_read_vector(file, slot, type, 0, wanted);
 }
 
 int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target)

@@ -58,6 +58,11 @@ bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::
 // Bytes of an element of NC_SHORT to NC_DOUBLE; 0 for other types.
 quint32 ms_type_width(qint32 type);
 
+// Reads elements of a variable of one dimension of a file as ms_fetch_stretch does, with more ahead where
+// they are read from front to back. False if they can't be read or lie beyond the end of the file.
+bool ms_fetch_points(const MsFileRecord &file, int slot, std::size_t start, std::size_t count,
+                     qint32 type, void *target);
+
 enum class MsPresence { Absent, Present, WrongRank };
 
 // Whether a row's variable is in the file. Another type than the row's costs a warning, another rank an
@@ -81,9 +86,6 @@ int ms_read_counter(const MsFileRecord &file, int slot, qint32 index, qint32 *va
 // `type`. Elements of another type are converted if all can be held. Null on failure; nothing is
 // allocated where the file can't have that many.
 MsBlock<void> ms_read_vector(const MsFileRecord &file, int slot, qint32 type, qint64 start, qint64 count);
-
-// Reads the first `wanted` elements of a variable that has to have one dimension of exactly `count`.
-MsBlock<void> ms_read_whole(const MsFileRecord &file, int slot, qint32 type, qint32 count, qint32 wanted);
 
 // Reads the first `width` numbers of line `line` of a variable of two dimensions.
 int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, double *target);

@@ -8,8 +8,9 @@
 
 namespace {
 
-// Scans whose numbers are read at once.
-constexpr std::size_t stretch = 1024;
+// Scans whose numbers, and points that, are read at once.
+constexpr std::size_t scans_ahead = 1024;
+constexpr std::size_t points_ahead = 1 << 14;
 
 // Null for a file that is written.
 MsColumn *column_of(const MsFileRecord &file, int slot)
@@ -34,20 +35,21 @@ int fetch_one(int ncid, int varid, std::size_t index, qint32 type, void *target)
     }
 }
 
-bool covers(const MsColumn &column, std::size_t index, qint32 type)
+bool covers(const MsColumn &column, std::size_t start, std::size_t count, qint32 type)
 {
-    return column.type == type && index >= column.first && index - column.first < column.count;
+    return column.type == type && start >= column.first && count <= column.count
+        && start - column.first <= column.count - count;
 }
 
-// Reads the stretch around `index`. Where it can't be read whole, for whatever reason, each number has to
-// find out for itself.
-bool read_ahead(const MsFileRecord &file, int slot, std::size_t index, qint32 type, MsColumn *column)
+// Reads a stretch of up to `most` elements from `first` on. Where it can't be read whole, for whatever
+// reason, each request has to find out for itself.
+bool read_stretch(const MsFileRecord &file, int slot, std::size_t first, std::size_t most, qint32 type,
+                  MsColumn *column)
 {
-    if (column->refuses_stretches || column->shape.rank != 1 || index >= column->shape.length[0])
+    if (column->refuses_stretches || column->shape.rank != 1 || first >= column->shape.length[0])
         return false;
 
-    const std::size_t first = index / stretch * stretch;
-    const std::size_t count = std::min(stretch, column->shape.length[0] - first);
+    const std::size_t count = std::min(most, column->shape.length[0] - first);
     column->count = 0;
     column->numbers.resize(count * ms_type_width(type));
     const int varid = file.variables[slot];
@@ -61,6 +63,26 @@ bool read_ahead(const MsFileRecord &file, int slot, std::size_t index, qint32 ty
     column->first = first;
     column->count = count;
     return true;
+}
+
+// Whether `count` elements from `start` on are in the stretch, if need be in a new one from `first` on.
+bool read_ahead(const MsFileRecord &file, int slot, std::size_t first, std::size_t most,
+                std::size_t start, std::size_t count, qint32 type, MsColumn *column)
+{
+    return covers(*column, start, count, type)
+        || (read_stretch(file, slot, first, most, type, column) && covers(*column, start, count, type));
+}
+
+void copy_from(const MsColumn &column, std::size_t start, std::size_t count, void *target)
+{
+    const std::size_t width = ms_type_width(column.type);
+    std::memcpy(target, column.numbers.data() + (start - column.first) * width, count * width);
+}
+
+// Whether a reader that asks for `start` goes through the points from front to back.
+bool follows(const MsColumn &column, std::size_t start)
+{
+    return start >= column.next && start - column.next < points_ahead;
 }
 
 } // namespace
@@ -144,9 +166,9 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
         return index < shape.length[0] ? MsFetch::None : MsFetch::Failed;
 
     MsColumn *column = column_of(file, slot);
-    if (column && (covers(*column, index, type) || read_ahead(file, slot, index, type, column))) {
-        const std::size_t width = ms_type_width(type);
-        std::memcpy(target, column->numbers.data() + (index - column->first) * width, width);
+    const std::size_t first = index / scans_ahead * scans_ahead;
+    if (column && read_ahead(file, slot, first, scans_ahead, index, 1, type, column)) {
+        copy_from(*column, index, 1, target);
         return MsFetch::Read;
     }
 
@@ -157,4 +179,20 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
     const std::size_t one = 1;
     const bool stored = ms_is_stored(&ms_state_of(file), varid, 1, &index, &one);
     return status == NC_NOERR && stored ? MsFetch::Read : MsFetch::None;
+}
+
+bool ms_fetch_points(const MsFileRecord &file, int slot, std::size_t start, std::size_t count,
+                     qint32 type, void *target)
+{
+    if (MsColumn *column = column_of(file, slot)) {
+        const bool in_turn = follows(*column, start);
+        column->next = start + count;
+        if (in_turn && count <= points_ahead
+            && read_ahead(file, slot, start, points_ahead, start, count, type, column)) {
+            copy_from(*column, start, count, target);
+            return true;
+        }
+    }
+    return ms_fetch_stretch(file.ncid, file.variables[slot], start, count, type, target) == NC_NOERR
+        && !ms_lies_beyond(file, slot, start, count, type, target);
 }

@@ -107,7 +107,7 @@ int ms_register_file(int ncid)
     file->next_point_index = 0;
 
     files->insert(ncid, file.get());
-    file.release();
+    static_cast<void>(file.release());
     return 0;
 }
 

@@ -22,15 +22,17 @@ struct MsShape {
 // One variable of a file that is only read. Shapes can't change then, and neighbouring scans' values of
 // one variable lie side by side, while those of one scan lie a whole variable apart: asking the library
 // anew for each scan costs several times what the scan's points do. So the shape is asked for once, and
-// numbers over scan_number are read in stretches of many scans.
+// numbers over scan_number are read in stretches of many scans. So are points: the library reads a whole
+// block of the file for each request, and masses and intensities of a scan lie far apart.
 struct MsColumn {
     bool inquired = false; // whether the next two hold
     bool present = false;
     MsShape shape;
-    bool refuses_stretches = false; // one couldn't be read, so each number is read by itself
+    bool refuses_stretches = false; // one couldn't be read, so each request is read by itself
     qint32 type = NC_NAT;           // of the numbers read ahead
     std::size_t first = 0;
     std::size_t count = 0;
+    std::size_t next = 0; // of points: behind those last asked for
     std::vector<unsigned char> numbers;
 };
 

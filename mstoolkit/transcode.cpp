@@ -19,12 +19,10 @@ qint32 truncate(double value)
 
 template <class Source, class Target> Target convert(Source value, double rounding)
 {
-    if constexpr (std::is_floating_point_v<Target>)
-        return static_cast<Target>(value);
-    else if constexpr (std::is_floating_point_v<Source>)
+    if constexpr (std::is_floating_point_v<Source> && !std::is_floating_point_v<Target>)
         return static_cast<Target>(truncate(double(value) + rounding));
     else
-        return static_cast<Target>(value); // to short: the low 16 bits
+        return static_cast<Target>(value); // from long to short: the low 16 bits
 }
 
 template <class Source, class Target>

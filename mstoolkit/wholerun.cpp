@@ -13,6 +13,7 @@
 namespace {
 
 constexpr int most_masses = 65535;
+constexpr qint32 masses_at_once = 1 << 15;
 
 // The census of one run. Nearly all masses of a run are known ones, and to ask a hash for each costs more
 // than all else, so keys in the usual range are also marked in a plain array.
@@ -26,9 +27,25 @@ public:
         scale_to_decimals();
     }
 
-    template <class Stored> void take(const Stored *stored, qint32 count, double scale)
+    // Counts masses of `type`, NC_SHORT to NC_DOUBLE.
+    void take(const void *stored, qint32 type, qint32 count, double scale)
     {
-        for (qint32 i = 0; i < count; ++i) {
+        switch (type) {
+        case NC_LONG:
+            return take_all(static_cast<const qint32 *>(stored), count, scale);
+        case NC_FLOAT:
+            return take_all(static_cast<const float *>(stored), count, scale);
+        case NC_DOUBLE:
+            return take_all(static_cast<const double *>(stored), count, scale);
+        default:
+            return take_all(static_cast<const qint16 *>(stored), count, scale);
+        }
+    }
+
+private:
+    template <class Stored> void take_all(const Stored *stored, qint32 count, double scale)
+    {
+        for (qint32 i = 0; i < count && !has_stopped; ++i) {
             const double mass = double(stored[i]) * scale;
             // Before the mass's own key, and one decimal a mass, however full the set stays.
             if (is_full && !lose_a_decimal())
@@ -39,7 +56,6 @@ public:
         }
     }
 
-private:
     static constexpr std::size_t marked_keys = 1 << 18; // two decimals up to a mass of 2,621
 
     bool is_marked(qint32 key) const { return quint32(key) < marked_keys && marks[std::size_t(key)]; }
@@ -58,7 +74,8 @@ private:
     bool lose_a_decimal()
     {
         --*decimals;
-        if (*decimals == -1)
+        has_stopped = *decimals == -1;
+        if (has_stopped)
             return false;
         scale_to_decimals();
         const QSet<qint32> keys = *masses;
@@ -74,6 +91,7 @@ private:
     qint32 *decimals;
     std::vector<char> marks;
     bool is_full;
+    bool has_stopped = false;
     double power = 1.0;
 };
 
@@ -141,26 +159,26 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     if (!file->has_mass_values || count < 1)
         return 0;
 
+    MsShape shape;
+    if (!ms_inquire_shape(*file, MsVar_mass_values, &shape) || shape.length[0] != std::size_t(count))
+        return -1;
     const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
     const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
-    const MsBlock<void> vector = ms_read_whole(*file, MsVar_mass_values, type, count, stored);
-    if (!vector)
-        return -1;
-    Census census(&masses, decimals);
-    switch (type) {
-    case NC_LONG:
-        census.take(static_cast<const qint32 *>(vector.get()), stored, scale);
-        break;
-    case NC_FLOAT:
-        census.take(static_cast<const float *>(vector.get()), stored, scale);
-        break;
-    case NC_DOUBLE:
-        census.take(static_cast<const double *>(vector.get()), stored, scale);
-        break;
-    default:
-        census.take(static_cast<const qint16 *>(vector.get()), stored, scale);
-        break;
+    QSet<qint32> keys = masses;
+    qint32 key_decimals = *decimals;
+    Census census(&keys, &key_decimals);
+    // In stretches, which are still near the processor when they are counted.
+    for (qint32 start = 0; start < stored; start += masses_at_once) {
+        const qint32 size = std::min(masses_at_once, stored - start);
+        const MsBlock<void> vector = ms_read_vector(*file, MsVar_mass_values, type, start, size);
+        if (!vector)
+            return -1;
+        census.take(vector.get(), type, size, scale);
     }
+    if (stored < 1)
+        return -1;
+    masses = keys;
+    *decimals = key_decimals;
     return 0;
 }
 
