@@ -4,6 +4,7 @@
 
 #include "dvimportanalysisinterface.h"
 #include "dvimportparamtype.h"
+#include "masspositions.h"
 #include "mstoolkit.h"
 
 class ImportAiaMs : public DVImportAnalysisInterface, public DVImportParamType
@@ -52,6 +53,7 @@ private:
     double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
     double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
     double massFactor = 0.0;       // ten to the power of the table's decimals
+    MassPositions massPositions;   // of the table's masses
     double timeDivisor = 1.0;      // turns stored times into the header's unit
     double samplingInterval = 0.0; // in the header's unit
     bool applyToAll = false;       // the user's answer holds for all later files

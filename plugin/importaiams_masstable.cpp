@@ -23,6 +23,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     qint32 decimals = 2;
     ms_read_mass_census(fileId, census, &decimals, raw.mass_scale_factor);
     massFactor = std::pow(10.0, decimals);
+    massPositions.clear();
     if (census.size() < 2) {
         importTotalIon();
         return 0;
@@ -36,6 +37,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     *table = new float[count];
     for (std::size_t i = 0; i < count; ++i)
         (*table)[i] = tableMass(keys[i], massFactor);
+    massPositions.lay(keys.data(), *table, count);
 
     header->setNbBitsAbund(28);
     header->setDetectorType(header->getModulation() > 0.0f ? 2048 : 512);

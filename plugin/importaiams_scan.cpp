@@ -60,26 +60,21 @@ template <class Mass, class Intensity>
 double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
                                 const Placement &place)
 {
-    // Two loops: the way from a stored mass to that of the table is a long chain of operations, and in
-    // one loop with the look-up only few points fit into the processor at once.
-    float *const gridMasses = place.abundances; // until the abundances take their places
     const double massScale = raw.mass_scale_factor;
     const double factor = massFactor;
-    for (int i = 0; i < count; ++i) {
-        const double mass = double(masses[i]) * massScale;
-        gridMasses[i] = tableMass(TMath::round(mass * factor), factor);
-    }
-
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
     double total = 0.0;
     for (int i = 0; i < count; ++i) {
+        const double mass = double(masses[i]) * massScale;
         const double intensity = double(intensities[i]) * scale + offset;
-        bool found = false;
-        const unsigned short position =
-            findTablePosition(gridMasses[i], place.table, place.tableSize, &found);
+        const int key = TMath::round(mass * factor);
+        int position = massPositions.find(key, place.table, place.tableSize);
+        bool found = position != -1;
+        if (!found)
+            position = findTablePosition(tableMass(key, factor), place.table, place.tableSize, &found);
         place.abundances[i] = found ? float(intensity) : 0.0f;
-        place.positions[i] = found ? position : 0;
+        place.positions[i] = found ? static_cast<unsigned short>(position) : 0;
         total += intensity;
     }
     return total;

@@ -123,39 +123,12 @@ void DVImportAnalysisInterface::copyInterface(PluginInterface *source)
     receiver = analysis->receiver;
 }
 
-void DVImportAnalysisInterface::laySlots(const float *table, int size)
+unsigned short DVImportAnalysisInterface::findTablePosition(float mass, float *table, int size,
+                                                            bool *found)
 {
-    constexpr float mostSlots = 1 << 17;
-    float step = std::numeric_limits<float>::infinity();
-    for (int i = 1; i < size; ++i) {
-        if (table[i] > table[i - 1])
-            step = std::min(step, table[i] - table[i - 1]);
-    }
-    firstMass = table[0];
-    slotCount = std::min((table[size - 1] - firstMass) / step + 2.0f, mostSlots);
-    slotsPerMass = 1.0f / step;
-    if (!(slotCount >= 1.0f && slotsPerMass > 0.0f)) // a table that isn't one of masses
-        slotCount = 0.0f;
-    remembered.assign(static_cast<std::size_t>(slotCount), 0);
-    slotCount = static_cast<float>(remembered.size());
-    searches = 0;
-}
-
-unsigned short DVImportAnalysisInterface::searchTable(float mass, const float *table, int size,
-                                                      bool *found)
-{
-    const float *end = table + std::max(size, 0);
-    const float *place = std::lower_bound(table, end, mass);
+    const float *const end = table + std::max(size, 0);
+    const float *place = std::lower_bound<const float *>(table, end, mass);
     *found =
         place != end && *place == mass && place - table <= std::numeric_limits<unsigned short>::max();
-    if (!*found)
-        return 0;
-
-    if (remembered.empty() || ++searches > 4 * size)
-        laySlots(table, size);
-    const auto position = static_cast<unsigned short>(place - table);
-    const float slot = slotOf(mass);
-    if (slot >= 0.0f && slot < slotCount)
-        remembered[static_cast<std::size_t>(slot)] = position;
-    return position;
+    return *found ? static_cast<unsigned short>(place - table) : 0;
 }

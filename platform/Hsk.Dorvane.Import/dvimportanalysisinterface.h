@@ -5,8 +5,6 @@
 
 #include "dvimportinterface.h"
 
-#include <vector>
-
 class DVHeader;
 class DVImportReceiver;
 
@@ -58,42 +56,15 @@ protected:
 
     // Looks `mass` up in the ascending `table`. On a hit sets `*found` to true and gives the index of
     // the first entry that equals it; on a miss sets `*found` to false and gives 0.
-    //
-    // A run asks for the same few thousand masses millions of times, and a binary search mispredicts at
-    // each step. So the position last found for a mass in the same narrow slot is tried first. It is
-    // believed only after a look at the table itself, so that it can't be wrong, whatever table the
-    // caller hands in.
-    unsigned short findTablePosition(float mass, float *table, int size, bool *found)
-    {
-        const float slot = slotOf(mass);
-        if (slot >= 0.0f && slot < slotCount) {
-            const unsigned short position = remembered[static_cast<std::size_t>(slot)];
-            if (position < size && table[position] == mass
-                && (position == 0 || table[position - 1] != mass)) {
-                *found = true;
-                return position;
-            }
-        }
-        return searchTable(mass, table, size, found);
-    }
+    unsigned short findTablePosition(float mass, float *table, int size, bool *found);
 
     DVHeader *header = nullptr; // of the current run
     float modulation = 0;
 
 private:
-    float slotOf(float mass) const { return (mass - firstMass) * slotsPerMass + 0.5f; }
-    unsigned short searchTable(float mass, const float *table, int size, bool *found);
-    void laySlots(const float *table, int size);
     bool run(const QString &name);
 
     DVImportReceiver *receiver = nullptr;
-
-    // The slots, as wide as the narrowest step of a table: few enough to stay near the processor.
-    std::vector<unsigned short> remembered;
-    float slotCount = 0.0f;
-    float firstMass = 0.0f;
-    float slotsPerMass = 0.0f;
-    int searches = 0; // since the slots were laid: many of them mean another table
 };
 
 #endif // DVIMPORTANALYSISINTERFACE_H

@@ -2,7 +2,6 @@
 #ifndef TMATH_H
 #define TMATH_H
 
-#include <cmath>
 #include <limits>
 
 class TMath
@@ -13,13 +12,16 @@ public:
     // because it runs once for each point of a run.
     static int round(double value)
     {
-        if (!(value > -2147483648.5))
-            return value < 0.0 ? std::numeric_limits<int>::min() : 0; // NaN is neither
-        if (value >= 2147483647.5)
-            return std::numeric_limits<int>::max();
         // The largest number below a half, and the cast that cuts toward zero: exact, and without a
         // branch on the fraction, which no processor could foresee.
-        return static_cast<int>(value + std::copysign(0.49999999999999994, value));
+        constexpr double half = 0.49999999999999994;
+        if (value >= 0.0) {
+            return value < 2147483647.5 ? static_cast<int>(value + half)
+                                        : std::numeric_limits<int>::max();
+        }
+        if (value > -2147483648.5)
+            return static_cast<int>(value - half);
+        return value < 0.0 ? std::numeric_limits<int>::min() : 0; // NaN isn't
     }
 };
 

@@ -1,0 +1,39 @@
+// Where the masses of a run's table stand, by their census keys.
+//
+// A scan looks each of its points up, and a binary search mispredicts at each step, so that it costs more
+// than all else that a point needs. The key of a point says where its mass was when the table was made.
+// This is believed only after a look at the table itself, so that it can't be wrong, whatever table the
+// caller hands in.
+#ifndef MASSPOSITIONS_H
+#define MASSPOSITIONS_H
+
+#include <QtGlobal>
+
+#include <vector>
+
+class MassPositions
+{
+public:
+    // Takes note of a table of `count` masses, up to 65535, in ascending order, with the keys of its
+    // masses.
+    void lay(const qint32 *keys, const float *table, std::size_t count);
+
+    void clear();
+
+    // The position of a key's mass in a table of `size` masses. -1 if it isn't known.
+    int find(qint32 key, const float *table, int size) const
+    {
+        if (quint32(key) >= positions.size())
+            return -1;
+        const quint16 position = positions[quint32(key)];
+        return position < size && position < masses.size() && table[position] == masses[position]
+            ? position
+            : -1;
+    }
+
+private:
+    std::vector<quint16> positions; // by key
+    std::vector<float> masses;      // of the table as it was made
+};
+
+#endif // MASSPOSITIONS_H
