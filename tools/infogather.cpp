@@ -200,6 +200,7 @@ void Gatherer::addTable(InfoNode *section, const char *name, const std::vector<C
     const qint64 shown = listed(count, &table);
     for (qint32 i = 0; i < shown; ++i) {
         std::vector<QVariant> row;
+        row.reserve(there.size());
         for (const Column &column : there)
             row.push_back(element(column.numbers, column.format, i));
         table.rows.push_back(std::move(row));
