@@ -1,8 +1,9 @@
+#include "program.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -12,41 +13,17 @@
 
 namespace {
 
-struct Result {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
 const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
 
-Result finish(QProcess &program)
+Run run(const QStringList &arguments, const QString &folder = QString())
 {
-    Result result;
-    if (program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit)
-        result.status = program.exitCode();
-    result.out = program.readAllStandardOutput();
-    result.err = program.readAllStandardError();
-    return result;
-}
-
-Result run(const QStringList &arguments, const QString &folder = QString())
-{
-    QProcess program;
-    program.setWorkingDirectory(folder);
-    program.start(importer, arguments);
-    return finish(program);
+    return runProgram(importer, arguments, folder);
 }
 
 QByteArray content(const QString &name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QString fixture(const QByteArray &name)
-{
-    return QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(QString::fromLatin1(name));
 }
 
 // What the program itself says, without the account that the plugin gives of a run.
@@ -134,8 +111,8 @@ void TestAiaImport::refusal()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, reason);
-    const Result result = run({"--json", "-", file}, folder.path());
-    QCOMPARE(result.status, 1);
+    const Run result = run({"--json", "-", file}, folder.path());
+    QCOMPARE(result.code, 1);
     QCOMPARE(result.out, QByteArray());
     const QByteArrayList said = sentences(result.err);
     QCOMPARE(said.size(), 1);
@@ -149,8 +126,8 @@ void TestAiaImport::permission()
         QSKIP("root may read everything");
     write("locked.cdf", "x");
     QFile::setPermissions(folder.filePath("locked.cdf"), QFileDevice::WriteOwner);
-    const Result result = run({"locked.cdf"}, folder.path());
-    QCOMPARE(result.status, 1);
+    const Run result = run({"locked.cdf"}, folder.path());
+    QCOMPARE(result.code, 1);
     QVERIFY(result.err.contains("no permission"));
 }
 
@@ -174,16 +151,16 @@ void TestAiaImport::usage_data()
 void TestAiaImport::usage()
 {
     QFETCH(QStringList, options);
-    const Result result = run(options << fixture("gcgc"), folder.path());
-    QTEST(result.status, "status");
-    QCOMPARE(result.out.isEmpty(), result.status == 2);
-    QCOMPARE(run({}).status, 2);
+    const Run result = run(options << fixture("gcgc"), folder.path());
+    QTEST(result.code, "status");
+    QCOMPARE(result.out.isEmpty(), result.code == 2);
+    QCOMPARE(run({}).code, 2);
 }
 
 void TestAiaImport::json()
 {
-    const Result result = run({"--json", "-", fixture("import-odd-scans")});
-    QCOMPARE(result.status, 1); // a scan couldn't be read
+    const Run result = run({"--json", "-", fixture("import-odd-scans")});
+    QCOMPARE(result.code, 1); // a scan couldn't be read
     const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + '"';
     QVERIFY(result.out.startsWith(head));
     QCOMPARE(result.out.mid(head.size()),
@@ -201,10 +178,10 @@ void TestAiaImport::json()
 
 void TestAiaImport::summary_data()
 {
-    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("line");
     const auto row = [](const char *name, const char *line) {
-        QTest::newRow(line) << QByteArray(name) << QString::fromLatin1(line);
+        QTest::newRow(line) << name << QString::fromLatin1(line);
     };
     row("import-odd-scans", "Date: +2007-09-23T05:08:00Z");
     row("import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1");
@@ -222,36 +199,35 @@ void TestAiaImport::summary_data()
 
 void TestAiaImport::summary()
 {
-    QFETCH(QByteArray, file);
+    QFETCH(QString, file);
     QFETCH(QString, line);
-    const Result result = run({"--gcxgc", "60", fixture(file)});
+    const Run result = run({"--gcxgc", "60", fixture(file)});
     const QRegularExpression expected('^' + line + '$', QRegularExpression::MultilineOption);
     QVERIFY2(expected.match(QString::fromUtf8(result.out)).hasMatch(), result.out.constData());
 }
 
 void TestAiaImport::interruptedCopy_data()
 {
-    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("file");
     QTest::addColumn<int>("missing");
     QTest::addColumn<QByteArray>("reason");
-    QTest::newRow("whole") << QByteArray("gcms_float") << 0 << QByteArray();
-    QTest::newRow("last scan") << QByteArray("gcms_float") << 1 << QByteArray("read: 1 (counted from 0: number 4)");
-    QTest::newRow("all masses") << QByteArray("gcms_float") << 120 << QByteArray("masses could not be read");
-    QTest::newRow("no scan") << QByteArray("instruments") << 1 << QByteArray("in full; the file is cut off");
-    QTest::newRow("masses out of shape") << QByteArray("mass-values-rank-2") << 0
-                                         << QByteArray("masses could not be read");
+    QTest::newRow("whole") << "gcms_float" << 0 << QByteArray();
+    QTest::newRow("last scan") << "gcms_float" << 1 << QByteArray("read: 1 (counted from 0: number 4)");
+    QTest::newRow("all masses") << "gcms_float" << 120 << QByteArray("masses could not be read");
+    QTest::newRow("no scan") << "instruments" << 1 << QByteArray("in full; the file is cut off");
+    QTest::newRow("masses out of shape") << "mass-values-rank-2" << 0 << QByteArray("masses could not be read");
 }
 
 void TestAiaImport::interruptedCopy()
 {
-    QFETCH(QByteArray, file);
+    QFETCH(QString, file);
     QFETCH(int, missing);
     QFETCH(QByteArray, reason);
     QByteArray bytes = content(fixture(file));
     bytes.chop(missing);
     write("copy.cdf", bytes);
-    const Result result = run({"copy.cdf"}, folder.path());
-    QCOMPARE(result.status, reason.isEmpty() ? 0 : 1);
+    const Run result = run({"copy.cdf"}, folder.path());
+    QCOMPARE(result.code, reason.isEmpty() ? 0 : 1);
     QCOMPARE(sentences(result.err).join().contains("not imported in full"), !reason.isEmpty());
     QVERIFY2(result.err.contains(reason), result.err.constData());
     QCOMPARE(result.err.contains("copy.cdf\" is cut off"), missing > 0);
@@ -260,10 +236,10 @@ void TestAiaImport::interruptedCopy()
 void TestAiaImport::refusalAmongOthers()
 {
     // The length holds for each file, and a refused file leaves nothing behind for the next.
-    const Result result =
+    const Run result =
         run({"--json", "all.json", "--gcxgc", "6", fixture("gcgc"), fixture("chromatogram"), fixture("gcgc")},
             folder.path());
-    QCOMPARE(result.status, 1);
+    QCOMPARE(result.code, 1);
     const QByteArrayList lines = content(folder.filePath("all.json")).split('\n');
     QCOMPARE(lines.size(), 3);
     QCOMPARE(lines[0], lines[1]);
@@ -295,8 +271,8 @@ void TestAiaImport::interrupt()
     while (!err.contains("*** fin") && program.waitForReadyRead(10000))
         err += program.readAllStandardError();
     ::kill(pid_t(program.processId()), SIGINT);
-    const Result result = finish(program);
-    QCOMPARE(result.status, 1);
+    const Run result = finish(program);
+    QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains("of 2000000000 scans"), result.err.constData());
     QVERIFY(!result.err.contains("given up"));
     QVERIFY(result.err.contains("Files that were not looked at: 1."));
@@ -305,7 +281,7 @@ void TestAiaImport::interrupt()
 
 void TestAiaImport::messages()
 {
-    const Result result = run({"--quiet", fixture("import-odd-scans")});
+    const Run result = run({"--quiet", fixture("import-odd-scans")});
     QCOMPARE(result.out, QByteArray());
     // First and last time for the header, then each scan; not the second look at two of them.
     const QByteArray start = "\nWarning: " + fixture("import-odd-scans").toLocal8Bit() + ": ";
@@ -318,8 +294,8 @@ void TestAiaImport::fullDisk()
 {
     if (!QFile::exists(QStringLiteral("/dev/full")))
         QSKIP("this system has no full disk to offer");
-    const Result result = run({"--json", "/dev/full", fixture("gcgc")});
-    QCOMPARE(result.status, 1);
+    const Run result = run({"--json", "/dev/full", fixture("gcgc")});
+    QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains("\"/dev/full\" can't be written"), result.err.constData());
 }
 

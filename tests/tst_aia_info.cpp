@@ -1,34 +1,17 @@
 // aia-info as a person or a script meets it: output, messages and exit code.
 
+#include "program.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QtTest>
 
 namespace {
 
-struct Run {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-QString fixture(const QString &name)
-{
-    return QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(name);
-}
-
 Run run(const QStringList &arguments)
 {
-    QProcess process;
-    process.start(QStringLiteral(AIA_TOOLS "/aia-info"), arguments);
-    Run result;
-    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
-        result.code = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return runProgram(QStringLiteral(AIA_TOOLS "/aia-info"), arguments);
 }
 
 // The value at a path such as "groups/0/group_mass_count".
@@ -104,7 +87,7 @@ void TestAiaInfo::json()
     if (library_.isEmpty()) {
         const Run result = run({"--json", "--scan", "0", fixture("info-library")});
         QCOMPARE(result.code, 0);
-        library_ = QJsonDocument::fromJson(result.out.toUtf8()).object();
+        library_ = QJsonDocument::fromJson(result.out).object();
     }
     QFETCH(QString, path);
     QTEST(at(library_, path), "expected");
@@ -133,14 +116,14 @@ void TestAiaInfo::text()
     QFETCH(QString, file);
     QFETCH(QString, expected);
     const Run result = run({"--scan", "0", fixture(file)});
-    QVERIFY2(result.out.contains(expected), qPrintable(result.out));
+    QVERIFY2(QString::fromUtf8(result.out).contains(expected), result.out.constData());
 }
 
 void TestAiaInfo::messagesComeOnce()
 {
     const Run result = run({fixture("info-library")});
     QVERIFY2(result.err.contains("Data type mismatch while loading \"entry_number\" (20 times)\n"),
-             qPrintable(result.err));
+             result.err.constData());
     QCOMPARE(result.err.count("entry_number"), 1);
     QVERIFY(!result.out.contains("mismatch"));
 }
@@ -148,13 +131,13 @@ void TestAiaInfo::messagesComeOnce()
 void TestAiaInfo::listsAreCutUnlessAllIsWanted()
 {
     const QString file = fixture("info-library");
-    const QString text = run({file}).out;
+    const QByteArray text = run({file}).out;
     QVERIFY(text.contains("\n  19:\n") && !text.contains("\n  20:\n"));
     QVERIFY(text.contains("\n  ... and 2 more\n"));
-    const QJsonObject cut = QJsonDocument::fromJson(run({"--json", file}).out.toUtf8()).object();
+    const QJsonObject cut = QJsonDocument::fromJson(run({"--json", file}).out).object();
     QCOMPARE(cut.value("library").toArray().size(), 20);
     QCOMPARE(cut.value("library_omitted").toInt(), 2);
-    const QJsonObject all = QJsonDocument::fromJson(run({"--json", "--all", file}).out.toUtf8()).object();
+    const QJsonObject all = QJsonDocument::fromJson(run({"--json", "--all", file}).out).object();
     QCOMPARE(all.value("library").toArray().size(), 22);
     QVERIFY(!all.contains("library_omitted"));
 }
@@ -163,31 +146,31 @@ void TestAiaInfo::exitCode_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("said"); // in what is printed, on whichever of the two streams
+    QTest::addColumn<QByteArray>("said"); // in what is printed, on whichever of the two streams
 
     const QString good = fixture("info-library");
     const QString no_netcdf = QStringLiteral(AIA_TOOLS "/aia-info");
-    QTest::newRow("no file named") << QStringList() << 2 << "no file was named";
-    QTest::newRow("unknown option") << QStringList{"--jsn", good} << 2 << "jsn";
-    QTest::newRow("scan isn't a number") << QStringList{"--scan", "two", good} << 2 << "--scan takes";
-    QTest::newRow("negative scan") << QStringList{"--scan=-1", good} << 2 << "--scan takes";
-    QTest::newRow("help") << QStringList{"--help"} << 0 << "Usage:";
-    QTest::newRow("version") << QStringList{"--version"} << 0 << "aia-info ";
-    QTest::newRow("no such file") << QStringList{"nosuch.cdf"} << 1 << "nosuch.cdf: there is no such file";
-    QTest::newRow("folder") << QStringList{AIA_FIXTURES} << 1 << "isn't a file";
-    QTest::newRow("not netCDF") << QStringList{no_netcdf} << 1 << "isn't a netCDF file";
-    QTest::newRow("scan beyond") << QStringList{"--scan", "22", good} << 1 << "no scan 22: the file has 22";
-    QTest::newRow("other template") << QStringList{fixture("info-chromatogram")} << 0 << "lacks";
-    QTest::newRow("bad file first") << QStringList{"nosuch.cdf", good} << 1 << "Toluene";
+    QTest::newRow("no file named") << QStringList() << 2 << QByteArray("no file was named");
+    QTest::newRow("unknown option") << QStringList{"--jsn", good} << 2 << QByteArray("jsn");
+    QTest::newRow("scan isn't a number") << QStringList{"--scan", "two", good} << 2 << QByteArray("--scan takes");
+    QTest::newRow("negative scan") << QStringList{"--scan=-1", good} << 2 << QByteArray("--scan takes");
+    QTest::newRow("help") << QStringList{"--help"} << 0 << QByteArray("Usage:");
+    QTest::newRow("version") << QStringList{"--version"} << 0 << QByteArray("aia-info ");
+    QTest::newRow("no such file") << QStringList{"nosuch.cdf"} << 1 << QByteArray("nosuch.cdf: there is no such file");
+    QTest::newRow("folder") << QStringList{AIA_FIXTURES} << 1 << QByteArray("isn't a file");
+    QTest::newRow("not netCDF") << QStringList{no_netcdf} << 1 << QByteArray("isn't a netCDF file");
+    QTest::newRow("scan beyond") << QStringList{"--scan", "22", good} << 1 << QByteArray("no scan 22: the file has 22");
+    QTest::newRow("other template") << QStringList{fixture("info-chromatogram")} << 0 << QByteArray("lacks");
+    QTest::newRow("bad file first") << QStringList{"nosuch.cdf", good} << 1 << QByteArray("Toluene");
 }
 
 void TestAiaInfo::exitCode()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(QString, said);
+    QFETCH(QByteArray, said);
     const Run result = run(arguments);
     QTEST(result.code, "code");
-    QVERIFY2((result.out + result.err).contains(said), qPrintable(result.out + result.err));
+    QVERIFY2((result.out + result.err).contains(said), (result.out + result.err).constData());
 }
 
 void TestAiaInfo::claimsStayBounded()

@@ -1,9 +1,14 @@
 // What the toolkit makes of files of each kind.
 
 #include "messageloggerinterface.h"
-#include "mstoolkit.h"
+#include "records.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
 
 namespace {
 
@@ -57,6 +62,7 @@ private slots:
     void takesTheCensus();
     void losesDecimals_data();
     void losesDecimals();
+    void readsScansInAnyOrder();
     void readsTraces_data();
     void readsTraces();
     void readsTexts();
@@ -71,6 +77,9 @@ private:
     void open(const QString &fixture);
     void open(const char *fixture) { open(QString::fromLatin1(fixture)); }
 
+    void openRun(const std::vector<double> &masses, int scanCount);
+
+    QTemporaryDir folder;
     int id = -1;
     QStringList messages; // level and text
 };
@@ -98,23 +107,28 @@ void TestReading::open(const QString &fixture)
     QVERIFY2(id != -1, qPrintable(fixture));
 }
 
-// Each value in its own way, with the status in front.
-struct Globals {
-    MsAdminRecord admin;
-    MsSampleRecord sample;
-    MsTestRecord test;
-    MsRawGlobalRecord raw;
+// Opens a run of these masses in scans of equal length, with ascending intensities.
+void TestReading::openRun(const std::vector<double> &masses, int scanCount)
+{
+    const QByteArray path = folder.filePath(QStringLiteral("run.cdf")).toLatin1();
+    id = ms_open_write(path.constData(), 0, scanCount, 0, 77, 77, 75, 1, 0);
+    std::vector<qint32> intensities(masses.size());
+    std::iota(intensities.begin(), intensities.end(), 0);
+    const int points = int(masses.size()) / scanCount;
+    for (int number = 0; number < scanCount; ++number) {
+        Scan scan(number);
+        scan.point_count = points;
+        scan.mass_values = const_cast<double *>(masses.data()) + number * points;
+        scan.intensity_values = intensities.data() + number * points;
+        QCOMPARE(ms_write_per_scan(id, &scan, nullptr), 0);
+    }
+    ms_close(id);
+    id = ms_open_read(path.constData());
+}
 
-    explicit Globals(int ncid)
-    {
-        ms_init_global(0, &admin, &sample, &test, &raw);
-        status = ms_read_global(ncid, &admin, &sample, &test, &raw);
-    }
-    ~Globals()
-    {
-        ms_free(admin.error_log);
-        ms_init_global(1, &admin, &sample, &test, &raw);
-    }
+// Each value in its own way.
+struct NamedGlobals : ReadGlobals {
+    using ReadGlobals::ReadGlobals;
     QString value(const QString &name) const
     {
         const QHash<QString, QString> values = {
@@ -144,8 +158,6 @@ struct Globals {
         };
         return values.value(name, QStringLiteral("no such name"));
     }
-
-    int status;
 };
 
 void TestReading::readsGlobalRecords_data()
@@ -186,7 +198,7 @@ void TestReading::readsGlobalRecords()
     QFETCH(QString, fixture);
     QFETCH(QString, values);
     open(fixture);
-    const Globals globals(id);
+    const NamedGlobals globals(id);
     for (const QString &value : values.split(QLatin1Char(' '))) {
         const QString name = value.section(QLatin1Char('='), 0, 0);
         QString expected = value.section(QLatin1Char('='), 1);
@@ -197,7 +209,7 @@ void TestReading::readsGlobalRecords()
 void TestReading::warnsOfMandatoryAttributes()
 {
     open("no-attributes");
-    QCOMPARE(Globals(id).status, 0);
+    QCOMPARE(ReadGlobals(id).status, 0);
     const QString missing = QStringLiteral("W Mandatory attribute %1 is missing from file");
     QCOMPARE(messages,
              QStringList({missing.arg("dataset-completeness"), missing.arg("ms-template-revision"),
@@ -205,11 +217,11 @@ void TestReading::warnsOfMandatoryAttributes()
                           missing.arg("experiment-date-time-stamp")}));
     messages.clear();
     open("error-log-rank-1");
-    QCOMPARE(Globals(id).status, -1);
+    QCOMPARE(ReadGlobals(id).status, -1);
     QCOMPARE(messages.last(), QStringLiteral("E Size type mismatch while loading error_log"));
     open("wrong-attribute-types");
     messages.clear();
-    QCOMPARE(Globals(id).status, 0);
+    QCOMPARE(ReadGlobals(id).status, 0);
     QCOMPARE(messages.filter(QStringLiteral("W Data type mismatch for attribute ")).size(), 12);
     QCOMPARE(messages.at(3), QStringLiteral("W Data type mismatch for attribute dataset_owner"));
 }
@@ -315,9 +327,7 @@ void TestReading::readsScans()
     QFETCH(int, number);
     open(fixture);
     const MsFileRecord &file = *ms_file_record(id);
-    MsScanRecord scan;
-    ms_init_per_scan(0, &scan, nullptr);
-    scan.scan_number = number;
+    ReadScan scan(number);
     QTEST(ms_read_per_scan(id, &scan, nullptr), "status");
     const int points = scan.point_count;
     const QStringList content = {
@@ -335,11 +345,9 @@ void TestReading::readsScans()
 void TestReading::readsNumbersOfOtherTypes()
 {
     open("float-times");
-    MsScanRecord scan;
+    Scan scan(1);
     for (int round = 0; round < 2; ++round) { // each reading warns anew
         messages.clear();
-        ms_init_per_scan(0, &scan, nullptr);
-        scan.scan_number = 1;
         QCOMPARE(ms_read_scan_header(id, &scan), 0);
         QCOMPARE(messages.size(), 5);
         QCOMPARE(messages.first(), QStringLiteral("W Data type mismatch while loading a_d_coaddition_factor"));
@@ -419,29 +427,40 @@ void TestReading::losesDecimals()
 {
     QFETCH(int, distinct);
     QFETCH(int, wanted);
-    QTemporaryDir folder;
-    const QByteArray path = folder.filePath(QStringLiteral("many.cdf")).toLatin1();
-    id = ms_open_write(path.constData(), 0, 1, 0, 77, 77, 74, 1, 0);
     const double step = wanted == 0 ? 1.0 : wanted == 3 ? 0.001 : 0.01;
     std::vector<double> masses;
     for (int i = 1; i <= distinct; ++i)
         masses.push_back(i * step);
     masses.push_back(step);
-    MsScanRecord scan;
-    ms_init_per_scan(0, &scan, nullptr);
-    scan.scan_number = 0;
-    scan.point_count = int(masses.size());
-    scan.mass_values = masses.data();
-    std::vector<qint16> intensities(masses.size());
-    scan.intensity_values = intensities.data();
-    QCOMPARE(ms_write_per_scan(id, &scan, nullptr), 0);
-    ms_close(id);
-    id = ms_open_read(path.constData());
+    openRun(masses, 1);
     QSet<qint32> census;
     qint32 decimals = wanted;
     QCOMPARE(ms_read_mass_census(id, census, &decimals, 1.0), 0);
     QTEST(decimals, "decimals");
     QTEST(census.size(), "keys");
+}
+
+// Whatever is read ahead of them.
+void TestReading::readsScansInAnyOrder()
+{
+    constexpr int points = 9000;
+    std::vector<double> masses(5 * points);
+    for (std::size_t i = 0; i < masses.size(); ++i)
+        masses[i] = double(i) / 100.0;
+    openRun(masses, 5);
+    for (const int number : {0, 1, 2, 3, 4, 3, 0, 0, 2, 4, 1}) {
+        ReadScan scan(number);
+        QCOMPARE(ms_read_per_scan(id, &scan, nullptr), 0);
+        const int first = number * points;
+        QVERIFY(
+            std::equal(masses.data() + first, masses.data() + first + points, static_cast<double *>(scan.mass_values)));
+        for (int i = 0; i < points; ++i)
+            QCOMPARE(static_cast<qint32 *>(scan.intensity_values)[i], first + i);
+    }
+    QSet<qint32> census;
+    qint32 decimals = 2;
+    QCOMPARE(ms_read_mass_census(id, census, &decimals, 1.0), 0);
+    QCOMPARE(census.size(), int(masses.size()));
 }
 
 void TestReading::readsTraces_data()
@@ -566,9 +585,7 @@ void TestReading::readsInstruments()
 void TestReading::forgetsAFileClosedBehindItsBack()
 {
     open("no-attributes");
-    MsScanRecord scan;
-    ms_init_per_scan(0, &scan, nullptr);
-    scan.scan_number = 0;
+    Scan scan(0);
     QCOMPARE(ms_read_scan_header(id, &scan), 0);
     nc_close(id);
     const int before = id;

@@ -1,30 +1,13 @@
 // Written files as another program sees them, which knows nothing of the toolkit.
 
-#include <QProcess>
+#include "program.h"
+
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <netcdf.h>
 
 namespace {
-
-struct Run {
-    int code = -1; // also for a process that crashed
-    QByteArray out;
-    QString err;
-};
-
-Run run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    Run result;
-    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
-        result.code = process.exitCode();
-    result.out = process.readAllStandardOutput();
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
-}
 
 const QString sample_tool = QStringLiteral(AIA_TOOLS "/aia-sample");
 
@@ -99,11 +82,11 @@ void TestWrittenFiles::witness()
 
     const QString kind = QString::fromLatin1(QTest::currentDataTag());
     const QString file = path(kind + QStringLiteral(".cdf"));
-    const Run made = run(sample_tool, QStringList{kind} + arguments.split(QLatin1Char(' ')) + QStringList{file});
-    QCOMPARE(made.err, QString());
+    const Run made = runProgram(sample_tool, QStringList{kind} + arguments.split(QLatin1Char(' ')) + QStringList{file});
+    QCOMPARE(made.err, QByteArray());
     QCOMPARE(made.code, 0);
 
-    const Run dump = run(QStringLiteral(NCDUMP), {file});
+    const Run dump = runProgram(QStringLiteral(NCDUMP), {file});
     const QList<QByteArray> lines = dump.out.split('\n');
     const QList<QByteArray> wanted = expected(kind).split('\n');
     for (int i = 0; i < qMin(lines.size(), wanted.size()); ++i)
@@ -114,7 +97,7 @@ void TestWrittenFiles::witness()
 void TestWrittenFiles::lengthsCountTheNul()
 {
     const QString file = path(QStringLiteral("lengths.cdf"));
-    QCOMPARE(run(sample_tool, {"gcms", "--scans", "1", file}).code, 0);
+    QCOMPARE(runProgram(sample_tool, {"gcms", "--scans", "1", file}).code, 0);
     int ncid = -1;
     QCOMPARE(nc_open(QFile::encodeName(file).constData(), NC_NOWRITE, &ncid), NC_NOERR);
     const QStringList wrong = wronglyEnded(ncid);
@@ -140,9 +123,10 @@ void TestWrittenFiles::sizeLimit()
     QFETCH(bool, fits);
 
     const QString file = path(QStringLiteral("limited.cdf"));
-    const Run made = run(QStringLiteral("sh"), {"-c", "ulimit -f $0; exec \"$@\"", limit, sample_tool, "gcms", file});
+    const Run made =
+        runProgram(QStringLiteral("sh"), {"-c", "ulimit -f $0; exec \"$@\"", limit, sample_tool, "gcms", file});
     QCOMPARE(made.code, fits ? 0 : 1);
-    QCOMPARE(made.err.contains(file), !fits);
+    QCOMPARE(made.err.contains(file.toLocal8Bit()), !fits);
     QCOMPARE(QFile::exists(file), fits);
 }
 
@@ -163,7 +147,7 @@ void TestWrittenFiles::wrongUsage()
     QFETCH(QString, arguments);
 
     const QString file = path(QStringLiteral("never.cdf"));
-    const Run made = run(sample_tool, arguments.replace(QStringLiteral("FILE"), file).split(QLatin1Char(' ')));
+    const Run made = runProgram(sample_tool, arguments.replace(QStringLiteral("FILE"), file).split(QLatin1Char(' ')));
     QCOMPARE(made.code, 2);
     QVERIFY(!made.err.isEmpty());
     QVERIFY(!QFile::exists(file));

@@ -1,0 +1,44 @@
+// Fixtures, open files, and a program as a person or a script meets it: what it prints, and how it ends.
+#ifndef PROGRAM_H
+#define PROGRAM_H
+
+#include <QDir>
+#include <QProcess>
+
+struct Run {
+    int code = -1; // also of a program that crashed or hangs
+    QByteArray out;
+    QByteArray err;
+};
+
+// Waits for the end of a program.
+inline Run finish(QProcess &program)
+{
+    Run run;
+    if (program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit)
+        run.code = program.exitCode();
+    run.out = program.readAllStandardOutput();
+    run.err = program.readAllStandardError();
+    return run;
+}
+
+inline Run runProgram(const QString &program, const QStringList &arguments, const QString &folder = QString())
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    return finish(process);
+}
+
+inline QString fixture(const QString &name)
+{
+    return QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(name);
+}
+
+// Of this process.
+inline int openFiles()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size();
+}
+
+#endif // PROGRAM_H
