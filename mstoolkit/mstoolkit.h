@@ -644,8 +644,8 @@ int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord 
 // Adds the distinct masses of a run to `masses`, as keys: stored value x scale x 10^decimals, rounded.
 // At 65535 keys a decimal is given up: the keys are cut to a tenth, `*decimals` sinks by one; at -1 the
 // census stops. `*decimals` goes in with the number wanted and comes out with that of the keys. A run
-// without masses gives 0 and changes nothing. -1: unknown id, or masses that can't be read whole; the
-// set is unchanged.
+// without masses gives 0 and changes nothing. -1: unknown id, or masses that can't be read whole; set
+// and `*decimals` are unchanged. Reads in stretches, so memory doesn't grow with the run.
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale);
 
 // Hands out total_intensity and, where `times` isn't null, scan_acquisition_time of all scans, as new

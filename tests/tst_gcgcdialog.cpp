@@ -1,9 +1,7 @@
 // The question for the modulation length, driven by mouse and keyboard as a user does it, through the
 // plugin as the host loads it.
-#include "dvheader.h"
 #include "dvimportanalysisinterface.h"
 #include "dvimportparamtype.h"
-#include "dvimportreceiver.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -12,21 +10,6 @@
 #include <memory>
 
 namespace {
-
-struct Run : DVImportReceiver {
-    int detectorType = 0;
-    QVector<double> times;
-
-    void analysisStarted(const DVHeader &header, const float *, int) override
-    {
-        detectorType = header.getDetectorType();
-    }
-    void scanImported(int, double time, double, int, const float *, const unsigned short *) override
-    {
-        times.append(time);
-    }
-    void progressChanged(int, int) override { }
-};
 
 // A file of French texts finds them by the disambiguation, which is the French text itself.
 struct FrenchTranslator : QTranslator {
@@ -168,38 +151,6 @@ private slots:
         }
         QCOMPARE(asked, 2);
         QCOMPARE(lengths, (QVector<float>{2.5f, 4.0f, 4.0f, 4.0f, 4.0f}));
-    }
-
-    void imports_data()
-    {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<int>("detectorType");
-        QTest::addColumn<QVector<double>>("times");
-
-        const QVector<double> stored{2.0, 2.5, 2.75, 3.5};
-        QTest::newRow("GCxGC") << "gcgc.cdf"
-                               << "Yes" << 2048 << QVector<double>{0.0, 0.5, 1.0, 1.5};
-        QTest::newRow("GC-MS") << "gcgc.cdf"
-                               << "No" << 512 << stored;
-        QTest::newRow("GCxGC, total ion") << "gcgc-total-ion.cdf"
-                                          << "Yes" << 1792 << stored;
-        QTest::newRow("GC, total ion") << "gcgc-total-ion.cdf"
-                                       << "No" << 256 << stored;
-    }
-
-    void imports()
-    {
-        QFETCH(QString, file);
-        QFETCH(QString, button);
-
-        ask(fixtures + file, [&](QDialog *dialog) { answer(dialog, "0.5", false, button); });
-        const auto copy = clone();
-        Run run;
-        copy->setReceiver(&run);
-        QVERIFY(copy->import(file, {}, {}, nullptr));
-        QTEST(run.detectorType, "detectorType");
-        QTEST(run.times, "times");
     }
 
     void showsFileName_data()

@@ -6,7 +6,6 @@
 #include "messageloggerinterface.h"
 #include "tmath.h"
 
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <cmath>
@@ -18,7 +17,7 @@ namespace {
 class TestImport : public DVImportAnalysisInterface
 {
 public:
-    explicit TestImport(int scans) : scanCount(scans) { extensionList = QStringList{QStringLiteral(".cdf")}; }
+    explicit TestImport(int scans) : scanCount(scans) { }
 
     using DVImportAnalysisInterface::findTablePosition;
     bool hasHeader() const { return header != nullptr; }
@@ -93,8 +92,6 @@ private slots:
     void rounds_data();
     void rounds();
     void findsMasses();
-    void knowsImportableFiles_data();
-    void knowsImportableFiles();
     void runs_data();
     void runs();
     void tellsNullFromEmpty();
@@ -145,40 +142,6 @@ void TestPlatform::findsMasses()
     QCOMPARE(place(1.0f, 0), -1);
     for (const float mass : {0.5f, std::nextafter(2.5f, 3.0f), 5.0f, std::nanf("")})
         QCOMPARE(place(mass, 4), -1);
-}
-
-void TestPlatform::knowsImportableFiles_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("reason"); // empty: importable
-    QTest::newRow("file") << "a.cdf"
-                          << "";
-    QTest::newRow("capitals") << "B.CDF"
-                              << "";
-    QTest::newRow("missing") << "missing.cdf"
-                             << "doesn't exist";
-    QTest::newRow("folder") << "folder.cdf"
-                            << "is a folder";
-    QTest::newRow("extension") << "c.txt"
-                               << "extension";
-}
-
-void TestPlatform::knowsImportableFiles()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, reason);
-    QTemporaryDir folder;
-    for (const char *file : {"a.cdf", "B.CDF", "c.txt"}) {
-        QFile made(folder.filePath(QString::fromLatin1(file)));
-        QVERIFY(made.open(QIODevice::WriteOnly));
-    }
-    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
-
-    TestImport import(0);
-    QString text;
-    const QString path = folder.filePath(name);
-    QCOMPARE(import.DVImportInterface::canImport(nullptr, path, text), reason.isEmpty());
-    QVERIFY2(text.contains(reason) && text.contains(path) != reason.isEmpty(), qPrintable(text));
 }
 
 void TestPlatform::runs_data()
