@@ -3,6 +3,7 @@
 #include "infogather.h"
 #include "inforeport.h"
 #include "messagelist.h"
+#include "standardoptions.h"
 #include "terminaltext.h"
 
 #include "mstoolkit.h"
@@ -98,10 +99,6 @@ int parse(const QStringList &arguments, CommandLine *line)
         QStringLiteral("Shows what is in .cdf files with mass spectra, as UTF-8 text or JSON. Exit code: "
                        "0, or 1 where a "
                        "file, or a part of it that was asked for, can't be read, or 2 for wrong usage."));
-    // The ready-made help option would bring one for Qt's own options along.
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
-    const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption json(
         QStringLiteral("json"),
         QStringLiteral("Print a JSON object for each file, one behind the other."));
@@ -110,7 +107,8 @@ int parse(const QStringList &arguments, CommandLine *line)
     const QCommandLineOption all(
         QStringLiteral("all"),
         QStringLiteral("Show up to 10000 of the items of a long list, not only the first 20."));
-    parser.addOptions({help, json, scan, all});
+    parser.addOptions({json, scan, all});
+    const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The files to look into."),
                                  QStringLiteral("FILE..."));
 
@@ -120,14 +118,8 @@ int parse(const QStringList &arguments, CommandLine *line)
     };
     if (!parser.parse(arguments))
         return refuse(parser.errorText());
-    if (parser.isSet(help)) {
-        std::fputs(qUtf8Printable(parser.helpText()), stdout);
+    if (standard.answer(parser))
         return Success;
-    }
-    if (parser.isSet(version)) {
-        std::fputs("aia-info " AIA_VERSION "\n", stdout);
-        return Success;
-    }
 
     line->paths = parser.positionalArguments();
     if (line->paths.isEmpty())

@@ -2,6 +2,7 @@
 
 #include "samplefile.h"
 #include "samplespectrum.h"
+#include "standardoptions.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -149,18 +150,11 @@ int parse(const QStringList &arguments, CommandLine *line)
 {
     QCommandLineParser parser;
     add_options(&parser);
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
+    const StandardOptions standard(&parser);
     if (!parser.parse(arguments))
         return refuse(parser.errorText());
-    if (parser.isSet(help)) {
-        std::fputs(qUtf8Printable(parser.helpText()), stdout);
+    if (standard.answer(parser))
         return Success;
-    }
-    if (parser.isSet(version)) {
-        std::fputs("aia-sample " AIA_VERSION "\n", stdout);
-        return Success;
-    }
 
     const QStringList words = parser.positionalArguments();
     if (words.size() != 2 || words[1].isEmpty())

@@ -1,5 +1,6 @@
 #include "importoptions.h"
 
+#include "standardoptions.h"
 #include "terminaltext.h"
 
 #include <QCommandLineParser>
@@ -54,26 +55,17 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("LENGTH"));
     const QCommandLineOption ask(QStringLiteral("ask"),
                                  QStringLiteral("Ask for the parameters of each file in a dialog."));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Show the version."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Imports .cdf files of the AIA MS template."));
-    parser.addOptions({json, quiet, gcxgc, ask, help, version});
+    parser.addOptions({json, quiet, gcxgc, ask});
+    const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
                                  QStringLiteral("FILE..."));
 
     if (!parser.parse(arguments))
         return refuse(parser.errorText());
-    if (parser.isSet(help)) {
-        std::fputs(parser.helpText().toLocal8Bit().constData(), stdout);
+    if (standard.answer(parser))
         return {0, {}};
-    }
-    if (parser.isSet(version)) {
-        writeLine(stdout, QStringLiteral("aia-import " AIA_VERSION));
-        return {0, {}};
-    }
 
     ImportOptions options;
     options.files = parser.positionalArguments();
