@@ -66,8 +66,8 @@ private:
     void skipAttributes();
     void readDimensions();
     void readVariables();
-    quint64 elements(const Variable &variable, std::size_t first) const;
-    bool isRecord(const Variable &variable) const;
+    static quint64 elements(const Variable &variable, std::size_t first);
+    static bool isRecord(const Variable &variable);
     void lay(MsClassicLayout *layout) const;
     quint64 recordSize() const;
 
@@ -186,13 +186,13 @@ void Walk::readVariables()
     }
 }
 
-bool Walk::isRecord(const Variable &variable) const
+bool Walk::isRecord(const Variable &variable)
 {
     return !variable.dimensions.empty() && variable.dimensions.front() == 0;
 }
 
 // Elements over the dimensions from `first` on.
-quint64 Walk::elements(const Variable &variable, std::size_t first) const
+quint64 Walk::elements(const Variable &variable, std::size_t first)
 {
     quint64 result = 1;
     for (std::size_t i = first; i < variable.dimensions.size(); ++i)

@@ -6,7 +6,7 @@ namespace {
 
 // Two decimals up to a mass of 10,485. Far beyond, neighbouring keys have the same mass as a float, and
 // which of its positions counts is up to the host.
-constexpr qint32 mostKeys = 1 << 20;
+constexpr qint64 mostKeys = 1 << 20;
 constexpr quint16 unknown = 65535; // no table is as long
 
 } // namespace
@@ -16,7 +16,7 @@ void MassPositions::lay(const qint32 *keys, const float *table, std::size_t coun
     clear();
     if (count == 0)
         return;
-    positions.resize(std::size_t(std::clamp(keys[count - 1], -1, mostKeys - 1) + 1), unknown);
+    positions.resize(std::size_t(std::clamp<qint64>(qint64(keys[count - 1]) + 1, 0, mostKeys)), unknown);
     masses.assign(table, table + count);
     for (std::size_t i = 0; i < count; ++i) {
         if (quint32(keys[i]) < positions.size())

@@ -55,6 +55,7 @@ private slots:
     void findsDashedNamesAndOthersAfterwards();
     void knowsWhatAFileHas_data();
     void knowsWhatAFileHas();
+    void knowsNoSizeBeyond32Bits();
     void readsScans_data();
     void readsScans();
     void readsNumbersOfOtherTypes();
@@ -277,6 +278,21 @@ void TestReading::knowsWhatAFileHas()
                         size(MsDim_128_byte_string), size(MsDim_error_number), size(MsDim_scan_number),
                         size(MsDim_instrument_number)}),
           "codes");
+}
+
+// ncgen makes no such file.
+void TestReading::knowsNoSizeBeyond32Bits()
+{
+    const QByteArray path = folder.filePath(QStringLiteral("wide.cdf")).toLatin1();
+    int writing = -1;
+    int dimension = -1;
+    QCOMPARE(nc_create(path.constData(), NC_64BIT_DATA, &writing), NC_NOERR);
+    nc_def_dim(writing, "scan_number", 3, &dimension);
+    nc_def_dim(writing, "instrument_number", 2147483648, &dimension);
+    QCOMPARE(nc_close(writing), NC_NOERR);
+    id = ms_open_read(path.constData());
+    QCOMPARE(ms_file_record(id)->dimensions[MsDim_scan_number].size, 3);
+    QCOMPARE(ms_file_record(id)->dimensions[MsDim_instrument_number].size, 2147483647);
 }
 
 void TestReading::readsScans_data()

@@ -16,7 +16,7 @@ class FileImport : private DVImportReceiver
 {
 public:
     // `json` may be null. All that is handed in must outlive the import.
-    FileImport(DVImportAnalysisInterface &prototype, const ImportOptions &options, JsonWriter *json,
+    FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine, JsonWriter *json,
                const QString &fileName);
 
     // Whether the file was imported in full. If not, standard error says why.

@@ -29,7 +29,7 @@ public:
     bool isSet(Value value) const;
 
     // Length of a modulation of a GCxGC run; 0 for other runs.
-    void setModulation(float modulation);
+    void setModulation(float length);
     float getModulation() const { return modulation; }
 
     void setNbScans(int count);

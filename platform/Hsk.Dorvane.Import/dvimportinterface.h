@@ -26,7 +26,7 @@ public:
 
     virtual int importQueryValue() = 0;
     virtual QString getFileName() const;
-    virtual void setEnabled(bool enabled);
+    virtual void setEnabled(bool on);
     virtual bool isEnabled() const;
 
 public slots:
