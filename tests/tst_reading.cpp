@@ -429,14 +429,15 @@ void TestReading::takesTheCensus()
 
 void TestReading::losesDecimals_data()
 {
-    QTest::addColumn<int>("distinct"); // masses 0.01, 0.02, ..., then the first one again
+    // Masses 0.01, 0.02, ..., then the first one again, then one that has an earlier one's key at a decimal less.
+    QTest::addColumn<int>("distinct");
     QTest::addColumn<int>("wanted");
     QTest::addColumn<int>("decimals");
     QTest::addColumn<int>("keys");
-    QTest::newRow("not yet") << 65534 << 2 << 2 << 65534;
-    QTest::newRow("at a known mass") << 65535 << 2 << 1 << 6554;
+    QTest::newRow("not yet") << 65534 << 2 << 2 << 65535;
+    QTest::newRow("at a known mass") << 65535 << 2 << 1 << 6555;
     QTest::newRow("the last decimal") << 65535 << 0 << -1 << 65535;
-    QTest::newRow("one decimal more") << 65535 << 3 << 2 << 6554;
+    QTest::newRow("one decimal more") << 65535 << 3 << 2 << 6555;
 }
 
 void TestReading::losesDecimals()
@@ -448,6 +449,7 @@ void TestReading::losesDecimals()
     for (int i = 1; i <= distinct; ++i)
         masses.push_back(i * step);
     masses.push_back(step);
+    masses.push_back(100000 * step);
     openRun(masses, 1);
     QSet<qint32> census;
     qint32 decimals = wanted;

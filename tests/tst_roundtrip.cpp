@@ -362,6 +362,10 @@ void TestRoundTrip::keepsNumbersAndEntries()
     name.truncate(254);
 
     QVERIFY(file.readBack() != -1);
+    const std::size_t end[] = {1, 254};
+    char last = 'x';
+    nc_get_var1_text(file.id, ms_file_record(file.id)->variables[MsVar_entry_name], end, &last);
+    QCOMPARE(int(last), 0);
     Scan read(1);
     MsLibraryRecord entry;
     ms_init_per_scan(0, nullptr, &entry);
