@@ -48,6 +48,7 @@ private slots:
     void refusal();
     void usage_data();
     void usage();
+    void asksOnADisplayOnly();
     void json();
     void summary_data();
     void summary();
@@ -144,6 +145,14 @@ void TestAiaImport::usage()
     QTEST(result.code, "status");
     QCOMPARE(result.out.isEmpty(), result.code == 2);
     QCOMPARE(run({}).code, 2);
+}
+
+void TestAiaImport::asksOnADisplayOnly()
+{
+    const Run result = runProgram(
+        "env", {"-u", "QT_QPA_PLATFORM", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", importer, "--ask", fixture("gcgc")});
+    QCOMPARE(result.code, 1);
+    QVERIFY(result.err.contains("needs a display"));
 }
 
 void TestAiaImport::json()
