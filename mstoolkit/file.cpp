@@ -54,6 +54,8 @@ MsFileState *begin(int ncid)
     MsFileState *state = ms_file_state(ncid);
     state->most_bytes = std::numeric_limits<quint64>::max();
     state->layout.reset();
+    state->handle.close();
+    state->handle.clear();
     state->columns.reset();
     return state;
 }

@@ -164,12 +164,16 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
         return -1;
     const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
     const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
+    // As for one vector: elements that were claimed and never written would be counted for hours.
+    const quint64 bytes = quint64(stored) * ms_type_width(type);
+    if (bytes > ms_state_of(*file).most_bytes || bytes > std::numeric_limits<quint32>::max())
+        return -1;
     QSet<qint32> keys = masses;
     qint32 key_decimals = *decimals;
     Census census(&keys, &key_decimals);
     // In stretches, which are still near the processor when they are counted.
-    for (qint32 start = 0; start < stored; start += masses_at_once) {
-        const qint32 size = std::min(masses_at_once, stored - start);
+    for (qint64 start = 0; start < stored; start += masses_at_once) {
+        const auto size = qint32(std::min<qint64>(masses_at_once, stored - start));
         const MsBlock<void> vector = ms_read_vector(*file, MsVar_mass_values, type, start, size);
         if (!vector)
             return -1;

@@ -34,10 +34,11 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     // A census that gave up a decimal without merging any masses can be longer. Masses beyond the table
     // are then unknown masses.
     const std::size_t count = std::min(keys.size(), mostMasses);
-    *table = new float[count];
+    std::unique_ptr<float[]> masses(new float[count]);
     for (std::size_t i = 0; i < count; ++i)
-        (*table)[i] = tableMass(keys[i], massFactor);
-    massPositions.lay(keys.data(), *table, count);
+        masses[i] = tableMass(keys[i], massFactor);
+    massPositions.lay(keys.data(), masses.get(), count);
+    *table = masses.release();
 
     header->setNbBitsAbund(28);
     header->setDetectorType(header->getModulation() > 0.0f ? 2048 : 512);

@@ -2,8 +2,8 @@
 //
 // A scan looks each of its points up, and a binary search mispredicts at each step, so that it costs more
 // than all else that a point needs. The key of a point says where its mass was when the table was made.
-// This is believed only after a look at the table itself, so that it can't be wrong, whatever table the
-// caller hands in.
+// This is believed only after a look at the table itself, so that it can't be wrong, whatever ascending
+// table the caller hands in.
 #ifndef MASSPOSITIONS_H
 #define MASSPOSITIONS_H
 

@@ -44,8 +44,8 @@ QString masses(const float *table, int size)
     if (size < 1)
         return QStringLiteral("0, a total-ion trace");
     QString range = QStringLiteral("%1, from %2 to %3, on a grid of %4")
-                              .arg(QString::number(size), QString::number(double(table[0])),
-                                   QString::number(double(table[size - 1])), grid(table, size));
+                        .arg(QString::number(size), QString::number(double(table[0])),
+                             QString::number(double(table[size - 1])), grid(table, size));
     if (size < std::numeric_limits<quint16>::max())
         return range;
     return range + QStringLiteral("; there is room for no more, so others may count in the totals only");
