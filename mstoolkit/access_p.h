@@ -50,8 +50,8 @@ bool ms_is_number(nc_type type);
 int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, qint32 type,
                      void *target);
 
-// Whether elements that were just read lie beyond the end of a file that was cut since it was opened. The
-// library makes them zeros, so it takes a zero at their end to ask.
+// Whether elements that were just read lie beyond the end of the file. Of one that was cut since it was
+// opened the library makes them zeros, so it takes a zero at their end to look at its length anew.
 bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count, qint32 type,
                     const void *elements);
 

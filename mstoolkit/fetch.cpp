@@ -113,11 +113,9 @@ bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::
 {
     const std::size_t width = ms_type_width(type);
     const auto *last = static_cast<const unsigned char *>(elements) + (count - 1) * width;
-    if (std::any_of(last, last + width, [](unsigned char byte) { return byte != 0; }))
-        return false;
-    MsFileState *state = ms_file_state(file.ncid);
-    ms_look_at_length(state);
-    return !ms_is_stored(state, file.variables[slot], 1, &start, &count);
+    if (std::all_of(last, last + width, [](unsigned char byte) { return byte == 0; }))
+        ms_look_at_length(ms_file_state(file.ncid));
+    return !ms_is_stored(&ms_state_of(file), file.variables[slot], 1, &start, &count);
 }
 
 bool ms_ask_shape(int ncid, int varid, MsShape *shape)
@@ -172,13 +170,11 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
         return MsFetch::Read;
     }
 
-    const int varid = file.variables[slot];
-    const int status = fetch_one(file.ncid, varid, index, type, target);
+    const int status = fetch_one(file.ncid, file.variables[slot], index, type, target);
     if (status != NC_NOERR && status != NC_ERANGE)
         return MsFetch::Failed;
-    const std::size_t one = 1;
-    const bool stored = ms_is_stored(&ms_state_of(file), varid, 1, &index, &one);
-    return status == NC_NOERR && stored ? MsFetch::Read : MsFetch::None;
+    const bool holds = status == NC_NOERR && !ms_lies_beyond(file, slot, index, 1, type, target);
+    return holds ? MsFetch::Read : MsFetch::None;
 }
 
 bool ms_fetch_points(const MsFileRecord &file, int slot, std::size_t start, std::size_t count,
