@@ -80,16 +80,16 @@ PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, 
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
 PASS_ON(nc_inq_vardimid, anError, (int id, int var, int *dims), (id, var, dims))
 PASS_ON(nc_inq_varndims, anError, (int id, int var, int *rank), (id, var, rank))
-PASS_ON(nc_get_vara, anError, (int id, int var, const Size *start, const Size *count, void *to),
-        (id, var, start, count, to))
-PASS_ON(nc_get_vara_short, anError, (int id, int var, const Size *start, const Size *count, short *to),
-        (id, var, start, count, to))
-PASS_ON(nc_get_vara_int, anError, (int id, int var, const Size *start, const Size *count, int *to),
-        (id, var, start, count, to))
-PASS_ON(nc_get_vara_float, anError, (int id, int var, const Size *start, const Size *count, float *to),
-        (id, var, start, count, to))
-PASS_ON(nc_get_vara_double, anError, (int id, int var, const Size *start, const Size *count, double *to),
-        (id, var, start, count, to))
+
+#define PASS_ON_VARA(name, type)                                                                                       \
+    PASS_ON(name, anError, (int id, int var, const Size *start, const Size *count, type *to),                          \
+            (id, var, start, count, to))
+
+PASS_ON_VARA(nc_get_vara, void)
+PASS_ON_VARA(nc_get_vara_short, short)
+PASS_ON_VARA(nc_get_vara_int, int)
+PASS_ON_VARA(nc_get_vara_float, float)
+PASS_ON_VARA(nc_get_vara_double, double)
 PASS_ON(nc_get_var1_double, anError, (int id, int var, const Size *at, double *to), (id, var, at, to))
 PASS_ON(nc_get_var1_int, anError, (int id, int var, const Size *at, int *to), (id, var, at, to))
 PASS_ON(nc_get_var_double, anError, (int id, int var, double *to), (id, var, to))

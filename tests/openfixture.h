@@ -1,9 +1,10 @@
-// A fixture that is open, the messages of its reading, and what was read as text.
+// A file that is open, the messages of its reading, and what was read as text.
 #ifndef OPENFIXTURE_H
 #define OPENFIXTURE_H
 
 #include "messageloggerinterface.h"
 #include "mstoolkit.h"
+#include "program.h"
 
 #include <QtTest>
 
@@ -24,21 +25,37 @@ protected:
     void end()
     {
         MessageLoggerInterface::setReceiver({});
-        ms_close(id);
+        close();
+    }
+
+    void close()
+    {
+        if (id != -1)
+            QCOMPARE(ms_close(id), 0);
         id = -1;
     }
 
     // In place of the one that is open.
-    void open(const QString &fixture)
+    void openPath(const QString &path)
     {
-        ms_close(id);
-        id = ms_open_read(QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(fixture).toLatin1().constData());
-        QVERIFY2(id != -1, qPrintable(fixture));
+        close();
+        id = ms_open_read(path.toLatin1().constData());
+    }
+
+    void open(const QString &name)
+    {
+        openPath(fixture(name));
+        QVERIFY2(id != -1, qPrintable(name));
     }
 
     int id = -1;
     QStringList messages; // level and text
 };
+
+inline QString shown(const char *text)
+{
+    return text ? QLatin1Char('"') + QString::fromLatin1(text) + QLatin1Char('"') : QStringLiteral("-");
+}
 
 template <class Number> QString shownAll(const void *vector, int count)
 {
@@ -50,16 +67,10 @@ template <class Number> QString shownAll(const void *vector, int count)
 
 inline QString shownAll(int format, const void *vector, int count)
 {
-    switch (format) {
-    case MsShortFormat:
-        return shownAll<qint16>(vector, count);
-    case MsLongFormat:
-        return shownAll<qint32>(vector, count);
-    case MsFloatFormat:
-        return shownAll<float>(vector, count);
-    default:
-        return shownAll<double>(vector, count);
-    }
+    return format == MsShortFormat ? shownAll<qint16>(vector, count)
+        : format == MsLongFormat   ? shownAll<qint32>(vector, count)
+        : format == MsFloatFormat  ? shownAll<float>(vector, count)
+                                   : shownAll<double>(vector, count);
 }
 
 #endif // OPENFIXTURE_H

@@ -1,8 +1,9 @@
-// Fixtures, open files, and a program as a person or a script meets it: what it prints, and how it ends.
+// Fixtures, files, and a program as a person or a script meets it: what it prints, and how it ends.
 #ifndef PROGRAM_H
 #define PROGRAM_H
 
 #include <QDir>
+#include <QFile>
 #include <QProcess>
 
 struct Run {
@@ -33,6 +34,12 @@ inline Run runProgram(const QString &program, const QStringList &arguments, cons
 inline QString fixture(const QString &name)
 {
     return QStringLiteral(AIA_FIXTURES "/%1.cdf").arg(name);
+}
+
+inline QByteArray content(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // Of this process.

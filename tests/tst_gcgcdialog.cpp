@@ -1,7 +1,10 @@
 // The question for the modulation length, driven by mouse and keyboard as a user does it, through the
 // plugin as the host loads it.
+
 #include "dvimportanalysisinterface.h"
 #include "dvimportparamtype.h"
+#include "program.h"
+#include "table.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -43,13 +46,15 @@ void answer(QDialog *dialog, const QString &length, bool tick, const QString &en
     }
 }
 
+using Outcome = Table<QString, bool, QString, float, bool>; // length, tick, end; modulation, whether it holds
+using FileName = Table<QString>;
+
 } // namespace
 
 class TestGcgcDialog : public QObject
 {
     Q_OBJECT
 
-    const QString fixtures = QStringLiteral(AIA_FIXTURES "/");
     QPluginLoader loader{AIA_PLUGIN};
     DVImportAnalysisInterface *prototype = nullptr;
     DVImportParamType *parameters = nullptr;
@@ -94,79 +99,55 @@ private slots:
 
     void outcomes_data()
     {
-        QTest::addColumn<QString>("length");
-        QTest::addColumn<bool>("tick");
-        QTest::addColumn<QString>("end");
-        QTest::addColumn<float>("modulation");
-        QTest::addColumn<bool>("holds"); // for later files
-
-        // clang-format off
-        QTest::newRow("yes")                      << "4.5"    << false << "Yes"    << 4.5f   << false;
-        QTest::newRow("yes to all")               << "0.1"    << true  << "Yes"    << 0.1f   << true;
-        QTest::newRow("yes without a length")     << ""       << true  << "Yes"    << 0.0f   << true;
-        QTest::newRow("no writes no length")      << "4.5"    << false << "No"     << 0.0f   << false;
-        QTest::newRow("no to all")                << "4.5"    << true  << "No"     << 0.0f   << true;
-        QTest::newRow("Return in length is yes")  << "4.5"    << false << "Return" << 4.5f   << false;
-        QTest::newRow("Return on the box is yes") << "4.5"    << true  << "Return" << 4.5f   << true;
-        QTest::newRow("Escape answers nothing")   << "4.5"    << true  << "Escape" << 0.0f   << false;
-        QTest::newRow("close answers nothing")    << "4.5"    << true  << "close"  << 0.0f   << false;
-        QTest::newRow("slot without a button")    << "4.5"    << true  << "accept" << 0.0f   << true;
-        QTest::newRow("above the range")          << "100.01" << false << "Yes"    << 100.0f << false;
-        QTest::newRow("below the range")          << "-3"     << false << "Yes"    << 0.0f   << false;
-        // clang-format on
+        const Outcome row;
+        row("yes", "4.5", false, "Yes", 4.5f, false);
+        row("yes to all", "0.1", true, "Yes", 0.1f, true);
+        row("yes without a length", "", true, "Yes", 0.0f, true);
+        row("no writes no length", "4.5", false, "No", 0.0f, false);
+        row("no to all", "4.5", true, "No", 0.0f, true);
+        row("Return in length is yes", "4.5", false, "Return", 4.5f, false);
+        row("Return on the box is yes", "4.5", true, "Return", 4.5f, true);
+        row("Escape answers nothing", "4.5", true, "Escape", 0.0f, false);
+        row("close answers nothing", "4.5", true, "close", 0.0f, false);
+        row("slot without a button", "4.5", true, "accept", 0.0f, true);
+        row("above the range", "100.01", false, "Yes", 100.0f, false);
+        row("below the range", "-3", false, "Yes", 0.0f, false);
     }
-
     void outcomes()
     {
-        QFETCH(QString, length);
-        QFETCH(bool, tick);
-        QFETCH(QString, end);
-        QFETCH(float, modulation);
-        QFETCH(bool, holds);
-
-        const auto user = [&](QDialog *dialog) { answer(dialog, length, tick, end); };
-        QCOMPARE(ask(fixtures + "gcgc.cdf", user), 1);
+        const auto [length, tick, end, modulation, holds] = Outcome::row();
+        const auto user = [length = length, tick = tick, end = end](QDialog *dialog) {
+            answer(dialog, length, tick, end);
+        };
+        QCOMPARE(ask(fixture("gcgc"), user), 1);
         QCOMPARE(clone()->modulationPeriod(), modulation);
         QCOMPARE(prototype->modulationPeriod(), holds ? modulation : 0.0f);
-        QCOMPARE(ask(fixtures + "gcgc.cdf", user), holds ? 0 : 1);
+        QCOMPARE(ask(fixture("gcgc"), user), holds ? 0 : 1);
+        QCOMPARE(clone()->modulationPeriod(), modulation);
     }
 
     void noLeavesAnEarlierLength()
     {
-        ask(fixtures + "gcgc.cdf", [](QDialog *dialog) { answer(dialog, "4.5", false, "Yes"); });
+        ask(fixture("gcgc"), [](QDialog *dialog) { answer(dialog, "4.5", false, "Yes"); });
         QCOMPARE(ask({}, [](QDialog *dialog) { answer(dialog, "7", false, "No"); }), 1);
         QCOMPARE(prototype->modulationPeriod(), 4.5f);
         ask({}, [](QDialog *dialog) { answer(dialog, "7", false, "Escape"); });
         QCOMPARE(prototype->modulationPeriod(), 0.0f);
     }
 
-    void boxTickedAtSecondOfFive()
-    {
-        int asked = 0;
-        QVector<float> lengths;
-        for (int file = 0; file < 5; ++file) {
-            asked += ask(fixtures + "gcgc.cdf",
-                         [&](QDialog *dialog) { answer(dialog, file == 0 ? "2.5" : "4", file == 1, "Yes"); });
-            lengths.append(clone()->modulationPeriod());
-        }
-        QCOMPARE(asked, 2);
-        QCOMPARE(lengths, (QVector<float>{2.5f, 4.0f, 4.0f, 4.0f, 4.0f}));
-    }
-
     void showsFileName_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::newRow("without its folder") << "run 12-b_3.cdf";
-        QTest::newRow("markup") << "a<b>&c<i>&amp;d.cdf";
-        QTest::newRow("places") << "%1 %2 %L1.cdf";
-        QTest::newRow("long") << QString("W").repeated(251) + ".cdf";
+        const FileName row;
+        row("without its folder", "run 12-b_3.cdf");
+        row("markup", "a<b>&c<i>&amp;d.cdf");
+        row("places", "%1 %2 %L1.cdf");
+        row("long", QString("W").repeated(251) + ".cdf");
     }
-
     void showsFileName()
     {
-        QFETCH(QString, name);
+        const auto [name] = FileName::row();
         QTemporaryDir folder;
-        QVERIFY(QFile::copy(fixtures + "gcgc.cdf", folder.filePath(name)));
+        QVERIFY(QFile::copy(fixture("gcgc"), folder.filePath(name)));
         QTextDocument question;
         ask(folder.filePath(name), [&](QDialog *dialog) {
             const auto *label = dialog->findChild<QLabel *>(); // the first one
@@ -182,7 +163,7 @@ private slots:
         FrenchTranslator french;
         QCoreApplication::installTranslator(&french);
         QStringList texts;
-        ask(fixtures + "gcgc.cdf", [&](QDialog *dialog) {
+        ask(fixture("gcgc"), [&](QDialog *dialog) {
             texts.append(dialog->windowTitle());
             for (const auto *label : dialog->findChildren<QLabel *>())
                 texts.append(label->text());

@@ -6,6 +6,7 @@
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
 #include "program.h"
+#include "table.h"
 #include "tlogger.h"
 
 #include <QJsonObject>
@@ -13,7 +14,7 @@
 #include <QtTest>
 
 #include <memory>
-#include <netcdf.h>
+#include <vector>
 
 namespace {
 
@@ -45,7 +46,9 @@ public:
                       const unsigned short *positions) override
     {
         QStringList points;
-        for (int i = 0; i < pointCount; ++i)
+        if (pointCount > 1000)
+            points += QStringLiteral("%1 points").arg(pointCount);
+        for (int i = 0; i < pointCount && pointCount <= 1000; ++i)
             points += number(double(abundances[i])) + QLatin1Char('@') + QString::number(positions[i]);
         scans += QStringLiteral("%1: %2 %3").arg(number(time), number(total), points.join(QLatin1Char(' '))).trimmed();
     }
@@ -69,358 +72,274 @@ public:
     QStringList entries;
 };
 
+// Name, modulation; beginning of the head, masses, the first scans.
+using Imported = Table<QString, double, QString, QString, QStringList>;
+using Dates = Table<QByteArray, QString, quint32>; // zone, fixture; date
+
 } // namespace
 
 class TestImportAiaMs : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanupTestCase();
-    void namesItself();
-    void opensAndMoves();
-    void leavesNothingOpen();
-    void imports_data();
-    void imports();
-    void datesInManyZones_data();
-    void datesInManyZones();
-    void takesThePresentForAMissingDate();
-    void givesAnAccount();
-    void refusesHugeScans();
-    void worksBesideAnother();
-
-private:
     DVImportAnalysisInterface *prototype() { return dynamic_cast<DVImportAnalysisInterface *>(loader.instance()); }
-    DVImportParamType *parameters(QObject *object)
+    DVImportParamType *parameters()
     {
-        return static_cast<DVImportParamType *>(object->qt_metacast("DVImportParamType"));
+        return static_cast<DVImportParamType *>(loader.instance()->qt_metacast("DVImportParamType"));
+    }
+    bool canImport(const QString &path)
+    {
+        QString text;
+        return prototype()->canImport(nullptr, path, text);
     }
     std::unique_ptr<DVImportAnalysisInterface> copyFor(const QString &name)
     {
-        QString text;
-        if (!prototype()->canImport(nullptr, fixture(name), text))
-            return nullptr;
-        return std::unique_ptr<DVImportAnalysisInterface>(prototype()->clone());
+        const bool can = canImport(fixture(name));
+        return std::unique_ptr<DVImportAnalysisInterface>(can ? prototype()->clone() : nullptr);
+    }
+    static bool import(DVImportAnalysisInterface *copy, DVImportReceiver *receiver)
+    {
+        copy->setReceiver(receiver);
+        return copy->import(QString(), QString(), QString(), nullptr);
     }
 
     QPluginLoader loader{QStringLiteral(AIA_PLUGIN)};
     QStringList messages;
-};
 
-void TestImportAiaMs::initTestCase()
-{
-    MessageLoggerInterface::setReceiver(
-        [this](MessageLoggerInterface::Level, const QString &text) { messages += text; });
-    QVERIFY2(prototype(), qPrintable(loader.errorString()));
-}
-
-void TestImportAiaMs::init()
-{
-    messages.clear();
-}
-
-void TestImportAiaMs::cleanupTestCase()
-{
-    MessageLoggerInterface::setReceiver({});
-}
-
-void TestImportAiaMs::namesItself()
-{
-    const QJsonObject data = loader.metaData();
-    QCOMPARE(data.value("IID").toString(), QStringLiteral("DV.DVImportInterface"));
-    QCOMPARE(data.value("className").toString(), QStringLiteral("ImportAiaMs"));
-    QVERIFY(!data.contains("MetaData"));
-
-    QObject *plugin = loader.instance();
-    const QMetaObject *meta = plugin->metaObject();
-    QCOMPARE(meta->className(), "ImportAiaMs");
-    QCOMPARE(meta->superClass()->className(), "DVImportInterface");
-    QCOMPARE(meta->methodCount(), meta->methodOffset());
-    QCOMPARE(meta->propertyCount(), meta->propertyOffset());
-    QCOMPARE(plugin->qt_metacast("ImportAiaMs"), static_cast<void *>(plugin));
-    QVERIFY(plugin->qt_metacast("DVImportInterface") && !plugin->qt_metacast("DVImportAnalysisInterface"));
-    QCOMPARE(parameters(plugin), dynamic_cast<DVImportParamType *>(plugin));
-    QVERIFY(loader.instance() == plugin);
-
-    QCOMPARE(prototype()->getExtension(), QStringList{QStringLiteral(".cdf")});
-    QCOMPARE(prototype()->importQueryValue(), 0);
-    QCOMPARE(prototype()->pluginKind(), 5);
-    QCOMPARE(parameters(plugin)->pluginKind(), 5);
-    QVERIFY(parameters(plugin)->paramTypeFlag());
-}
-
-void TestImportAiaMs::opensAndMoves()
-{
-    QString text;
-    DVImportAnalysisInterface *plugin = prototype();
-    QVERIFY(plugin->canImport(nullptr, fixture("two-scans"), text));
-    QCOMPARE(plugin->getFileName(), fixture("two-scans"));
-    // An open object looks at no other file: not at one that has no scans either.
-    QVERIFY(plugin->canImport(nullptr, fixture("chromatogram"), text));
-    QCOMPARE(plugin->getFileName(), fixture("two-scans"));
-    QVERIFY(!parameters(plugin)->reopenForFile(QStringLiteral("other.txt")));
-    QVERIFY(plugin->canImport(nullptr, fixture("chromatogram"), text)); // still attached
-
-    plugin->setModulation(2.5f);
-    std::unique_ptr<DVImportAnalysisInterface> copy(plugin->clone());
-    QCOMPARE(copy->modulationPeriod(), 2.5f);
-    QCOMPARE(plugin->modulationPeriod(), 0.0f);
-    QCOMPARE(copy->getFileName(), fixture("two-scans"));
-    QVERIFY(!plugin->canImport(nullptr, fixture("chromatogram"), text)); // closed, so it opens this one
-    QCOMPARE(plugin->getFileName(), fixture("chromatogram"));
-
-    messages.clear();
-    QVERIFY(!parameters(plugin)->reopenForFile(QStringLiteral("missing.cdf")));
-    QCOMPARE(messages, QStringList{QStringLiteral("ms_open_read failed!")});
-    QVERIFY(!parameters(plugin)->reopenForFile(fixture("error-log-rank-1")));
-    QCOMPARE(messages.last(), QStringLiteral("ms_read_global failed!"));
-    QVERIFY(parameters(plugin)->reopenForFile(fixture("one-scan")));
-    delete plugin->clone();
-
-    Receiver receiver;
-    copy->setReceiver(&receiver);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr)); // its file is open still
-    QCOMPARE(receiver.scans.size(), 2);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr)); // and once more
-    QCOMPARE(receiver.scans.size(), 4);
-    QCOMPARE(receiver.scans[3], receiver.scans[1]);
-}
-
-void TestImportAiaMs::leavesNothingOpen()
-{
-    const int before = openFiles();
-    for (const char *name : {"two-scans", "chromatogram", "error-log-rank-1", "int64-attribute", "wide-values"}) {
-        QString text;
-        prototype()->canImport(nullptr, fixture(name), text);
-        parameters(prototype())->reopenForFile(fixture("two-scans"));
-        delete prototype()->clone();
-        QCOMPARE(openFiles(), before);
+private slots:
+    void initTestCase()
+    {
+        MessageLoggerInterface::setReceiver(
+            [this](MessageLoggerInterface::Level, const QString &text) { messages += text; });
+        QVERIFY2(prototype(), qPrintable(loader.errorString()));
     }
-}
+    void init() { messages.clear(); }
+    void cleanupTestCase() { MessageLoggerInterface::setReceiver({}); }
 
-void TestImportAiaMs::imports_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<double>("modulation");
-    QTest::addColumn<QString>("head"); // its beginning
-    QTest::addColumn<QString>("masses");
-    QTest::addColumn<QStringList>("scans"); // the first ones
-    const auto row = [](const char *name, double modulation, const char *head, const char *masses,
-                        const QStringList &scans) {
-        QTest::addRow("%s %g", name, modulation) << name << modulation << head << masses << scans;
-    };
-    const char *three = "50 60.25 70.5";
-    row("no-attributes", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512, 28 bits, coefficient -, device -", three,
-        {"1: 3 1@0 2@1", "1.5: 12 4@0 8@2", "2: 48 16@1 32@2"});
-    row("no-attributes", 0.5, "3 scans, minutes, 1 + 1 by 0.5, detector 2048, 28 bits", three,
-        {"0: 3 1@0 2@1", "0.5: 12 4@0 8@2", "1: 48 16@1 32@2"});
-    row("two-scans", 0, "2 scans, minutes, 1 + 1 by 1, detector 512", "", {});
-    row("time-units", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", three, {"60: 3 1@0 2@1"});
-    row("one-scan", 0, "1 scans, minutes, 1.5 + 0 by ", "", {});
-    row("missing-times", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
-    row("missing-first-time", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
-    row("scaled-short", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", "50 60.25 123.4599991",
-        {"60: 9 4@0 5@1", "90: 7014 7003@0 11@2"});
-    row("several-numbers", 0, "", "25 30.12999916 35.25", {"1: 7 3@0 4@1"});
-    row("contradicting-formats", 0, "", "50 60 70", {"1: 3 1@0 2@1"});
-    row("overlapping-scans", 0, "", three, {"1: 28 4@0 8@2 16@1", "1.5: 15 1@0 2@1 4@0 8@2"});
-    row("odd-scan-index", 0, "6 scans", three, {"1: 3 1@0 2@1", "1.5: 0", "2: 0", "2.5: 0", "3: 0", "3.5: 0"});
-    row("no-scan-index", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", three, {"1: 0", "1.5: 0", "2: 0"});
-    row("no-intensities", 0, "3 scans", three, {"1: 0", "1.5: 0"});
-    row("two-masses", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", "50 60", {});
-    row("one-mass", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "", {});
-    row("total-ion", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "",
-        {"1: 3.299999952", "-166.65: 12.5", "2: -9999"});
-    row("total-ion", 2, "3 scans, minutes, 1 + 1 by 0.5, detector 1792, 32 bits, coefficient 0", "",
-        {"1: 3.299999952"});
-    row("total-ion-no-intensity", 0, "3 scans, minutes, 1 + 1 by 0.5, detector -, 32 bits, coefficient -", "",
-        {"1: 0", "1.5: 0", "2: 0"});
-    row("total-ion-rank-2", 0, "3 scans, minutes, 0 + 2 by 1, detector 256", "", {"1: 3", "1.5: 12", "2: 48"});
-    row("no-scans", 0, "0 scans", "", {});
-}
+    void namesItself()
+    {
+        const QJsonObject data = loader.metaData();
+        QCOMPARE(data.value("IID").toString(), QStringLiteral("DV.DVImportInterface"));
+        QCOMPARE(data.value("className").toString(), QStringLiteral("ImportAiaMs"));
+        QVERIFY(!data.contains("MetaData"));
 
-void TestImportAiaMs::imports()
-{
-    QFETCH(QString, name);
-    QFETCH(double, modulation);
-    QFETCH(QString, head);
-    QFETCH(QString, masses);
-    QFETCH(QStringList, scans);
-    prototype()->setModulation(float(modulation));
-    const auto copy = copyFor(name);
-    QVERIFY(copy);
-    Receiver receiver;
-    copy->setReceiver(&receiver);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr));
-    QVERIFY2(receiver.head.startsWith(head), qPrintable(receiver.head));
-    if (!masses.isEmpty())
-        QCOMPARE(receiver.masses.join(QLatin1Char(' ')), masses);
-    QCOMPARE(receiver.scans.mid(0, scans.size()), scans);
-    QCOMPARE(receiver.scans.size(), receiver.head.section(QLatin1Char(' '), 0, 0).toInt());
-}
+        QObject *plugin = loader.instance();
+        const QMetaObject *meta = plugin->metaObject();
+        QCOMPARE(meta->className(), "ImportAiaMs");
+        QCOMPARE(meta->superClass()->className(), "DVImportInterface");
+        QCOMPARE(meta->methodCount(), meta->methodOffset());
+        QCOMPARE(meta->propertyCount(), meta->propertyOffset());
+        QCOMPARE(plugin->qt_metacast("ImportAiaMs"), static_cast<void *>(plugin));
+        QVERIFY(plugin->qt_metacast("DVImportInterface") && !plugin->qt_metacast("DVImportAnalysisInterface"));
+        QCOMPARE(parameters(), dynamic_cast<DVImportParamType *>(plugin));
+        QVERIFY(loader.instance() == plugin);
 
-void TestImportAiaMs::datesInManyZones_data()
-{
-    QTest::addColumn<QByteArray>("zone");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<quint32>("date");
+        QCOMPARE(prototype()->getExtension(), QStringList{QStringLiteral(".cdf")});
+        QCOMPARE(prototype()->importQueryValue(), 0);
+        QCOMPARE(prototype()->pluginKind(), 5);
+        QCOMPARE(parameters()->pluginKind(), 5);
+        QVERIFY(parameters()->paramTypeFlag());
+    }
+
+    void opensAndMoves()
+    {
+        DVImportAnalysisInterface *plugin = prototype();
+        QVERIFY(canImport(fixture("two-scans")));
+        QCOMPARE(plugin->getFileName(), fixture("two-scans"));
+        // An open object looks at no other file: not at one that has no scans either.
+        QVERIFY(canImport(fixture("chromatogram")));
+        QCOMPARE(plugin->getFileName(), fixture("two-scans"));
+        QVERIFY(!parameters()->reopenForFile(QStringLiteral("other.txt")));
+        QVERIFY(canImport(fixture("chromatogram"))); // still attached
+
+        plugin->setModulation(2.5f);
+        std::unique_ptr<DVImportAnalysisInterface> copy(plugin->clone());
+        QCOMPARE(copy->modulationPeriod(), 2.5f);
+        QCOMPARE(plugin->modulationPeriod(), 0.0f);
+        QCOMPARE(copy->getFileName(), fixture("two-scans"));
+        QVERIFY(!canImport(fixture("chromatogram"))); // closed, so it opens this one
+        QCOMPARE(plugin->getFileName(), fixture("chromatogram"));
+
+        messages.clear();
+        QVERIFY(!parameters()->reopenForFile(QStringLiteral("missing.cdf")));
+        QCOMPARE(messages, QStringList{QStringLiteral("ms_open_read failed!")});
+        QVERIFY(!parameters()->reopenForFile(fixture("error-log-rank-1")));
+        QCOMPARE(messages.last(), QStringLiteral("ms_read_global failed!"));
+        QVERIFY(parameters()->reopenForFile(fixture("one-scan")));
+        delete plugin->clone();
+
+        Receiver receiver;
+        QVERIFY(import(copy.get(), &receiver)); // its file is open still
+        QCOMPARE(receiver.scans.size(), 2);
+        QVERIFY(import(copy.get(), &receiver)); // and once more
+        QCOMPARE(receiver.scans.size(), 4);
+        QCOMPARE(receiver.scans[3], receiver.scans[1]);
+    }
+
+    void leavesNothingOpen()
+    {
+        const int before = openFiles();
+        for (const char *name : {"two-scans", "chromatogram", "error-log-rank-1", "int64-attribute", "wide-values"}) {
+            canImport(fixture(name));
+            parameters()->reopenForFile(fixture("two-scans"));
+            delete prototype()->clone();
+            QCOMPARE(openFiles(), before);
+        }
+    }
+
+    void imports_data()
+    {
+        const auto row = [table = Imported()](const QByteArray &name, double modulation, const char *head,
+                                              const char *masses, const QStringList &scans) {
+            table(name + ' ' + QByteArray::number(modulation), name, modulation, head, masses, scans);
+        };
+        const char *three = "50 60.25 70.5";
+        row("no-attributes", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512, 28 bits, coefficient -, device -", three,
+            {"1: 3 1@0 2@1", "1.5: 12 4@0 8@2", "2: 48 16@1 32@2"});
+        row("no-attributes", 0.5, "3 scans, minutes, 1 + 1 by 0.5, detector 2048, 28 bits", three,
+            {"0: 3 1@0 2@1", "0.5: 12 4@0 8@2", "1: 48 16@1 32@2"});
+        row("two-scans", 0, "2 scans, minutes, 1 + 1 by 1, detector 512", "", {});
+        row("time-units", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", three, {"60: 3 1@0 2@1"});
+        row("one-scan", 0, "1 scans, minutes, 1.5 + 0 by ", "", {});
+        row("missing-times", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
+        row("missing-first-time", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
+        row("scaled-short", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", "50 60.25 123.4599991",
+            {"60: 9 4@0 5@1", "90: 7014 7003@0 11@2"});
+        row("several-numbers", 0, "", "25 30.12999916 35.25", {"1: 7 3@0 4@1"});
+        row("contradicting-formats", 0, "", "50 60 70", {"1: 3 1@0 2@1"});
+        row("overlapping-scans", 0, "", three, {"1: 28 4@0 8@2 16@1", "1.5: 15 1@0 2@1 4@0 8@2"});
+        row("odd-scan-index", 0, "6 scans", three, {"1: 3 1@0 2@1", "1.5: 0", "2: 0", "2.5: 0", "3: 0", "3.5: 0"});
+        row("no-scan-index", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", three, {"1: 0", "1.5: 0", "2: 0"});
+        row("no-intensities", 0, "3 scans", three, {"1: 0", "1.5: 0"});
+        row("two-masses", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", "50 60", {});
+        row("one-mass", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "", {});
+        row("total-ion", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "",
+            {"1: 3.299999952", "-166.65: 12.5", "2: -9999"});
+        row("total-ion", 2, "3 scans, minutes, 1 + 1 by 0.5, detector 1792, 32 bits, coefficient 0", "",
+            {"1: 3.299999952"});
+        row("total-ion-no-intensity", 0, "3 scans, minutes, 1 + 1 by 0.5, detector -, 32 bits, coefficient -", "",
+            {"1: 0", "1.5: 0", "2: 0"});
+        row("total-ion-rank-2", 0, "3 scans, minutes, 0 + 2 by 1, detector 256", "", {"1: 3", "1.5: 12", "2: 48"});
+        row("no-scans", 0, "0 scans", "", {});
+        row("huge-scans", 0, "2 scans", "-32767 50 60", {"0: 0", "1: -5.497389711e+11 16777216 points"});
+    }
+    void imports()
+    {
+        const auto [name, modulation, head, masses, scans] = Imported::row();
+        prototype()->setModulation(float(modulation));
+        const auto copy = copyFor(name);
+        QVERIFY(copy);
+        Receiver receiver;
+        QVERIFY(import(copy.get(), &receiver));
+        QVERIFY2(receiver.head.startsWith(head), qPrintable(receiver.head));
+        if (!masses.isEmpty())
+            QCOMPARE(receiver.masses.join(QLatin1Char(' ')), masses);
+        QCOMPARE(receiver.scans.mid(0, scans.size()), scans);
+        QCOMPARE(receiver.scans.size(), receiver.head.section(QLatin1Char(' '), 0, 0).toInt());
+    }
+
     // The stamps: 19930817103000+0100, 19930817103000-05, and an empty one.
-    QTest::newRow("UTC") << QByteArray("UTC") << "gcms_float" << 745583400u;
-    QTest::newRow("an hour east") << QByteArray("XST-1") << "gcms_float" << 745583400u;
-    QTest::newRow("five hours west") << QByteArray("XST5") << "gcms_float" << 745583400u;
-    QTest::newRow("summer time") << QByteArray("XST-1XDT,M3.5.0,M10.5.0/3") << "gcms_float" << 745579800u;
-    QTest::newRow("west stamp") << QByteArray("UTC") << "text-attributes" << 745561800u;
-    QTest::newRow("empty") << QByteArray("UTC") << "empty-attributes" << 0xffffffffu;
-}
-
-void TestImportAiaMs::datesInManyZones()
-{
-    QFETCH(QByteArray, zone);
-    QFETCH(QString, name);
-    const QByteArray before = qgetenv("TZ");
-    qputenv("TZ", zone);
-    tzset();
-    Receiver receiver;
-    const auto copy = copyFor(name);
-    QVERIFY(copy);
-    copy->setReceiver(&receiver);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr));
-    qputenv("TZ", before);
-    tzset();
-    QTEST(receiver.date, "date");
-}
-
-void TestImportAiaMs::takesThePresentForAMissingDate()
-{
-    const auto copy = copyFor("no-attributes");
-    Receiver receiver;
-    copy->setReceiver(&receiver);
-    const quint32 before = QDateTime::currentDateTime().toTime_t();
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr));
-    QVERIFY(receiver.date >= before && receiver.date <= before + 60);
-}
-
-void TestImportAiaMs::givesAnAccount()
-{
-    const auto copy = copyFor("no-attributes");
-    Logger logger;
-    TLogger::setDefaultInstance(&logger);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr));
-    TLogger::setDefaultInstance(nullptr);
-    const QStringList lines = {"nb de scans : 3",
-                               "codage de l'abondance : 28 bits",
-                               "Passage de seconds en minutes",
-                               QString::fromUtf8("dur\xc3\xa9"
-                                                 "e de l'exp\xc3\xa9rience : 1"),
-                               QString::fromUtf8("d\xc3\xa9lai : 1"),
-                               QString::fromUtf8("interval d'\xc3\xa9"
-                                                 "chantillonage : 0.5"),
-                               "*** fin du chargement du header AIA MS ***"};
-    QStringList expected;
-    for (const QString &line : lines) {
-        expected += QStringLiteral("200 libraries\\internal\\common\\include\\ttestingmacros 61 ") + line;
-        expected += QStringLiteral("flush");
+    void datesInManyZones_data()
+    {
+        const Dates row;
+        row("UTC", "UTC", "gcms_float", 745583400u);
+        row("an hour east", "XST-1", "gcms_float", 745583400u);
+        row("five hours west", "XST5", "gcms_float", 745583400u);
+        row("summer time", "XST-1XDT,M3.5.0,M10.5.0/3", "gcms_float", 745579800u);
+        row("west stamp", "UTC", "text-attributes", 745561800u);
+        row("empty", "UTC", "empty-attributes", 0xffffffffu);
     }
-    QCOMPARE(logger.entries, expected);
-}
+    void datesInManyZones()
+    {
+        const auto [zone, name, date] = Dates::row();
+        const QByteArray before = qgetenv("TZ");
+        qputenv("TZ", zone);
+        tzset();
+        Receiver receiver;
+        const auto copy = copyFor(name);
+        const bool imported = copy && import(copy.get(), &receiver);
+        qputenv("TZ", before);
+        tzset();
+        QVERIFY(imported);
+        QCOMPARE(receiver.date, date);
+    }
 
-// More points than the caller's arrays have room for.
-void TestImportAiaMs::refusesHugeScans()
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("huge.cdf"));
-    const std::size_t points = (1 << 24) + 1;
-    int id = -1;
-    int dimensions[2];
-    int variables[4];
-    nc_create(path.toLatin1().constData(), NC_CLOBBER, &id);
-    nc_def_dim(id, "scan_number", 2, &dimensions[0]);
-    nc_def_dim(id, "point_number", points, &dimensions[1]);
-    nc_def_var(id, "scan_index", NC_INT, 1, &dimensions[0], &variables[0]);
-    nc_def_var(id, "point_count", NC_INT, 1, &dimensions[0], &variables[1]);
-    nc_def_var(id, "mass_values", NC_SHORT, 1, &dimensions[1], &variables[2]);
-    nc_def_var(id, "intensity_values", NC_SHORT, 1, &dimensions[1], &variables[3]);
-    nc_enddef(id);
-    const int starts[] = {0, 0};
-    const int counts[] = {int(points), int(points) - 1};
-    nc_put_var_int(id, variables[0], starts);
-    nc_put_var_int(id, variables[1], counts);
-    const std::size_t first = 0;
-    const short mass = 50;
-    nc_put_var1_short(id, variables[2], &first, &mass);
-    QCOMPARE(nc_close(id), NC_NOERR);
+    void takesThePresentForAMissingDate()
+    {
+        Receiver receiver;
+        const quint32 before = QDateTime::currentDateTime().toTime_t();
+        QVERIFY(import(copyFor("no-attributes").get(), &receiver));
+        QVERIFY(receiver.date >= before && receiver.date <= before + 60);
+    }
 
-    QString text;
-    QVERIFY(prototype()->canImport(nullptr, path, text));
-    const std::unique_ptr<DVImportAnalysisInterface> copy(prototype()->clone());
-    struct Counts : DVImportReceiver {
-        void analysisStarted(const DVHeader &, const float *, int) override { }
-        void scanImported(int, double, double, int points, const float *, const unsigned short *) override
-        {
-            counts += points;
+    void givesAnAccount()
+    {
+        const auto copy = copyFor("no-attributes");
+        Logger logger;
+        TLogger::setDefaultInstance(&logger);
+        QVERIFY(import(copy.get(), nullptr));
+        TLogger::setDefaultInstance(nullptr);
+        QStringList expected;
+        for (const char *line : {"nb de scans : 3", "codage de l'abondance : 28 bits", "Passage de seconds en minutes",
+                                 "durée de l'expérience : 1", "délai : 1", "interval d'échantillonage : 0.5",
+                                 "*** fin du chargement du header AIA MS ***"}) {
+            expected += QStringLiteral("200 libraries\\internal\\common\\include\\ttestingmacros 61 ") + line;
+            expected += QStringLiteral("flush");
         }
-        void progressChanged(int, int) override { }
-        QVector<int> counts;
-    } receiver;
-    copy->setReceiver(&receiver);
-    QVERIFY(copy->import(QString(), QString(), QString(), nullptr));
-    QCOMPARE(receiver.counts, (QVector<int>{0, 1 << 24}));
-}
+        QCOMPARE(logger.entries, expected);
+    }
 
-// A whole run in the middle of another, and a scan out of turn against another's table.
-void TestImportAiaMs::worksBesideAnother()
-{
-    const auto one = copyFor("no-attributes");
-    const auto other = copyFor("scaled-short");
-    struct Nested : Receiver {
-        void scanImported(int scan, double time, double total, int pointCount, const float *abundances,
-                          const unsigned short *positions) override
-        {
-            Receiver::scanImported(scan, time, total, pointCount, abundances, positions);
-            if (scan != 1)
-                return;
-            imported = inner->import(QString(), QString(), QString(), nullptr);
-            float table[] = {70.5f, 80.0f, 90.0f};
-            for (const int size : {1, 3}) { // shorter than the run's, and as long
-                float found[2] = {-1, -1};
-                unsigned short places[2] = {9, 9};
-                double otherTime = 0.0;
-                int points = 0;
-                const std::unique_ptr<float[]> part(new float[std::size_t(size)]);
-                std::copy(table, table + size, part.get());
-                unknown += QString::number(outer->importScan(2, &otherTime, size, part.get(), &points, found, places));
-                for (int i = 0; i < points; ++i)
-                    unknown += QStringLiteral(" %1@%2").arg(double(found[i])).arg(places[i]);
-                unknown += QLatin1Char(';');
+    // A whole run in the middle of another, and a scan out of turn against another's table.
+    void worksBesideAnother()
+    {
+        const auto one = copyFor("no-attributes");
+        const auto other = copyFor("scaled-short");
+        struct Nested : Receiver {
+            void scanImported(int scan, double time, double total, int pointCount, const float *abundances,
+                              const unsigned short *positions) override
+            {
+                Receiver::scanImported(scan, time, total, pointCount, abundances, positions);
+                if (scan != 1)
+                    return;
+                imported = import(inner, &innerReceiver);
+                for (const int size : {1, 3}) { // shorter than the run's, and as long
+                    std::vector<float> table = {70.5f, 80.0f, 90.0f};
+                    table.resize(std::size_t(size));
+                    table.shrink_to_fit();
+                    float found[2] = {-1, -1};
+                    unsigned short places[2] = {9, 9};
+                    double otherTime = 0.0;
+                    int points = 0;
+                    unknown +=
+                        QString::number(outer->importScan(2, &otherTime, size, table.data(), &points, found, places));
+                    for (int i = 0; i < points; ++i)
+                        unknown += QStringLiteral(" %1@%2").arg(double(found[i])).arg(places[i]);
+                    unknown += QLatin1Char(';');
+                }
             }
-        }
-        DVImportAnalysisInterface *outer = nullptr;
-        DVImportAnalysisInterface *inner = nullptr;
-        bool imported = false;
-        QString unknown;
-    } receiver;
-    receiver.outer = one.get();
-    receiver.inner = other.get();
-    one->setReceiver(&receiver);
-    Receiver innerReceiver;
-    other->setReceiver(&innerReceiver);
-    QVERIFY(one->import(QString(), QString(), QString(), nullptr));
-    QVERIFY(receiver.imported);
-    QCOMPARE(innerReceiver.scans.first(), QStringLiteral("60: 9 4@0 5@1"));
-    // 60.25 isn't in that table: no abundance, but it counts in the total.
-    QCOMPARE(receiver.unknown, QStringLiteral("48 0@0 32@0;48 0@0 32@0;"));
-    QCOMPARE(receiver.scans.last(), QStringLiteral("2: 48 16@1 32@2"));
+            DVImportAnalysisInterface *outer = nullptr;
+            DVImportAnalysisInterface *inner = nullptr;
+            Receiver innerReceiver;
+            bool imported = false;
+            QString unknown;
+        } receiver;
+        receiver.outer = one.get();
+        receiver.inner = other.get();
+        QVERIFY(import(one.get(), &receiver));
+        QVERIFY(receiver.imported);
+        QCOMPARE(receiver.innerReceiver.scans.first(), QStringLiteral("60: 9 4@0 5@1"));
+        // 60.25 isn't in that table: no abundance, but it counts in the total.
+        QCOMPARE(receiver.unknown, QStringLiteral("48 0@0 32@0;48 0@0 32@0;"));
+        QCOMPARE(receiver.scans.last(), QStringLiteral("2: 48 16@1 32@2"));
 
-    // A table for a file without masses.
-    const auto third = copyFor("flags-on-times");
-    receiver.outer = third.get();
-    receiver.unknown.clear();
-    third->setReceiver(&receiver);
-    QVERIFY(third->import(QString(), QString(), QString(), nullptr));
-    QCOMPARE(receiver.unknown, QStringLiteral("0;0;"));
-}
+        // A table for a file without masses.
+        const auto third = copyFor("flags-on-times");
+        receiver.outer = third.get();
+        receiver.unknown.clear();
+        QVERIFY(import(third.get(), &receiver));
+        QCOMPARE(receiver.unknown, QStringLiteral("0;0;"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestImportAiaMs)
 #include "tst_importaiams.moc"
