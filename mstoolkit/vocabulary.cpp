@@ -2,8 +2,6 @@
 
 #include "mstoolkit.h"
 
-#include <cctype>
-
 namespace {
 
 // Phrases of the enumerated attributes and their codes. The codes run in families, one for each kind of
@@ -109,12 +107,18 @@ constexpr MsVocabularyRow vocabulary_rows[] = {
 // clang-format on
 static_assert(std::size(vocabulary_rows) == 90);
 
+// As tolower does in the "C" locale. In others, an "I" may have another small letter.
+int lower(char character)
+{
+    return character >= 'A' && character <= 'Z' ? character - 'A' + 'a'
+                                                : static_cast<unsigned char>(character);
+}
+
 // The order of two texts, byte by byte after lower-casing; 0 if they are equal.
 int compare(const char *text, const char *other)
 {
     for (;; ++text, ++other) {
-        const int difference = std::tolower(static_cast<unsigned char>(*text))
-            - std::tolower(static_cast<unsigned char>(*other));
+        const int difference = lower(*text) - lower(*other);
         if (difference != 0 || *text == '\0')
             return difference;
     }
