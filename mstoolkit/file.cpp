@@ -6,8 +6,13 @@
 
 #include "messageloggerinterface.h"
 
+#include <QFile>
 #include <QGlobalStatic>
 #include <QHash>
+
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 // The one mutable state of the process. It owns its records. It gives null once the process has torn it
 // down: a host may destroy its plugin objects, which close their files, after that.
@@ -16,9 +21,19 @@ Q_GLOBAL_STATIC(MsFileRegistry, registry)
 
 namespace {
 
+// The library takes blanks off the beginning of a path.
+std::string exact_path(const char *path)
+{
+    const bool is_blank = *path > 0 && *path <= ' ';
+    return is_blank ? std::string("./") + path : path;
+}
+
+// A path of the file system's coding, or of Latin-1 where that can't be.
 QString shown_name(const char *path)
 {
-    return QString::fromLatin1(path).toHtmlEscaped();
+    const QString name = QFile::decodeName(path);
+    return (name.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(path) : name)
+        .toHtmlEscaped();
 }
 
 void report_damage(const char *path)
@@ -47,11 +62,14 @@ quint64 most_bytes(quint64 length)
 }
 
 // The state of a file that was just opened. Its id may have a record still, of a file that was closed
-// without the toolkit: that record stands, but nothing beside it speaks for the new file.
+// without the toolkit: that record stands, but nothing beside it speaks for the new file. Null where the
+// registry is gone.
 MsFileState *begin(int ncid)
 {
     ms_register_file(ncid);
     MsFileState *state = ms_file_state(ncid);
+    if (!state)
+        return nullptr;
     state->most_bytes = std::numeric_limits<quint64>::max();
     state->layout.reset();
     state->handle.close();
@@ -125,6 +143,10 @@ int ms_open_read(const char *path)
     if (!path || !*path)
         return -1;
 
+    std::error_code unknown;
+    const std::filesystem::file_status status = std::filesystem::status(path, unknown);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        return -1; // a pipe would be waited at for ever
     MsClassicLayout layout;
     const MsHeader header = ms_inspect_header(path, &layout);
     if (header == MsHeader::Damaged) {
@@ -132,11 +154,13 @@ int ms_open_read(const char *path)
         return -1;
     }
     ms_let_failures_return();
-    const int ncid = ncopen(path, NC_NOWRITE);
+    const int ncid = ncopen(exact_path(path).c_str(), NC_NOWRITE);
     if (ncid == -1)
         return -1;
 
     MsFileState *state = begin(ncid);
+    if (!state)
+        return give_up(ncid);
     state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
     state->most_bytes = most_bytes(layout.length);
     if (header == MsHeader::Sound) {
@@ -158,12 +182,11 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
         return -1;
 
     ms_let_failures_return();
-    const int ncid = nccreate(path, NC_CLOBBER);
+    const int ncid = nccreate(exact_path(path).c_str(), NC_CLOBBER);
     if (ncid == -1)
         return -1;
 
-    begin(ncid);
-    if (ms_define_dimensions(ncid, scan_count, instrument_count) == -1
+    if (!begin(ncid) || ms_define_dimensions(ncid, scan_count, instrument_count) == -1
         || ms_define_variables(ncid, experiment_type, mass_format, time_format, intensity_format,
                                has_mass_values, has_time_values)
             == -1)

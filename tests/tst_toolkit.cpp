@@ -10,6 +10,8 @@
 #include <cstring>
 #include <limits>
 
+#include <sys/stat.h>
+
 namespace {
 
 using Transcoded = Table<int, int, int, double, double>; // from, to, rounding, value; result
@@ -234,14 +236,17 @@ private slots:
 
         QTemporaryDir folder;
         const QByteArray path = folder.filePath(QStringLiteral("x.cdf")).toLatin1();
+        QCOMPARE(mkfifo((path + "p").constData(), 0600), 0);
+        QCOMPARE(ms_open_read((path + "p").constData()), -1);                     // doesn't wait for a writer
         QCOMPARE(ms_open_write(path.constData(), 0, 0, 0, 76, 76, 76, 1, 0), -1); // no scans
         QCOMPARE(ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 0, 0), -1); // no axis
         int id = -1;
         QCOMPARE(nc_create(path.constData(), NC_CLOBBER, &id), NC_NOERR); // the id of the two that failed
         QVERIFY(!ms_file_record(id));
         nc_close(id);
-        id = ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 1, 0);
-        QVERIFY(id != -1);
+        QVERIFY(QDir::setCurrent(folder.path()));
+        id = ms_open_write(" blank.cdf", 0, 1, 0, 76, 76, 76, 1, 0); // netCDF would leave the blank out
+        QVERIFY(id != -1 && QFile::exists(QStringLiteral(" blank.cdf")));
         QCOMPARE(ms_file_record(id)->variables[MsVar_time_values], -1);
         QCOMPARE(ms_define_variables(id, 0, 76, 76, 76, 1, 0), -1); // not in define mode any more
         QCOMPARE(ms_close(id), 0);
