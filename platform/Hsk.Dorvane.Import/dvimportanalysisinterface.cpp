@@ -4,6 +4,8 @@
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -15,6 +17,21 @@ namespace {
 // A file can claim thousands of millions of scans in a few bytes. After so many in a row without any
 // data nothing more is expected of it.
 constexpr int mostEmptyScans = 1 << 20;
+
+// The scans of a file may share their points, so that a few bytes hold days of them. No packing in use
+// makes more than 1,100 bytes of one.
+qint64 mostPoints(const QString &path)
+{
+    return 1100 * QFileInfo(path).size() + (1 << 24);
+}
+
+bool giveUp(const QString &name, const QString &reason)
+{
+    MessageLoggerInterface::Error(
+        QStringLiteral("The import of <b>%1</b> was given up: %2").arg(name.toHtmlEscaped(), reason),
+        nullptr);
+    return false;
+}
 
 // Receives what nobody wants.
 class NoReceiver : public DVImportReceiver
@@ -75,6 +92,7 @@ bool DVImportAnalysisInterface::run(const QString &name)
     // A trace is in memory already, as long as the file could hold it.
     const bool isTrace = tableSize == 0 && header->isSet(DVHeader::DetectorType);
     int empty = 0;
+    qint64 pointsLeft = mostPoints(getFileName());
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
             return false;
@@ -83,14 +101,12 @@ bool DVImportAnalysisInterface::run(const QString &name)
         const double total =
             importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
         empty = points == 0 && total == 0.0 ? empty + 1 : 0;
-        if (empty > mostEmptyScans && !isTrace) {
-            MessageLoggerInterface::Error(
-                QStringLiteral(
-                    "The import of <b>%1</b> was given up: more than %2 scans in a row are empty")
-                    .arg(name.toHtmlEscaped(), QString::number(mostEmptyScans)),
-                nullptr);
-            return false;
-        }
+        if (empty > mostEmptyScans && !isTrace)
+            return giveUp(name,
+                          QStringLiteral("more than %1 scans in a row are empty").arg(mostEmptyScans));
+        pointsLeft -= points;
+        if (pointsLeft < 0)
+            return giveUp(name, QStringLiteral("its scans have more points than the file can hold"));
         target.scanImported(scan, time, total, points, abundances.get(), positions.get());
         const int done = scan + 1;
         if (done % step == 0 || done == count)
