@@ -47,7 +47,7 @@ void DVHeader::setDate(quint32 seconds)
     setValues |= Date;
 }
 
-void DVHeader::setDevice(const char *text)
+void DVHeader::setDevice(char *text)
 {
     device = QByteArray(text);
 }
@@ -57,7 +57,7 @@ const char *DVHeader::getDevice() const
     return textOf(device);
 }
 
-void DVHeader::setExpName(const char *text)
+void DVHeader::setExpName(char *text)
 {
     expName = QByteArray(text);
 }

@@ -46,9 +46,9 @@ public:
     quint32 getDate() const { return date; }
 
     // The setters copy their Latin-1 text; null is an absent text, which reads back as null.
-    void setDevice(const char *text);
+    void setDevice(char *text);
     const char *getDevice() const;
-    void setExpName(const char *text);
+    void setExpName(char *text);
     const char *getExpName() const;
 
     // Unit of all times of the analysis.
