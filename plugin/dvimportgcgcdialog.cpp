@@ -8,7 +8,6 @@
 #include <QPushButton>
 #include <QSpacerItem>
 #include <QTextBoundaryFinder>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -52,8 +51,6 @@ DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
     question->setWordWrap(true);
 
     modulationSpin->setRange(0.0, 100.0);
-    // Selected as the dialog opens, so that typing replaces the 0.00; showing a spin box deselects it.
-    QTimer::singleShot(0, modulationSpin, &QAbstractSpinBox::selectAll);
     auto *lengthRow = new QHBoxLayout;
     lengthRow->addWidget(new QLabel(QCoreApplication::translate(
         "TApplicationTranslator", "Modulation length: ", "Période de modulation :", -1)));
@@ -77,6 +74,13 @@ DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
 }
 
 DVImportGCGCDialog::~DVImportGCGCDialog() = default;
+
+// Typing replaces the 0.00 then. Not earlier, as a spin box that is shown selects nothing.
+void DVImportGCGCDialog::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    modulationSpin->selectAll();
+}
 
 void DVImportGCGCDialog::accept()
 {

@@ -26,6 +26,9 @@ public slots:
     // Both buttons end here; the sender tells them apart.
     void accept() override;
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     QDoubleSpinBox *modulationSpin;
     QCheckBox *applyCheck;

@@ -14,6 +14,15 @@ void replaceMissing(double *value, double substitute)
         *value = substitute;
 }
 
+// Closed at the end of the block, unless its id is taken away.
+struct OpenFile {
+    explicit OpenFile(const QString &name) : id(ms_open_read(name.toLatin1().constData())) { }
+    ~OpenFile() { ms_close(id); }
+    Q_DISABLE_COPY(OpenFile)
+
+    int id;
+};
+
 } // namespace
 
 ImportAiaMs::ImportAiaMs() : DVImportParamType(QString())
@@ -62,20 +71,19 @@ bool ImportAiaMs::openFile(const QString &name)
     if (fileId != -1)
         return true;
 
-    fileId = ms_open_read(name.toLatin1().constData());
-    if (fileId == -1) {
+    OpenFile file(name);
+    if (file.id == -1) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_open_read failed!"), nullptr);
         return false;
     }
 
     releaseRecords();
-    if (ms_read_global(fileId, &admin, &sample, &test, &raw) == -1) {
+    if (ms_read_global(file.id, &admin, &sample, &test, &raw) == -1) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_read_global failed!"), nullptr);
         releaseRecords();
-        ms_close(fileId);
-        fileId = -1;
         return false;
     }
+    fileId = std::exchange(file.id, -1);
 
     replaceMissing(&raw.mass_scale_factor, 1.0);
     replaceMissing(&raw.intensity_scale_factor, 1.0);

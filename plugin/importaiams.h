@@ -53,7 +53,6 @@ private:
     double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
     double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
     double massFactor = 0.0;       // ten to the power of the table's decimals
-    MassPositions massPositions;   // of the table's masses
     double timeDivisor = 1.0;      // turns stored times into the header's unit
     double samplingInterval = 0.0; // in the header's unit
     bool applyToAll = false;       // the user's answer holds for all later files
@@ -61,6 +60,7 @@ private:
     MsSampleRecord sample;
     MsTestRecord test;
     MsRawGlobalRecord raw;
+    MassPositions massPositions; // of the table's masses
 };
 
 #endif // IMPORTAIAMS_H
