@@ -34,6 +34,10 @@ template <class T> using MsBlock = std::unique_ptr<T, MsFree>;
 // An uncleared block of `size` bytes, to be freed with ms_free.
 void *ms_alloc_bytes(std::size_t size);
 
+// The size of a dimension. Where the header leaves the number of records open, the library gives one as
+// large as can be; this is the true one. False for an absent dimension.
+bool ms_ask_length(int ncid, int dimension, std::size_t *length);
+
 // The shape of a variable, asked of netCDF anew. False for an absent one.
 bool ms_ask_shape(int ncid, int varid, MsShape *shape);
 
@@ -49,11 +53,6 @@ bool ms_is_number(nc_type type);
 // Reads elements of a variable of one dimension, with conversion to `type`. Gives a netCDF status.
 int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, qint32 type,
                      void *target);
-
-// Whether elements that were just read lie beyond the end of the file. Of one that was cut since it was
-// opened the library makes them zeros, so it takes a zero at their end to look at its length anew.
-bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count, qint32 type,
-                    const void *elements);
 
 // Bytes of an element of NC_SHORT to NC_DOUBLE; 0 for other types.
 quint32 ms_type_width(qint32 type);

@@ -11,25 +11,13 @@
 
 namespace {
 
-constexpr quint64 largest = quint64(std::numeric_limits<qint64>::max());
 constexpr quint32 dimensionTag = 0x0A;
 constexpr quint32 variableTag = 0x0B;
 constexpr quint32 attributeTag = 0x0C;
 
-// Sums and products that stop at the largest length a file can have.
-quint64 sum(quint64 a, quint64 b)
-{
-    return a > largest - std::min(b, largest) ? largest : a + b;
-}
-
-quint64 product(quint64 a, quint64 b)
-{
-    return a != 0 && b > largest / a ? largest : a * b;
-}
-
 quint64 padded(quint64 size)
 {
-    return sum(size, 3) & ~quint64(3);
+    return ms_sum(size, 3) & ~quint64(3);
 }
 
 // Bytes of an element by nc type, NC_BYTE to NC_UINT64; the last five are of CDF-5.
@@ -70,6 +58,7 @@ private:
     static bool isRecord(const Variable &variable);
     void lay(MsClassicLayout *layout) const;
     quint64 recordSize() const;
+    quint64 wholeRecords() const;
 
     std::ifstream file; // takes the bytes of a path as they are
     quint64 length = 0;
@@ -101,8 +90,13 @@ void Walk::skip(quint64 size)
         fail();
         return;
     }
-    position += std::min(size, left());
-    file.seekg(std::streamoff(position));
+    constexpr quint64 in_reach = 4096; // a seek would throw the stream's buffer away
+    size = std::min(size, left());
+    position += size;
+    if (size <= in_reach)
+        file.ignore(std::streamsize(size));
+    else
+        file.seekg(std::streamoff(position));
 }
 
 quint64 Walk::number(int bytes)
@@ -144,7 +138,7 @@ void Walk::skipAttributes()
     for (quint64 i = 0; sound && i < entries; ++i) {
         skipName();
         const quint64 width = typeWidth();
-        skip(padded(product(size(), width)));
+        skip(padded(ms_product(size(), width)));
     }
 }
 
@@ -180,7 +174,7 @@ void Walk::readVariables()
         variable.width = typeWidth();
         size(); // the stored size is only a help; the library, too, makes its own
         variable.begin = offset();
-        if (variable.begin > largest)
+        if (variable.begin > ms_largest)
             fail();
         variables.push_back(std::move(variable));
     }
@@ -196,7 +190,7 @@ quint64 Walk::elements(const Variable &variable, std::size_t first)
 {
     quint64 result = 1;
     for (std::size_t i = first; i < variable.dimensions.size(); ++i)
-        result = product(result, variable.dimensions[i]);
+        result = ms_product(result, variable.dimensions[i]);
     return result;
 }
 
@@ -209,11 +203,23 @@ quint64 Walk::recordSize() const
     for (const Variable &variable : variables) {
         if (!isRecord(variable))
             continue;
-        unpadded = product(elements(variable, 1), variable.width);
-        result = sum(result, padded(unpadded));
+        unpadded = ms_product(elements(variable, 1), variable.width);
+        result = ms_sum(result, padded(unpadded));
         ++found;
     }
     return found == 1 ? unpadded : result;
+}
+
+// The records that the file has in full.
+quint64 Walk::wholeRecords() const
+{
+    quint64 begin = length;
+    for (const Variable &variable : variables) {
+        if (isRecord(variable))
+            begin = std::min(begin, variable.begin);
+    }
+    const quint64 stride = recordSize();
+    return stride == 0 ? 0 : (length - begin) / stride;
 }
 
 void Walk::lay(MsClassicLayout *layout) const
@@ -226,7 +232,7 @@ void Walk::lay(MsClassicLayout *layout) const
         extent.begin = variable.begin;
         extent.width = variable.width;
         extent.line = elements(variable, 1);
-        const quint64 lineSize = product(extent.line, extent.width);
+        const quint64 lineSize = ms_product(extent.line, extent.width);
         extent.stride = isRecord(variable) ? stride : lineSize;
         layout->variables.push_back(extent);
 
@@ -235,7 +241,7 @@ void Walk::lay(MsClassicLayout *layout) const
                                                  : variable.dimensions.front();
         if (lines == 0 || lineSize == 0)
             continue;
-        const quint64 end = sum(sum(extent.begin, product(lines - 1, extent.stride)), lineSize);
+        const quint64 end = ms_sum(ms_sum(extent.begin, ms_product(lines - 1, extent.stride)), lineSize);
         layout->needed = std::max(layout->needed, end);
     }
 }
@@ -253,17 +259,18 @@ bool Walk::isClassic()
 bool Walk::run(MsClassicLayout *layout)
 {
     records = size();
-    // All ones: the writer left the number to be found from the file's length.
     const quint64 streaming = version == 5 ? ~quint64(0) : 0xFFFFFFFFu;
-    if (records == streaming)
-        records = 0;
+    layout->counts_records = records != streaming;
     readDimensions();
     skipAttributes();
     readVariables();
     if (!sound)
         return false;
+    if (!layout->counts_records)
+        records = wholeRecords();
+    layout->records = records;
     lay(layout);
-    return layout->needed < largest;
+    return true;
 }
 
 } // namespace

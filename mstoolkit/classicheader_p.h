@@ -6,7 +6,22 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
+#include <limits>
 #include <vector>
+
+// Sums and products that stop at the largest length a file can have.
+constexpr quint64 ms_largest = quint64(std::numeric_limits<qint64>::max());
+
+constexpr quint64 ms_sum(quint64 a, quint64 b)
+{
+    return a > ms_largest - std::min(b, ms_largest) ? ms_largest : a + b;
+}
+
+constexpr quint64 ms_product(quint64 a, quint64 b)
+{
+    return a != 0 && b > ms_largest / a ? ms_largest : a * b;
+}
 
 // Where the elements of one variable lie.
 struct MsVariableExtent {
@@ -19,7 +34,9 @@ struct MsVariableExtent {
 struct MsClassicLayout {
     std::vector<MsVariableExtent> variables; // by netCDF id
     quint64 needed = 0;                      // bytes that the file has to have
-    quint64 length = 0; // bytes that it has, of whatever kind it is; 0 if that can't be told
+    quint64 length = 0;         // bytes that it has, of whatever kind it is; 0 if that can't be told
+    quint64 records = 0;        // steps along the unlimited dimension
+    bool counts_records = true; // false: its writer left them to be found from the length
 };
 
 enum class MsHeader {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -35,6 +36,11 @@ int fetch_one(int ncid, int varid, std::size_t index, qint32 type, void *target)
     }
 }
 
+bool lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count)
+{
+    return ms_lies_beyond(ms_file_state(file.ncid), file.variables[slot], 1, &start, &count);
+}
+
 bool covers(const MsColumn &column, std::size_t start, std::size_t count, qint32 type)
 {
     return column.type == type && start >= column.first && count <= column.count
@@ -55,7 +61,7 @@ bool read_stretch(const MsFileRecord &file, int slot, std::size_t first, std::si
     const int varid = file.variables[slot];
     if (!ms_is_stored(&ms_state_of(file), varid, 1, &first, &count)
         || ms_fetch_stretch(file.ncid, varid, first, count, type, column->numbers.data()) != NC_NOERR
-        || ms_lies_beyond(file, slot, first, count, type, column->numbers.data())) {
+        || lies_beyond(file, slot, first, count)) {
         column->refuses_stretches = true;
         return false;
     }
@@ -85,6 +91,24 @@ bool follows(const MsColumn &column, std::size_t start)
     return start >= column.next && start - column.next < points_ahead;
 }
 
+template <class Whole> MsFetch put_whole(double number, void *target)
+{
+    if (!(number >= std::numeric_limits<Whole>::min() && number <= std::numeric_limits<Whole>::max()))
+        return MsFetch::None;
+    *static_cast<Whole *>(target) = Whole(number);
+    return MsFetch::Read;
+}
+
+// A stored float or double as a whole number. The library makes one of a NaN, too.
+MsFetch fetch_whole(const MsFileRecord &file, int slot, std::size_t index, qint32 type, void *target)
+{
+    double number = 0.0;
+    const MsFetch result = ms_fetch_number(file, slot, index, NC_DOUBLE, &number);
+    if (result != MsFetch::Read)
+        return result;
+    return type == NC_SHORT ? put_whole<qint16>(number, target) : put_whole<qint32>(number, target);
+}
+
 } // namespace
 
 bool ms_is_number(nc_type type)
@@ -108,14 +132,16 @@ int ms_fetch_stretch(int ncid, int varid, std::size_t start, std::size_t count, 
     }
 }
 
-bool ms_lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count, qint32 type,
-                    const void *elements)
+bool ms_ask_length(int ncid, int dimension, std::size_t *length)
 {
-    const std::size_t width = ms_type_width(type);
-    const auto *last = static_cast<const unsigned char *>(elements) + (count - 1) * width;
-    if (std::all_of(last, last + width, [](unsigned char byte) { return byte == 0; }))
-        ms_look_at_length(ms_file_state(file.ncid));
-    return !ms_is_stored(&ms_state_of(file), file.variables[slot], 1, &start, &count);
+    if (nc_inq_dimlen(ncid, dimension, length) != NC_NOERR)
+        return false;
+    const MsFileState *state = ms_file_state(ncid);
+    int unlimited = -1;
+    if (state && state->layout && !state->layout->counts_records
+        && nc_inq_unlimdim(ncid, &unlimited) == NC_NOERR && dimension == unlimited)
+        *length = std::size_t(state->layout->records);
+    return true;
 }
 
 bool ms_ask_shape(int ncid, int varid, MsShape *shape)
@@ -129,7 +155,7 @@ bool ms_ask_shape(int ncid, int varid, MsShape *shape)
     if (nc_inq_vardimid(ncid, varid, dimensions) != NC_NOERR)
         return false;
     for (int i = 0; i < shape->rank; ++i) {
-        if (nc_inq_dimlen(ncid, dimensions[i], &shape->length[i]) != NC_NOERR)
+        if (!ms_ask_length(ncid, dimensions[i], &shape->length[i]))
             return false;
     }
     return true;
@@ -163,6 +189,9 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
     if (!ms_is_number(shape.type))
         return index < shape.length[0] ? MsFetch::None : MsFetch::Failed;
 
+    if ((type == NC_SHORT || type == NC_LONG) && (shape.type == NC_FLOAT || shape.type == NC_DOUBLE))
+        return fetch_whole(file, slot, index, type, target);
+
     MsColumn *column = column_of(file, slot);
     const std::size_t first = index / scans_ahead * scans_ahead;
     if (column && read_ahead(file, slot, first, scans_ahead, index, 1, type, column)) {
@@ -173,7 +202,7 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
     const int status = fetch_one(file.ncid, file.variables[slot], index, type, target);
     if (status != NC_NOERR && status != NC_ERANGE)
         return MsFetch::Failed;
-    const bool holds = status == NC_NOERR && !ms_lies_beyond(file, slot, index, 1, type, target);
+    const bool holds = status == NC_NOERR && !lies_beyond(file, slot, index, 1);
     return holds ? MsFetch::Read : MsFetch::None;
 }
 
@@ -190,5 +219,5 @@ bool ms_fetch_points(const MsFileRecord &file, int slot, std::size_t start, std:
         }
     }
     return ms_fetch_stretch(file.ncid, file.variables[slot], start, count, type, target) == NC_NOERR
-        && !ms_lies_beyond(file, slot, start, count, type, target);
+        && !lies_beyond(file, slot, start, count);
 }

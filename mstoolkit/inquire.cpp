@@ -8,16 +8,16 @@
 namespace {
 
 // Sizes beyond 32 bits show as the largest number: readers then find the variables shorter or longer
-// than expected, and nothing wraps. The library gives some of them as negative ones.
+// than expected, and nothing wraps.
 MsDimension inquire_dimension(int ncid, const char *name, qint32 absent_size)
 {
-    constexpr long largest = std::numeric_limits<qint32>::max();
+    constexpr std::size_t largest = std::numeric_limits<qint32>::max();
     const int id = ms_find_dimension(ncid, name);
     if (id == -1)
         return {-1, absent_size};
-    long size = 0;
-    ncdiminq(ncid, id, nullptr, &size);
-    return {id, qint32(size < 0 ? largest : std::min(size, largest))};
+    std::size_t size = 0;
+    ms_ask_length(ncid, id, &size);
+    return {id, qint32(std::min(size, largest))};
 }
 
 void inquire_rows(MsFileRecord *file, const MsTable<MsVariableRow> &table)

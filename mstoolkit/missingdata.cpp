@@ -12,6 +12,12 @@ quint64 bytes_left(const MsClassicLayout &layout, const MsVariableExtent &extent
     return layout.length - std::min(layout.length, extent.begin);
 }
 
+// Whether all that the library may be asked for is there.
+bool is_whole(const MsFileState &state)
+{
+    return !state.layout || (state.layout->counts_records && ms_lacking(state) == 0);
+}
+
 } // namespace
 
 void ms_look_at_length(MsFileState *state)
@@ -34,22 +40,31 @@ quint64 ms_lacking(const MsFileState &state)
 bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
                   const std::size_t *count)
 {
-    if (!state || ms_lacking(*state) == 0)
+    if (!state || is_whole(*state))
         return true;
     const MsClassicLayout *layout = state->layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
         return false;
 
-    // The library has accepted the request's shape, and the header look its bytes as a 63-bit number.
+    // The library has accepted the request's shape, so its sums don't wrap.
     const MsVariableExtent &extent = layout->variables[std::size_t(varid)];
     const quint64 last_line = start[0] + count[0] - 1;
     const quint64 elements = rank == 1 ? 1 : start[1] + count[1];
-    return last_line * extent.stride + elements * extent.width <= bytes_left(*layout, extent);
+    return ms_sum(ms_product(last_line, extent.stride), ms_product(elements, extent.width))
+        <= bytes_left(*layout, extent);
+}
+
+bool ms_lies_beyond(MsFileState *state, int varid, int rank, const std::size_t *start,
+                    const std::size_t *count)
+{
+    if (state)
+        ms_look_at_length(state);
+    return !ms_is_stored(state, varid, rank, start, count);
 }
 
 std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count)
 {
-    if (ms_lacking(state) == 0)
+    if (is_whole(state))
         return count;
     const MsClassicLayout *layout = state.layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())

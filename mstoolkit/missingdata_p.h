@@ -5,8 +5,7 @@
 
 #include "filestate_p.h"
 
-// Takes note of a file that was cut since it was opened. The readers call it first, once each: it costs
-// two calls of the system.
+// Takes note of a file that was cut since it was opened.
 void ms_look_at_length(MsFileState *state);
 
 // Bytes that the file lacks at its end.
@@ -17,6 +16,10 @@ quint64 ms_lacking(const MsFileState &state);
 // as whole.
 bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
                   const std::size_t *count);
+
+// The opposite, for elements that were just read, after a look at the length.
+bool ms_lies_beyond(MsFileState *state, int varid, int rank, const std::size_t *start,
+                    const std::size_t *count);
 
 // How many of the first `count` elements of a variable of one dimension the file holds.
 std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count);

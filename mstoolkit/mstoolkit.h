@@ -222,7 +222,9 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
 int ms_close(int ncid);
 
 // Bytes that a file of the classic kinds, opened by ms_open_read, lacks at its end by its own header.
-// What lies there can't be read. 0 for a whole file, another kind of file, and an unknown id.
+// What lies there can't be read: a number of a scan, an entry or a group is missing then, and a text
+// null; a scan whose counts or vectors lie there fails. 0 for a whole file, another kind of file, and an
+// unknown id.
 quint64 ms_missing_bytes(int ncid);
 
 // The record of an open file, or null for an unknown id. It lives until ms_close; hold the pointer no
@@ -296,13 +298,13 @@ qint32 ms_read_enum_attribute(int ncid, int varid, const char *name);
 // Reads one text of a text variable: row `row` of a variable of two dimensions, or a variable of one
 // dimension with `row` -1. `column` is the first byte wanted (-1: 0), `width` the number of bytes, of
 // which the last one counts as terminator. Trailing blanks are cut. Gives a new text, or null where
-// it is blank, where the variable's type isn't one byte wide or its shape another, and where the
-// read fails.
+// it is blank, where the variable's type isn't one byte wide or its shape another, for a width of more
+// than 2^20, and where the read fails.
 char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width);
 
 // Writes `text` (null: blanks) to a row of `width` bytes: the text, cut to width - 1, its NUL, blanks,
 // and a NUL as last byte. Rows as above; with a `column` of 0 or more only the first byte of all that is
-// written, at that column.
+// written, at that column. -1: a place that the variable doesn't have, or a refused write.
 int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
                              const char *text);
 
@@ -634,7 +636,8 @@ int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library);
 // the entry. Either record may be null. Scans may come in any order; one that is written twice appends
 // its data twice. A null mass or time vector leaves its stretch unwritten; without a mass vector the
 // flags go to the time axis. -1 at the first refused write, with what was written so far left in the
-// file; before anything is written for a negative scan_number, and for points without intensity_values.
+// file; before anything is written for a negative scan_number, for points without intensity_values, flags
+// without flagged_peaks or flag_values, and points that would end beyond position 2^31 - 1.
 int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord *library);
 
 // ---------------------------------------------------------------------------------------------------
@@ -644,13 +647,15 @@ int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord 
 // Adds the distinct masses of a run to `masses`, as keys: stored value x scale x 10^decimals, rounded.
 // At 65535 keys a decimal is given up: the keys are cut to a tenth, `*decimals` sinks by one; at -1 the
 // census stops. `*decimals` goes in with the number wanted and comes out with that of the keys. A run
-// without masses gives 0 and changes nothing. -1: unknown id, or masses that can't be read whole; set
-// and `*decimals` are unchanged. Reads in stretches, so memory doesn't grow with the run.
+// without masses gives 0 and changes nothing, and of a file that is cut off those count that it has. -1:
+// unknown id, or masses that can't be read; set and `*decimals` are unchanged. Reads in stretches, so
+// memory doesn't grow with the run.
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale);
 
 // Hands out total_intensity and, where `times` isn't null, scan_acquisition_time of all scans, as new
 // arrays of `scan_count` numbers; scan_count has to be the size of scan_number. -1: a count below 1,
-// an absent variable or one with another number of elements; nothing is handed out then.
+// an absent variable or one with another number of elements, or one of which a file that is cut off has
+// nothing; nothing is handed out then. Numbers beyond the end of such a file are missing values.
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times);
 
 // ---------------------------------------------------------------------------------------------------

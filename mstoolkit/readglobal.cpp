@@ -111,7 +111,8 @@ int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *re
         return -1;
 
     if (attribute.type == NC_CHAR) {
-        if (!fetch_text(file.ncid, attribute, buffer))
+        constexpr std::size_t longest_text = 1 << 29; // that QVariant can hold
+        if (attribute.length > longest_text || !fetch_text(file.ncid, attribute, buffer))
             return -1;
         if (row.enumerated)
             ms_field<qint32>(record, row.field) = ms_enum_code(buffer->data());
@@ -148,8 +149,8 @@ int read_table(const MsFileRecord &file, const MsTable<MsAttributeRow> &table, v
 // The record has room for one line: the first one that isn't blank.
 int read_error_log(const MsFileRecord &file, MsAdminRecord *admin)
 {
-    // A file may claim more lines than anybody would wait for.
-    constexpr qint32 lines_looked_at = 1000;
+    // A file may claim more lines, and more bytes in them, than anybody would wait for.
+    constexpr quint64 lines_looked_at = 1000;
 
     const MsVariableRow &row = *ms_error_table.begin();
     const MsPresence presence = ms_check_variable(file, row);
@@ -159,8 +160,10 @@ int read_error_log(const MsFileRecord &file, MsAdminRecord *admin)
     admin->error_log = nullptr;
     if (presence == MsPresence::Absent)
         return 0;
-    const qint32 lines = std::min(file.dimensions[row.dims[0]].size, lines_looked_at);
     const qint32 width = file.dimensions[row.dims[1]].size;
+    const quint64 lines_held = ms_state_of(file).most_bytes / quint64(std::max(width, 1));
+    const auto lines =
+        qint32(std::min({quint64(file.dimensions[row.dims[0]].size), lines_looked_at, lines_held}));
     for (qint32 i = 0; i < lines && !admin->error_log; ++i)
         admin->error_log = ms_read_string_variable(file.ncid, ms_variable(file, row), i, -1, width);
     return 0;

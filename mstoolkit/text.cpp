@@ -10,6 +10,10 @@
 
 namespace {
 
+// No text of the template has more than 255 bytes. A file of the newer kinds may claim any number of
+// bytes that were never written.
+constexpr qint32 widest_text = 1 << 20;
+
 bool is_one_byte_wide(nc_type type)
 {
     return type == NC_CHAR || type == NC_BYTE || type == NC_UBYTE;
@@ -39,18 +43,18 @@ bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 size, Text
     return place->first_byte() + std::size_t(size) <= shape.length[shape.rank - 1];
 }
 
-// The bytes of a text up to its first NUL, at most width - 1 of them. Pieces keep a row that claims a
-// gigantic width from being brought into memory whole.
+// The bytes of a text up to its first NUL, at most width - 1 of them. In pieces, as most texts are short.
 bool fetch_text(int ncid, int varid, TextPlace place, qint32 width, std::string *text)
 {
     constexpr std::size_t piece = 4096;
+    MsFileState *state = ms_file_state(ncid);
     std::size_t left = std::size_t(width) - 1;
     std::vector<char> buffer(std::min(left, piece));
     while (left > 0) {
         const std::size_t size = std::min(left, piece);
         const std::size_t count[2] = {place.rank == 1 ? size : 1, size};
-        if (!ms_is_stored(ms_file_state(ncid), varid, place.rank, place.start, count)
-            || nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR)
+        if (nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR
+            || ms_lies_beyond(state, varid, place.rank, place.start, count))
             return false;
         const auto end = buffer.begin() + std::ptrdiff_t(size);
         const auto nul = std::find(buffer.begin(), end, '\0');
@@ -86,7 +90,7 @@ char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qi
     ms_let_failures_return();
     TextPlace place;
     std::string text;
-    if (!find_text(ncid, varid, row, column, width, &place)
+    if (width > widest_text || !find_text(ncid, varid, row, column, width, &place)
         || !fetch_text(ncid, varid, place, width, &text))
         return nullptr;
 

@@ -37,7 +37,7 @@ void numbers_to_text(MsTimestamp *stamp)
 
 int text_to_numbers(MsTimestamp *stamp)
 {
-    if (!stamp->text || std::strlen(stamp->text) < stamp_length)
+    if (!stamp->text || strnlen(stamp->text, stamp_length) < stamp_length)
         return -1;
     for (const StampRow &row : stamp_rows)
         stamp->*row.field = ms_digits_to_int(stamp->text, row.offset, row.count);

@@ -113,7 +113,7 @@ std::size_t count_elements(int ncid, int varid)
     std::size_t count = 1;
     for (int i = 0; i < rank; ++i) {
         std::size_t length = 0;
-        if (nc_inq_dimlen(ncid, dimensions[std::size_t(i)], &length) != NC_NOERR || length == 0
+        if (!ms_ask_length(ncid, dimensions[std::size_t(i)], &length) || length == 0
             || count > std::numeric_limits<std::size_t>::max() / length)
             return 0;
         count *= length;

@@ -33,7 +33,8 @@ bool writeRun(const QString &path, int points)
     return ms_close(id) == 0 && written;
 }
 
-using Cut = Table<bool, int, int>; // in the fixed layout; bytes that are missing, scans that are left
+using Cut = Table<bool, int, int>;    // in the fixed layout; bytes that are missing, scans that are left
+using CutWhileOpen = Table<int, int>; // points of a scan; bytes that are missing then
 
 } // namespace
 
@@ -113,19 +114,39 @@ private slots:
     }
 
     // Of a run so long that nobody holds its end already.
+    void noticesACutWhileOpen_data()
+    {
+        const CutWhileOpen row;
+        row("longer than the library's block", 50000, 1000);
+        row("read ahead with others", 7000, 1000);
+        row("in the middle of an element", 7000, 2);
+    }
     void noticesACutWhileOpen()
     {
-        for (const int points : {50000, 7000}) { // longer than the library's block; read ahead with others
-            const QString path = folder.filePath(QStringLiteral("long.cdf"));
-            QVERIFY(writeRun(path, points));
-            openPath(path);
-            QVERIFY(QFile::resize(path, QFileInfo(path).size() - 1000));
-            for (int number = 0; number < scanCount; ++number) {
-                ReadScan scan(number);
-                QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
-            }
-            QCOMPARE(ms_missing_bytes(id), quint64(1000));
+        const auto [points, missing] = CutWhileOpen::row();
+        const QString path = folder.filePath(QStringLiteral("long.cdf"));
+        QVERIFY(writeRun(path, points));
+        openPath(path);
+        QVERIFY(QFile::resize(path, QFileInfo(path).size() - missing));
+        for (int number = 0; number < scanCount; ++number) {
+            ReadScan scan(number);
+            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
         }
+        QCOMPARE(ms_missing_bytes(id), quint64(missing));
+    }
+
+    // All ones: the file's length tells the number.
+    void findsRecordsThatNobodyCounted()
+    {
+        QByteArray bytes = unlimited.left(unlimited.size() - pointCount * 8);
+        qToBigEndian(0xffffffffu, bytes.data() + 4);
+        openBytes(bytes);
+        QCOMPARE(ms_file_record(id)->dimensions[MsDim_point_number].size, (scanCount - 1) * pointCount);
+        for (int number = 0; number < scanCount; ++number) {
+            ReadScan scan(number);
+            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
+        }
+        QCOMPARE(Census(id).keys, (QSet<qint32>{100, 200, 300}));
     }
 
     void refusesCutHeaders()

@@ -83,6 +83,7 @@ private slots:
         row("error-log", "status=0 log=\"second~line\"");
         row("error-log-rank-1", "status=-1 scans=0");
         row("error-log-numeric", "status=0 log=-");
+        row("gigantic-text", "status=0 log=-");
         row("int64-attribute", "status=-1");
         row("instruments", "status=0 instruments=2");
         row("no-scan-number", "status=0 scans=6");
@@ -211,6 +212,7 @@ private slots:
         row("groups", 2, 0, "3 0;50,60.25,70.5,-9999,-9999;0.1,0.2,0.3,-9999,-9999;-9999,-9999,-9999,-9999,-9999");
         row("groups-without-count", 2, 0,
             "-9999 0;-9999,-9999,-9999,-9999,-9999;-9999,-9999,-9999,-9999,-9999;-9999,-9999,-9999,-9999,-9999");
+        row("groups-no-masses", 2, 0, "0 3;;;");
         row("groups-rank-1", 2, -1, "0 0;-;-;-");
         row("no-attributes", 0, -1, "-9999 -9999;-;-;-");
     }

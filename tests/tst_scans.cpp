@@ -74,6 +74,7 @@ private slots:
         row("flags-without-axis", 0, -1, "1 1 60;-;-;1;-;-");
         row("flags-without-axis", 1, 0, "2 0 90;-;-;4,8;-;-");
         row("float-times", 0, 0, "2 0 60.1;50,60.25;-;1,2;-;-");
+        row("float-times", 2, -1, "0 0 120.3;-;-;-;-;-");
         row("no-scan-index", 0, -1, "0 0 60;-;-;-;-;-");
         row("scan-index-rank-2", 0, -1, "0 0 60;-;-;-;-;-");
         row("mass-values-rank-2", 0, -1, "2 0 60;-;-;-;-;-");
@@ -122,6 +123,9 @@ private slots:
         QCOMPARE(int(scan.a_d_coaddition_factor), -9999);
         QCOMPARE(scan.resolution, 0.0);
         QCOMPARE(scan.scan_duration, -9999.0); // characters
+        scan.scan_number = 2;
+        QCOMPARE(ms_read_scan_header(id, &scan), 0);
+        QCOMPARE(scan.actual_scan_number, -9999); // nor has a NaN
         scan.scan_number = 0;
         QCOMPARE(ms_read_scan_header(id, &scan), 0);
         QCOMPARE(scan.actual_scan_number, 1);
