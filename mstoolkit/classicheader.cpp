@@ -6,8 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <fstream>
-#include <limits>
+#include <utility>
 
 namespace {
 

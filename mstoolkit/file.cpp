@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
 
 // The one mutable state of the process. It owns its records. It gives null once the process has torn it
 // down: a host may destroy its plugin objects, which close their files, after that.

@@ -2,6 +2,8 @@
 
 #include "mstoolkit.h"
 
+#include <iterator>
+
 namespace {
 
 // clang-format off

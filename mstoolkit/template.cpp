@@ -2,6 +2,8 @@
 
 #include "mstoolkit.h"
 
+#include <iterator>
+
 namespace {
 
 // Row order is the order of definition in a new file, of reading and of messages.

@@ -2,8 +2,8 @@
 
 #include "access_p.h"
 
+#include <iterator>
 #include <limits>
-#include <new>
 
 namespace {
 

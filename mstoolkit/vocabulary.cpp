@@ -2,6 +2,8 @@
 
 #include "mstoolkit.h"
 
+#include <iterator>
+
 namespace {
 
 // Phrases of the enumerated attributes and their codes. The codes run in families, one for each kind of

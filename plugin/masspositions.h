@@ -9,6 +9,7 @@
 
 #include <QtGlobal>
 
+#include <cstddef>
 #include <vector>
 
 class MassPositions

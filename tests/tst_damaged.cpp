@@ -9,6 +9,7 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include <cstddef>
 #include <vector>
 
 namespace {

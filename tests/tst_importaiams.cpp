@@ -13,6 +13,7 @@
 #include <QPluginLoader>
 #include <QtTest>
 
+#include <ctime>
 #include <memory>
 #include <vector>
 

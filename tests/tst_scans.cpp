@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <cstddef>
 #include <numeric>
 #include <vector>
 

@@ -12,7 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iterator>
-#include <memory>
+#include <optional>
 
 namespace {
 

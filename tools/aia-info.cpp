@@ -16,6 +16,7 @@
 
 #include <cstdio>
 #include <new>
+#include <optional>
 
 namespace {
 

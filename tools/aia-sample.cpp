@@ -1,6 +1,8 @@
 // Makes sample files: what an instrument could have measured, the same for the same seed.
 
 #include "samplefile.h"
+#include "sampleoptions.h"
+#include "samplerun.h"
 #include "samplespectrum.h"
 #include "standardoptions.h"
 

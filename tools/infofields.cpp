@@ -2,6 +2,8 @@
 
 #include <QLocale>
 
+#include <cstddef>
+
 namespace {
 
 constexpr int longest_attribute = 1000;

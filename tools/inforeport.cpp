@@ -4,6 +4,8 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace {
 

@@ -5,6 +5,7 @@
 
 #include <QFile>
 
+#include <cstddef>
 #include <vector>
 
 class DVHeader;

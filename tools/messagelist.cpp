@@ -2,6 +2,8 @@
 
 #include "terminaltext.h"
 
+#include <algorithm>
+
 namespace {
 
 QString label(MessageList::Level level)

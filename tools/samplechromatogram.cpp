@@ -4,6 +4,8 @@
 
 #include "samplecompounds.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr double first_index = 700.0;

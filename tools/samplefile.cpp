@@ -3,14 +3,19 @@
 #include "samplefile.h"
 
 #include "messageloggerinterface.h"
+#include "samplerecords.h"
+#include "samplerun.h"
 #include "samplespectrum.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <memory>
 #include <type_traits>
+#include <vector>
 
 namespace {
 

@@ -2,8 +2,7 @@
 #ifndef SAMPLEFILE_H
 #define SAMPLEFILE_H
 
-#include "samplerecords.h"
-#include "samplerun.h"
+#include "sampleoptions.h"
 
 #include <QString>
 

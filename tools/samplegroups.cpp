@@ -6,6 +6,7 @@
 #include "samplespectrum.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "samplerecords.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 namespace {

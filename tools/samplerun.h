@@ -8,6 +8,7 @@
 #include "samplescan.h"
 
 #include <memory>
+#include <vector>
 
 class SampleRun
 {

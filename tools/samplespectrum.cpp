@@ -5,6 +5,7 @@
 #include "samplecompounds.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 namespace {

@@ -5,6 +5,7 @@
 #include "samplerandom.h"
 #include "samplescan.h"
 
+#include <cstddef>
 #include <vector>
 
 constexpr int sample_mass_min = 33;

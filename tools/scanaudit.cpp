@@ -4,6 +4,9 @@
 #include "messagelist.h"
 #include "mstoolkit.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace {
 
 constexpr std::size_t namedScans = 10;
