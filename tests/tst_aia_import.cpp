@@ -130,25 +130,14 @@ private slots:
     {
         const Run result = run({"--json", "-", fixture("import-odd-scans")});
         QCOMPARE(result.code, 1); // a scan couldn't be read
-        const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + '"';
-        QVERIFY(result.out.startsWith(head));
-        QCOMPARE(
-            result.out.mid(head.size()),
-            QByteArray(R"(,"header":{"scanCount":4,"modulation":0.0,"abundanceBits":28,"abundanceCoefficient":null,)"
-                       R"("date":1190524080,"device":null,"experimentName":"Café \"5\\6\"\u0009<1>",)"
-                       R"("retentionUnit":"minutes","runLength":0.30000000000000004,"delay":0.1,)"
-                       R"("samplingInterval":0.10000000000000002,"detectorType":512},)"
-                       R"("massTable":[50.099998474121094,60.0],"scans":[)"
-                       R"({"time":0.1,"total":0.1,"positions":[0,1],"abundances":[-0.0,0.10000000149011612]},)"
-                       R"({"time":0.2,"total":0.0,"positions":[],"abundances":[]},)"
-                       R"({"time":0.3,"total":null,"positions":[0,1],"abundances":[null,1e999]},)"
-                       R"({"time":0.4,"total":0.0,"positions":[],"abundances":[]}]})"
-                       "\n"));
+        const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + "\",";
+        QCOMPARE(result.out, head + content(QStringLiteral(AIA_TEST_SOURCES "/expected/import-odd-scans.json")));
     }
 
     void summary_data()
     {
         const auto row = [table = Summary()](const QString &file, const QByteArray &line) { table(line, file); };
+        row("import-odd-scans", "Title: +Caf. \"5\\\\6\"\\?<1>"); // of a control character
         row("import-odd-scans", "Date: +2007-09-23T05:08:00Z");
         row("import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1");
         row("import-odd-scans", "Points read: +4");

@@ -89,6 +89,7 @@ private slots:
         row("table", "info-library", "    mass  intensity\n    50.1         10\n      60        nan\n");
         row("missing number", "info-library", "        77              -         0.1\n");
         row("other template", "info-chromatogram", "not AIA MS, but AIA for chromatography\n");
+        row("nothing", "info-chromatogram", "stored_as: (nothing)\n");
         row("lack", "info-chromatogram", "  - dimension scan_number: there are no scans\n");
         row("what is there all the same", "info-chromatogram", "experiment_title: Caffeine\n");
     }

@@ -59,7 +59,7 @@ bool print(const InfoNode &report, Format format)
 
 int show(const QString &path, const CommandLine &line)
 {
-    // netCDF takes some names for addresses of a server, and would wait at a pipe.
+    // netCDF takes some names for addresses of a server.
     const QFileInfo info(path);
     if (!info.exists())
         return fail(path, "there is no such file");

@@ -1,0 +1,20 @@
+# Whether a test runs all functions of its source. The meta-object compiler may lose some without a word, for
+# example behind a raw string with braces in it. Wants TEST (the program) and SOURCE.
+file(STRINGS ${SOURCE} lines)
+set(declared)
+set(in_slots FALSE)
+foreach(line IN LISTS lines)
+    if(line MATCHES "^private slots:")
+        set(in_slots TRUE)
+    elseif(in_slots AND line MATCHES "^    void ([A-Za-z0-9]+)\\(\\)")
+        list(APPEND declared ${CMAKE_MATCH_1})
+    endif()
+endforeach()
+list(FILTER declared EXCLUDE REGEX "_data$|^init$|^cleanup$|^initTestCase$|^cleanupTestCase$")
+
+execute_process(COMMAND ${TEST} -functions OUTPUT_VARIABLE known COMMAND_ERROR_IS_FATAL ANY)
+foreach(function IN LISTS declared)
+    if(NOT known MATCHES "(^|\n)${function}\\(\\)")
+        message(SEND_ERROR "${TEST} doesn't run ${function}")
+    endif()
+endforeach()
