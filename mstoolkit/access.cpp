@@ -89,8 +89,6 @@ int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, 
         return -1;
     const std::size_t start[2] = {std::size_t(line), 0};
     const std::size_t count[2] = {1, std::size_t(width)};
-    if (width == 0)
-        return 0;
     if (start[0] >= shape.length[0] || count[1] > shape.length[1]
         || !ms_is_stored(&ms_state_of(file), file.variables[slot], 2, start, count))
         return -1;

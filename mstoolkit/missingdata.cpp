@@ -12,12 +12,6 @@ quint64 bytes_left(const MsClassicLayout &layout, const MsVariableExtent &extent
     return layout.length - std::min(layout.length, extent.begin);
 }
 
-// Whether all that the library may be asked for is there.
-bool is_whole(const MsFileState &state)
-{
-    return !state.layout || (state.layout->counts_records && ms_lacking(state) == 0);
-}
-
 } // namespace
 
 void ms_look_at_length(MsFileState *state)
@@ -40,7 +34,7 @@ quint64 ms_lacking(const MsFileState &state)
 bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
                   const std::size_t *count)
 {
-    if (!state || is_whole(*state))
+    if (!state || ms_lacking(*state) == 0)
         return true;
     const MsClassicLayout *layout = state->layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
@@ -64,7 +58,7 @@ bool ms_lies_beyond(MsFileState *state, int varid, int rank, const std::size_t *
 
 std::size_t ms_stored_elements(const MsFileState &state, int varid, std::size_t count)
 {
-    if (is_whole(state))
+    if (ms_lacking(state) == 0)
         return count;
     const MsClassicLayout *layout = state.layout.get();
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())

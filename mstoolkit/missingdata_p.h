@@ -12,7 +12,7 @@ void ms_look_at_length(MsFileState *state);
 quint64 ms_lacking(const MsFileState &state);
 
 // Whether the file reaches to the last element of a request, given like those of netCDF, with `rank`
-// (1 or 2) elements in each vector and nothing in it empty. `state` may be null: an unknown file counts
+// (1 or 2) elements in each vector, the count of lines not 0. `state` may be null: an unknown file counts
 // as whole.
 bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size_t *start,
                   const std::size_t *count);
