@@ -20,22 +20,6 @@ MsColumn *column_of(const MsFileRecord &file, int slot)
     return state.columns ? &state.columns[std::size_t(slot)] : nullptr;
 }
 
-int fetch_one(int ncid, int varid, std::size_t index, qint32 type, void *target)
-{
-    switch (type) {
-    case NC_SHORT:
-        return nc_get_var1_short(ncid, varid, &index, static_cast<qint16 *>(target));
-    case NC_LONG:
-        return nc_get_var1_int(ncid, varid, &index, static_cast<qint32 *>(target));
-    case NC_FLOAT:
-        return nc_get_var1_float(ncid, varid, &index, static_cast<float *>(target));
-    case NC_DOUBLE:
-        return nc_get_var1_double(ncid, varid, &index, static_cast<double *>(target));
-    default:
-        return NC_EBADTYPE;
-    }
-}
-
 bool lies_beyond(const MsFileRecord &file, int slot, std::size_t start, std::size_t count)
 {
     return ms_lies_beyond(ms_file_state(file.ncid), file.variables[slot], 1, &start, &count);
@@ -199,7 +183,7 @@ MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, q
         return MsFetch::Read;
     }
 
-    const int status = fetch_one(file.ncid, file.variables[slot], index, type, target);
+    const int status = ms_fetch_stretch(file.ncid, file.variables[slot], index, 1, type, target);
     if (status != NC_NOERR && status != NC_ERANGE)
         return MsFetch::Failed;
     const bool holds = status == NC_NOERR && !lies_beyond(file, slot, index, 1);

@@ -62,7 +62,6 @@ PASS_ON(ncredef, refused, (int id), (id))
 PASS_ON(ncendef, refused, (int id), (id))
 PASS_ON(ncdimdef, refused, (int id, const char *name, long size), (id, name, size))
 PASS_ON(ncdimid, refused, (int id, const char *name), (id, name))
-PASS_ON(ncdiminq, refused, (int id, int dim, char *name, long *size), (id, dim, name, size))
 PASS_ON(ncvardef, refused, (int id, const char *name, int type, int rank, const int *dims),
         (id, name, type, rank, dims))
 PASS_ON(ncvarid, refused, (int id, const char *name), (id, name))
@@ -90,8 +89,6 @@ PASS_ON_VARA(nc_get_vara_short, short)
 PASS_ON_VARA(nc_get_vara_int, int)
 PASS_ON_VARA(nc_get_vara_float, float)
 PASS_ON_VARA(nc_get_vara_double, double)
-PASS_ON(nc_get_var1_double, anError, (int id, int var, const Size *at, double *to), (id, var, at, to))
-PASS_ON(nc_get_var1_int, anError, (int id, int var, const Size *at, int *to), (id, var, at, to))
 PASS_ON(nc_get_var_double, anError, (int id, int var, double *to), (id, var, to))
 
 // A failing close closes all the same, as the library's does.
