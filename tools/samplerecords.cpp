@@ -8,14 +8,6 @@
 
 namespace {
 
-// Codes of the vocabulary.
-constexpr qint32 liquid_state = 4;
-constexpr qint32 solid_state = 3;
-constexpr qint32 gas_liquid_chromatography = 9;
-constexpr qint32 capillary_direct = 24;
-constexpr qint32 mass_scan = 64;
-constexpr qint32 selected_ion_detection = 65;
-constexpr qint32 total_counts = 84;
 constexpr qint32 no_code = -1;
 
 template <class Record> struct TextRow {
@@ -66,14 +58,14 @@ constexpr struct {
 constexpr struct {
     SampleKind kind;
     const char *title;
-    qint32 scan_function;
+    const char *scan_function; // of the vocabulary; null: none
     float scan_time; // seconds
 } kinds[] = {
-    {SampleKind::Gcms,    "GC-MS of a calibration mix",            mass_scan,              0.55f},
-    {SampleKind::Gcxgc,   "GCxGC-MS of a calibration mix, 4 s modulation", mass_scan,      0.01f},
-    {SampleKind::Tic,     "Total ion chromatogram of a calibration mix", no_code,          0.55f},
-    {SampleKind::Library, "Library of a calibration mix",          mass_scan,              0.55f},
-    {SampleKind::Sim,     "Selected ions of a calibration mix",    selected_ion_detection, 0.50f},
+    {SampleKind::Gcms,    "GC-MS of a calibration mix",                     "Mass Scan",              0.55f},
+    {SampleKind::Gcxgc,   "GCxGC-MS of a calibration mix, 4 s modulation",  "Mass Scan",              0.01f},
+    {SampleKind::Tic,     "Total ion chromatogram of a calibration mix",    nullptr,                  0.55f},
+    {SampleKind::Library, "Library of a calibration mix",                   "Mass Scan",              0.55f},
+    {SampleKind::Sim,     "Selected ions of a calibration mix",             "Selected Ion Detection", 0.50f},
 };
 
 constexpr TextRow<MsInstrumentRecord> components[sample_component_count][10] = {
@@ -117,8 +109,8 @@ void describe_raw_data(const SampleOptions &options, const SampleScales &scales,
     raw->raw_data_mass_format = options.mass_format;
     raw->raw_data_time_format = options.time_format;
     raw->raw_data_intensity_format = options.intensity_format;
-    raw->intensity_units = total_counts;
-    raw->total_intensity_units = total_counts;
+    raw->intensity_units = ms_enum_code("Total Counts");
+    raw->total_intensity_units = raw->intensity_units;
     raw->intensity_scale_factor = scales.intensity;
     raw->intensity_add_offset = 0.0;
     raw->intensity_long_name = texts->keep("Abundance");
@@ -158,14 +150,14 @@ void describe_sample(const SampleOptions &options, const SampleScales &scales, S
     admin->number_of_times_calibrated = 1;
 
     fill_texts(sample_texts, texts, sample);
-    sample->sample_state = options.is_library() ? solid_state : liquid_state;
+    sample->sample_state = ms_enum_code(options.is_library() ? "Solid" : "Liquid");
 
     fill_texts(test_texts, texts, test);
     for (const auto &row : test_numbers)
         test->*row.field = row.value;
-    test->test_separation_type = gas_liquid_chromatography;
-    test->test_ms_inlet = capillary_direct;
-    test->test_scan_function = kind.scan_function;
+    test->test_separation_type = ms_enum_code("Gas-Liquid Chromatography");
+    test->test_ms_inlet = ms_enum_code("Capillary Direct");
+    test->test_scan_function = ms_enum_code(kind.scan_function);
     test->test_scan_time = kind.scan_time;
 
     describe_raw_data(options, scales, texts, raw);
