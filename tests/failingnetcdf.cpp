@@ -77,6 +77,7 @@ PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size
         (id, var, name, type, length))
 PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, dim))
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
+PASS_ON(nc_inq_unlimdim, anError, (int id, int *dim), (id, dim))
 PASS_ON(nc_inq_vardimid, anError, (int id, int var, int *dims), (id, var, dims))
 PASS_ON(nc_inq_varndims, anError, (int id, int var, int *rank), (id, var, rank))
 

@@ -17,7 +17,7 @@ const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
 
 using Refusal = Table<QString, QByteArray>;   // file; what is said of it
 using Usage = Table<QStringList, int>;        // arguments; status
-using Summary = Table<QString>;               // file, whose summary has the line that the row is named after
+using Summary = Table<QStringList>;           // lines, of a run with modulations of 60 s
 using Copy = Table<QString, int, QByteArray>; // file, bytes that are missing; what is said of it
 
 // What the program itself says, without the account that the plugin gives of a run.
@@ -77,7 +77,6 @@ private slots:
         if (namesAreUtf8)
             row("another file's name", otherFile, "netCDF can't find it");
         row("no scans", fixture("chromatogram"), "no dimension \"scan_number\"");
-        row("nothing of the template", fixture("no-axes"), "\"scan_number\"");
         row("attributes", fixture("error-log-rank-1"), "loading \"error_log\"");
     }
     void refusal()
@@ -136,28 +135,26 @@ private slots:
 
     void summary_data()
     {
-        const auto row = [table = Summary()](const QString &file, const QByteArray &line) { table(line, file); };
-        row("import-odd-scans", "Title: +Caf. \"5\\\\6\"\\?<1>"); // of a control character
-        row("import-odd-scans", "Date: +2007-09-23T05:08:00Z");
-        row("import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1");
-        row("import-odd-scans", "Points read: +4");
-        row("import-odd-scans", "Scans not read: +1 \\(.* 3\\)"); // the empty one isn't among them
-        row("total-ion", "Scans not read: +1 \\(.* 2\\)");
-        row("total-ion-no-intensity", "Scans not read: +3, as .*");
-        row("gcgc", "Modulation length: +60 s");
-        row("gcgc", "Scans in a modulation: +2"); // of half a minute
-        row("gcgc", "Modulations: +2");
-        row("gcgc", "Second-dimension step: +30 s");
-        row("gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)");
-        row("gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)");
+        const Summary row;
+        row("import-odd-scans",
+            {"Title: +Caf. \"5\\\\6\"\\?<1>", // of a control character
+             "Date: +2007-09-23T05:08:00Z", "Masses: +2, from 50.1 to 60, on a grid of 0.1", "Points read: +4",
+             "Scans not read: +1 \\(.* 3\\)"}); // the empty one isn't among them
+        row("total-ion", {"Scans not read: +1 \\(.* 2\\)"});
+        row("total-ion-no-intensity", {"Scans not read: +3, as .*"});
+        row("gcgc",
+            {"Modulation length: +60 s", "Scans in a modulation: +2", "Modulations: +2", "Second-dimension step: +30 s",
+             "Detector type: +GCxGC, mass spectra \\(2048\\)"});
+        row("gcgc-total-ion", {"Detector type: +GCxGC, total ion \\(1792\\)"});
     }
     void summary()
     {
-        const auto [file] = Summary::row();
-        const Run result = run({"--gcxgc", "60", fixture(file)});
-        const QRegularExpression expected(QStringLiteral("^%1$").arg(QTest::currentDataTag()),
-                                          QRegularExpression::MultilineOption);
-        QVERIFY2(expected.match(QString::fromUtf8(result.out)).hasMatch(), result.out);
+        const auto [lines] = Summary::row();
+        const QString printed = QString::fromUtf8(run({"--gcxgc", "60", fixture(QTest::currentDataTag())}).out);
+        for (const QString &line : lines)
+            QVERIFY2(
+                QRegularExpression('^' + line + '$', QRegularExpression::MultilineOption).match(printed).hasMatch(),
+                qPrintable(line + '\n' + printed));
     }
 
     void interruptedCopy_data()
@@ -167,7 +164,6 @@ private slots:
         row("last scan", "gcms_float", 1, "read: 1 (counted from 0: number 4)");
         row("all masses", "gcms_float", 120, "masses could not be read");
         row("no scan", "instruments", 1, "in full; the file is cut off");
-        row("masses out of shape", "mass-values-rank-2", 0, "masses could not be read");
     }
     void interruptedCopy()
     {

@@ -1,17 +1,14 @@
 // Each netCDF call fails in turn, over a file with everything in it.
 
-#include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
 #include "failingnetcdf.h"
 #include "messageloggerinterface.h"
+#include "plugin.h"
 #include "program.h"
 #include "records.h"
 
-#include <QPluginLoader>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <memory>
 
 namespace {
 
@@ -31,7 +28,7 @@ struct Counts : DVImportReceiver {
 
 } // namespace
 
-class TestFailures : public QObject
+class TestFailures : public QObject, private Plugin
 {
     Q_OBJECT
 
@@ -85,18 +82,14 @@ class TestFailures : public QObject
 
     bool importAll(Counts *counts)
     {
-        auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
-        QString text;
-        const bool can = prototype->canImport(nullptr, QString::fromLatin1(good), text);
-        const std::unique_ptr<DVImportAnalysisInterface> copy(prototype->clone());
-        copy->setReceiver(counts);
-        return can && copy->import(QString(), QString(), QString(), nullptr);
+        const bool can = canImport(QString::fromLatin1(good));
+        const Copy copy = clone();
+        return can && import(copy.get(), counts);
     }
 
     QTemporaryDir folder;
     QByteArray good;
     int id = -1;
-    QPluginLoader loader{QStringLiteral(AIA_PLUGIN)};
 
 private slots:
     void initTestCase()

@@ -1,8 +1,7 @@
 // The question for the modulation length, driven by mouse and keyboard as a user does it, through the
 // plugin as the host loads it.
 
-#include "dvimportanalysisinterface.h"
-#include "dvimportparamtype.h"
+#include "plugin.h"
 #include "program.h"
 #include "table.h"
 
@@ -10,7 +9,6 @@
 #include <QtWidgets>
 
 #include <functional>
-#include <memory>
 
 namespace {
 
@@ -51,19 +49,15 @@ using FileName = Table<QString>;
 
 } // namespace
 
-class TestGcgcDialog : public QObject
+class TestGcgcDialog : public QObject, private Plugin
 {
     Q_OBJECT
-
-    QPluginLoader loader{AIA_PLUGIN};
-    DVImportAnalysisInterface *prototype = nullptr;
-    DVImportParamType *parameters = nullptr;
 
     // Asks about `path`, or once more about the open file; `user` gets the dialog. Gives the number of
     // dialogs that opened.
     int ask(const QString &path, const std::function<void(QDialog *)> &user)
     {
-        if (!path.isEmpty() && !parameters->reopenForFile(path))
+        if (!path.isEmpty() && !parameters()->reopenForFile(path))
             return -1;
         int count = 0;
         QTimer whenOpen;
@@ -75,27 +69,16 @@ class TestGcgcDialog : public QObject
             dialog->reject(); // what the user couldn't end must not hang the test
         });
         whenOpen.start(0);
-        parameters->askParameters(nullptr);
+        parameters()->askParameters(nullptr);
         return count;
-    }
-
-    std::unique_ptr<DVImportAnalysisInterface> clone()
-    {
-        return std::unique_ptr<DVImportAnalysisInterface>(prototype->clone());
     }
 
 private slots:
     void initTestCase() { QLocale::setDefault(QLocale::c()); }
 
-    void init()
-    {
-        QObject *instance = loader.instance(); // a new one each time, as cleanup deletes it
-        QVERIFY2(instance, qPrintable(loader.errorString()));
-        prototype = static_cast<DVImportAnalysisInterface *>(qobject_cast<DVImportInterface *>(instance));
-        parameters = static_cast<DVImportParamType *>(instance->qt_metacast("DVImportParamType"));
-    }
+    void init() { QVERIFY2(prototype(), qPrintable(loader.errorString())); }
 
-    void cleanup() { delete prototype; }
+    void cleanup() { delete loader.instance(); } // and so its answers
 
     void outcomes_data()
     {
@@ -121,7 +104,7 @@ private slots:
         };
         QCOMPARE(ask(fixture("gcgc"), user), 1);
         QCOMPARE(clone()->modulationPeriod(), modulation);
-        QCOMPARE(prototype->modulationPeriod(), holds ? modulation : 0.0f);
+        QCOMPARE(prototype()->modulationPeriod(), holds ? modulation : 0.0f);
         QCOMPARE(ask(fixture("gcgc"), user), holds ? 0 : 1);
         QCOMPARE(clone()->modulationPeriod(), modulation);
     }
@@ -130,9 +113,9 @@ private slots:
     {
         ask(fixture("gcgc"), [](QDialog *dialog) { answer(dialog, "4.5", false, "Yes"); });
         QCOMPARE(ask({}, [](QDialog *dialog) { answer(dialog, "7", false, "No"); }), 1);
-        QCOMPARE(prototype->modulationPeriod(), 4.5f);
+        QCOMPARE(prototype()->modulationPeriod(), 4.5f);
         ask({}, [](QDialog *dialog) { answer(dialog, "7", false, "Escape"); });
-        QCOMPARE(prototype->modulationPeriod(), 0.0f);
+        QCOMPARE(prototype()->modulationPeriod(), 0.0f);
     }
 
     void showsFileName_data()

@@ -1,16 +1,14 @@
 // The plugin as the host meets it: loaded by the plugin loader, driven through its interfaces.
 
 #include "dvheader.h"
-#include "dvimportanalysisinterface.h"
-#include "dvimportparamtype.h"
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
+#include "plugin.h"
 #include "program.h"
 #include "table.h"
 #include "tlogger.h"
 
 #include <QJsonObject>
-#include <QPluginLoader>
 #include <QtTest>
 
 #include <ctime>
@@ -79,32 +77,10 @@ using Dates = Table<QByteArray, QString, quint32>; // zone, fixture; date
 
 } // namespace
 
-class TestImportAiaMs : public QObject
+class TestImportAiaMs : public QObject, private Plugin
 {
     Q_OBJECT
 
-    DVImportAnalysisInterface *prototype() { return dynamic_cast<DVImportAnalysisInterface *>(loader.instance()); }
-    DVImportParamType *parameters()
-    {
-        return static_cast<DVImportParamType *>(loader.instance()->qt_metacast("DVImportParamType"));
-    }
-    bool canImport(const QString &path)
-    {
-        QString text;
-        return prototype()->canImport(nullptr, path, text);
-    }
-    std::unique_ptr<DVImportAnalysisInterface> copyFor(const QString &name)
-    {
-        const bool can = canImport(fixture(name));
-        return std::unique_ptr<DVImportAnalysisInterface>(can ? prototype()->clone() : nullptr);
-    }
-    static bool import(DVImportAnalysisInterface *copy, DVImportReceiver *receiver)
-    {
-        copy->setReceiver(receiver);
-        return copy->import(QString(), QString(), QString(), nullptr);
-    }
-
-    QPluginLoader loader{QStringLiteral(AIA_PLUGIN)};
     QStringList messages;
 
 private slots:
@@ -154,7 +130,7 @@ private slots:
         QVERIFY(canImport(fixture("chromatogram"))); // still attached
 
         plugin->setModulation(2.5f);
-        std::unique_ptr<DVImportAnalysisInterface> copy(plugin->clone());
+        const Copy copy = clone();
         QCOMPARE(copy->modulationPeriod(), 2.5f);
         QCOMPARE(plugin->modulationPeriod(), 0.0f);
         QCOMPARE(copy->getFileName(), fixture("two-scans"));
@@ -167,7 +143,7 @@ private slots:
         QVERIFY(!parameters()->reopenForFile(fixture("error-log-rank-1")));
         QCOMPARE(messages.last(), QStringLiteral("ms_read_global failed!"));
         QVERIFY(parameters()->reopenForFile(fixture("one-scan")));
-        delete plugin->clone();
+        clone();
 
         Receiver receiver;
         QVERIFY(import(copy.get(), &receiver)); // its file is open still
@@ -183,7 +159,7 @@ private slots:
         for (const char *name : {"two-scans", "chromatogram", "error-log-rank-1", "int64-attribute", "wide-values"}) {
             canImport(fixture(name));
             parameters()->reopenForFile(fixture("two-scans"));
-            delete prototype()->clone();
+            clone();
             QCOMPARE(openFiles(), before);
         }
     }
@@ -203,16 +179,15 @@ private slots:
         row("time-units", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", three, {"60: 3 1@0 2@1"});
         row("one-scan", 0, "1 scans, minutes, 1.5 + 0 by ", "", {});
         row("missing-times", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
-        row("missing-first-time", 0, "3 scans, minutes, 0 + 2 by 1, detector 512", three, {"0: 3 1@0 2@1"});
+        row("missing-first-time", 0, "3 scans, minutes, 0 + 2.5 by 1.25, detector 512", three, {"0: 3 1@0 2@1"});
         row("scaled-short", 0, "3 scans, minutes, 60 + 60 by 30, detector 512", "50 60.25 123.4599991",
             {"60: 9 4@0 5@1", "90: 7014 7003@0 11@2"});
         row("several-numbers", 0, "", "25 30.12999916 35.25", {"1: 7 3@0 4@1"});
         row("contradicting-formats", 0, "", "50 60 70", {"1: 3 1@0 2@1"});
         row("overlapping-scans", 0, "", three, {"1: 28 4@0 8@2 16@1", "1.5: 15 1@0 2@1 4@0 8@2"});
         row("odd-scan-index", 0, "6 scans", three, {"1: 3 1@0 2@1", "1.5: 0", "2: 0", "2.5: 0", "3: 0", "3.5: 0"});
-        row("no-scan-index", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", three, {"1: 0", "1.5: 0", "2: 0"});
-        row("no-intensities", 0, "3 scans", three, {"1: 0", "1.5: 0"});
         row("two-masses", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 512", "50 60", {});
+        row("zero-scale", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256", "", {"1: 3", "1.5: 12"});
         row("one-mass", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "", {});
         row("total-ion", 0, "3 scans, minutes, 1 + 1 by 0.5, detector 256, 32 bits, coefficient 0", "",
             {"1: 3.299999952", "-166.65: 12.5", "2: -9999"});
@@ -228,7 +203,7 @@ private slots:
     {
         const auto [name, modulation, head, masses, scans] = Imported::row();
         prototype()->setModulation(float(modulation));
-        const auto copy = copyFor(name);
+        const auto copy = copyFor(fixture(name));
         QVERIFY(copy);
         Receiver receiver;
         QVERIFY(import(copy.get(), &receiver));
@@ -257,7 +232,7 @@ private slots:
         qputenv("TZ", zone);
         tzset();
         Receiver receiver;
-        const auto copy = copyFor(name);
+        const auto copy = copyFor(fixture(name));
         const bool imported = copy && import(copy.get(), &receiver);
         qputenv("TZ", before);
         tzset();
@@ -269,13 +244,13 @@ private slots:
     {
         Receiver receiver;
         const quint32 before = QDateTime::currentDateTime().toTime_t();
-        QVERIFY(import(copyFor("no-attributes").get(), &receiver));
+        QVERIFY(import(copyFor(fixture("no-attributes")).get(), &receiver));
         QVERIFY(receiver.date >= before && receiver.date <= before + 60);
     }
 
     void givesAnAccount()
     {
-        const auto copy = copyFor("no-attributes");
+        const auto copy = copyFor(fixture("no-attributes"));
         Logger logger;
         TLogger::setDefaultInstance(&logger);
         QVERIFY(import(copy.get(), nullptr));
@@ -293,8 +268,8 @@ private slots:
     // A whole run in the middle of another, and a scan out of turn against another's table.
     void worksBesideAnother()
     {
-        const auto one = copyFor("no-attributes");
-        const auto other = copyFor("scaled-short");
+        const auto one = copyFor(fixture("no-attributes"));
+        const auto other = copyFor(fixture("scaled-short"));
         struct Nested : Receiver {
             void scanImported(int scan, double time, double total, int pointCount, const float *abundances,
                               const unsigned short *positions) override
@@ -302,7 +277,7 @@ private slots:
                 Receiver::scanImported(scan, time, total, pointCount, abundances, positions);
                 if (scan != 1)
                     return;
-                imported = import(inner, &innerReceiver);
+                imported = Plugin::import(inner, &innerReceiver);
                 for (const int size : {1, 3}) { // shorter than the run's, and as long
                     std::vector<float> table = {70.5f, 80.0f, 90.0f};
                     table.resize(std::size_t(size));
@@ -334,7 +309,7 @@ private slots:
         QCOMPARE(receiver.scans.last(), QStringLiteral("2: 48 16@1 32@2"));
 
         // A table for a file without masses.
-        const auto third = copyFor("flags-on-times");
+        const auto third = copyFor(fixture("flags-on-times"));
         receiver.outer = third.get();
         receiver.unknown.clear();
         QVERIFY(import(third.get(), &receiver));

@@ -83,6 +83,7 @@ private slots:
         row("error-log", "status=0 log=\"second~line\"");
         row("error-log-rank-1", "status=-1 scans=0");
         row("error-log-numeric", "status=0 log=-");
+        row("string-width-0", "status=0 log=-");
         row("gigantic-text", "status=0 log=-");
         row("int64-attribute", "status=-1");
         row("instruments", "status=0 instruments=2");
@@ -104,18 +105,18 @@ private slots:
     void warnsOfMandatoryAttributes()
     {
         open("no-attributes");
-        QCOMPARE(ReadGlobals(id).status, 0);
+        ReadGlobals{id};
         const QString missing = QStringLiteral("W Mandatory attribute %1 is missing from file");
         QCOMPARE(messages,
                  QStringList({missing.arg("dataset-completeness"), missing.arg("ms-template-revision"),
                               missing.arg("netcdf-revision"), missing.arg("netcdf-file-date-time-stamp"),
                               missing.arg("experiment-date-time-stamp")}));
         open("error-log-rank-1");
-        QCOMPARE(ReadGlobals(id).status, -1);
+        ReadGlobals{id};
         QCOMPARE(messages.last(), QStringLiteral("E Size type mismatch while loading error_log"));
         open("wrong-attribute-types");
         messages.clear();
-        QCOMPARE(ReadGlobals(id).status, 0);
+        ReadGlobals{id};
         QCOMPARE(messages.filter(QStringLiteral("W Data type mismatch for attribute ")).size(), 12);
         QCOMPARE(messages.at(3), QStringLiteral("W Data type mismatch for attribute dataset_owner"));
     }
@@ -148,6 +149,7 @@ private slots:
         row("no-attributes", {0, 76, 74, 76, 1, 0, 32, 128, 1, 3, 0});
         row("instruments", {0, 76, 74, 76, 1, 0, 40, 128, 1, 3, 2});
         row("library", {2, 76, 74, 76, 1, 0, 8, 128, 1, 3, 0});
+        row("continuum", {1, 76, 74, 76, 1, 0, 32, 128, 1, 3, 0});
         row("experiment-type-of-another-family", {81, 76, 74, 76, 1, 0, 32, 128, 1, 3, 0});
         row("scaled-short", {0, 74, 74, 75, 1, 1, 32, 128, 1, 3, 0});
         row("double-masses", {0, 77, 74, 77, 1, 0, 32, 128, 1, 3, 0});
@@ -281,6 +283,11 @@ private slots:
         QCOMPARE(seen.join(QLatin1Char(' ')),
                  QStringLiteral("-1 - -9999 -9999 -9999 0 \"Benzene\" 7 71432 80.1 0 - -9999 -9999 -9999 "
                                 "0 \"Toluene\" 9 108883 110.6 -1 - -9999 -9999 -9999"));
+        open("library-rank-1");
+        messages.clear();
+        ReadEntry flat(0);
+        QCOMPARE(ms_read_per_scan(id, nullptr, &flat), -1);
+        QCOMPARE(messages, QStringList{QStringLiteral("E Size type mismatch while loading entry_name")});
         // Other kinds of files leave the record alone.
         open("no-attributes");
         ReadEntry entry(99);

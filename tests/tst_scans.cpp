@@ -59,6 +59,8 @@ private slots:
         row("no-attributes", 1, 0, "2 0 90;50,70.5;-;4,8;-;-");
         row("no-attributes", 3, -1, "0 0 -9999;-;-;-;-;-");
         row("no-attributes", -1, -1, "0 0 -9999;-;-;-;-;-");
+        row("unlimited-scans", 1, 0, "2 0 90;50,70.5;-;4,8;-;-");
+        row("short-intensities", 2, -1, "2 0 120;60.25,70.5;-;-;-;-");
         row("overlapping-scans", 0, 0, "3 0 60;50,70.5,60.25;-;4,8,16;-;-");
         row("overlapping-scans", 1, 0, "4 0 90;50,60.25,50,70.5;-;1,2,4,8;-;-");
         row("odd-scan-index", 1, 0, "0 0 90;-;-;-;-;-");
@@ -155,6 +157,7 @@ private slots:
         row("scaled", "no-attributes", 0.5, 0, {2500, 3013, 3525});
         row("flags count", "flags-on-masses", 1.0, 0, {-1270, 1270, 5000, 6025, 7050, 9990, 2147483647});
         row("bytes", "byte-values", 1.0, 0, {-7000, 5000, 6000, 12700});
+        row("odd numbers", "odd-numbers", 1.0, 0, {-2147483647 - 1, -5013, 0, 2147483647});
         row("characters", "char-masses", 1.0, -1, {});
         row("strings", "string-masses", 1.0, -1, {});
         row("two dimensions", "mass-values-rank-2", 1.0, -1, {});

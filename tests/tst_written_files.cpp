@@ -25,12 +25,12 @@ class TestWrittenFiles : public QObject
 private slots:
     void init() { QFile::remove(file); }
 
-    // Each axis and format comes up once.
+    // Each format of masses and of intensities comes up.
     void witness_data()
     {
         const Written row;
         row("gcms", "--scans 3 --points 5 --mass-format short --intensity-format long");
-        row("gcxgc", "--scans 2 --intensity-format short");
+        row("gcxgc", "--scans 2 --mass-format double --intensity-format short");
         row("tic", "--scans 3 --points 2 --time-format double --intensity-format float");
         row("library", "--scans 2 --mass-format float --intensity-format short");
         row("sim", "--scans 3 --mass-format long --intensity-format double");
