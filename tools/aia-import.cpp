@@ -3,7 +3,7 @@
 #include "fileimport.h"
 #include "importoptions.h"
 #include "jsonwriter.h"
-#include "terminaltext.h"
+#include "standardoptions.h"
 
 #include <QApplication>
 #include <QPluginLoader>
@@ -28,17 +28,10 @@ bool hasDisplay()
 #endif
 }
 
-enum ExitStatus { AllImported = 0, NotAllImported = 1 };
-
 void onInterrupt(int signal)
 {
     FileImport::interrupt();
     std::signal(signal, SIG_DFL); // a second Ctrl-C ends a program that doesn't come to a stop
-}
-
-void report(const QString &sentence)
-{
-    writeLine(stderr, QStringLiteral("aia-import: ") + sentence);
 }
 
 int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options)
@@ -62,7 +55,7 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
         report(QStringLiteral("\"%1\" can't be written: %2.").arg(options.json, json.errorText()));
         complete = false;
     }
-    return complete ? AllImported : NotAllImported;
+    return complete ? Success : Failure;
 }
 
 int runProgram(const ImportOptions &options)
@@ -74,13 +67,13 @@ int runProgram(const ImportOptions &options)
         report(loader.isLoaded()
                    ? QStringLiteral("\"%1\" isn't an import plugin.").arg(loader.fileName())
                    : QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString()));
-        return NotAllImported;
+        return Failure;
     }
     std::signal(SIGINT, onInterrupt);
     const int status = importAll(*prototype, options);
     if (std::fflush(stdout) != 0) {
         report(QStringLiteral("Standard output can't be written."));
-        return NotAllImported;
+        return Failure;
     }
     return status;
 }
@@ -100,8 +93,8 @@ int main(int argc, char *argv[])
             return runProgram(commandLine.options);
     }
     if (!hasDisplay()) {
-        std::fputs("aia-import: --ask needs a display to open its dialog on.\n", stderr);
-        return NotAllImported;
+        report(QStringLiteral("--ask needs a display to open its dialog on."));
+        return Failure;
     }
     const QApplication application(argc, argv);
     return runProgram(commandLine.options);

@@ -20,8 +20,6 @@
 
 namespace {
 
-enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
-
 enum class Format { Text, Json };
 
 struct CommandLine {
@@ -113,10 +111,6 @@ int parse(const QStringList &arguments, CommandLine *line)
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The files to look into."),
                                  QStringLiteral("FILE..."));
 
-    const auto refuse = [](const QString &why) {
-        writeLine(stderr, QStringLiteral("Error: %1; see aia-info --help").arg(why));
-        return int(WrongUsage);
-    };
     if (!parser.parse(arguments))
         return refuse(parser.errorText());
     if (standard.answer(parser))

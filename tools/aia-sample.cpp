@@ -11,13 +11,10 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <iterator>
 #include <new>
 
 namespace {
-
-enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
 struct CommandLine {
     SampleOptions sample;
@@ -72,12 +69,6 @@ QString description()
             QStringLiteral("  %1 %2\n").arg(QLatin1String(kind.name), -8).arg(QLatin1String(kind.what));
     return text
         + QStringLiteral("Exit code: 0, or 1 where the file can't be written, or 2 for wrong usage.");
-}
-
-int refuse(const QString &why)
-{
-    std::fprintf(stderr, "aia-sample: %s\nTry aia-sample --help.\n", qUtf8Printable(why));
-    return WrongUsage;
 }
 
 void add_options(QCommandLineParser *parser)
@@ -180,7 +171,7 @@ int make(const CommandLine &line)
     }
     if (wrong.isNull())
         return Success;
-    std::fprintf(stderr, "aia-sample: %s %s\n", qUtf8Printable(line.path), qUtf8Printable(wrong));
+    report(QStringLiteral("%1 %2").arg(line.path, wrong));
     return Failure;
 }
 

@@ -3,7 +3,7 @@
 #include "dvheader.h"
 #include "dvimportparamtype.h"
 #include "mstoolkit.h"
-#include "terminaltext.h"
+#include "standardoptions.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -37,7 +37,7 @@ bool canImport(DVImportAnalysisInterface &prototype, const QString &name, QStrin
 // Tells, for a file that was refused, which of the plugin's tests it failed.
 bool hasScans(const QString &name)
 {
-    const MessageRedirection silence([](MessageLoggerInterface::Level, const QString &) {});
+    const Silence silence;
     const int fileId = ms_open_read(name.toLatin1().constData());
     int dimension = -1;
     const bool found = nc_inq_dimid(fileId, "scan_number", &dimension) == NC_NOERR;
@@ -188,9 +188,4 @@ QString FileImport::refusal(const QString &hostText)
     if (!errors.isEmpty())
         reason += QStringLiteral(" (%1)").arg(errors.join(QLatin1String("; ")));
     return QStringLiteral("The file \"%1\" can't be imported: %2.").arg(fileName, reason);
-}
-
-void FileImport::report(const QString &sentence) const
-{
-    writeLine(stderr, QStringLiteral("aia-import: ") + sentence);
 }

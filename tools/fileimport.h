@@ -38,7 +38,6 @@ private:
     void askParameters();
     bool importOn(DVImportAnalysisInterface &copy);
     QString refusal(const QString &hostText);
-    void report(const QString &sentence) const;
 
     DVImportAnalysisInterface &prototype;
     const ImportOptions &options;

@@ -1,7 +1,6 @@
 #include "importoptions.h"
 
 #include "standardoptions.h"
-#include "terminaltext.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -10,7 +9,6 @@
 
 namespace {
 
-constexpr int wrongUsage = 2;
 constexpr double longestModulation = 100.0;
 
 // A JSON file over a data file would destroy the data.
@@ -31,11 +29,9 @@ std::optional<float> modulationLength(const QString &text)
     return float(length);
 }
 
-CommandLine refuse(const QString &reason)
+CommandLine refused(const QString &why)
 {
-    writeLine(stderr, QStringLiteral("aia-import: %1").arg(reason));
-    writeLine(stderr, QStringLiteral("\"aia-import --help\" shows how it is used."));
-    return {wrongUsage, {}};
+    return {refuse(why), {}};
 }
 
 } // namespace
@@ -63,9 +59,9 @@ CommandLine parseCommandLine(const QStringList &arguments)
                                  QStringLiteral("FILE..."));
 
     if (!parser.parse(arguments))
-        return refuse(parser.errorText());
+        return refused(parser.errorText());
     if (standard.answer(parser))
-        return {0, {}};
+        return {Success, {}};
 
     ImportOptions options;
     options.files = parser.positionalArguments();
@@ -73,17 +69,17 @@ CommandLine parseCommandLine(const QStringList &arguments)
     options.quiet = parser.isSet(quiet);
     options.ask = parser.isSet(ask);
     if (options.files.isEmpty())
-        return refuse(QStringLiteral("No file is named."));
+        return refused(QStringLiteral("No file is named."));
     if (parser.isSet(json) && options.json.isEmpty())
-        return refuse(QStringLiteral("The name after --json is empty."));
+        return refused(QStringLiteral("The name after --json is empty."));
     if (isOneOf(options.json, options.files))
-        return refuse(QStringLiteral("\"%1\" can't be read and written at once.").arg(options.json));
+        return refused(QStringLiteral("\"%1\" can't be read and written at once.").arg(options.json));
     if (options.ask && parser.isSet(gcxgc))
-        return refuse(QStringLiteral("--ask and --gcxgc exclude each other."));
+        return refused(QStringLiteral("--ask and --gcxgc exclude each other."));
     if (parser.isSet(gcxgc)) {
         options.modulation = modulationLength(parser.value(gcxgc));
         if (!options.modulation)
-            return refuse(
+            return refused(
                 QStringLiteral("\"%1\" isn't a modulation length: a number from 0 to 100 is needed.")
                     .arg(parser.value(gcxgc)));
     }

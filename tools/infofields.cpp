@@ -1,7 +1,7 @@
 #include "infofields.h"
 
-#include <QLocale>
-
+#include <array>
+#include <charconv>
 #include <cstddef>
 
 namespace {
@@ -20,13 +20,11 @@ QVariant shortened(const char *text, int longest)
 // A float as the double of the same shortest decimal: 70.1 rather than 70.0999985.
 double widened(float number)
 {
-    constexpr int enough_digits = 9;
-    for (int digits = 6; digits < enough_digits; ++digits) {
-        const QString text = QString::number(double(number), 'g', digits);
-        if (text.toFloat() == number)
-            return text.toDouble();
-    }
-    return double(number);
+    std::array<char, 32> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    double wide = double(number); // stays for what isn't a number
+    std::from_chars(text.data(), end, wide);
+    return wide;
 }
 
 template <class T> T field_of(const void *record, std::size_t offset)

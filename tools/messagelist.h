@@ -59,4 +59,11 @@ private:
     MessageLoggerInterface::Receiver previous;
 };
 
+// Nobody gets any.
+class Silence : private MessageRedirection
+{
+public:
+    Silence() : MessageRedirection([](MessageLoggerInterface::Level, const QString &) {}) { }
+};
+
 #endif // MESSAGELIST_H

@@ -2,7 +2,8 @@
 
 #include "samplefile.h"
 
-#include "messageloggerinterface.h"
+#include "messagelist.h"
+#include "samplelibrary.h"
 #include "samplerecords.h"
 #include "samplerun.h"
 #include "samplespectrum.h"
@@ -14,62 +15,37 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
-#include <type_traits>
 #include <vector>
 
 namespace {
 
-// Numbers in a data format of the file.
+// Numbers in a data format of the file, each divided by a scale.
 class StoredVector
 {
 public:
     StoredVector(qint32 format, double scale) : format_(format), scale_(scale) { }
 
+    // Null for no values.
     void *store(const std::vector<double> &values)
     {
-        switch (format_) {
-        case MsShortFormat:
-            return store_as(&shorts_, values);
-        case MsLongFormat:
-            return store_as(&longs_, values);
-        case MsDoubleFormat:
-            return store_as(&doubles_, values);
-        default:
-            return store_as(&floats_, values);
-        }
+        values_.resize(values.size());
+        std::transform(values.begin(), values.end(), values_.begin(),
+                       [this](double value) { return value / scale_; });
+        stored_.resize(values.size());
+        const auto count = qint32(values.size());
+        ms_transcode_vector(values_.data(), MsDoubleFormat, count, stored_.data(), format_, 1);
+        ms_transcode_vector(stored_.data(), format_, count, values_.data(), MsDoubleFormat, 0);
+        return stored_.empty() ? nullptr : stored_.data();
     }
 
     // What a reader makes of value i.
-    double value(std::size_t i) const
-    {
-        switch (format_) {
-        case MsShortFormat:
-            return shorts_[i] * scale_;
-        case MsLongFormat:
-            return longs_[i] * scale_;
-        case MsDoubleFormat:
-            return doubles_[i];
-        default:
-            return double(floats_[i]);
-        }
-    }
+    double value(std::size_t i) const { return values_[i] * scale_; }
 
 private:
-    template <class Number> void *store_as(std::vector<Number> *stored, const std::vector<double> &values)
-    {
-        stored->resize(values.size());
-        std::transform(values.begin(), values.end(), stored->begin(), [this](double value) {
-            return std::is_integral_v<Number> ? Number(nearest(value / scale_)) : Number(value);
-        });
-        return stored->empty() ? nullptr : stored->data();
-    }
-
     qint32 format_;
     double scale_;
-    std::vector<qint16> shorts_;
-    std::vector<qint32> longs_;
-    std::vector<float> floats_;
-    std::vector<double> doubles_;
+    std::vector<double> stored_; // room enough for elements of any format
+    std::vector<double> values_;
 };
 
 // The first scale from `scale` on, each `step` times the one before, with which `largest` fits in
@@ -299,11 +275,10 @@ private:
 bool reads_back(const QByteArray &path)
 {
     bool complained = false;
-    const auto before = MessageLoggerInterface::setReceiver(
+    const MessageRedirection redirection(
         [&complained](MessageLoggerInterface::Level, const QString &) { complained = true; });
     const int ncid = ms_open_read(path.constData());
     ms_close(ncid);
-    MessageLoggerInterface::setReceiver(before);
     return ncid != -1 && !complained;
 }
 
@@ -311,7 +286,7 @@ bool reads_back(const QByteArray &path)
 
 QString write_sample(const QString &path, const SampleOptions &options)
 {
-    // netCDF takes some names for addresses of a server, and would wait at a pipe.
+    // netCDF takes some names for addresses of a server.
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         return QStringLiteral("is no file that could be written over");

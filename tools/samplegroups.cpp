@@ -7,47 +7,29 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 
 namespace {
 
 constexpr int compounds_per_group = 3;
 constexpr int masses_per_compound = 3;
 
-class MassPicker
-{
-public:
-    explicit MassPicker(std::size_t limit) : limit_(limit) { }
-
-    void pick(int mass)
-    {
-        if (mass != 0 && masses_.size() < limit_
-            && std::find(masses_.begin(), masses_.end(), mass) == masses_.end())
-            masses_.push_back(mass);
-    }
-
-    std::vector<int> sorted() const
-    {
-        std::vector<int> masses = masses_;
-        std::sort(masses.begin(), masses.end());
-        return masses;
-    }
-
-private:
-    std::size_t limit_;
-    std::vector<int> masses_;
-};
-
 std::vector<int> main_masses(int first, int end, int mass_count)
 {
-    MassPicker picker(mass_count == 0 ? sample_mass_count : std::size_t(mass_count));
+    const std::size_t limit = mass_count == 0 ? sample_mass_count : std::size_t(mass_count);
+    std::set<int> masses;
+    const auto pick = [&](int mass) {
+        if (mass != 0 && masses.size() < limit)
+            masses.insert(mass);
+    };
     const int ranks = mass_count == 0 ? masses_per_compound : max_sample_fragments;
     for (int rank = 0; rank < ranks; ++rank) {
         for (int compound = first; compound < end; ++compound)
-            picker.pick(sample_spectra.first[compound].fragments[rank].mass);
+            pick(sample_spectra.first[compound].fragments[rank].mass);
     }
     for (int mass = sample_mass_min; mass_count != 0 && mass <= sample_mass_max; ++mass)
-        picker.pick(mass);
-    return picker.sorted();
+        pick(mass);
+    return {masses.begin(), masses.end()};
 }
 
 // The scan halfway between two peaks.

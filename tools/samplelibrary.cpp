@@ -1,6 +1,6 @@
 // The entries of a sample library.
 
-#include "samplerecords.h"
+#include "samplelibrary.h"
 
 #include "samplechromatogram.h"
 #include "samplecompounds.h"

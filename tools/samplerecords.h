@@ -1,4 +1,4 @@
-// The descriptions that stand in a sample: the global records, the instrument, the library's entries.
+// The descriptions that stand in a sample: the global records and the instrument.
 #ifndef SAMPLERECORDS_H
 #define SAMPLERECORDS_H
 
@@ -38,7 +38,5 @@ void describe_sample(const SampleOptions &options, const SampleScales &scales, S
                      MsRawGlobalRecord *raw);
 
 MsInstrumentRecord sample_component(int index, SampleTexts *texts);
-
-MsLibraryRecord sample_library_entry(int index, SampleTexts *texts);
 
 #endif // SAMPLERECORDS_H

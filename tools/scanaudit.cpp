@@ -11,13 +11,6 @@ namespace {
 
 constexpr std::size_t namedScans = 10;
 
-// The import has sent the messages of the second look already.
-class Silence : private MessageRedirection
-{
-public:
-    Silence() : MessageRedirection([](MessageLoggerInterface::Level, const QString &) {}) { }
-};
-
 } // namespace
 
 ScanAudit::ScanAudit(const QString &name) : fileName(name)
@@ -61,7 +54,7 @@ bool ScanAudit::isUnread(int scan, int pointCount, double total)
 
 bool ScanAudit::failsAgain(int scan)
 {
-    const Silence silence;
+    const Silence silence; // the import has sent the messages already
     struct Record : MsScanRecord {
         Record() { ms_init_per_scan(0, this, nullptr); }
         ~Record() { ms_init_per_scan(1, this, nullptr); }

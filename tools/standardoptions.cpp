@@ -1,5 +1,7 @@
 #include "standardoptions.h"
 
+#include "terminaltext.h"
+
 #include <QCommandLineParser>
 
 #include <cstdio>
@@ -22,4 +24,16 @@ bool StandardOptions::answer(const QCommandLineParser &parser) const
         return true;
     }
     return false;
+}
+
+void report(const QString &sentence)
+{
+    writeLine(stderr, QStringLiteral(AIA_PROGRAM ": ") + sentence);
+}
+
+int refuse(const QString &why)
+{
+    report(why);
+    report(QStringLiteral("--help shows how it is used."));
+    return WrongUsage;
 }

@@ -1,10 +1,12 @@
-// The options that each program has: --help and --version.
+// What the programs have in common: --help and --version, exit codes, sentences of their own.
 #ifndef STANDARDOPTIONS_H
 #define STANDARDOPTIONS_H
 
 #include <QCommandLineOption>
 
 class QCommandLineParser;
+
+enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
 class StandardOptions
 {
@@ -20,5 +22,11 @@ private:
     QCommandLineOption help;
     QCommandLineOption version;
 };
+
+// Writes a sentence to standard error, behind the program's name.
+void report(const QString &sentence);
+
+// Reports why the arguments can't be used. Gives WrongUsage.
+int refuse(const QString &why);
 
 #endif // STANDARDOPTIONS_H
