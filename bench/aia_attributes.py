@@ -90,7 +90,7 @@ def shortest(value):
     digits, point = digits.replace(".", ""), int(exponent) + 1
     cutoff = 6
     if point > 0:
-        cutoff = len(digits) + 4 + (1 if point <= 10 else 2 if point > 100 else 1) + (len(digits) > point)
+        cutoff = len(digits) + 4 + (2 if point > 100 else 1) + (len(digits) > point)
     if point <= -4 or point > cutoff:
         mantissa = digits[0] + ("." + digits[1:] if len(digits) > 1 else "")
         return f"{sign}{mantissa}e{point - 1:+03d}"

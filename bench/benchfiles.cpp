@@ -1,16 +1,11 @@
 #include "benchfiles.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <netcdf.h>
 #include <random>
 
 namespace {
-
-constexpr const char *numbers[] = {
-    "a_d_sampling_rate", "scan_acquisition_time", "scan_duration",  "inter_scan_time", "resolution",
-    "total_intensity",   "mass_range_min",        "mass_range_max", "time_range_min",  "time_range_max"};
 
 // Fails once, stays failed.
 class Writer
@@ -57,7 +52,7 @@ private:
         int point = -1;
         check(nc_def_dim(id, "scan_number", std::size_t(run.scans), &scan));
         check(nc_def_dim(id, "point_number", run.unlimited ? NC_UNLIMITED : total, &point));
-        for (const char *name : numbers)
+        for (const char *name : benchNumbers)
             perScan.push_back(variable(name, NC_DOUBLE, scan));
         coaddition = variable("a_d_coaddition_factor", NC_SHORT, scan);
         actual = variable("actual_scan_number", NC_INT, scan);

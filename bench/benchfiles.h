@@ -15,6 +15,11 @@ struct BenchRun {
     int intensityType;
 };
 
+// The variables with a double for each scan.
+constexpr const char *benchNumbers[] = {
+    "a_d_sampling_rate", "scan_acquisition_time", "scan_duration",  "inter_scan_time", "resolution",
+    "total_intensity",   "mass_range_min",        "mass_range_max", "time_range_min",  "time_range_max"};
+
 // All runs, in the order of the report.
 const std::vector<BenchRun> &benchRuns();
 

@@ -85,9 +85,7 @@ template <class Mass, class Intensity> double readFloor(const std::string &path)
     int id = -1;
     if (nc_open(path.c_str(), NC_NOWRITE, &id) != NC_NOERR)
         return -1;
-    for (const char *name :
-         {"a_d_sampling_rate", "scan_acquisition_time", "scan_duration", "inter_scan_time", "resolution",
-          "total_intensity", "mass_range_min", "mass_range_max", "time_range_min", "time_range_max"})
+    for (const char *name : benchNumbers)
         benchmark::DoNotOptimize(readWhole<double>(id, name).data());
     benchmark::DoNotOptimize(readWhole<short>(id, "a_d_coaddition_factor").data());
     benchmark::DoNotOptimize(readWhole<int>(id, "actual_scan_number").data());

@@ -33,7 +33,8 @@ template <class T> T *makeArray()
     return static_cast<T *>(memory);
 }
 
-// The host's run with one pair of arrays for the whole process.
+// The host's run, of the first scans, with one pair of arrays for the whole process: the checkers would
+// take most of the time for the host's own.
 class Run : public ImportAiaMs
 {
 public:

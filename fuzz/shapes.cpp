@@ -7,7 +7,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <netcdf.h>
 #include <numeric>
@@ -35,10 +34,24 @@ private:
     std::size_t at = 0;
 };
 
-constexpr const char *dimensionNames[] = {
-    "scan_number",     "point_number",     "error_number",     "_64_byte_string", "instrument_number",
-    "_32_byte_string", "_255_byte_string", "_128_byte_string", "group_number",    "group_max_masses"};
-constexpr std::size_t sizes[] = {3, 12, 1, 64, 2, 32, 255, 128, 2, 5};
+constexpr struct {
+    int slot;
+    const char *name;
+    std::size_t size;
+} plainDimensions[] = {
+    // clang-format off
+    {MsDim_scan_number,       "scan_number",        3},
+    {MsDim_point_number,      "point_number",      12},
+    {MsDim_error_number,      "error_number",       1},
+    {MsDim_64_byte_string,    "_64_byte_string",   64},
+    {MsDim_instrument_number, "instrument_number",  2},
+    {MsDim_32_byte_string,    "_32_byte_string",   32},
+    {MsDim_255_byte_string,   "_255_byte_string", 255},
+    {MsDim_128_byte_string,   "_128_byte_string", 128},
+    {MsDim_group_number,      "group_number",       2},
+    {MsDim_group_max_masses,  "group_max_masses",   5},
+    // clang-format on
+};
 // NC_UNLIMITED among them: several in a file of the newer kind.
 constexpr std::size_t oddSizes[] = {0, 1, 2, 7, 40, 300, 0, 1, 2, 7, 13, 14, 15, 70000};
 constexpr std::size_t claims[] = {0x7fffffff, 0xfffffff0, 0x80000000, std::size_t(1) << 40};
@@ -47,12 +60,12 @@ constexpr nc_type classicTypes[] = {NC_FLOAT, NC_INT, NC_DOUBLE, NC_SHORT, NC_CH
 constexpr nc_type newTypes[] = {NC_FLOAT, NC_INT,  NC_DOUBLE, NC_SHORT,  NC_CHAR,  NC_BYTE,
                                 NC_INT64, NC_UINT, NC_UINT64, NC_USHORT, NC_UBYTE, NC_STRING};
 
-struct Numbers {
+struct PlainVariable {
     const char *name;
     nc_type type;
-    int dimension; // of dimensionNames
+    int dimension; // of plainDimensions
 };
-constexpr Numbers plainVariables[] = {
+constexpr PlainVariable plainVariables[] = {
     {"scan_index", NC_INT, 0},    {"point_count", NC_INT, 0},      {"flag_count", NC_INT, 0},
     {"mass_values", NC_FLOAT, 1}, {"intensity_values", NC_INT, 1}, {"time_values", NC_FLOAT, 1},
 };
@@ -66,10 +79,10 @@ public:
     bool run()
     {
         nc_set_fill(ncid, NC_NOFILL, nullptr); // what is claimed isn't written
-        for (std::size_t i = 0; i < std::size(dimensionNames); ++i)
+        for (std::size_t i = 0; i < std::size(plainDimensions); ++i)
             addDimension(i);
         addAttributes();
-        for (const Numbers &variable : plainVariables)
+        for (const PlainVariable &variable : plainVariables)
             addVariable(variable.name, variable.type, {variable.dimension}, 8);
         addRows(ms_per_scan_table, 6);
         addRows(ms_error_table, 3);
@@ -95,14 +108,14 @@ private:
 
     void addDimension(std::size_t i)
     {
-        std::size_t size = sizes[i];
+        std::size_t size = plainDimensions[i].size;
         if (choice->oneIn(6))
             size = choice->from(oddSizes);
         else if (choice->oneIn(40))
             size = choice->from(claims);
         int id = -1;
         if (!choice->oneIn(12))
-            nc_def_dim(ncid, spelt(dimensionNames[i]).constData(), size, &id);
+            nc_def_dim(ncid, spelt(plainDimensions[i].name).constData(), size, &id);
         dimensions.push_back(id);
     }
 
@@ -138,28 +151,12 @@ private:
         }
     }
 
+    // In plainDimensions.
     static int placeOf(int slot)
     {
-        switch (slot) {
-        case MsDim_scan_number:
-            return 0;
-        case MsDim_error_number:
-            return 2;
-        case MsDim_64_byte_string:
-            return 3;
-        case MsDim_instrument_number:
-            return 4;
-        case MsDim_32_byte_string:
-            return 5;
-        case MsDim_255_byte_string:
-            return 6;
-        case MsDim_128_byte_string:
-            return 7;
-        case MsDim_group_number:
-            return 8;
-        default:
-            return 9;
-        }
+        const auto *place = std::find_if(std::begin(plainDimensions), std::end(plainDimensions),
+                                         [slot](const auto &row) { return row.slot == slot; });
+        return int(place - std::begin(plainDimensions));
     }
 
     void addAttributes()

@@ -1,4 +1,4 @@
-# Shared by ./run, ./test and .ci/run: source it from the project's root.
+# Shared by the commands in the root, in .ci/, bench/ and fuzz/: source it from the project's root.
 
 say() { printf '\n== %s\n' "$*"; }
 
