@@ -134,8 +134,12 @@ void ms_clear_row(char release, const MsVariableRow &row, void *record)
         ms_set_missing(row.nc_type, &ms_field<char>(record, row.field), 0);
         return;
     }
-    char *&text = ms_field<char *>(record, row.field);
+    ms_clear_text(release, &ms_field<char *>(record, row.field));
+}
+
+void ms_clear_text(char release, char **text)
+{
     if (release)
-        ms_free(text);
-    text = nullptr;
+        ms_free(*text);
+    *text = nullptr;
 }

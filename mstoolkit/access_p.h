@@ -31,6 +31,12 @@ struct MsFree {
 };
 template <class T> using MsBlock = std::unique_ptr<T, MsFree>;
 
+// What the public tables leave out: the dimensions whose sizes a writer sets, the counters of a scan, and
+// the value variables, with the types that stand for an unknown format.
+extern const MsTable<MsDimensionRow> ms_counting_dimension_table; // 4 rows
+extern const MsTable<MsVariableRow> ms_counter_table;             // 3 rows
+extern const MsTable<MsVariableRow> ms_value_table;               // 3 rows: masses, times, intensities
+
 // An uncleared block of `size` bytes, to be freed with ms_free.
 void *ms_alloc_bytes(std::size_t size);
 
@@ -95,11 +101,17 @@ int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, 
 int ms_read_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, void *record);
 int ms_write_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, const void *record);
 
-// Clears the field of such a row; a text is freed first where `release` isn't 0.
+// Makes a text null, after freeing it where `release` isn't 0.
+void ms_clear_text(char release, char **text);
+
+// Clears the field of such a row, a text like that.
 void ms_clear_row(char release, const MsVariableRow &row, void *record);
 
 // The same for the field of an attribute: the missing value, the default code or null.
 void ms_clear_attribute(char release, const MsAttributeRow &row, void *record);
+
+// Makes a scan's vectors null, unfreed.
+void ms_clear_vectors(MsScanRecord *scan);
 
 // The record of a file that is about to be read, after a look at its length; null for an unknown id.
 const MsFileRecord *ms_file_to_read(int ncid);

@@ -232,8 +232,7 @@ void Walk::lay(MsClassicLayout *layout) const
         MsVariableExtent extent;
         extent.begin = variable.begin;
         extent.width = variable.width;
-        extent.line = elements(variable, 1);
-        const quint64 lineSize = ms_product(extent.line, extent.width);
+        const quint64 lineSize = ms_product(elements(variable, 1), extent.width);
         extent.stride = isRecord(variable) ? stride : lineSize;
         layout->variables.push_back(extent);
 

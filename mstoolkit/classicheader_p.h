@@ -27,7 +27,6 @@ constexpr quint64 ms_product(quint64 a, quint64 b)
 struct MsVariableExtent {
     quint64 begin = 0;
     quint64 width = 0;  // bytes of an element
-    quint64 line = 1;   // elements of one step along the first dimension
     quint64 stride = 0; // bytes from one step along the first dimension to the next
 };
 

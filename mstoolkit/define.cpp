@@ -4,22 +4,33 @@
 
 namespace {
 
-// A variable over one of the record's dimensions, its id stored under `slot`.
-int define_plain(MsFileRecord *file, int slot, const char *name, qint32 nc_type, int dimension)
+int define(MsFileRecord *file, const MsDimensionRow &row, qint32 size)
 {
-    return ms_define_variable(file, {slot, name, nc_type, 0, 1, {dimension, -1}});
-}
-
-} // namespace
-
-int ms_define_dimension(MsFileRecord *file, int slot, const char *name, qint32 size)
-{
-    MsDimension &dimension = file->dimensions[slot];
-    dimension.id = ncdimdef(file->ncid, name, size);
+    MsDimension &dimension = file->dimensions[row.slot];
+    dimension.id = ncdimdef(file->ncid, row.name, size);
     if (dimension.id == -1)
         return -1;
     dimension.size = size;
     return 0;
+}
+
+// A value variable in a data format, if the file is to have it.
+int define_values(MsFileRecord *file, MsVariableRow row, bool is_wanted, qint32 format)
+{
+    file->variables[row.slot] = -1;
+    row.nc_type = ms_nc_type_of_format(format, row.nc_type);
+    return is_wanted ? ms_define_variable(file, row) : 0;
+}
+
+} // namespace
+
+int ms_define_dimension(MsFileRecord *file, int slot, qint32 size)
+{
+    for (const MsDimensionRow &row : ms_counting_dimension_table) {
+        if (row.slot == slot)
+            return define(file, row, size);
+    }
+    return -1;
 }
 
 int ms_define_variable(MsFileRecord *file, const MsVariableRow &row)
@@ -49,16 +60,16 @@ int ms_define_dimensions(int ncid, qint32 scan_count, qint32 instrument_count)
         return -1;
 
     for (const MsDimensionRow &row : ms_dimension_table) {
-        if (ms_define_dimension(file, row.slot, row.name, row.size) == -1)
+        if (define(file, row, row.size) == -1)
             return -1;
     }
-    if (ms_define_dimension(file, MsDim_scan_number, "scan_number", scan_count) == -1)
+    if (ms_define_dimension(file, MsDim_scan_number, scan_count) == -1)
         return -1;
     if (instrument_count < 1) {
         file->dimensions[MsDim_instrument_number] = {-1, 0};
         return 0;
     }
-    return ms_define_dimension(file, MsDim_instrument_number, "instrument_number", instrument_count);
+    return ms_define_dimension(file, MsDim_instrument_number, instrument_count);
 }
 
 int ms_define_variables(int ncid, qint32 experiment_type, qint32 mass_format, qint32 time_format,
@@ -79,26 +90,12 @@ int ms_define_variables(int ncid, qint32 experiment_type, qint32 mass_format, qi
 
     if (ms_define_variables_of(file, ms_error_table) == -1
         || ms_define_variables_of(file, ms_per_scan_table) == -1
-        || define_plain(file, MsVar_scan_index, "scan_index", NC_LONG, MsDim_scan_number) == -1
-        || define_plain(file, MsVar_point_count, "point_count", NC_LONG, MsDim_scan_number) == -1
-        || define_plain(file, MsVar_flag_count, "flag_count", NC_LONG, MsDim_scan_number) == -1)
+        || ms_define_variables_of(file, ms_counter_table) == -1)
         return -1;
-
-    file->variables[MsVar_mass_values] = -1;
-    if (has_mass_values
-        && define_plain(file, MsVar_mass_values, "mass_values",
-                        ms_nc_type_of_format(mass_format, NC_SHORT), MsDim_point_number)
-            == -1)
-        return -1;
-    file->variables[MsVar_time_values] = -1;
-    if (has_time_values
-        && define_plain(file, MsVar_time_values, "time_values",
-                        ms_nc_type_of_format(time_format, NC_SHORT), MsDim_point_number)
-            == -1)
-        return -1;
-    if (define_plain(file, MsVar_intensity_values, "intensity_values",
-                     ms_nc_type_of_format(intensity_format, NC_LONG), MsDim_point_number)
-        == -1)
+    const MsVariableRow *values = ms_value_table.first;
+    if (define_values(file, values[0], has_mass_values != 0, mass_format) == -1
+        || define_values(file, values[1], has_time_values != 0, time_format) == -1
+        || define_values(file, values[2], true, intensity_format) == -1)
         return -1;
 
     if (file->dimensions[MsDim_instrument_number].id != -1

@@ -5,7 +5,8 @@
 
 #include "access_p.h"
 
-int ms_define_dimension(MsFileRecord *file, int slot, const char *name, qint32 size);
+// A dimension of ms_counting_dimension_table.
+int ms_define_dimension(MsFileRecord *file, int slot, qint32 size);
 int ms_define_variable(MsFileRecord *file, const MsVariableRow &row);
 int ms_define_variables_of(MsFileRecord *file, const MsTable<MsVariableRow> &table);
 

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <vector>
 
 // What a file stores under a variable id. The lengths are those of the first two dimensions, 1 for one

@@ -21,10 +21,7 @@ void ms_clear_attribute(char release, const MsAttributeRow &row, void *record)
     } else if (row.enumerated) {
         ms_field<qint32>(record, row.field) = row.default_code;
     } else {
-        char *&text = ms_field<char *>(record, row.field);
-        if (release)
-            ms_free(text);
-        text = nullptr;
+        ms_clear_text(release, &ms_field<char *>(record, row.field));
     }
 }
 

@@ -123,8 +123,8 @@ int ms_define_groups(int ncid, qint32 group_count, qint32 max_masses)
         return -1;
 
     ncredef(ncid);
-    if (ms_define_dimension(file, MsDim_group_number, "group_number", group_count) == -1
-        || ms_define_dimension(file, MsDim_group_max_masses, "group_max_masses", max_masses) == -1
+    if (ms_define_dimension(file, MsDim_group_number, group_count) == -1
+        || ms_define_dimension(file, MsDim_group_max_masses, max_masses) == -1
         || ms_define_variables_of(file, ms_group_table) == -1)
         return -1;
     ncendef(ncid);

@@ -26,13 +26,13 @@ void inquire_rows(MsFileRecord *file, const MsTable<MsVariableRow> &table)
         ms_set_variable(file, row.slot, ms_find_variable(file->ncid, row.name));
 }
 
-// The stored format of a value variable; the fallback type is that of an absent one.
-qint32 inquire_format(int ncid, int varid, nc_type fallback)
+// The stored format of a value variable; that of the row's type for an absent one.
+qint32 inquire_format(const MsFileRecord &file, const MsVariableRow &row)
 {
-    nc_type type = fallback;
-    if (varid != -1)
-        ncvarinq(ncid, varid, nullptr, &type, nullptr, nullptr, nullptr);
-    return ms_format_of_nc_type(type, ms_format_of_nc_type(fallback, 0));
+    nc_type type = row.nc_type;
+    if (ms_variable(file, row) != -1)
+        ncvarinq(file.ncid, ms_variable(file, row), nullptr, &type, nullptr, nullptr, nullptr);
+    return ms_format_of_nc_type(type, ms_format_of_nc_type(row.nc_type, 0));
 }
 
 } // namespace
@@ -57,10 +57,8 @@ int ms_inquire_dimensions(int ncid)
 
     for (const MsDimensionRow &row : ms_dimension_table)
         file->dimensions[row.slot] = inquire_dimension(ncid, row.name, row.size);
-    file->dimensions[MsDim_scan_number] = inquire_dimension(ncid, "scan_number", 0);
-    file->dimensions[MsDim_instrument_number] = inquire_dimension(ncid, "instrument_number", 0);
-    file->dimensions[MsDim_group_number] = inquire_dimension(ncid, "group_number", 0);
-    file->dimensions[MsDim_group_max_masses] = inquire_dimension(ncid, "group_max_masses", 0);
+    for (const MsDimensionRow &row : ms_counting_dimension_table)
+        file->dimensions[row.slot] = inquire_dimension(ncid, row.name, row.size);
     return 0;
 }
 
@@ -73,20 +71,18 @@ int ms_inquire_variables(int ncid)
     inquire_rows(file, ms_error_table);
     inquire_rows(file, ms_per_scan_table);
 
-    ms_set_variable(file, MsVar_scan_index, ncvarid(ncid, "scan_index"));
-    ms_set_variable(file, MsVar_point_count, ncvarid(ncid, "point_count"));
-    ms_set_variable(file, MsVar_flag_count, ncvarid(ncid, "flag_count"));
-    ms_set_variable(file, MsVar_mass_values, ncvarid(ncid, "mass_values"));
-    ms_set_variable(file, MsVar_time_values, ncvarid(ncid, "time_values"));
-    ms_set_variable(file, MsVar_intensity_values, ncvarid(ncid, "intensity_values"));
-    const qint32 *variables = file->variables;
-    if (variables[MsVar_mass_values] != -1)
+    // These are known with underscores only.
+    for (const MsTable<MsVariableRow> &table : {ms_counter_table, ms_value_table}) {
+        for (const MsVariableRow &row : table)
+            ms_set_variable(file, row.slot, ncvarid(ncid, row.name));
+    }
+    if (file->variables[MsVar_mass_values] != -1)
         file->has_mass_values = 1;
-    if (variables[MsVar_time_values] != -1)
+    if (file->variables[MsVar_time_values] != -1)
         file->has_time_values = 1;
-    file->mass_format = inquire_format(ncid, variables[MsVar_mass_values], NC_SHORT);
-    file->time_format = inquire_format(ncid, variables[MsVar_time_values], NC_SHORT);
-    file->intensity_format = inquire_format(ncid, variables[MsVar_intensity_values], NC_LONG);
+    qint32 *formats[] = {&file->mass_format, &file->time_format, &file->intensity_format};
+    for (int i = 0; i < ms_value_table.count; ++i)
+        *formats[i] = inquire_format(*file, ms_value_table.first[i]);
 
     if (file->dimensions[MsDim_instrument_number].id != -1)
         inquire_rows(file, ms_instrument_table);
@@ -116,4 +112,9 @@ int ms_inquire_groups(int ncid, qint32 *group_count, qint32 *max_masses)
     *max_masses = masses.size;
     inquire_rows(file, ms_group_table);
     return 0;
+}
+
+QByteArray ms_dash_name(const char *name)
+{
+    return QByteArray(name).replace('_', '-');
 }

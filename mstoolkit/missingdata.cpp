@@ -40,7 +40,7 @@ bool ms_is_stored(const MsFileState *state, int varid, int rank, const std::size
     if (varid < 0 || std::size_t(varid) >= layout->variables.size())
         return false;
 
-    // The library has accepted the request's shape, so its sums don't wrap.
+    // Requests lie within the variable's shape, so their sums don't wrap.
     const MsVariableExtent &extent = layout->variables[std::size_t(varid)];
     const quint64 last_line = start[0] + count[0] - 1;
     const quint64 elements = rank == 1 ? 1 : start[1] + count[1];

@@ -211,7 +211,8 @@ int ms_open_read(const char *path);
 //   instrument_count    size of instrument_number; below 1 the file gets no instrument variables
 //   mass_format, time_format, intensity_format   MsDataFormat; another code counts as short, short, long
 //   has_mass_values, has_time_values   which axes the file gets; at least one
-// Gives the netCDF id, or -1; the partly made file then stays on disk, closed.
+// Gives the netCDF id, or -1; the partly made file then stays on disk, closed. Definitions that the
+// library refuses only as they end (a file too large for its kind) show at the first write.
 int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, qint32 instrument_count,
                   qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
                   qint32 has_time_values);
@@ -315,7 +316,8 @@ QByteArray ms_dash_name(const char *name);
 // Global information: four records, filled from the attribute tables
 // ---------------------------------------------------------------------------------------------------
 
-// Texts are NUL-terminated Latin-1, or null. Codes are vocabulary codes, or -1 for a text that the
+// Texts are NUL-terminated Latin-1, or null; those of attributes are read as UTF-8, and characters beyond
+// Latin-1 become question marks. Codes are vocabulary codes, or -1 for a text that the
 // vocabulary lacks. Absent numbers are -9999. All fields are attributes of the same name but those
 // whose comment says otherwise.
 
@@ -474,15 +476,17 @@ int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTes
                    MsRawGlobalRecord *raw);
 
 // Writes the records to a file made by ms_open_write, in data mode before and after. A null text, a
-// missing number and a code outside the vocabulary leave no attribute; error_log is always written.
-// dataset_completeness, ms_template_revision, netcdf_revision and languages get fixed texts whatever
-// `admin` holds, and are null in it afterwards, unfreed. -1: a null record, or the first refused write;
-// the file may then still be in define mode.
+// missing number (here all above -10000 up to -9999) and a code outside the vocabulary leave no
+// attribute; error_log is always written. Texts are written as they are; a reader takes those of
+// attributes as UTF-8. dataset_completeness, ms_template_revision, netcdf_revision and languages get
+// fixed texts whatever `admin` holds, and are null in it afterwards, unfreed. -1: a null record, or the
+// first refused write; the file may then still be in define mode.
 int ms_write_global(int ncid, MsAdminRecord *admin, const MsSampleRecord *sample,
                     const MsTestRecord *test, const MsRawGlobalRecord *raw);
 
 // Converts `value` to `type` and stores it in the field at offset `field` of `record`: a number
-// that can't be made is stored as missing, a text becomes a new block.
+// that can't be made of it at all is stored as missing, one that the field is too narrow for is cut as
+// C++ does it, a text becomes a new block in Latin-1. Another type than NC_BYTE to NC_DOUBLE only warns.
 void ms_store_variant(void *record, std::size_t field, const QVariant &value, qint32 type);
 
 // ---------------------------------------------------------------------------------------------------
@@ -542,8 +546,9 @@ void ms_init_group(char release, MsGroupRecord *group);
 int ms_inquire_groups(int ncid, qint32 *group_count, qint32 *max_masses);
 
 // Reads group `group->group_number`. -1: null record, a number outside group_number, a variable of
-// another rank (after an error message) or an unreadable one; the record then holds no arrays and a
-// group_mass_count of 0. A file without group_mass_count gives -9999 there and in all places.
+// another rank (after an error message) or an unreadable one; from the latter two the record holds no
+// arrays and a group_mass_count of 0. A file without group_mass_count gives -9999 there and in all
+// places.
 int ms_read_group(int ncid, MsGroupRecord *group);
 
 // Adds the dimensions and variables of the groups to a new file, in data mode before and after. -1: a

@@ -18,7 +18,7 @@ void warn(const char *text, const QByteArray &name)
 // An attribute as a file has it.
 struct Attribute {
     int holder;
-    QByteArray name; // the spelling that the file uses
+    QByteArray name; // the spelling that the file uses; the dashed one of an absent attribute
     nc_type type;
     std::size_t length; // 0 also for an absent one
     bool present;

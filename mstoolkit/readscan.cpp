@@ -6,8 +6,6 @@ namespace {
 
 int read_numbers(const MsFileRecord &file, MsScanRecord *scan)
 {
-    if (scan->scan_number < 0)
-        return -1;
     for (const MsVariableRow &row : ms_per_scan_table) {
         if (ms_read_row(file, row, scan->scan_number, scan) == -1)
             return -1;
@@ -87,11 +85,7 @@ int read_scan(const MsFileRecord &file, MsScanRecord *scan)
     if (ms_read_counter(file, MsVar_flag_count, scan->scan_number, &scan->flag_count) == -1)
         scan->flag_count = 0;
 
-    scan->mass_values = nullptr;
-    scan->time_values = nullptr;
-    scan->intensity_values = nullptr;
-    scan->flagged_peaks = nullptr;
-    scan->flag_values = nullptr;
+    ms_clear_vectors(scan);
     return scan->point_count < 1 ? 0 : read_vectors(file, scan_index, scan);
 }
 

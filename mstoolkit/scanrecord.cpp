@@ -2,30 +2,51 @@
 
 #include "access_p.h"
 
+namespace {
+
+void release_vectors(const MsScanRecord &scan)
+{
+    ms_free(scan.mass_values);
+    ms_free(scan.time_values);
+    ms_free(scan.intensity_values);
+    ms_free(scan.flagged_peaks);
+    ms_free(scan.flag_values);
+}
+
+void clear_scan(char release, MsScanRecord *scan)
+{
+    for (const MsVariableRow &row : ms_per_scan_table)
+        ms_clear_row(release, row, scan);
+    scan->scan_number = -1;
+    scan->point_count = 0;
+    scan->flag_count = 0;
+    if (release)
+        release_vectors(*scan);
+    ms_clear_vectors(scan);
+}
+
+void clear_entry(char release, MsLibraryRecord *library)
+{
+    for (const MsVariableRow &row : ms_library_table)
+        ms_clear_row(release, row, library);
+    library->entry_index = -1;
+}
+
+} // namespace
+
+void ms_clear_vectors(MsScanRecord *scan)
+{
+    scan->mass_values = nullptr;
+    scan->time_values = nullptr;
+    scan->intensity_values = nullptr;
+    scan->flagged_peaks = nullptr;
+    scan->flag_values = nullptr;
+}
+
 void ms_init_per_scan(char release, MsScanRecord *scan, MsLibraryRecord *library)
 {
-    if (scan) {
-        for (const MsVariableRow &row : ms_per_scan_table)
-            ms_clear_row(release, row, scan);
-        scan->scan_number = -1;
-        scan->point_count = 0;
-        scan->flag_count = 0;
-        if (release) {
-            ms_free(scan->mass_values);
-            ms_free(scan->time_values);
-            ms_free(scan->intensity_values);
-            ms_free(scan->flagged_peaks);
-            ms_free(scan->flag_values);
-        }
-        scan->mass_values = nullptr;
-        scan->time_values = nullptr;
-        scan->intensity_values = nullptr;
-        scan->flagged_peaks = nullptr;
-        scan->flag_values = nullptr;
-    }
-    if (library) {
-        for (const MsVariableRow &row : ms_library_table)
-            ms_clear_row(release, row, library);
-        library->entry_index = -1;
-    }
+    if (scan)
+        clear_scan(release, scan);
+    if (library)
+        clear_entry(release, library);
 }

@@ -1,6 +1,6 @@
 // What the template says of dimensions and variables: the tables that all walkers read.
 
-#include "mstoolkit.h"
+#include "access_p.h"
 
 #include <iterator>
 
@@ -99,6 +99,26 @@ constexpr MsVariableRow library_rows[] = {
 };
 static_assert(std::size(library_rows) == 27);
 
+constexpr MsDimensionRow counting_rows[] = {
+    {MsDim_scan_number,       "scan_number",       0},
+    {MsDim_instrument_number, "instrument_number", 0},
+    {MsDim_group_number,      "group_number",      0},
+    {MsDim_group_max_masses,  "group_max_masses",  0},
+};
+
+// No fields of a record belong to these.
+constexpr MsVariableRow counter_rows[] = {
+    {MsVar_scan_index,  "scan_index",  NC_LONG, 0, 1, {MsDim_scan_number, -1}},
+    {MsVar_point_count, "point_count", NC_LONG, 0, 1, {MsDim_scan_number, -1}},
+    {MsVar_flag_count,  "flag_count",  NC_LONG, 0, 1, {MsDim_scan_number, -1}},
+};
+constexpr MsVariableRow value_rows[] = {
+    {MsVar_mass_values,      "mass_values",      NC_SHORT, 0, 1, {MsDim_point_number, -1}},
+    {MsVar_time_values,      "time_values",      NC_SHORT, 0, 1, {MsDim_point_number, -1}},
+    {MsVar_intensity_values, "intensity_values", NC_LONG,  0, 1, {MsDim_point_number, -1}},
+};
+static_assert(std::size(value_rows) == 3);
+
 // clang-format on
 
 template <class Row, std::size_t count> constexpr MsTable<Row> table(const Row (&rows)[count])
@@ -117,3 +137,6 @@ constexpr MsTable<MsVariableRow> ms_per_scan_table = table(per_scan_rows);
 constexpr MsTable<MsVariableRow> ms_group_table = table(group_rows);
 constexpr MsTable<MsVariableRow> ms_instrument_table = table(instrument_rows);
 constexpr MsTable<MsVariableRow> ms_library_table = table(library_rows);
+constexpr MsTable<MsDimensionRow> ms_counting_dimension_table = table(counting_rows);
+constexpr MsTable<MsVariableRow> ms_counter_table = table(counter_rows);
+constexpr MsTable<MsVariableRow> ms_value_table = table(value_rows);

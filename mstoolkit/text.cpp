@@ -1,4 +1,4 @@
-// Texts in a file: enumerated attributes, text variables, the dashed spelling of names.
+// Texts in a file: enumerated attributes and text variables.
 
 #include "access_p.h"
 #include "missingdata_p.h"
@@ -126,9 +126,4 @@ int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qin
     const long start[2] = {long(place.start[0]), long(place.start[1])};
     const long count[2] = {place.rank == 1 ? moved : 1, moved};
     return ncvarput(ncid, varid, start, count, buffer.data()) == -1 ? -1 : 0;
-}
-
-QByteArray ms_dash_name(const char *name)
-{
-    return QByteArray(name).replace('_', '-');
 }

@@ -9,8 +9,6 @@ namespace {
 
 int write_numbers(const MsFileRecord &file, const MsScanRecord &scan)
 {
-    if (scan.scan_number < 0)
-        return -1;
     for (const MsVariableRow &row : ms_per_scan_table) {
         if (ms_write_row(file, row, scan.scan_number, &scan) == -1)
             return -1;

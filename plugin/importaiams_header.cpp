@@ -75,7 +75,7 @@ bool ImportAiaMs::importHeader()
     return true;
 }
 
-// The sum is the template's: the epoch in local time, the zone's hours added, one hour taken off.
+// The host's own sum: the epoch in local time, the zone's hours added, one hour taken off.
 quint32 ImportAiaMs::parseTimeStamp(const QString &text)
 {
     const int year = text.mid(0, 4).toInt();

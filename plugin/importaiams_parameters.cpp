@@ -13,7 +13,7 @@ int ImportAiaMs::askParameters(QWidget *parent)
     DVImportGCGCDialog dialog(parent, QFileInfo(fileName).fileName());
     dialog.exec();
     applyToAll = dialog.applyToAll();
-    // "No" leaves the length alone: clone() has set it back to 0 after the last file.
+    // "No" leaves the length that was set before.
     if (dialog.isGCxGC())
         modulation = float(dialog.modulationLength());
     return 0;

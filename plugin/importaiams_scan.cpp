@@ -9,7 +9,7 @@
 
 namespace {
 
-// Points for which the caller's arrays have room.
+// Points for which the caller's arrays have room; the host's own headers have no name for it.
 constexpr int mostPoints = 1 << 24;
 
 // A scan record for the length of one call.

@@ -25,13 +25,30 @@ qint64 mostPoints(const QString &path)
     return 1100 * QFileInfo(path).size() + (1 << 24);
 }
 
-bool giveUp(const QString &name, const QString &reason)
+// Knows when a run is to be given up.
+class Patience
 {
-    MessageLoggerInterface::Error(
-        QStringLiteral("The import of <b>%1</b> was given up: %2").arg(name.toHtmlEscaped(), reason),
-        nullptr);
-    return false;
-}
+public:
+    // Any number of empty scans is borne of a trace, which is in memory already.
+    Patience(const QString &path, bool isTrace) : bearsEmpty(isTrace), pointsLeft(mostPoints(path)) { }
+
+    // Null, or why, after a scan.
+    QString complaint(int points, double total)
+    {
+        empty = points == 0 && total == 0.0 && !bearsEmpty ? empty + 1 : 0;
+        pointsLeft -= points;
+        if (empty > mostEmptyScans)
+            return QStringLiteral("more than %1 scans in a row are empty").arg(mostEmptyScans);
+        if (pointsLeft < 0)
+            return QStringLiteral("its scans have more points than the file can hold");
+        return QString();
+    }
+
+private:
+    bool bearsEmpty;
+    int empty = 0;
+    qint64 pointsLeft;
+};
 
 // Receives what nobody wants.
 class NoReceiver : public DVImportReceiver
@@ -89,10 +106,8 @@ bool DVImportAnalysisInterface::run(const QString &name)
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();
     const int step = count / 100 + (count % 100 != 0);
-    // A trace is in memory already, as long as the file could hold it.
-    const bool isTrace = tableSize == 0 && header->isSet(DVHeader::DetectorType);
-    int empty = 0;
-    qint64 pointsLeft = mostPoints(getFileName());
+    // A plugin sets the detector of a trace only where it has one.
+    Patience patience(getFileName(), tableSize == 0 && header->isSet(DVHeader::DetectorType));
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
             return false;
@@ -100,13 +115,13 @@ bool DVImportAnalysisInterface::run(const QString &name)
         int points = 0;
         const double total =
             importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
-        empty = points == 0 && total == 0.0 ? empty + 1 : 0;
-        if (empty > mostEmptyScans && !isTrace)
-            return giveUp(name,
-                          QStringLiteral("more than %1 scans in a row are empty").arg(mostEmptyScans));
-        pointsLeft -= points;
-        if (pointsLeft < 0)
-            return giveUp(name, QStringLiteral("its scans have more points than the file can hold"));
+        const QString complaint = patience.complaint(points, total);
+        if (!complaint.isNull()) {
+            MessageLoggerInterface::Error(QStringLiteral("The import of <b>%1</b> was given up: %2")
+                                              .arg(name.toHtmlEscaped(), complaint),
+                                          nullptr);
+            return false;
+        }
         target.scanImported(scan, time, total, points, abundances.get(), positions.get());
         const int done = scan + 1;
         if (done % step == 0 || done == count)

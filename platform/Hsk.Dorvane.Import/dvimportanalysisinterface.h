@@ -22,7 +22,8 @@ public:
     // The run on an open file: importHeader, importMassTable, then importScan for each scan of the
     // header, each scan handed on to the receiver and none kept. The header is freed at the end. False
     // if importHeader says so or the run was cancelled, and, with an error message that names
-    // `fileName`, if memory runs out or a million scans in a row are empty. `title`, `path` and `buffer`
+    // `fileName`, if memory runs out, a million scans in a row are empty, or the scans
+    // have more points than the file can hold. `title`, `path` and `buffer`
     // aren't used by this run.
     bool import(const QString &fileName, const QString &title, const QString &path,
                 TFileBuffer *buffer) override;
@@ -37,8 +38,9 @@ public:
     // 0 and null for a run without a table.
     virtual unsigned short importMassTable(float **table) = 0;
 
-    // Gives the total abundance of scan `scan`, from 0. Fills `*time`, and the first `*pointCount`
-    // elements of the two arrays, which have room for scanCapacity points.
+    // Gives the total abundance of scan `scan`, from 0. Fills `*time`, in the header's retention unit,
+    // and the first `*pointCount` elements of the two arrays, which have room for scanCapacity points. A
+    // scan that can't be read has no points and a total of 0; a trace's numbers come as they are stored.
     virtual double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
                               float *abundances, unsigned short *positions) = 0;
 

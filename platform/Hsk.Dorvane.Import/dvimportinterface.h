@@ -22,6 +22,7 @@ public:
 
     // Whether `fileName` can be imported. This first test asks that the file is a readable regular file
     // with one of the plugin's extensions; if not, `text` receives one sentence that says why.
+    // A plugin adds tests of its own, and answers for the file that it has open, if any.
     virtual bool canImport(TFileBuffer *buffer, const QString &fileName, QString &text);
 
     virtual int importQueryValue() = 0;
