@@ -4,6 +4,7 @@
 #include "importaiams.h"
 #include "infogather.h"
 #include "messageloggerinterface.h"
+#include "ownedrecords.h"
 
 #include <QFile>
 
@@ -76,16 +77,11 @@ void importFile(const QString &path)
 void readScans(int ncid)
 {
     for (int number = -1; number < most; ++number) {
-        MsScanRecord scan;
-        MsLibraryRecord library;
-        ms_init_per_scan(0, &scan, &library);
-        scan.scan_number = number;
-        library.entry_index = number;
-        const bool both = ms_read_per_scan(ncid, &scan, &library) != -1;
-        ms_init_per_scan(1, &scan, &library);
-        scan.scan_number = number;
-        const bool alone = ms_read_per_scan(ncid, &scan, nullptr) != -1;
-        ms_init_per_scan(1, &scan, nullptr);
+        OwnedScan scan(number);
+        OwnedEntry entry(number);
+        const bool both = ms_read_per_scan(ncid, &scan, &entry) != -1;
+        OwnedScan again(number);
+        const bool alone = ms_read_per_scan(ncid, &again, nullptr) != -1;
         if (number > 0 && !both && !alone)
             break;
     }
@@ -97,22 +93,16 @@ void readGroups(int ncid)
     int masses = 0;
     ms_inquire_groups(ncid, &groups, &masses);
     for (int number = 0; number < std::min(groups, 4); ++number) {
-        MsGroupRecord group;
-        ms_init_group(0, &group);
-        group.group_number = number;
+        OwnedGroup group(number);
         ms_read_group(ncid, &group);
-        ms_init_group(1, &group);
     }
 }
 
 void readInstruments(int ncid)
 {
     for (int component = -1; component < 4; ++component) {
-        MsInstrumentRecord instrument;
-        ms_init_instrument(0, &instrument);
-        instrument.component_index = component;
+        OwnedInstrument instrument(component);
         ms_read_instrument(ncid, &instrument);
-        ms_init_instrument(1, &instrument);
     }
 }
 

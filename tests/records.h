@@ -2,7 +2,7 @@
 #ifndef RECORDS_H
 #define RECORDS_H
 
-#include "mstoolkit.h"
+#include "ownedrecords.h"
 
 #include <QSet>
 
@@ -15,13 +15,6 @@ struct Scan : MsScanRecord {
     }
 };
 
-// Owns what is read into it.
-struct ReadScan : Scan {
-    using Scan::Scan;
-    ~ReadScan() { ms_init_per_scan(1, this, nullptr); }
-    Q_DISABLE_COPY(ReadScan)
-};
-
 // Points to texts of the test.
 struct Globals {
     Globals() { ms_init_global(0, &admin, &sample, &test, &raw); }
@@ -31,52 +24,6 @@ struct Globals {
     MsSampleRecord sample;
     MsTestRecord test;
     MsRawGlobalRecord raw;
-};
-
-// Owns what is read into it.
-struct ReadGlobals : Globals {
-    explicit ReadGlobals(int id) : status(ms_read_global(id, &admin, &sample, &test, &raw)) { }
-    ~ReadGlobals()
-    {
-        ms_free(admin.error_log);
-        ms_init_global(1, &admin, &sample, &test, &raw);
-    }
-    Q_DISABLE_COPY(ReadGlobals)
-
-    int status;
-};
-
-struct ReadGroup : MsGroupRecord {
-    explicit ReadGroup(int number)
-    {
-        ms_init_group(0, this);
-        group_number = number;
-    }
-    ~ReadGroup() { ms_init_group(1, this); }
-    Q_DISABLE_COPY(ReadGroup)
-};
-
-struct ReadInstrument : MsInstrumentRecord {
-    ReadInstrument(int id, int component)
-    {
-        ms_init_instrument(0, this);
-        component_index = component;
-        status = ms_read_instrument(id, this);
-    }
-    ~ReadInstrument() { ms_init_instrument(1, this); }
-    Q_DISABLE_COPY(ReadInstrument)
-
-    int status;
-};
-
-struct ReadEntry : MsLibraryRecord {
-    explicit ReadEntry(int index)
-    {
-        ms_init_per_scan(0, nullptr, this);
-        entry_index = index;
-    }
-    ~ReadEntry() { ms_init_per_scan(1, nullptr, this); }
-    Q_DISABLE_COPY(ReadEntry)
 };
 
 struct Census {
@@ -110,12 +57,13 @@ inline int readAll(int id, int scanCount)
 {
     int groups = 0;
     int width = 0;
-    ReadGroup group(0);
-    int failures = (ReadGlobals(id).status == -1) + (ReadInstrument(id, 0).status == -1)
+    OwnedGroup group(0);
+    OwnedInstrument instrument(0);
+    int failures = (OwnedGlobals().read(id) == -1) + (ms_read_instrument(id, &instrument) == -1)
         + (ms_inquire_groups(id, &groups, &width) == -1) + (ms_read_group(id, &group) == -1);
     for (int number = 0; number < scanCount; ++number) {
-        ReadScan scan(number);
-        ReadEntry entry(number);
+        OwnedScan scan(number);
+        OwnedEntry entry(number);
         failures += ms_read_per_scan(id, &scan, &entry) == -1;
     }
     const Trace trace(id, scanCount);

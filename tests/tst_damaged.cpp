@@ -100,7 +100,7 @@ private slots:
                                     QString::number(bytes.size())})
             QVERIFY2(missing == 0 || messages.first().contains(part), qPrintable(messages.join(QLatin1Char('\n'))));
         for (int number = 0; number < scanCount; ++number) {
-            ReadScan scan(number);
+            OwnedScan scan(number);
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < whole ? 0 : -1);
             if (number < whole)
                 QCOMPARE(static_cast<float *>(scan.intensity_values)[pointCount - 1], float(number + 1));
@@ -130,7 +130,7 @@ private slots:
         openPath(path);
         QVERIFY(QFile::resize(path, QFileInfo(path).size() - missing));
         for (int number = 0; number < scanCount; ++number) {
-            ReadScan scan(number);
+            OwnedScan scan(number);
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
         }
         QCOMPARE(ms_missing_bytes(id), quint64(missing));
@@ -144,7 +144,7 @@ private slots:
         openBytes(bytes);
         QCOMPARE(ms_file_record(id)->dimensions[MsDim_point_number].size, (scanCount - 1) * pointCount);
         for (int number = 0; number < scanCount; ++number) {
-            ReadScan scan(number);
+            OwnedScan scan(number);
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
         }
         QCOMPARE(Census(id).keys, (QSet<qint32>{100, 200, 300}));
@@ -198,7 +198,7 @@ private slots:
         const Trace trace(id, scanCount);
         QCOMPARE(trace.status, 0);
         QCOMPARE(shownAll<double>(trace.totals, scanCount), QStringLiteral("0,1,-9999,-9999"));
-        ReadScan scan(3);
+        OwnedScan scan(3);
         QCOMPARE(ms_read_scan_header(id, &scan), 0);
         QCOMPARE(scan.total_intensity, -9999.0);
     }

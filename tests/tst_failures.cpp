@@ -54,7 +54,7 @@ class TestFailures : public QObject, private Plugin
             + ms_write_group(id, &group);
         for (int number = 0; number < scanCount; ++number) {
             Scan scan(number);
-            ReadEntry entry(number);
+            OwnedEntry entry(number);
             float masses[] = {50.0f, 60.0f, 70.0f};
             qint16 times[] = {1, 2, 3};
             qint32 intensities[] = {1, 2, 3};

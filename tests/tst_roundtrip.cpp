@@ -130,7 +130,7 @@ private slots:
 
         readBack();
         for (int number = 0; number < 3; ++number) {
-            ReadScan scan(number);
+            OwnedScan scan(number);
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), 0);
             const int points = number == 2 ? 0 : 5 + number;
             const auto same = [points](int format, const void *read, const std::vector<double> &written) {
@@ -213,8 +213,8 @@ private slots:
         QVERIFY(write(0, 1, 0, 76, 76, true, true) != -1);
         QCOMPARE(written.write(id), 0);
         readBack();
-        ReadGlobals read(id);
-        QCOMPARE(read.status, 0);
+        OwnedGlobals read;
+        QCOMPARE(read.read(id), 0);
         QCOMPARE(read.admin.error_log, QByteArray(log).left(63).constData());
         QCOMPARE(read.admin.instrument_count, -1);
         QCOMPARE(read.raw.scan_count, 1);
@@ -298,7 +298,7 @@ private slots:
         nc_get_var1_text(id, ms_file_record(id)->variables[MsVar_entry_name], end, &last);
         QCOMPARE(int(last), 0);
         Scan read(1);
-        ReadEntry entry(1);
+        OwnedEntry entry(1);
         QCOMPARE(ms_read_per_scan(id, &read, &entry), 0);
         QCOMPARE(shownRecord(ms_per_scan_table, &read), shownRecord(ms_per_scan_table, &scan));
         QCOMPARE(shownRecord(ms_library_table, &entry), shownRecord(ms_library_table, &library));
@@ -323,8 +323,8 @@ private slots:
             QCOMPARE(ms_write_instrument(id, &written[0]), -1);
             readBack();
             for (int i = count == 1 ? -1 : 0; i < count; ++i) {
-                const ReadInstrument read(id, i);
-                QCOMPARE(read.status, 0);
+                OwnedInstrument read(i);
+                QCOMPARE(ms_read_instrument(id, &read), 0);
                 QCOMPARE(shownRecord(ms_instrument_table, &read),
                          shownRecord(ms_instrument_table, &written[qMax(i, 0)]));
             }
@@ -351,10 +351,10 @@ private slots:
         QCOMPARE(ms_inquire_groups(id, &groups, &width), 0);
         QCOMPARE(QVector<int>({groups, width}), QVector<int>({2, 3}));
         for (const int number : {-1, 2}) {
-            ReadGroup none(number);
+            OwnedGroup none(number);
             QCOMPARE(ms_read_group(id, &none), -1);
         }
-        ReadGroup read(1);
+        OwnedGroup read(1);
         QCOMPARE(ms_read_group(id, &read), 0);
         QCOMPARE(read.group_mass_count, 2);
         QCOMPARE(read.group_starting_scan, 17);

@@ -96,7 +96,7 @@ private slots:
         const auto [fixture, number, status, content] = OneScan::row();
         open(fixture);
         const MsFileRecord &file = *ms_file_record(id);
-        ReadScan scan(number);
+        OwnedScan scan(number);
         QCOMPARE(ms_read_per_scan(id, &scan, nullptr), status);
         const int points = scan.point_count;
         const QStringList read = {
@@ -211,7 +211,7 @@ private slots:
             masses[i] = double(i) / 100.0;
         openRun(masses, 5);
         for (const int number : {0, 1, 2, 3, 4, 3, 0, 0, 2, 4, 1}) {
-            ReadScan scan(number);
+            OwnedScan scan(number);
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), 0);
             const double *first = masses.data() + number * points;
             QVERIFY(std::equal(first, first + points, static_cast<double *>(scan.mass_values)));

@@ -1,6 +1,7 @@
 #include "infogather.h"
 
 #include "infofields.h"
+#include "ownedrecords.h"
 
 #include <algorithm>
 #include <iterator>
@@ -22,46 +23,6 @@ struct Column {
     const char *name;
     const void *numbers;
     qint32 format;
-};
-
-struct GlobalRecords {
-    MsAdminRecord admin;
-    MsSampleRecord sample;
-    MsTestRecord test;
-    MsRawGlobalRecord raw;
-
-    GlobalRecords() { ms_init_global(0, &admin, &sample, &test, &raw); }
-    ~GlobalRecords()
-    {
-        ms_free(admin.error_log);
-        ms_init_global(1, &admin, &sample, &test, &raw);
-    }
-    Q_DISABLE_COPY(GlobalRecords)
-};
-
-struct ScanAndEntry {
-    MsScanRecord scan;
-    MsLibraryRecord entry;
-
-    ScanAndEntry() { ms_init_per_scan(0, &scan, &entry); }
-    ~ScanAndEntry() { ms_init_per_scan(1, &scan, &entry); }
-    Q_DISABLE_COPY(ScanAndEntry)
-};
-
-struct Instrument {
-    MsInstrumentRecord record;
-
-    Instrument() { ms_init_instrument(0, &record); }
-    ~Instrument() { ms_init_instrument(1, &record); }
-    Q_DISABLE_COPY(Instrument)
-};
-
-struct Group {
-    MsGroupRecord record;
-
-    Group() { ms_init_group(0, &record); }
-    ~Group() { ms_init_group(1, &record); }
-    Q_DISABLE_COPY(Group)
 };
 
 // What the template has and an import can't do without, or makes do without at a price.
@@ -254,10 +215,9 @@ void Gatherer::addStoredTypes(InfoNode *report) const
 
 void Gatherer::addGlobals(InfoNode *report)
 {
-    GlobalRecords records;
-    const int status =
-        ms_read_global(ncid_, &records.admin, &records.sample, &records.test, &records.raw);
-    if (status == -1 && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
+    OwnedGlobals records;
+    if (records.read(ncid_) == -1
+        && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
         problem(QStringLiteral("the global information can't be read whole"));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
@@ -277,12 +237,10 @@ void Gatherer::addInstruments(InfoNode *report)
     InfoNode &list = report->add(Kind::List, QStringLiteral("instruments"));
     const qint64 shown = listed(size(MsDim_instrument_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        Instrument instrument;
-        instrument.record.component_index = i;
-        if (ms_read_instrument(ncid_, &instrument.record) == -1)
+        OwnedInstrument instrument(i);
+        if (ms_read_instrument(ncid_, &instrument) == -1)
             return problem(QStringLiteral("instrument component %1 can't be read").arg(i));
-        add_variables(ms_instrument_table, &instrument.record,
-                      &list.add(Kind::Section, QString::number(i)));
+        add_variables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
@@ -309,11 +267,10 @@ void Gatherer::addGroups(InfoNode *report)
     const qint64 shown = std::min(listed(count, &list), affordable);
     list.omitted = count - shown;
     for (qint32 i = 0; i < shown; ++i) {
-        Group group;
-        group.record.group_number = i;
-        if (ms_read_group(ncid_, &group.record) == -1)
+        OwnedGroup group(i);
+        if (ms_read_group(ncid_, &group) == -1)
             return problem(QStringLiteral("group %1 can't be read").arg(i));
-        addGroup(group.record, width, &list);
+        addGroup(group, width, &list);
     }
 }
 
@@ -324,11 +281,10 @@ void Gatherer::addLibrary(InfoNode *report)
     InfoNode &list = report->add(Kind::List, QStringLiteral("library"));
     const qint64 shown = listed(size(MsDim_scan_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        ScanAndEntry records;
-        records.entry.entry_index = i;
-        if (ms_read_per_scan(ncid_, nullptr, &records.entry) == -1)
+        OwnedEntry entry(i);
+        if (ms_read_per_scan(ncid_, nullptr, &entry) == -1)
             return problem(QStringLiteral("library entry %1 can't be read").arg(i));
-        add_variables(ms_library_table, &records.entry, &list.add(Kind::Section, QString::number(i)));
+        add_variables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
@@ -339,11 +295,9 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
                            .arg(number)
                            .arg(size(MsDim_scan_number)));
 
-    ScanAndEntry records;
-    MsScanRecord &scan = records.scan;
-    scan.scan_number = number;
-    records.entry.entry_index = number;
-    if (ms_read_per_scan(ncid_, &scan, &records.entry) == -1)
+    OwnedScan scan(number);
+    OwnedEntry entry(number);
+    if (ms_read_per_scan(ncid_, &scan, &entry) == -1)
         problem(QStringLiteral("scan %1 can't be read whole").arg(number));
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
@@ -352,8 +306,7 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
     section.addValue(QStringLiteral("point_count"), scan.point_count);
     section.addValue(QStringLiteral("flag_count"), scan.flag_count);
     if (isLibrary())
-        add_variables(ms_library_table, &records.entry,
-                      &section.add(Kind::Section, QStringLiteral("entry")));
+        add_variables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
              {{"mass", scan.mass_values, file_.mass_format},
               {"time", scan.time_values, file_.time_format},

@@ -2,7 +2,7 @@
 
 #include "dvheader.h"
 #include "messagelist.h"
-#include "mstoolkit.h"
+#include "ownedrecords.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -55,11 +55,7 @@ bool ScanAudit::isUnread(int scan, int pointCount, double total)
 bool ScanAudit::failsAgain(int scan)
 {
     const Silence silence; // the import has sent the messages already
-    struct Record : MsScanRecord {
-        Record() { ms_init_per_scan(0, this, nullptr); }
-        ~Record() { ms_init_per_scan(1, this, nullptr); }
-    } record;
-    record.scan_number = scan;
+    OwnedScan record(scan);
     return ms_read_per_scan(openFile(), &record, nullptr) == -1 || record.point_count > 0;
 }
 
