@@ -114,12 +114,7 @@ void readWithToolkit(const QString &path)
     readScans(ncid);
     readGroups(ncid);
     readInstruments(ncid);
-    double *totals = nullptr;
-    double *times = nullptr;
-    ms_read_total_intensity(ncid, ms_file_record(ncid)->dimensions[MsDim_scan_number].size, &totals,
-                            &times);
-    ms_free(totals);
-    ms_free(times);
+    const OwnedTrace trace(ncid, ms_file_record(ncid)->dimensions[MsDim_scan_number].size);
     InfoOptions options;
     options.scan = 1;
     const InfoResult info = gather_info(ncid, path, options);

@@ -4,18 +4,15 @@
 #include <cstring>
 #include <dlfcn.h>
 
-namespace {
+NetcdfCalls netcdfCalls;
 
-int wanted = 0;
-int calls = 0;
-const char *failed = "";
+namespace {
 
 bool failsNow(const char *name)
 {
-    ++calls;
-    if (calls != wanted)
+    if (++netcdfCalls.made != netcdfCalls.failing)
         return false;
-    failed = name;
+    netcdfCalls.failed = name;
     return true;
 }
 
@@ -28,23 +25,6 @@ constexpr int refused = -1;  // of the older interface
 constexpr int anError = -31; // a status of the current one
 
 } // namespace
-
-void failCall(int n)
-{
-    wanted = n;
-    calls = 0;
-    failed = "";
-}
-
-int callsMade()
-{
-    return calls;
-}
-
-const char *failedCall()
-{
-    return failed;
-}
 
 // The types are those of netcdf.h, which isn't included: its attributes would have to be repeated.
 #define PASS_ON(name, failure, parameters, arguments)                                                                  \

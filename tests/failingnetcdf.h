@@ -3,13 +3,17 @@
 #ifndef FAILINGNETCDF_H
 #define FAILINGNETCDF_H
 
-// Makes the n-th call from now on fail, counted from 1; 0 fails none. Starts the count anew.
-void failCall(int n);
+struct NetcdfCalls {
+    int failing = 0;         // the call that fails, counted from 1; 0: none
+    int made = 0;            // so far
+    const char *failed = ""; // the name of the call that failed, or an empty text
+};
+extern NetcdfCalls netcdfCalls;
 
-// Calls since then.
-int callsMade();
-
-// The name of the call that failed, or an empty text.
-const char *failedCall();
+// Makes the n-th call from now on fail.
+inline void failCall(int n)
+{
+    netcdfCalls = {n, 0, ""};
+}
 
 #endif // FAILINGNETCDF_H

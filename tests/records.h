@@ -4,8 +4,6 @@
 
 #include "ownedrecords.h"
 
-#include <QSet>
-
 // Points to vectors of the test.
 struct Scan : MsScanRecord {
     explicit Scan(int number)
@@ -26,31 +24,6 @@ struct Globals {
     MsRawGlobalRecord raw;
 };
 
-struct Census {
-    explicit Census(int id, qint32 wanted = 2, double scale = 1.0)
-        : decimals(wanted), status(ms_read_mass_census(id, keys, &decimals, scale))
-    {
-    }
-
-    QSet<qint32> keys;
-    qint32 decimals;
-    int status;
-};
-
-struct Trace {
-    Trace(int id, int scanCount) : status(ms_read_total_intensity(id, scanCount, &totals, &times)) { }
-    ~Trace()
-    {
-        ms_free(totals);
-        ms_free(times);
-    }
-    Q_DISABLE_COPY(Trace)
-
-    double *totals = nullptr;
-    double *times = nullptr;
-    int status;
-};
-
 // Reads all that a file can have. How many routines reported a failure; -1 if one handed something out
 // all the same.
 inline int readAll(int id, int scanCount)
@@ -66,7 +39,7 @@ inline int readAll(int id, int scanCount)
         OwnedEntry entry(number);
         failures += ms_read_per_scan(id, &scan, &entry) == -1;
     }
-    const Trace trace(id, scanCount);
+    const OwnedTrace trace(id, scanCount);
     const Census census(id);
     if ((trace.status == -1 && (trace.totals || trace.times)) || (census.status == -1 && !census.keys.isEmpty()))
         return -1;

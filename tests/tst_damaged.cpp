@@ -161,31 +161,25 @@ private slots:
         }
     }
 
-    void survivesWrongWords_data()
-    {
-        const Table<quint32> row;
-        for (const quint32 word : {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x01000000u, 0xfffu, 0xbu, 2u, 0u})
-            row(QByteArray::number(word), word);
-    }
-
     // Each word of the header in turn: an opened file is read to its end, whatever it says.
     void survivesWrongWords()
     {
-        const auto [word] = Table<quint32>::row();
-        int refused = 0;
-        for (int at = 4; at + 4 <= headerSize; at += 4) {
-            QByteArray bytes = unlimited;
-            qToBigEndian(word, bytes.data() + at);
-            openBytes(bytes);
-            if (id == -1) {
-                ++refused;
-                continue;
+        for (const quint32 word : {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x01000000u, 0xfffu, 0xbu, 2u, 0u}) {
+            int refused = 0;
+            for (int at = 4; at + 4 <= headerSize; at += 4) {
+                QByteArray bytes = unlimited;
+                qToBigEndian(word, bytes.data() + at);
+                openBytes(bytes);
+                if (id == -1) {
+                    ++refused;
+                    continue;
+                }
+                for (const MsDimension &dimension : ms_file_record(id)->dimensions)
+                    QVERIFY(dimension.size >= 0);
+                QVERIFY2(readAll(id, scanCount + 1) >= 0, qPrintable(QStringLiteral("%1 at %2").arg(word).arg(at)));
             }
-            for (const MsDimension &dimension : ms_file_record(id)->dimensions)
-                QVERIFY(dimension.size >= 0);
-            QVERIFY(readAll(id, scanCount + 1) >= 0);
+            QVERIFY(refused > 100 || word == 0 || word == 2 || word == 11);
         }
-        QVERIFY(refused > 100 || word == 0 || word == 2 || word == 11);
     }
 
     // What lies beyond the end of a trace is missing, not zero.
@@ -195,7 +189,7 @@ private slots:
         const int begin =
             unlimited.indexOf(QByteArray(reinterpret_cast<const char *>(totals), sizeof totals), headerSize);
         openBytes(unlimited.left(begin + 16));
-        const Trace trace(id, scanCount);
+        const OwnedTrace trace(id, scanCount);
         QCOMPARE(trace.status, 0);
         QCOMPARE(shownAll<double>(trace.totals, scanCount), QStringLiteral("0,1,-9999,-9999"));
         OwnedScan scan(3);

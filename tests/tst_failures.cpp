@@ -92,7 +92,7 @@ private slots:
         const auto kind = SampleKind(std::get<0>(Table<int>::row()));
         const QString path = folder.filePath(QStringLiteral("failed.cdf"));
         QVERIFY(write(path, kind));
-        const int calls = callsMade();
+        const int calls = netcdfCalls.made;
         QVERIFY(calls > 150);
         const int before = openFiles();
         // Results that no routine looks at: a file in the other mode refuses what comes next by itself, and
@@ -102,7 +102,7 @@ private slots:
         for (int n = 1; n <= calls; ++n) {
             failCall(n);
             const bool written = write(path, kind);
-            const QByteArray failed = failedCall();
+            const QByteArray failed = netcdfCalls.failed;
             QVERIFY2(!written || unwatched.contains(failed) || failed.startsWith("nc_inq"), failed);
             QCOMPARE(QFile::exists(path), written);
             failCall(0);
@@ -114,18 +114,18 @@ private slots:
     void reading()
     {
         ms_close(ms_open_read(good.toLatin1().constData()));
-        const int opening = callsMade();
+        const int opening = netcdfCalls.made;
         failCall(0);
         const int absent = readFile();
-        const int calls = callsMade();
+        const int calls = netcdfCalls.made;
         QVERIFY(absent <= 1 && calls > 150);
         const int before = openFiles();
         int reported = 0;
         for (int n = 1; n <= calls; ++n) {
             failCall(n);
             const int failures = readFile();
-            const bool isAttribute = n > opening && QByteArray(failedCall()) == "ncattget";
-            QVERIFY2(failures >= 0 && (!isAttribute || failures > absent), failedCall());
+            const bool isAttribute = n > opening && QByteArray(netcdfCalls.failed) == "ncattget";
+            QVERIFY2(failures >= 0 && (!isAttribute || failures > absent), netcdfCalls.failed);
             reported += failures > absent;
             failCall(0);
             QCOMPARE(openFiles(), before);
@@ -141,7 +141,7 @@ private slots:
         Counts whole;
         QVERIFY(importAll(&whole));
         QCOMPARE(whole.points, scanCount * pointCount);
-        const int calls = callsMade();
+        const int calls = netcdfCalls.made;
         QVERIFY(calls > 100);
         const int before = openFiles();
         for (int n = 1; n <= calls; ++n) {
@@ -151,7 +151,7 @@ private slots:
             failCall(0);
             QCOMPARE(openFiles(), before);
             Counts again;
-            QVERIFY2(importAll(&again), failedCall());
+            QVERIFY2(importAll(&again), netcdfCalls.failed);
             QCOMPARE(again.points, whole.points);
             QCOMPARE(again.masses, whole.masses);
         }

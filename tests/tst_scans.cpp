@@ -238,7 +238,7 @@ private slots:
     {
         const auto [fixture, count, status, times] = Totals::row();
         open(fixture);
-        const Trace trace(id, count);
+        const OwnedTrace trace(id, count);
         QCOMPARE(trace.status, status);
         QCOMPARE(trace.totals != nullptr, status == 0);
         QCOMPARE(shownAll<double>(trace.times, 3), times);

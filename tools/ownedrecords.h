@@ -4,6 +4,8 @@
 
 #include "mstoolkit.h"
 
+#include <QSet>
+
 struct OwnedGlobals {
     OwnedGlobals() { ms_init_global(0, &admin, &sample, &test, &raw); }
     ~OwnedGlobals()
@@ -59,6 +61,34 @@ struct OwnedEntry : MsLibraryRecord {
     }
     ~OwnedEntry() { ms_init_per_scan(1, nullptr, this); }
     Q_DISABLE_COPY(OwnedEntry)
+};
+
+// The masses of a run, on a grid of so many decimals.
+struct Census {
+    explicit Census(int id, qint32 wanted = 2, double scale = 1.0)
+        : decimals(wanted), status(ms_read_mass_census(id, keys, &decimals, scale))
+    {
+    }
+
+    QSet<qint32> keys;
+    qint32 decimals;
+    int status;
+};
+
+// The total-ion trace of a run.
+struct OwnedTrace {
+    OwnedTrace(int id, int scanCount)
+        : status(ms_read_total_intensity(id, scanCount, &totals, &times)) { }
+    ~OwnedTrace()
+    {
+        ms_free(totals);
+        ms_free(times);
+    }
+    Q_DISABLE_COPY(OwnedTrace)
+
+    double *totals = nullptr;
+    double *times = nullptr;
+    int status;
 };
 
 #endif // OWNEDRECORDS_H

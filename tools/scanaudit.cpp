@@ -62,9 +62,7 @@ bool ScanAudit::failsAgain(int scan)
 bool ScanAudit::hasUnreadableMasses()
 {
     const Silence silence;
-    QSet<qint32> masses;
-    qint32 decimals = 0;
-    return ms_read_mass_census(openFile(), masses, &decimals, 1.0) == -1;
+    return Census(openFile(), 0).status == -1;
 }
 
 int ScanAudit::openFile()
