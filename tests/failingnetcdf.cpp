@@ -42,19 +42,16 @@ PASS_ON(ncredef, refused, (int id), (id))
 PASS_ON(ncendef, refused, (int id), (id))
 PASS_ON(ncdimdef, refused, (int id, const char *name, long size), (id, name, size))
 PASS_ON(ncdimid, refused, (int id, const char *name), (id, name))
-PASS_ON(ncvardef, refused, (int id, const char *name, int type, int rank, const int *dims),
-        (id, name, type, rank, dims))
+PASS_ON(ncvardef, refused, (int id, const char *name, int type, int rank, const int *d), (id, name, type, rank, d))
 PASS_ON(ncvarid, refused, (int id, const char *name), (id, name))
 PASS_ON(ncvarinq, refused, (int id, int var, char *name, int *type, int *rank, int *dims, int *atts),
         (id, var, name, type, rank, dims, atts))
-PASS_ON(ncvarput, refused, (int id, int var, const long *start, const long *count, const void *from),
-        (id, var, start, count, from))
+PASS_ON(ncvarput, refused, (int id, int var, const long *at, const long *n, const void *from), (id, var, at, n, from))
 PASS_ON(ncvarput1, refused, (int id, int var, const long *at, const void *from), (id, var, at, from))
 PASS_ON(ncattget, refused, (int id, int var, const char *name, void *to), (id, var, name, to))
 PASS_ON(ncattput, refused, (int id, int var, const char *name, int type, int length, const void *from),
         (id, var, name, type, length, from))
-PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size *length),
-        (id, var, name, type, length))
+PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size *n), (id, var, name, type, n))
 PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, dim))
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
 PASS_ON(nc_inq_unlimdim, anError, (int id, int *dim), (id, dim))

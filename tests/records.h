@@ -4,6 +4,9 @@
 
 #include "ownedrecords.h"
 
+#include <numeric>
+#include <vector>
+
 // Points to vectors of the test.
 struct Scan : MsScanRecord {
     explicit Scan(int number)
@@ -23,6 +26,26 @@ struct Globals {
     MsTestRecord test;
     MsRawGlobalRecord raw;
 };
+
+// Writes a run of these masses in scans of equal length, with ascending intensities; the total intensity is
+// the scan's number. Whether all could be written.
+inline bool writeRun(const QString &path, const std::vector<double> &masses, int scanCount)
+{
+    const int id = ms_open_write(path.toLatin1().constData(), 0, scanCount, 1, 77, 77, 75, 1, 0);
+    std::vector<qint32> intensities(masses.size());
+    std::iota(intensities.begin(), intensities.end(), 0);
+    const int points = int(masses.size()) / scanCount;
+    bool written = id != -1;
+    for (int number = 0; number < scanCount; ++number) {
+        Scan scan(number);
+        scan.point_count = points;
+        scan.total_intensity = number;
+        scan.mass_values = const_cast<double *>(masses.data()) + number * points;
+        scan.intensity_values = intensities.data() + number * points;
+        written = ms_write_per_scan(id, &scan, nullptr) == 0 && written;
+    }
+    return ms_close(id) == 0 && written;
+}
 
 // Reads all that a file can have. How many routines reported a failure; -1 if one handed something out
 // all the same.

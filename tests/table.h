@@ -1,4 +1,4 @@
-// The table of a data-driven test: a row a line, the columns told apart by their order.
+// Qt Test with tables for data-driven tests: a row a line, the columns told apart by their order.
 #ifndef TABLE_H
 #define TABLE_H
 

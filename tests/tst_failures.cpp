@@ -10,7 +10,6 @@
 #include "table.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 

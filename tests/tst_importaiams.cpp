@@ -9,7 +9,6 @@
 #include "tlogger.h"
 
 #include <QJsonObject>
-#include <QtTest>
 
 #include <ctime>
 #include <functional>

@@ -7,19 +7,18 @@
 #include "table.h"
 #include "tmath.h"
 
-#include <QtTest>
-
 #include <cmath>
 #include <limits>
 #include <new>
 
 namespace {
 
-// An import of a given number of scans, each of one point.
-class TestImport : public DVImportAnalysisInterface
+// An import of a given number of scans, each of one point, that receives itself what it gives and may cancel
+// itself after a scan.
+class TestImport : public DVImportAnalysisInterface, public DVImportReceiver
 {
 public:
-    explicit TestImport(int scans) : scanCount(scans) { }
+    explicit TestImport(int scans, int scan = -1) : scanCount(scans), cancelAfter(scan) { setReceiver(this); }
 
     using DVImportAnalysisInterface::findTablePosition;
     bool hasHeader() const { return header != nullptr; }
@@ -50,21 +49,13 @@ public:
         return scan;
     }
 
-private:
-    int scanCount;
-};
-
-// Cancels the import after a scan.
-struct TestReceiver : DVImportReceiver {
-    TestReceiver(TestImport *import, int scan) : source(import), cancelAfter(scan) { }
-
     void analysisStarted(const DVHeader &, const float *, int) override { }
     void scanImported(int scan, double, double total, int, const float *, const unsigned short *) override
     {
-        ++scans;
+        ++received;
         sum += total;
         if (scan == cancelAfter)
-            source->pBarCanceledSlot();
+            pBarCanceledSlot();
     }
     void progressChanged(int done, int) override
     {
@@ -72,9 +63,9 @@ struct TestReceiver : DVImportReceiver {
         lastDone = done;
     }
 
-    TestImport *source;
-    int cancelAfter;
-    int scans = 0;
+    const int scanCount;
+    const int cancelAfter;
+    int received = 0;
     double sum = 0;
     int progress = 0;
     int lastDone = 0;
@@ -154,17 +145,15 @@ private slots:
             QCOMPARE(level, MessageLoggerInterface::Level::Error);
             said += text;
         });
-        TestImport import(scans);
-        TestReceiver receiver(&import, cancelAfter);
-        import.setReceiver(&receiver);
+        TestImport import(scans, cancelAfter);
         QCOMPARE(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), result);
         MessageLoggerInterface::setReceiver({});
-        QCOMPARE(receiver.scans, received);
-        QCOMPARE(receiver.sum, received * (received - 1.0) / 2.0);
+        QCOMPARE(import.received, received);
+        QCOMPARE(import.sum, received * (received - 1.0) / 2.0);
         QCOMPARE(said.filter(QStringLiteral("x.cdf")).size(), messages);
-        QVERIFY(receiver.progress <= 100);
+        QVERIFY(import.progress <= 100);
         if (received == scans)
-            QCOMPARE(receiver.lastDone, scans);
+            QCOMPARE(import.lastDone, scans);
         QVERIFY(!import.hasHeader());
     }
 

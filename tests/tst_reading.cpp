@@ -5,7 +5,6 @@
 #include "table.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include "table.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <cstring>
+#include <numeric>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -20,8 +20,7 @@ using Formats = Table<int, int, int, int>; // of the axes, the intensities; axes
 std::vector<double> vectorOf(int format, int count, double first)
 {
     std::vector<double> numbers(std::size_t(count), 0.0);
-    for (int i = 0; i < count; ++i)
-        numbers[std::size_t(i)] = first + i;
+    std::iota(numbers.begin(), numbers.end(), first);
     std::vector<double> result(numbers.size());
     ms_transcode_vector(numbers.data(), 77, count, result.data(), format, 0);
     return result;
@@ -78,17 +77,18 @@ class TestRoundTrip : public QObject, private OpenFixture
     int write(qint32 type, qint32 scans, qint32 instruments, qint32 axes, qint32 intensity, bool hasMass, bool hasTime)
     {
         close();
-        id = ms_open_write(path().constData(), type, scans, instruments, axes, axes, intensity, hasMass, hasTime);
+        id = ms_open_write(path.toLatin1().constData(), type, scans, instruments, axes, axes, intensity, hasMass,
+                           hasTime);
         return id;
     }
     void readBack()
     {
-        openPath(QString::fromLatin1(path()));
+        openPath(path);
         QVERIFY(id != -1);
     }
-    QByteArray path() const { return folder.filePath(QStringLiteral("x.cdf")).toLatin1(); }
 
-    QTemporaryDir folder;
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("x.cdf"));
 
 private slots:
     void init() { begin(); }

@@ -5,14 +5,10 @@
 #include "table.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
 #include <vector>
-
-namespace {
 
 // Number, status; points, flags, time; masses; times; intensities; peaks; values.
 using OneScan = Table<QString, int, int, QString>;
@@ -20,28 +16,14 @@ using Masses = Table<QString, double, int, QVector<int>>; // scale; status, keys
 using Decimals = Table<int, int, int, int>;               // distinct masses, decimals wanted; decimals, keys
 using Totals = Table<QString, int, int, QString>;         // scans; status, times
 
-} // namespace
-
 class TestScans : public QObject, private OpenFixture
 {
     Q_OBJECT
 
-    // Opens a run of these masses in scans of equal length, with ascending intensities.
     void openRun(const std::vector<double> &masses, int scanCount)
     {
         const QString path = folder.filePath(QStringLiteral("run.cdf"));
-        const int writing = ms_open_write(path.toLatin1().constData(), 0, scanCount, 0, 77, 77, 75, 1, 0);
-        std::vector<qint32> intensities(masses.size());
-        std::iota(intensities.begin(), intensities.end(), 0);
-        const int points = int(masses.size()) / scanCount;
-        for (int number = 0; number < scanCount; ++number) {
-            Scan scan(number);
-            scan.point_count = points;
-            scan.mass_values = const_cast<double *>(masses.data()) + number * points;
-            scan.intensity_values = intensities.data() + number * points;
-            QCOMPARE(ms_write_per_scan(writing, &scan, nullptr), 0);
-        }
-        ms_close(writing);
+        QVERIFY(writeRun(path, masses, scanCount));
         openPath(path);
     }
 
@@ -122,16 +104,14 @@ private slots:
             QCOMPARE(messages.first(), QStringLiteral("W Data type mismatch while loading a_d_coaddition_factor"));
             QCOMPARE(messages.last(), QStringLiteral("W Data type mismatch while loading actual_scan_number"));
         }
-        QCOMPARE(scan.actual_scan_number, -9999); // 3e10 has no 32-bit number
         QCOMPARE(int(scan.a_d_coaddition_factor), -9999);
         QCOMPARE(scan.resolution, 0.0);
         QCOMPARE(scan.scan_duration, -9999.0); // characters
-        scan.scan_number = 2;
-        QCOMPARE(ms_read_scan_header(id, &scan), 0);
-        QCOMPARE(scan.actual_scan_number, -9999); // nor has a NaN
-        scan.scan_number = 0;
-        QCOMPARE(ms_read_scan_header(id, &scan), 0);
-        QCOMPARE(scan.actual_scan_number, 1);
+        for (const int number : {2, 1, 0}) {   // a NaN and 3e10 have no 32-bit number
+            scan.scan_number = number;
+            QCOMPARE(ms_read_scan_header(id, &scan), 0);
+            QCOMPARE(scan.actual_scan_number, number == 0 ? 1 : -9999);
+        }
         QCOMPARE(int(scan.a_d_coaddition_factor), 4);
 
         // Beyond the end of a variable, whatever its type.

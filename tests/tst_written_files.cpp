@@ -4,15 +4,10 @@
 #include "table.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
-
-namespace {
 
 using Written = Table<QString>;     // arguments behind the kind, which the row is named after
 using Limit = Table<QString, bool>; // in 512 bytes, the shell's unit; whether all fits
 using Usage = Table<QString>;       // arguments
-
-} // namespace
 
 class TestWrittenFiles : public QObject
 {
