@@ -73,7 +73,7 @@ void add_if_there(InfoNode *section, const QString &name, const QVariant &value)
 // Attributes of variables share their names; the prefix tells whose it is.
 QString attribute_name(const MsAttributeRow &row)
 {
-    const QString name = QString::fromLatin1(row.name);
+    QString name = QString::fromLatin1(row.name);
     switch (row.variable) {
     case MsVar_mass_values:
         return QLatin1String("mass_") + name;
