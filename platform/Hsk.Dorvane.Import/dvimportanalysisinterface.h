@@ -22,9 +22,8 @@ public:
     // The run on an open file: importHeader, importMassTable, then importScan for each scan of the
     // header, each scan handed on to the receiver and none kept. The header is freed at the end. False
     // if importHeader says so or the run was cancelled, and, with an error message that names
-    // `fileName`, if memory runs out, a million scans in a row are empty, or the scans
-    // have more points than the file can hold. `title`, `path` and `buffer`
-    // aren't used by this run.
+    // `fileName`, if memory runs out, a million scans in a row are empty, or the scans have more points
+    // than the file can hold. `title`, `path` and `buffer` aren't used by this run.
     bool import(const QString &fileName, const QString &title, const QString &path,
                 TFileBuffer *buffer) override;
 
@@ -40,7 +39,7 @@ public:
 
     // Gives the total abundance of scan `scan`, from 0. Fills `*time`, in the header's retention unit,
     // and the first `*pointCount` elements of the two arrays, which have room for scanCapacity points. A
-    // scan that can't be read has no points and a total of 0; a trace's numbers come as they are stored.
+    // scan that can't be read has no points and a total of 0; of a trace, missing numbers come as such.
     virtual double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
                               float *abundances, unsigned short *positions) = 0;
 
