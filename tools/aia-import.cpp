@@ -4,6 +4,7 @@
 #include "importoptions.h"
 #include "jsonwriter.h"
 #include "standardoptions.h"
+#include "terminaltext.h"
 
 #include <QApplication>
 #include <QPluginLoader>

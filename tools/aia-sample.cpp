@@ -5,6 +5,7 @@
 #include "samplerun.h"
 #include "samplespectrum.h"
 #include "standardoptions.h"
+#include "terminaltext.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

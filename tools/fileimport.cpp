@@ -3,7 +3,7 @@
 #include "dvheader.h"
 #include "dvimportparamtype.h"
 #include "mstoolkit.h"
-#include "standardoptions.h"
+#include "terminaltext.h"
 
 #include <QFile>
 #include <QFileInfo>

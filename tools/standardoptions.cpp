@@ -26,11 +26,6 @@ bool StandardOptions::answer(const QCommandLineParser &parser) const
     return false;
 }
 
-void report(const QString &sentence)
-{
-    writeLine(stderr, QStringLiteral(AIA_PROGRAM ": ") + sentence);
-}
-
 int refuse(const QString &why)
 {
     report(why);

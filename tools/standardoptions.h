@@ -1,4 +1,4 @@
-// What the programs have in common: --help and --version, exit codes, sentences of their own.
+// What the programs' command lines have in common: --help and --version, refusals, exit codes.
 #ifndef STANDARDOPTIONS_H
 #define STANDARDOPTIONS_H
 
@@ -22,9 +22,6 @@ private:
     QCommandLineOption help;
     QCommandLineOption version;
 };
-
-// Writes a sentence to standard error, behind the program's name.
-void report(const QString &sentence);
 
 // Reports why the arguments can't be used. Gives WrongUsage.
 int refuse(const QString &why);

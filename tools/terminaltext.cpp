@@ -28,3 +28,8 @@ void writeLine(std::FILE *stream, const QString &text)
     line += QLatin1Char('\n');
     std::fputs(line.toLocal8Bit().constData(), stream);
 }
+
+void report(const QString &sentence)
+{
+    writeLine(stderr, QStringLiteral(AIA_PROGRAM ": ") + sentence);
+}
