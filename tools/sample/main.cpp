@@ -180,6 +180,7 @@ int make(const CommandLine &line)
 
 int main(int argc, char **argv)
 {
+    setProgram(AIA_PROGRAM, AIA_VERSION);
 #ifdef SIGXFSZ
     // A limit on the size of files shall be a failed write, not the end.
     std::signal(SIGXFSZ, SIG_IGN);

@@ -1,5 +1,6 @@
 #include "terminaltext.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 QString plainText(const QString &richText)
@@ -31,5 +32,5 @@ void writeLine(std::FILE *stream, const QString &text)
 
 void report(const QString &sentence)
 {
-    writeLine(stderr, QStringLiteral(AIA_PROGRAM ": ") + sentence);
+    writeLine(stderr, QCoreApplication::applicationName() + QStringLiteral(": ") + sentence);
 }

@@ -3,8 +3,15 @@
 #include "terminaltext.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 #include <cstdio>
+
+void setProgram(const char *name, const char *version)
+{
+    QCoreApplication::setApplicationName(QLatin1String(name));
+    QCoreApplication::setApplicationVersion(QLatin1String(version));
+}
 
 StandardOptions::StandardOptions(QCommandLineParser *parser)
     : help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")),
@@ -20,7 +27,9 @@ bool StandardOptions::answer(const QCommandLineParser &parser) const
         return true;
     }
     if (parser.isSet(version)) {
-        std::fputs(AIA_PROGRAM " " AIA_VERSION "\n", stdout);
+        writeLine(stdout,
+                  QStringLiteral("%1 %2").arg(QCoreApplication::applicationName(),
+                                              QCoreApplication::applicationVersion()));
         return true;
     }
     return false;

@@ -8,6 +8,9 @@ class QCommandLineParser;
 
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
+// Names the program for --version and for reports. The first call of main().
+void setProgram(const char *name, const char *version);
+
 class StandardOptions
 {
 public:

@@ -14,7 +14,7 @@ QString plainText(const QString &richText);
 // terminal would obey, become question marks.
 void writeLine(std::FILE *stream, const QString &text);
 
-// Writes a sentence to standard error, behind the program's name.
+// Writes a sentence to standard error, behind the program's name: see setProgram().
 void report(const QString &sentence);
 
 #endif // TERMINALTEXT_H

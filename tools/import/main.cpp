@@ -83,6 +83,7 @@ int runProgram(const ImportOptions &options)
 
 int main(int argc, char *argv[])
 {
+    setProgram(AIA_PROGRAM, AIA_VERSION);
     // A display is needed, and looked for, only where a dialog is to be shown.
     CommandLine commandLine;
     {

@@ -135,6 +135,7 @@ int parse(const QStringList &arguments, CommandLine *line)
 
 int main(int argc, char **argv)
 {
+    setProgram(AIA_PROGRAM, AIA_VERSION);
     const QCoreApplication application(argc, argv);
     CommandLine line;
     const int early = parse(QCoreApplication::arguments(), &line);
