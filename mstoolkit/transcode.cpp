@@ -1,6 +1,6 @@
 // Conversion of vectors between the data formats.
 
-#include "mstoolkit.h"
+#include "msformat.h"
 
 #include <cstring>
 #include <limits>
@@ -26,32 +26,13 @@ template <class Source, class Target> Target convert(Source value, double roundi
 }
 
 template <class Source, class Target>
-void convert_all(const void *source, qint32 count, void *target, double rounding)
+void convert_all(const Source *source, qint32 count, Target *target, double rounding)
 {
     if constexpr (std::is_same_v<Source, Target>) {
         std::memcpy(target, source, std::size_t(count) * sizeof(Source)); // keeps the bits of a NaN
     } else {
-        const auto *from = static_cast<const Source *>(source);
-        auto *to = static_cast<Target *>(target);
         for (qint32 i = 0; i < count; ++i)
-            to[i] = convert<Source, Target>(from[i], rounding);
-    }
-}
-
-template <class Source>
-void convert_from(const void *source, qint32 count, void *target, qint32 target_format, double rounding)
-{
-    switch (target_format) {
-    case MsShortFormat:
-        return convert_all<Source, qint16>(source, count, target, rounding);
-    case MsLongFormat:
-        return convert_all<Source, qint32>(source, count, target, rounding);
-    case MsFloatFormat:
-        return convert_all<Source, float>(source, count, target, rounding);
-    case MsDoubleFormat:
-        return convert_all<Source, double>(source, count, target, rounding);
-    default:
-        return;
+            target[i] = convert<Source, Target>(source[i], rounding);
     }
 }
 
@@ -64,16 +45,9 @@ void ms_transcode_vector(const void *source, qint32 source_format, qint32 count,
         return;
 
     const double rounding = round_values ? 0.5 : 0.0;
-    switch (source_format) {
-    case MsShortFormat:
-        return convert_from<qint16>(source, count, target, target_format, rounding);
-    case MsLongFormat:
-        return convert_from<qint32>(source, count, target, target_format, rounding);
-    case MsFloatFormat:
-        return convert_from<float>(source, count, target, target_format, rounding);
-    case MsDoubleFormat:
-        return convert_from<double>(source, count, target, target_format, rounding);
-    default:
-        return;
-    }
+    ms_with_format(source_format, source, [&](const auto *from) {
+        ms_with_format(target_format, [&](auto *type) {
+            convert_all(from, count, static_cast<decltype(type)>(target), rounding);
+        });
+    });
 }

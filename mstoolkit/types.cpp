@@ -1,9 +1,11 @@
 // nc types, data formats, memory and missing values.
 
 #include "access_p.h"
+#include "msformat.h"
 
 #include <iterator>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
@@ -71,23 +73,12 @@ void ms_free(void *block)
 
 void ms_set_missing(qint32 type, void *array, qint32 index)
 {
-    switch (type) {
-    case NC_BYTE:
+    if (type == NC_BYTE) {
         static_cast<qint8 *>(array)[index] = -1;
-        break;
-    case NC_SHORT:
-        static_cast<qint16 *>(array)[index] = qint16(MsMissingLong);
-        break;
-    case NC_LONG:
-        static_cast<qint32 *>(array)[index] = MsMissingLong;
-        break;
-    case NC_FLOAT:
-        static_cast<float *>(array)[index] = float(MsMissingDouble);
-        break;
-    case NC_DOUBLE:
-        static_cast<double *>(array)[index] = MsMissingDouble;
-        break;
-    default:
-        break;
+        return;
     }
+    ms_with_format(ms_format_of_nc_type(type, 0), [&](auto *stored) {
+        using Number = std::remove_pointer_t<decltype(stored)>;
+        static_cast<Number *>(array)[index] = Number(MsMissingLong);
+    });
 }

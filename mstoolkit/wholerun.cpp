@@ -2,6 +2,7 @@
 
 #include "access_p.h"
 #include "missingdata_p.h"
+#include "msformat.h"
 
 #include "tmath.h"
 
@@ -28,19 +29,10 @@ public:
         scale_to_decimals();
     }
 
-    // Counts masses of `type`, NC_SHORT to NC_DOUBLE.
-    void take(const void *stored, qint32 type, qint32 count, double scale)
+    // Counts masses of a data format.
+    void take(const void *stored, qint32 format, qint32 count, double scale)
     {
-        switch (type) {
-        case NC_LONG:
-            return take_all(static_cast<const qint32 *>(stored), count, scale);
-        case NC_FLOAT:
-            return take_all(static_cast<const float *>(stored), count, scale);
-        case NC_DOUBLE:
-            return take_all(static_cast<const double *>(stored), count, scale);
-        default:
-            return take_all(static_cast<const qint16 *>(stored), count, scale);
-        }
+        ms_with_format(format, stored, [&](const auto *first) { take_all(first, count, scale); });
     }
 
 private:
@@ -164,6 +156,7 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     if (!ms_inquire_shape(*file, MsVar_mass_values, &shape) || shape.length[0] != std::size_t(count))
         return -1;
     const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
+    const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
     const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
     // As for one vector: elements that were claimed and never written would be counted for hours.
     const quint64 bytes = quint64(stored) * ms_type_width(type);
@@ -178,7 +171,7 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
         const MsBlock<void> vector = ms_read_vector(*file, MsVar_mass_values, type, start, size);
         if (!vector)
             return -1;
-        census.take(vector.get(), type, size, scale);
+        census.take(vector.get(), format, size, scale);
     }
     if (stored < 1)
         return -1;

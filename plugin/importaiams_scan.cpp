@@ -3,6 +3,7 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
+#include "msformat.h"
 #include "tmath.h"
 
 #include <algorithm>
@@ -26,23 +27,6 @@ public:
 private:
     Q_DISABLE_COPY(Scan)
 };
-
-// Calls `use` with the vector's first element, as a pointer of the format's type.
-template <class Use> void withFormat(qint32 format, const void *vector, Use use)
-{
-    switch (format) {
-    case MsShortFormat:
-        return use(static_cast<const qint16 *>(vector));
-    case MsLongFormat:
-        return use(static_cast<const qint32 *>(vector));
-    case MsFloatFormat:
-        return use(static_cast<const float *>(vector));
-    case MsDoubleFormat:
-        return use(static_cast<const double *>(vector));
-    default:
-        return;
-    }
-}
 
 } // namespace
 
@@ -105,8 +89,8 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
         // The stored formats: the attributes that name a format needn't agree with the data.
         const MsFileRecord *file = ms_file_record(fileId);
         const Placement place = {table, tableSize, abundances, positions};
-        withFormat(file->mass_format, record.mass_values, [&](const auto *masses) {
-            withFormat(file->intensity_format, record.intensity_values, [&](const auto *intensities) {
+        ms_with_format(file->mass_format, record.mass_values, [&](const auto *masses) {
+            ms_with_format(file->intensity_format, record.intensity_values, [&](const auto *intensities) {
                 total = placePoints(masses, intensities, *pointCount, place);
             });
         });

@@ -1,8 +1,11 @@
 #include "infofields.h"
 
+#include "msformat.h"
+
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <type_traits>
 
 namespace {
 
@@ -32,36 +35,27 @@ template <class T> T field_of(const void *record, std::size_t offset)
     return *reinterpret_cast<const T *>(static_cast<const char *>(record) + offset);
 }
 
+template <class Number> QVariant variant_of(Number number)
+{
+    if constexpr (std::is_same_v<Number, float>)
+        return widened(number);
+    else if constexpr (std::is_same_v<Number, qint16>)
+        return int(number);
+    else
+        return number;
+}
+
 // The value of a field of a record; invalid for a null text and a missing number.
 QVariant field_value(const void *record, std::size_t offset, qint32 type, int longest_text)
 {
-    const auto unless_missing = [](auto number, const QVariant &value) {
-        return double(number) == MsMissingDouble ? QVariant() : value;
-    };
-    switch (type) {
-    case NC_CHAR: {
+    if (type == NC_CHAR) {
         const char *text = field_of<const char *>(record, offset);
         return text ? shortened(text, longest_text) : QVariant();
     }
-    case NC_SHORT: {
-        const auto number = field_of<qint16>(record, offset);
-        return unless_missing(number, int(number));
-    }
-    case NC_LONG: {
-        const auto number = field_of<qint32>(record, offset);
-        return unless_missing(number, number);
-    }
-    case NC_FLOAT: {
-        const auto number = field_of<float>(record, offset);
-        return unless_missing(number, widened(number));
-    }
-    case NC_DOUBLE: {
-        const auto number = field_of<double>(record, offset);
-        return unless_missing(number, number);
-    }
-    default:
-        return QVariant();
-    }
+    const void *field = static_cast<const char *>(record) + offset;
+    return ms_with_format(ms_format_of_nc_type(type, 0), field, [](const auto *number) {
+        return double(*number) == MsMissingDouble ? QVariant() : variant_of(*number);
+    });
 }
 
 void add_if_there(InfoNode *section, const QString &name, const QVariant &value)
@@ -122,17 +116,10 @@ void add_variables(const MsTable<MsVariableRow> &table, const void *record, Info
 
 QVariant element(const void *array, qint32 format, qint32 index)
 {
-    const std::size_t place = std::size_t(index);
-    switch (format) {
-    case MsShortFormat:
-        return int(static_cast<const qint16 *>(array)[place]);
-    case MsLongFormat:
-        return static_cast<const qint32 *>(array)[place];
-    case MsFloatFormat:
-        return widened(static_cast<const float *>(array)[place]);
-    default: {
-        const double number = static_cast<const double *>(array)[place];
-        return number == MsMissingDouble ? QVariant() : number;
-    }
-    }
+    return ms_with_format(format, array, [index](const auto *numbers) {
+        const auto number = numbers[index];
+        const bool is_missing =
+            std::is_same_v<decltype(number), const double> && number == MsMissingDouble;
+        return is_missing ? QVariant() : variant_of(number);
+    });
 }
