@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QProcess>
 
+// In ms; a program that hangs, rather than one on a busy machine.
+constexpr int longestWait = 300000;
+
 struct Run {
     int code = -1; // also of a program that crashed or hangs
     QByteArray out;
@@ -16,7 +19,7 @@ struct Run {
 inline Run finish(QProcess &program)
 {
     Run run;
-    if (program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit)
+    if (program.waitForFinished(longestWait) && program.exitStatus() == QProcess::NormalExit)
         run.code = program.exitCode();
     run.out = program.readAllStandardOutput();
     run.err = program.readAllStandardError();

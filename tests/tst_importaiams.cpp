@@ -237,7 +237,7 @@ private slots:
         Receiver receiver;
         const quint32 before = QDateTime::currentDateTime().toTime_t();
         QVERIFY(import(copyFor(fixture("no-attributes")).get(), &receiver));
-        QVERIFY(receiver.date >= before && receiver.date <= before + 60);
+        QVERIFY(receiver.date >= before && receiver.date <= QDateTime::currentDateTime().toTime_t());
     }
 
     void givesAnAccount()
