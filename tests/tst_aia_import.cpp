@@ -147,9 +147,9 @@ private slots:
     void interruptedCopy_data()
     {
         const Copy row;
-        row("whole", "gcms_float", 0, "");
-        row("last scan", "gcms_float", 1, "read: 1 (counted from 0: number 4)");
-        row("all masses", "gcms_float", 120, "masses could not be read");
+        row("whole", "plain", 0, "");
+        row("last scan", "plain", 1, "read: 1 (counted from 0: number 4)");
+        row("all masses", "plain", 120, "masses could not be read");
         row("no scan", "instruments", 1, "in full; the file is cut off");
     }
     void interruptedCopy()
@@ -169,8 +169,8 @@ private slots:
     // equal only of a file with a stamp: the date of any other is the present.
     void refusalAmongOthers()
     {
-        const Run result = run({"--json", "all.json", "--gcxgc", "6", fixture("gcms_float"), fixture("chromatogram"),
-                                fixture("gcms_float")});
+        const Run result =
+            run({"--json", "all.json", "--gcxgc", "6", fixture("plain"), fixture("chromatogram"), fixture("plain")});
         QCOMPARE(result.code, 1);
         const QByteArrayList lines = content(folder.filePath("all.json")).split('\n');
         QCOMPARE(lines.size(), 3);

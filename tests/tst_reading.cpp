@@ -146,7 +146,7 @@ private slots:
     void knowsWhatAFileHas_data()
     {
         const Codes row;
-        row("gcms_float", {0, 76, 76, 76, 1, 1, 32, 128, 1, 5, 1});
+        row("plain", {0, 76, 76, 76, 1, 1, 32, 128, 1, 5, 1});
         row("no-attributes", {0, 76, 74, 76, 1, 0, 32, 128, 1, 3, 0});
         row("instruments", {0, 76, 74, 76, 1, 0, 40, 128, 1, 3, 2});
         row("library", {2, 76, 74, 76, 1, 0, 8, 128, 1, 3, 0});
