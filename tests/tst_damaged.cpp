@@ -41,6 +41,7 @@ class TestDamaged : public QObject, private OpenFixture
     void openBytes(const QByteArray &bytes)
     {
         QFile file(folder.filePath(QStringLiteral("damaged.cdf")));
+        file.remove(); // a file that is cut to nothing and written again is flushed to a disk that may be busy
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
         file.close();
         messages.clear();
