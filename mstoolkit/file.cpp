@@ -22,11 +22,16 @@ Q_GLOBAL_STATIC(MsFileRegistry, registry)
 
 namespace {
 
-// The library takes blanks off the beginning of a path.
+// The same file's path as one that the library can only take for a file's: it leaves out blanks at the
+// beginning, and asks the network about anything with "://" in it.
 std::string exact_path(const char *path)
 {
-    const bool is_blank = *path > 0 && *path <= ' ';
-    return is_blank ? std::string("./") + path : path;
+    std::string exact = std::filesystem::path(path).is_relative() ? "./" : "";
+    for (; *path; ++path) {
+        if (*path != '/' || exact.size() < 2 || exact.compare(exact.size() - 2, 2, ":/") != 0)
+            exact += *path;
+    }
+    return exact;
 }
 
 // A path of the file system's coding, or of Latin-1 where that can't be.

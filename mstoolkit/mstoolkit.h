@@ -201,7 +201,8 @@ extern const MsTable<MsVariableRow> ms_library_table;    // 27 rows, MsLibraryRe
 
 // Opens an existing file for reading and finds the template's objects in it. `path` is NUL-terminated,
 // in the 8-bit coding of the file system. Any file that netCDF opens will do: nothing of the template
-// is required here. Gives the netCDF id, or -1 (null or empty path, not a netCDF file, damaged header).
+// is required here. Whatever its name looks like, it is looked for among the files only. Gives the netCDF
+// id, or -1 (null or empty path, not a netCDF file, damaged header).
 int ms_open_read(const char *path);
 
 // Creates a file, over an existing one of that name, with the template's dimensions and variables, and
