@@ -117,9 +117,9 @@ void readWithToolkit(const QString &path)
     const OwnedTrace trace(ncid, ms_file_record(ncid)->dimensions[MsDim_scan_number].size);
     InfoOptions options;
     options.scan = 1;
-    const InfoResult info = gather_info(ncid, path, options);
-    info_text(info.report);
-    info_json(info.report);
+    const InfoResult info = gatherInfo(ncid, path, options);
+    infoText(info.report);
+    infoJson(info.report);
     ms_close(ncid);
 }
 

@@ -42,8 +42,8 @@ class TestFailures : public QObject, private Plugin
         options.kind = kind;
         options.scans = scanCount;
         options.points = pointCount;
-        options.intensity_format = MsLongFormat; // so that flags have to be converted
-        return write_sample(path, options).isNull();
+        options.intensityFormat = MsLongFormat; // so that flags have to be converted
+        return writeSample(path, options).isNull();
     }
 
     // How many routines reported a failure.

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int longest_attribute = 1000;
-constexpr int longest_line = 255; // of a text variable: the widest of the template
+constexpr int longestAttribute = 1000;
+constexpr int longestLine = 255; // of a text variable: the widest of the template
 
 QVariant shortened(const char *text, int longest)
 {
@@ -30,12 +30,12 @@ double widened(float number)
     return wide;
 }
 
-template <class T> T field_of(const void *record, std::size_t offset)
+template <class T> T fieldOf(const void *record, std::size_t offset)
 {
     return *reinterpret_cast<const T *>(static_cast<const char *>(record) + offset);
 }
 
-template <class Number> QVariant variant_of(Number number)
+template <class Number> QVariant variantOf(Number number)
 {
     if constexpr (std::is_same_v<Number, float>)
         return widened(number);
@@ -46,26 +46,26 @@ template <class Number> QVariant variant_of(Number number)
 }
 
 // The value of a field of a record; invalid for a null text and a missing number.
-QVariant field_value(const void *record, std::size_t offset, qint32 type, int longest_text)
+QVariant fieldValue(const void *record, std::size_t offset, qint32 type, int longestText)
 {
     if (type == NC_CHAR) {
-        const char *text = field_of<const char *>(record, offset);
-        return text ? shortened(text, longest_text) : QVariant();
+        const char *text = fieldOf<const char *>(record, offset);
+        return text ? shortened(text, longestText) : QVariant();
     }
     const void *field = static_cast<const char *>(record) + offset;
     return ms_with_format(ms_format_of_nc_type(type, 0), field, [](const auto *number) {
-        return double(*number) == MsMissingDouble ? QVariant() : variant_of(*number);
+        return double(*number) == MsMissingDouble ? QVariant() : variantOf(*number);
     });
 }
 
-void add_if_there(InfoNode *section, const QString &name, const QVariant &value)
+void addIfThere(InfoNode *section, const QString &name, const QVariant &value)
 {
     if (value.isValid())
         section->addValue(name, value);
 }
 
 // Attributes of variables share their names; the prefix tells whose it is.
-QString attribute_name(const MsAttributeRow &row)
+QString attributeName(const MsAttributeRow &row)
 {
     QString name = QString::fromLatin1(row.name);
     switch (row.variable) {
@@ -84,33 +84,33 @@ QString attribute_name(const MsAttributeRow &row)
 
 } // namespace
 
-QVariant text_value(const char *text)
+QVariant textValue(const char *text)
 {
-    return shortened(text, longest_line);
+    return shortened(text, longestLine);
 }
 
-QString phrase_of(qint32 code)
+QString phraseOf(qint32 code)
 {
     const char *phrase = ms_enum_text(code);
     return phrase ? QString::fromLatin1(phrase) : QStringLiteral("(not in the vocabulary)");
 }
 
-void add_attributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
+void addAttributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
 {
     for (const MsAttributeRow &row : table) {
         const QVariant value = row.enumerated
-            ? phrase_of(field_of<qint32>(record, row.field))
-            : field_value(record, row.field, row.nc_type, longest_attribute);
-        add_if_there(section, attribute_name(row), value);
+            ? phraseOf(fieldOf<qint32>(record, row.field))
+            : fieldValue(record, row.field, row.nc_type, longestAttribute);
+        addIfThere(section, attributeName(row), value);
     }
 }
 
-void add_variables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
+void addVariables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
 {
     for (const MsVariableRow &row : table) {
         if (row.ndims == 1 || row.nc_type == NC_CHAR)
-            add_if_there(section, QString::fromLatin1(row.name),
-                         field_value(record, row.field, row.nc_type, longest_line));
+            addIfThere(section, QString::fromLatin1(row.name),
+                       fieldValue(record, row.field, row.nc_type, longestLine));
     }
 }
 
@@ -118,8 +118,8 @@ QVariant element(const void *array, qint32 format, qint32 index)
 {
     return ms_with_format(format, array, [index](const auto *numbers) {
         const auto number = numbers[index];
-        const bool is_missing =
+        const bool isMissing =
             std::is_same_v<decltype(number), const double> && number == MsMissingDouble;
-        return is_missing ? QVariant() : variant_of(number);
+        return isMissing ? QVariant() : variantOf(number);
     });
 }

@@ -8,18 +8,18 @@
 #include "mstoolkit.h"
 
 // A line of a text variable.
-QVariant text_value(const char *text);
+QVariant textValue(const char *text);
 
 // The phrase of a vocabulary code, or a remark.
-QString phrase_of(qint32 code);
+QString phraseOf(qint32 code);
 
 // Element `index` of an array of a data format; invalid where it is the missing number of the doubles.
 QVariant element(const void *array, qint32 format, qint32 index);
 
 // Adds the attributes of a global record.
-void add_attributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section);
+void addAttributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section);
 
 // Adds the numbers and texts of a record; arrays are left to the caller.
-void add_variables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section);
+void addVariables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section);
 
 #endif // INFOFIELDS_H

@@ -13,10 +13,10 @@ namespace {
 using Kind = InfoNode::Kind;
 
 // Items of a list and rows of a table; a file may claim any number of either.
-constexpr qint64 short_list = 20;
-constexpr qint64 long_list = 10000;
+constexpr qint64 shortList = 20;
+constexpr qint64 longList = 10000;
 // Numbers looked at for the groups together: their common width, too, is only a claim.
-constexpr qint64 group_numbers = 1 << 24;
+constexpr qint64 groupNumbers = 1 << 24;
 
 // A column of a table; one without numbers isn't there.
 struct Column {
@@ -50,7 +50,7 @@ struct NamedSlot {
     const char *name;
 };
 
-constexpr NamedSlot counting_dimensions[] = {
+constexpr NamedSlot countingDimensions[] = {
     {MsDim_scan_number, "scan_number"},
     {MsDim_point_number, "point_number"},
     {MsDim_instrument_number, "instrument_number"},
@@ -65,7 +65,7 @@ constexpr NamedSlot vectors[] = {
     {MsVar_intensity_values, "intensity_values"},
 };
 
-QString kind_of_file(int ncid)
+QString kindOfFile(int ncid)
 {
     int kind = 0;
     nc_inq_format(ncid, &kind);
@@ -85,13 +85,13 @@ QString kind_of_file(int ncid)
 }
 
 // The stored type may also be one that isn't a data format of the template.
-QString stored_type(int ncid, int varid)
+QString storedType(int ncid, int varid)
 {
     nc_type type = NC_NAT;
     nc_inq_vartype(ncid, varid, &type);
     const qint32 format = ms_format_of_nc_type(type, -1);
     if (format != -1)
-        return phrase_of(format);
+        return phraseOf(format);
     char name[NC_MAX_NAME + 1] = "";
     if (nc_inq_type(ncid, type, name, nullptr) != NC_NOERR)
         return QStringLiteral("unknown");
@@ -101,8 +101,8 @@ QString stored_type(int ncid, int varid)
 class Gatherer
 {
 public:
-    Gatherer(int ncid, const InfoOptions &options)
-        : ncid_(ncid), options_(options), file_(*ms_file_record(ncid))
+    Gatherer(int openFile, const InfoOptions &wanted)
+        : ncid(openFile), options(wanted), file(*ms_file_record(openFile))
     {
     }
 
@@ -124,26 +124,26 @@ private:
     void addLibrary(InfoNode *report);
     void addScan(qint32 number, InfoNode *report);
 
-    qint32 size(int slot) const { return file_.dimensions[slot].size; }
-    bool hasDimension(int slot) const { return file_.dimensions[slot].id != -1; }
-    bool hasVariable(int slot) const { return file_.variables[slot] != -1; }
-    bool isLibrary() const { return file_.experiment_type == MsLibrarySpectrum; }
+    qint32 size(int slot) const { return file.dimensions[slot].size; }
+    bool hasDimension(int slot) const { return file.dimensions[slot].id != -1; }
+    bool hasVariable(int slot) const { return file.variables[slot] != -1; }
+    bool isLibrary() const { return file.experiment_type == MsLibrarySpectrum; }
 
-    int ncid_;
-    InfoOptions options_;
-    MsFileRecord file_;
-    std::vector<QString> problems_;
+    int ncid;
+    InfoOptions options;
+    MsFileRecord file;
+    std::vector<QString> problems;
 };
 
 void Gatherer::problem(const QString &text)
 {
-    problems_.push_back(text);
+    problems.push_back(text);
 }
 
 // How many of `count` items the list gets; the others are counted in it.
 qint64 Gatherer::listed(qint64 count, InfoNode *list) const
 {
-    const qint64 shown = std::min(count, options_.everything ? long_list : short_list);
+    const qint64 shown = std::min(count, options.everything ? longList : shortList);
     list->omitted = count - shown;
     return shown;
 }
@@ -172,14 +172,14 @@ void Gatherer::addTable(InfoNode *section, const char *name, const std::vector<C
 
 void Gatherer::addTemplate(InfoNode *report) const
 {
-    const bool is_ours = hasDimension(MsDim_scan_number) && hasVariable(MsVar_intensity_values);
+    const bool isOurs = hasDimension(MsDim_scan_number) && hasVariable(MsVar_intensity_values);
     int unused = 0;
-    const bool is_chromatogram =
-        !is_ours && nc_inq_attid(ncid_, NC_GLOBAL, "aia_template_revision", &unused) == NC_NOERR;
+    const bool isChromatogram =
+        !isOurs && nc_inq_attid(ncid, NC_GLOBAL, "aia_template_revision", &unused) == NC_NOERR;
     report->addValue(QStringLiteral("template"),
-                     is_ours               ? QStringLiteral("AIA MS")
-                         : is_chromatogram ? QStringLiteral("not AIA MS, but AIA for chromatography")
-                                           : QStringLiteral("not AIA MS"));
+                     isOurs               ? QStringLiteral("AIA MS")
+                         : isChromatogram ? QStringLiteral("not AIA MS, but AIA for chromatography")
+                                          : QStringLiteral("not AIA MS"));
 
     InfoNode lacks;
     lacks.kind = Kind::List;
@@ -197,7 +197,7 @@ void Gatherer::addTemplate(InfoNode *report) const
 void Gatherer::addDimensions(InfoNode *report) const
 {
     InfoNode &section = report->add(Kind::Section, QStringLiteral("dimensions"));
-    for (const NamedSlot &dimension : counting_dimensions) {
+    for (const NamedSlot &dimension : countingDimensions) {
         if (hasDimension(dimension.slot))
             section.addValue(QString::fromLatin1(dimension.name), size(dimension.slot));
     }
@@ -209,25 +209,24 @@ void Gatherer::addStoredTypes(InfoNode *report) const
     for (const NamedSlot &vector : vectors) {
         if (hasVariable(vector.slot))
             section.addValue(QString::fromLatin1(vector.name),
-                             stored_type(ncid_, file_.variables[vector.slot]));
+                             storedType(ncid, file.variables[vector.slot]));
     }
 }
 
 void Gatherer::addGlobals(InfoNode *report)
 {
     OwnedGlobals records;
-    if (records.read(ncid_) == -1
-        && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
+    if (records.read(ncid) == -1 && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
         problem(QStringLiteral("the global information can't be read whole"));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
-    add_attributes(ms_admin_table, &records.admin, &admin);
+    addAttributes(ms_admin_table, &records.admin, &admin);
     if (records.admin.error_log)
-        admin.addValue(QStringLiteral("error_log"), text_value(records.admin.error_log));
-    add_attributes(ms_sample_table, &records.sample,
-                   &report->add(Kind::Section, QStringLiteral("sample")));
-    add_attributes(ms_test_table, &records.test, &report->add(Kind::Section, QStringLiteral("test")));
-    add_attributes(ms_raw_table, &records.raw, &report->add(Kind::Section, QStringLiteral("raw_data")));
+        admin.addValue(QStringLiteral("error_log"), textValue(records.admin.error_log));
+    addAttributes(ms_sample_table, &records.sample,
+                  &report->add(Kind::Section, QStringLiteral("sample")));
+    addAttributes(ms_test_table, &records.test, &report->add(Kind::Section, QStringLiteral("test")));
+    addAttributes(ms_raw_table, &records.raw, &report->add(Kind::Section, QStringLiteral("raw_data")));
 }
 
 void Gatherer::addInstruments(InfoNode *report)
@@ -238,16 +237,16 @@ void Gatherer::addInstruments(InfoNode *report)
     const qint64 shown = listed(size(MsDim_instrument_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
         OwnedInstrument instrument(i);
-        if (ms_read_instrument(ncid_, &instrument) == -1)
+        if (ms_read_instrument(ncid, &instrument) == -1)
             return problem(QStringLiteral("instrument component %1 can't be read").arg(i));
-        add_variables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
+        addVariables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
 void Gatherer::addGroup(const MsGroupRecord &group, qint32 width, InfoNode *groups) const
 {
     InfoNode &section = groups->add(Kind::Section, QString::number(group.group_number));
-    add_variables(ms_group_table, &group, &section);
+    addVariables(ms_group_table, &group, &section);
     addTable(&section, "masses",
              {{"mass", group.group_masses, MsDoubleFormat},
               {"sampling_time", group.group_sampling_times, MsDoubleFormat},
@@ -259,16 +258,16 @@ void Gatherer::addGroups(InfoNode *report)
 {
     qint32 count = 0;
     qint32 width = 0;
-    if (ms_inquire_groups(ncid_, &count, &width) == -1 || count < 1)
+    if (ms_inquire_groups(ncid, &count, &width) == -1 || count < 1)
         return;
 
     InfoNode &list = report->add(Kind::List, QStringLiteral("groups"));
-    const qint64 affordable = std::max<qint64>(1, group_numbers / std::max(width, 1));
+    const qint64 affordable = std::max<qint64>(1, groupNumbers / std::max(width, 1));
     const qint64 shown = std::min(listed(count, &list), affordable);
     list.omitted = count - shown;
     for (qint32 i = 0; i < shown; ++i) {
         OwnedGroup group(i);
-        if (ms_read_group(ncid_, &group) == -1)
+        if (ms_read_group(ncid, &group) == -1)
             return problem(QStringLiteral("group %1 can't be read").arg(i));
         addGroup(group, width, &list);
     }
@@ -282,9 +281,9 @@ void Gatherer::addLibrary(InfoNode *report)
     const qint64 shown = listed(size(MsDim_scan_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
         OwnedEntry entry(i);
-        if (ms_read_per_scan(ncid_, nullptr, &entry) == -1)
+        if (ms_read_per_scan(ncid, nullptr, &entry) == -1)
             return problem(QStringLiteral("library entry %1 can't be read").arg(i));
-        add_variables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
+        addVariables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
@@ -297,20 +296,20 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
 
     OwnedScan scan(number);
     OwnedEntry entry(number);
-    if (ms_read_per_scan(ncid_, &scan, &entry) == -1)
+    if (ms_read_per_scan(ncid, &scan, &entry) == -1)
         problem(QStringLiteral("scan %1 can't be read whole").arg(number));
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
     section.addValue(QStringLiteral("scan"), number);
-    add_variables(ms_per_scan_table, &scan, &section);
+    addVariables(ms_per_scan_table, &scan, &section);
     section.addValue(QStringLiteral("point_count"), scan.point_count);
     section.addValue(QStringLiteral("flag_count"), scan.flag_count);
     if (isLibrary())
-        add_variables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
+        addVariables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
-             {{"mass", scan.mass_values, file_.mass_format},
-              {"time", scan.time_values, file_.time_format},
-              {"intensity", scan.intensity_values, file_.intensity_format}},
+             {{"mass", scan.mass_values, file.mass_format},
+              {"time", scan.time_values, file.time_format},
+              {"intensity", scan.intensity_values, file.intensity_format}},
              scan.point_count);
     addTable(&section, "flags",
              {{"peak", scan.flagged_peaks, MsLongFormat}, {"flag", scan.flag_values, MsShortFormat}},
@@ -322,7 +321,7 @@ InfoResult Gatherer::gather(const QString &path)
     InfoResult result;
     InfoNode &report = result.report;
     report.addValue(QStringLiteral("file"), path);
-    report.addValue(QStringLiteral("kind"), kind_of_file(ncid_));
+    report.addValue(QStringLiteral("kind"), kindOfFile(ncid));
     addTemplate(&report);
     addDimensions(&report);
     addStoredTypes(&report);
@@ -330,13 +329,13 @@ InfoResult Gatherer::gather(const QString &path)
     addInstruments(&report);
     addGroups(&report);
     addLibrary(&report);
-    if (options_.scan)
-        addScan(*options_.scan, &report);
+    if (options.scan)
+        addScan(*options.scan, &report);
 
-    result.complete = problems_.empty();
+    result.complete = problems.empty();
     if (!result.complete) {
         InfoNode &list = report.add(Kind::List, QStringLiteral("problems"));
-        for (const QString &text : problems_)
+        for (const QString &text : problems)
             list.addValue(QString::number(list.children.size()), text);
     }
     return result;
@@ -344,7 +343,7 @@ InfoResult Gatherer::gather(const QString &path)
 
 } // namespace
 
-InfoResult gather_info(int ncid, const QString &path, const InfoOptions &options)
+InfoResult gatherInfo(int ncid, const QString &path, const InfoOptions &options)
 {
     return Gatherer(ncid, options).gather(path);
 }

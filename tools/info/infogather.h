@@ -17,6 +17,6 @@ struct InfoResult {
 };
 
 // Gathers the report of an open file.
-InfoResult gather_info(int ncid, const QString &path, const InfoOptions &options);
+InfoResult gatherInfo(int ncid, const QString &path, const InfoOptions &options);
 
 #endif // INFOGATHER_H

@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr int indent_width = 2;
+constexpr int indentWidth = 2;
 
-QString node_text(const InfoNode &node, int depth);
+QString nodeText(const InfoNode &node, int depth);
 
 QString printable(const QString &text)
 {
@@ -28,7 +28,7 @@ QString printable(const QString &text)
     return result;
 }
 
-QString value_text(const QVariant &value)
+QString valueText(const QVariant &value)
 {
     if (!value.isValid())
         return QStringLiteral("-");
@@ -39,22 +39,22 @@ QString value_text(const QVariant &value)
 
 QString indented(int depth, const QString &line)
 {
-    return QString(depth * indent_width, QLatin1Char(' ')) + line + QLatin1Char('\n');
+    return QString(depth * indentWidth, QLatin1Char(' ')) + line + QLatin1Char('\n');
 }
 
-QString omission_text(const InfoNode &node, int depth)
+QString omissionText(const InfoNode &node, int depth)
 {
     return node.omitted == 0 ? QString()
                              : indented(depth, QStringLiteral("... and %1 more").arg(node.omitted));
 }
 
-QString table_text(const InfoNode &table, int depth)
+QString tableText(const InfoNode &table, int depth)
 {
     std::vector<QStringList> lines = {table.columns};
     for (const std::vector<QVariant> &row : table.rows) {
         QStringList cells;
         for (const QVariant &value : row)
-            cells += value_text(value);
+            cells += valueText(value);
         lines.push_back(cells);
     }
 
@@ -71,38 +71,38 @@ QString table_text(const InfoNode &table, int depth)
             padded += cells[i].rightJustified(widths[std::size_t(i)]);
         text += indented(depth, padded.join(QLatin1String("  ")));
     }
-    return text + omission_text(table, depth);
+    return text + omissionText(table, depth);
 }
 
-QString list_text(const InfoNode &list, int depth)
+QString listText(const InfoNode &list, int depth)
 {
     QString text;
     for (const InfoNode &item : list.children) {
         text += item.kind == InfoNode::Kind::Value
-            ? indented(depth, QLatin1String("- ") + value_text(item.value))
-            : node_text(item, depth);
+            ? indented(depth, QLatin1String("- ") + valueText(item.value))
+            : nodeText(item, depth);
     }
-    return text + omission_text(list, depth);
+    return text + omissionText(list, depth);
 }
 
-QString node_text(const InfoNode &node, int depth)
+QString nodeText(const InfoNode &node, int depth)
 {
     switch (node.kind) {
     case InfoNode::Kind::Value:
-        return indented(depth, node.name + QLatin1String(": ") + value_text(node.value));
+        return indented(depth, node.name + QLatin1String(": ") + valueText(node.value));
     case InfoNode::Kind::Table:
-        return indented(depth, node.name + QLatin1Char(':')) + table_text(node, depth + 1);
+        return indented(depth, node.name + QLatin1Char(':')) + tableText(node, depth + 1);
     case InfoNode::Kind::List:
-        return indented(depth, node.name + QLatin1Char(':')) + list_text(node, depth + 1);
+        return indented(depth, node.name + QLatin1Char(':')) + listText(node, depth + 1);
     case InfoNode::Kind::Section:
         break;
     }
     if (node.children.empty())
         return indented(depth, node.name + QLatin1String(": (nothing)"));
-    return indented(depth, node.name + QLatin1Char(':')) + info_text(node, depth + 1);
+    return indented(depth, node.name + QLatin1Char(':')) + infoText(node, depth + 1);
 }
 
-QJsonArray table_json(const InfoNode &table)
+QJsonArray tableJson(const InfoNode &table)
 {
     QJsonArray array;
     for (const std::vector<QVariant> &row : table.rows) {
@@ -114,53 +114,53 @@ QJsonArray table_json(const InfoNode &table)
     return array;
 }
 
-QJsonValue node_json(const InfoNode &node)
+QJsonValue nodeJson(const InfoNode &node)
 {
     switch (node.kind) {
     case InfoNode::Kind::Value:
         return QJsonValue::fromVariant(node.value);
     case InfoNode::Kind::Section:
-        return info_json(node);
+        return infoJson(node);
     case InfoNode::Kind::Table:
-        return table_json(node);
+        return tableJson(node);
     case InfoNode::Kind::List:
         break;
     }
     QJsonArray array;
     for (const InfoNode &child : node.children)
-        array.append(node_json(child));
+        array.append(nodeJson(child));
     return array;
 }
 
 } // namespace
 
-InfoNode &InfoNode::add(Kind child_kind, const QString &child_name)
+InfoNode &InfoNode::add(Kind childKind, const QString &childName)
 {
     InfoNode child;
-    child.kind = child_kind;
-    child.name = child_name;
+    child.kind = childKind;
+    child.name = childName;
     children.push_back(std::move(child));
     return children.back();
 }
 
-void InfoNode::addValue(const QString &child_name, const QVariant &child_value)
+void InfoNode::addValue(const QString &childName, const QVariant &childValue)
 {
-    add(Kind::Value, child_name).value = child_value;
+    add(Kind::Value, childName).value = childValue;
 }
 
-QString info_text(const InfoNode &section, int depth)
+QString infoText(const InfoNode &section, int depth)
 {
     QString text;
     for (const InfoNode &child : section.children)
-        text += node_text(child, depth);
+        text += nodeText(child, depth);
     return text;
 }
 
-QJsonObject info_json(const InfoNode &section)
+QJsonObject infoJson(const InfoNode &section)
 {
     QJsonObject object;
     for (const InfoNode &child : section.children) {
-        object.insert(child.name, node_json(child));
+        object.insert(child.name, nodeJson(child));
         if (child.omitted > 0)
             object.insert(child.name + QLatin1String("_omitted"), double(child.omitted));
     }

@@ -26,16 +26,16 @@ struct InfoNode {
     std::vector<std::vector<QVariant>> rows; // of a table; an invalid one is missing
     qint64 omitted = 0;                      // items of a list or rows of a table that were left out
 
-    InfoNode &add(Kind child_kind, const QString &child_name);
-    void addValue(const QString &child_name, const QVariant &child_value);
+    InfoNode &add(Kind childKind, const QString &childName);
+    void addValue(const QString &childName, const QVariant &childValue);
 };
 
 // The children of a section: one line a value, deeper ones further in. Characters that would steer a
 // terminal are escaped.
-QString info_text(const InfoNode &section, int depth = 0);
+QString infoText(const InfoNode &section, int depth = 0);
 
 // The same as JSON. What was left out of a list or table NAME is counted in NAME_omitted; numbers that
 // JSON lacks are null.
-QJsonObject info_json(const InfoNode &section);
+QJsonObject infoJson(const InfoNode &section);
 
 #endif // INFOREPORT_H

@@ -31,14 +31,14 @@ struct CommandLine {
 class OpenFile
 {
 public:
-    explicit OpenFile(const QString &path) : ncid_(ms_open_read(QFile::encodeName(path).constData())) { }
-    ~OpenFile() { ms_close(ncid_); }
+    explicit OpenFile(const QString &path) : fileId(ms_open_read(QFile::encodeName(path).constData())) { }
+    ~OpenFile() { ms_close(fileId); }
     Q_DISABLE_COPY(OpenFile)
 
-    int ncid() const { return ncid_; }
+    int id() const { return fileId; }
 
 private:
-    int ncid_;
+    int fileId;
 };
 
 int fail(const QString &path, const char *what)
@@ -49,8 +49,8 @@ int fail(const QString &path, const char *what)
 
 bool print(const InfoNode &report, Format format)
 {
-    const QByteArray bytes = format == Format::Json ? QJsonDocument(info_json(report)).toJson()
-                                                    : info_text(report).toUtf8() + '\n';
+    const QByteArray bytes = format == Format::Json ? QJsonDocument(infoJson(report)).toJson()
+                                                    : infoText(report).toUtf8() + '\n';
     return std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout)
         == std::size_t(bytes.size());
 }
@@ -67,15 +67,15 @@ int show(const QString &path, const CommandLine &line)
         return fail(path, "may not be read");
 
     const OpenFile file(info.absoluteFilePath());
-    if (file.ncid() == -1)
+    if (file.id() == -1)
         return fail(path, "isn't a netCDF file, or a damaged one");
-    const InfoResult result = gather_info(file.ncid(), path, line.info);
+    const InfoResult result = gatherInfo(file.id(), path, line.info);
     if (!print(result.report, line.format))
         return fail(path, "the report can't be written");
     return result.complete ? Success : Failure;
 }
 
-int show_with_messages(const QString &path, const CommandLine &line)
+int showWithMessages(const QString &path, const CommandLine &line)
 {
     MessageList messages(path);
     const MessageRedirection redirection(
@@ -122,9 +122,9 @@ int parse(const QStringList &arguments, CommandLine *line)
     line->format = parser.isSet(json) ? Format::Json : Format::Text;
     line->info.everything = parser.isSet(all);
     if (parser.isSet(scan)) {
-        bool is_number = false;
-        const int number = parser.value(scan).toInt(&is_number);
-        if (!is_number || number < 0)
+        bool isNumber = false;
+        const int number = parser.value(scan).toInt(&isNumber);
+        if (!isNumber || number < 0)
             return refuse(QStringLiteral("--scan takes a number from 0 on"));
         line->info.scan = number;
     }
@@ -144,7 +144,7 @@ int main(int argc, char **argv)
 
     int code = Success;
     for (const QString &path : qAsConst(line.paths)) {
-        if (show_with_messages(path, line) != Success)
+        if (showWithMessages(path, line) != Success)
             code = Failure;
     }
     if (std::fflush(stdout) != 0) {

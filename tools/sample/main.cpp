@@ -48,14 +48,14 @@ constexpr struct {
 constexpr struct {
     const char *option;
     qint32 SampleOptions::*field;
-} format_options[] = {
-    {"mass-format",      &SampleOptions::mass_format},
-    {"time-format",      &SampleOptions::time_format},
-    {"intensity-format", &SampleOptions::intensity_format},
+} formatOptions[] = {
+    {"mass-format",      &SampleOptions::massFormat},
+    {"time-format",      &SampleOptions::timeFormat},
+    {"intensity-format", &SampleOptions::intensityFormat},
 };
 // clang-format on
 
-template <class Table> auto find_name(const Table &table, const QString &name)
+template <class Table> auto findName(const Table &table, const QString &name)
 {
     return std::find_if(std::begin(table), std::end(table),
                         [&name](const auto &row) { return name == QLatin1String(row.name); });
@@ -72,7 +72,7 @@ QString description()
         + QStringLiteral("Exit code: 0, or 1 where the file can't be written, or 2 for wrong usage.");
 }
 
-void add_options(QCommandLineParser *parser)
+void addOptions(QCommandLineParser *parser)
 {
     parser->setApplicationDescription(description());
     parser->addOptions({
@@ -83,7 +83,7 @@ void add_options(QCommandLineParser *parser)
         {QStringLiteral("seed"), QStringLiteral("Number that the noise and the amounts hang on."),
          QStringLiteral("N"), QStringLiteral("1")},
     });
-    for (const auto &row : format_options) {
+    for (const auto &row : formatOptions) {
         parser->addOption({QLatin1String(row.option),
                            QStringLiteral("How these numbers are stored: short, long, float or double."),
                            QStringLiteral("FORMAT"), QStringLiteral("float")});
@@ -95,42 +95,42 @@ void add_options(QCommandLineParser *parser)
 }
 
 // A number of `option` within its limits, or `fallback` without the option; -1 for any other text.
-int number_of(const QCommandLineParser &parser, const char *option, qint64 limit, int fallback)
+int numberOf(const QCommandLineParser &parser, const char *option, qint64 limit, int fallback)
 {
     if (!parser.isSet(QLatin1String(option)))
         return fallback;
-    bool is_number = false;
-    const int number = parser.value(QLatin1String(option)).toInt(&is_number);
-    return is_number && number >= 1 && number <= limit ? number : -1;
+    bool isNumber = false;
+    const int number = parser.value(QLatin1String(option)).toInt(&isNumber);
+    return isNumber && number >= 1 && number <= limit ? number : -1;
 }
 
 // How many points a scan can have at most.
-qint64 most_points(const SampleOptions &sample)
+qint64 mostPoints(const SampleOptions &sample)
 {
     if (sample.points != 0)
         return sample.points;
-    return sample.kind == SampleKind::Tic ? 1 : sample_mass_count;
+    return sample.kind == SampleKind::Tic ? 1 : sampleMassCount;
 }
 
 // Reads the counts and formats; gives what is wrong with them, or a null text.
-QString read_options(const QCommandLineParser &parser, SampleOptions *sample)
+QString readOptions(const QCommandLineParser &parser, SampleOptions *sample)
 {
-    const int points_limit = sample->kind == SampleKind::Sim ? sample_mass_count : max_points_per_scan;
-    sample->scans = number_of(parser, "scans", max_sample_points, default_sample_scans(sample->kind));
+    const int pointsLimit = sample->kind == SampleKind::Sim ? sampleMassCount : maxPointsPerScan;
+    sample->scans = numberOf(parser, "scans", maxSamplePoints, defaultSampleScans(sample->kind));
     if (sample->scans == -1)
-        return QStringLiteral("--scans takes a number from 1 to %1").arg(max_sample_points);
-    sample->points = number_of(parser, "points", points_limit, 0);
+        return QStringLiteral("--scans takes a number from 1 to %1").arg(maxSamplePoints);
+    sample->points = numberOf(parser, "points", pointsLimit, 0);
     if (sample->points == -1)
-        return QStringLiteral("--points takes a number from 1 to %1 here").arg(points_limit);
-    if (sample->scans * most_points(*sample) > max_sample_points)
-        return QStringLiteral("these are more than %1 points").arg(max_sample_points);
+        return QStringLiteral("--points takes a number from 1 to %1 here").arg(pointsLimit);
+    if (sample->scans * mostPoints(*sample) > maxSamplePoints)
+        return QStringLiteral("these are more than %1 points").arg(maxSamplePoints);
 
-    bool is_number = false;
-    sample->seed = parser.value(QStringLiteral("seed")).toULongLong(&is_number);
-    if (!is_number)
+    bool isNumber = false;
+    sample->seed = parser.value(QStringLiteral("seed")).toULongLong(&isNumber);
+    if (!isNumber)
         return QStringLiteral("--seed takes a number from 0 on");
-    for (const auto &row : format_options) {
-        const auto format = find_name(formats, parser.value(QLatin1String(row.option)));
+    for (const auto &row : formatOptions) {
+        const auto format = findName(formats, parser.value(QLatin1String(row.option)));
         if (format == std::end(formats))
             return QStringLiteral("--%1 takes short, long, float or double")
                 .arg(QLatin1String(row.option));
@@ -143,7 +143,7 @@ QString read_options(const QCommandLineParser &parser, SampleOptions *sample)
 int parse(const QStringList &arguments, CommandLine *line)
 {
     QCommandLineParser parser;
-    add_options(&parser);
+    addOptions(&parser);
     const StandardOptions standard(&parser);
     if (!parser.parse(arguments))
         return refuse(parser.errorText());
@@ -153,12 +153,12 @@ int parse(const QStringList &arguments, CommandLine *line)
     const QStringList words = parser.positionalArguments();
     if (words.size() != 2 || words[1].isEmpty())
         return refuse(QStringLiteral("a kind and a file have to be named"));
-    const auto kind = find_name(kinds, words[0]);
+    const auto kind = findName(kinds, words[0]);
     if (kind == std::end(kinds))
         return refuse(QStringLiteral("there is no kind %1").arg(words[0]));
     line->sample.kind = kind->kind;
     line->path = words[1];
-    const QString wrong = read_options(parser, &line->sample);
+    const QString wrong = readOptions(parser, &line->sample);
     return wrong.isNull() ? -1 : refuse(wrong);
 }
 
@@ -166,7 +166,7 @@ int make(const CommandLine &line)
 {
     QString wrong;
     try {
-        wrong = write_sample(line.path, line.sample);
+        wrong = writeSample(line.path, line.sample);
     } catch (const std::bad_alloc &) {
         wrong = QStringLiteral("takes more memory than there is; what is there of it is incomplete");
     }

@@ -26,23 +26,23 @@ struct SampleClock {
 };
 
 // When the compound elutes in a run, whose column is heated evenly: the retention index counts.
-double sample_retention_time(const SampleClock &clock, int compound);
+double sampleRetentionTime(const SampleClock &clock, int compound);
 
 class SampleChromatogram
 {
 public:
     SampleChromatogram(const SampleClock &clock, SampleRandom *random);
 
-    const SampleClock &clock() const { return clock_; }
-    const std::vector<SampleElution> &elutions() const { return elutions_; } // by time
-    std::vector<SampleElution> &elutions() { return elutions_; }
+    const SampleClock &clock() const { return runClock; }
+    const std::vector<SampleElution> &elutions() const { return peaks; } // by time
+    std::vector<SampleElution> &elutions() { return peaks; }
 
     // Counts of the compound's base peak at a time, where its peak has the standard deviation `sigma`.
-    static double height_at(const SampleElution &elution, double time, double sigma);
+    static double heightAt(const SampleElution &elution, double time, double sigma);
 
 private:
-    SampleClock clock_;
-    std::vector<SampleElution> elutions_;
+    SampleClock runClock;
+    std::vector<SampleElution> peaks;
 };
 
 #endif // SAMPLECHROMATOGRAM_H

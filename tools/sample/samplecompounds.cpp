@@ -117,14 +117,14 @@ constexpr SampleSpectrum spectra[] = {
 };
 // clang-format on
 
-constexpr int compound_count = int(std::size(compounds));
-static_assert(std::size(structures) == compound_count);
-static_assert(std::size(names) == compound_count);
-static_assert(std::size(spectra) == compound_count);
+constexpr int compoundCount = int(std::size(compounds));
+static_assert(std::size(structures) == compoundCount);
+static_assert(std::size(names) == compoundCount);
+static_assert(std::size(spectra) == compoundCount);
 
 } // namespace
 
-const MsTable<SampleCompound> sample_compounds = {compounds, compound_count};
-const MsTable<SampleStructure> sample_structures = {structures, compound_count};
-const MsTable<SampleNames> sample_names = {names, compound_count};
-const MsTable<SampleSpectrum> sample_spectra = {spectra, compound_count};
+const MsTable<SampleCompound> sampleCompounds = {compounds, compoundCount};
+const MsTable<SampleStructure> sampleStructures = {structures, compoundCount};
+const MsTable<SampleNames> sampleNames = {names, compoundCount};
+const MsTable<SampleSpectrum> sampleSpectra = {spectra, compoundCount};

@@ -7,14 +7,14 @@
 struct SampleCompound {
     const char *name;
     const char *formula;
-    qint32 cas_number; // without its dashes
-    qint32 nominal_mass;
-    double accurate_mass;   // of the molecule of the most abundant isotopes
-    double chemical_mass;   // of natural isotopes
-    double retention_index; // on a column of 5% phenyl, linear between the n-alkanes
-    double second_time;     // seconds on a polar second column
-    float melting_point;    // degrees Celsius
-    float boiling_point;
+    qint32 casNumber; // without its dashes
+    qint32 nominalMass;
+    double accurateMass;   // of the molecule of the most abundant isotopes
+    double chemicalMass;   // of natural isotopes
+    double retentionIndex; // on a column of 5% phenyl, linear between the n-alkanes
+    double secondTime;     // seconds on a polar second column
+    float meltingPoint;    // degrees Celsius
+    float boilingPoint;
 };
 
 // The same compound's structure and names.
@@ -25,7 +25,7 @@ struct SampleStructure {
 };
 
 struct SampleNames {
-    const char *index_name;
+    const char *indexName;
     const char *others[4];
 };
 
@@ -35,17 +35,17 @@ struct SampleFragment {
     int percent;
 };
 
-constexpr int max_sample_fragments = 14;
+constexpr int maxSampleFragments = 14;
 
 // The main peaks from m/z 33 on; unused places have a mass of 0.
 struct SampleSpectrum {
-    SampleFragment fragments[max_sample_fragments];
+    SampleFragment fragments[maxSampleFragments];
 };
 
 // Row by row one compound, in the order of their elution.
-extern const MsTable<SampleCompound> sample_compounds;
-extern const MsTable<SampleStructure> sample_structures;
-extern const MsTable<SampleNames> sample_names;
-extern const MsTable<SampleSpectrum> sample_spectra;
+extern const MsTable<SampleCompound> sampleCompounds;
+extern const MsTable<SampleStructure> sampleStructures;
+extern const MsTable<SampleNames> sampleNames;
+extern const MsTable<SampleSpectrum> sampleSpectra;
 
 #endif // SAMPLECOMPOUNDS_H

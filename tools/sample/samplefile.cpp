@@ -23,34 +23,34 @@ namespace {
 class StoredVector
 {
 public:
-    StoredVector(qint32 format, double scale) : format_(format), scale_(scale) { }
+    StoredVector(qint32 dataFormat, double scaleFactor) : format(dataFormat), scale(scaleFactor) { }
 
     // Null for no values.
-    void *store(const std::vector<double> &values)
+    void *store(const std::vector<double> &numbers)
     {
-        values_.resize(values.size());
-        std::transform(values.begin(), values.end(), values_.begin(),
-                       [this](double value) { return value / scale_; });
-        stored_.resize(values.size());
+        values.resize(numbers.size());
+        std::transform(numbers.begin(), numbers.end(), values.begin(),
+                       [this](double number) { return number / scale; });
+        stored.resize(numbers.size());
         const auto count = qint32(values.size());
-        ms_transcode_vector(values_.data(), MsDoubleFormat, count, stored_.data(), format_, 1);
-        ms_transcode_vector(stored_.data(), format_, count, values_.data(), MsDoubleFormat, 0);
-        return stored_.empty() ? nullptr : stored_.data();
+        ms_transcode_vector(values.data(), MsDoubleFormat, count, stored.data(), format, 1);
+        ms_transcode_vector(stored.data(), format, count, values.data(), MsDoubleFormat, 0);
+        return stored.empty() ? nullptr : stored.data();
     }
 
     // What a reader makes of value i.
-    double value(std::size_t i) const { return values_[i] * scale_; }
+    double value(std::size_t i) const { return values[i] * scale; }
 
 private:
-    qint32 format_;
-    double scale_;
-    std::vector<double> stored_; // room enough for elements of any format
-    std::vector<double> values_;
+    qint32 format;
+    double scale;
+    std::vector<double> stored; // room enough for elements of any format
+    std::vector<double> values;
 };
 
 // The first scale from `scale` on, each `step` times the one before, with which `largest` fits in
 // `format`.
-double fitting_scale(qint32 format, double largest, double scale, double step)
+double fittingScale(qint32 format, double largest, double scale, double step)
 {
     const double limit =
         format == MsShortFormat ? std::numeric_limits<qint16>::max() : std::numeric_limits<qint32>::max();
@@ -59,23 +59,23 @@ double fitting_scale(qint32 format, double largest, double scale, double step)
     return scale;
 }
 
-bool is_whole(qint32 format)
+bool isWhole(qint32 format)
 {
     return format == MsShortFormat || format == MsLongFormat;
 }
 
-SampleScales scales_for(const SampleOptions &options, const SampleRun &run)
+SampleScales scalesFor(const SampleOptions &options, const SampleRun &run)
 {
     SampleScales scales = {1.0, 1.0, 1.0};
-    if (is_whole(options.mass_format))
-        scales.mass = options.mass_format == MsShortFormat ? 0.05 : 0.0001;
-    if (is_whole(options.time_format)) {
+    if (isWhole(options.massFormat))
+        scales.mass = options.massFormat == MsShortFormat ? 0.05 : 0.0001;
+    if (isWhole(options.timeFormat)) {
         const double end = run.clock().time(options.scans);
-        const double finest = options.time_format == MsShortFormat ? 0.05 : 0.001;
-        scales.time = fitting_scale(options.time_format, end, finest, 10.0);
+        const double finest = options.timeFormat == MsShortFormat ? 0.05 : 0.001;
+        scales.time = fittingScale(options.timeFormat, end, finest, 10.0);
     }
-    if (is_whole(options.intensity_format))
-        scales.intensity = fitting_scale(options.intensity_format, run.largest_count(), 1.0, 2.0);
+    if (isWhole(options.intensityFormat))
+        scales.intensity = fittingScale(options.intensityFormat, run.largestCount(), 1.0, 2.0);
     return scales;
 }
 
@@ -95,184 +95,185 @@ struct Range {
 class SampleFile
 {
 public:
-    explicit SampleFile(const SampleOptions &options)
-        : options_(options), run_(make_sample_run(options)), scales_(scales_for(options, *run_)),
-          masses_(options.mass_format, scales_.mass), times_(options.time_format, scales_.time),
-          counts_(options.intensity_format, scales_.intensity)
+    explicit SampleFile(const SampleOptions &wanted)
+        : options(wanted), run(makeSampleRun(options)), scales(scalesFor(options, *run)),
+          masses(options.massFormat, scales.mass), times(options.timeFormat, scales.time),
+          counts(options.intensityFormat, scales.intensity)
     {
-        describe_sample(options, scales_, &texts_, &admin_, &sample_, &test_, &raw_);
+        describeSample(options, scales, &texts, &admin, &sample, &test, &raw);
     }
     ~SampleFile() { close(); }
     Q_DISABLE_COPY(SampleFile)
 
     bool write(const QByteArray &path)
     {
-        ncid_ = ms_open_write(
-            path.constData(), options_.is_library() ? MsLibrarySpectrum : MsCentroidedSpectrum,
-            options_.scans, sample_component_count, options_.mass_format, options_.time_format,
-            options_.intensity_format, options_.has_masses(), options_.has_times());
+        ncid = ms_open_write(path.constData(),
+                             options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum,
+                             options.scans, sampleComponentCount, options.massFormat, options.timeFormat,
+                             options.intensityFormat, options.hasMasses(), options.hasTimes());
         // All is written, so filling it before would only take time, several times that of the writing.
         int before = NC_FILL;
-        if (ncid_ == -1 || nc_set_fill(ncid_, NC_NOFILL, &before) != NC_NOERR)
+        if (ncid == -1 || nc_set_fill(ncid, NC_NOFILL, &before) != NC_NOERR)
             return false;
         // The ranges are known at the end; the first writing keeps room for them in the file's head.
-        return write_global() && write_groups() && write_components() && write_scans() && write_global()
-            && nc_sync(ncid_) == NC_NOERR;
+        return writeGlobal() && writeGroups() && writeComponents() && writeScans() && writeGlobal()
+            && nc_sync(ncid) == NC_NOERR;
     }
 
     void close()
     {
-        if (ncid_ != -1)
-            ms_close(ncid_);
-        ncid_ = -1;
+        if (ncid != -1)
+            ms_close(ncid);
+        ncid = -1;
     }
 
 private:
-    bool write_global()
+    bool writeGlobal()
     {
-        if (options_.has_masses()) {
-            raw_.global_mass_min = mass_range_.min;
-            raw_.global_mass_max = mass_range_.max;
+        if (options.hasMasses()) {
+            raw.global_mass_min = massRange.min;
+            raw.global_mass_max = massRange.max;
         }
-        raw_.global_time_min = time_range_.min;
-        raw_.global_time_max = time_range_.max;
-        raw_.global_intensity_min = count_range_.min;
-        raw_.global_intensity_max = count_range_.max;
-        raw_.actual_run_time_length = run_->clock().length();
-        return ms_write_global(ncid_, &admin_, &sample_, &test_, &raw_) == 0;
+        raw.global_time_min = timeRange.min;
+        raw.global_time_max = timeRange.max;
+        raw.global_intensity_min = countRange.min;
+        raw.global_intensity_max = countRange.max;
+        raw.actual_run_time_length = run->clock().length();
+        return ms_write_global(ncid, &admin, &sample, &test, &raw) == 0;
     }
 
-    bool write_components()
+    bool writeComponents()
     {
-        for (int i = 0; i < sample_component_count; ++i) {
-            const MsInstrumentRecord component = sample_component(i, &texts_);
-            if (ms_write_instrument(ncid_, &component) == -1)
+        for (int i = 0; i < sampleComponentCount; ++i) {
+            const MsInstrumentRecord component = sampleComponent(i, &texts);
+            if (ms_write_instrument(ncid, &component) == -1)
                 return false;
         }
         return true;
     }
 
-    bool write_groups()
+    bool writeGroups()
     {
-        const std::vector<SampleGroup> &groups = run_->groups();
+        const std::vector<SampleGroup> &groups = run->groups();
         if (groups.empty())
             return true;
         std::size_t width = 0;
         for (const SampleGroup &group : groups)
             width = std::max(width, group.masses.size());
-        if (ms_define_groups(ncid_, qint32(groups.size()), qint32(width)) == -1)
+        if (ms_define_groups(ncid, qint32(groups.size()), qint32(width)) == -1)
             return false;
         for (std::size_t i = 0; i < groups.size(); ++i) {
-            if (!write_group(qint32(i), groups[i], width))
+            if (!writeGroup(qint32(i), groups[i], width))
                 return false;
         }
         return true;
     }
 
-    bool write_group(qint32 number, const SampleGroup &group, std::size_t width)
+    bool writeGroup(qint32 number, const SampleGroup &group, std::size_t width)
     {
         const std::size_t count = group.masses.size();
-        std::vector<double> masses(width, MsMissingDouble);
-        std::vector<double> sampling_times(width, MsMissingDouble);
-        std::vector<double> delay_times(width, MsMissingDouble);
+        std::vector<double> groupMasses(width, MsMissingDouble);
+        std::vector<double> samplingTimes(width, MsMissingDouble);
+        std::vector<double> delayTimes(width, MsMissingDouble);
         for (std::size_t i = 0; i < count; ++i) {
-            masses[i] = sample_peak_mass(group.masses[i]);
+            groupMasses[i] = samplePeakMass(group.masses[i]);
             // The masses share the half second of a scan; a tenth of it, the voltages settle.
-            delay_times[i] = on_grid(0.05 / double(count), 10000.0);
-            sampling_times[i] = on_grid(0.45 / double(count), 10000.0);
+            delayTimes[i] = onGrid(0.05 / double(count), 10000.0);
+            samplingTimes[i] = onGrid(0.45 / double(count), 10000.0);
         }
-        const MsGroupRecord record = {number,        qint32(count),         group.starting_scan,
-                                      masses.data(), sampling_times.data(), delay_times.data()};
-        return ms_write_group(ncid_, &record) == 0;
+        const MsGroupRecord record = {
+            number,           qint32(count), group.startingScan, groupMasses.data(), samplingTimes.data(),
+            delayTimes.data()};
+        return ms_write_group(ncid, &record) == 0;
     }
 
-    bool write_scans()
+    bool writeScans()
     {
         SampleScan scan;
-        SampleTexts texts;
-        for (int i = 0; i < options_.scans; ++i) {
-            run_->scan(i, &scan);
-            const MsScanRecord record = to_record(i, scan);
-            if (!options_.is_library()) {
-                if (ms_write_per_scan(ncid_, &record, nullptr) == -1)
+        SampleTexts entryTexts;
+        for (int i = 0; i < options.scans; ++i) {
+            run->scan(i, &scan);
+            const MsScanRecord record = toRecord(i, scan);
+            if (!options.isLibrary()) {
+                if (ms_write_per_scan(ncid, &record, nullptr) == -1)
                     return false;
                 continue;
             }
-            const MsLibraryRecord entry = sample_library_entry(i, &texts);
-            if (ms_write_per_scan(ncid_, &record, &entry) == -1)
+            const MsLibraryRecord entry = sampleLibraryEntry(i, &entryTexts);
+            if (ms_write_per_scan(ncid, &record, &entry) == -1)
                 return false;
-            texts.clear();
+            entryTexts.clear();
         }
         return true;
     }
 
-    MsScanRecord to_record(int number, const SampleScan &scan)
+    MsScanRecord toRecord(int number, const SampleScan &scan)
     {
         MsScanRecord record;
         ms_init_per_scan(0, &record, nullptr);
         record.scan_number = number;
         record.actual_scan_number = number;
         record.point_count = qint32(scan.counts.size());
-        record.mass_values = masses_.store(scan.masses);
-        record.time_values = times_.store(scan.times);
-        record.intensity_values = counts_.store(scan.counts);
+        record.mass_values = masses.store(scan.masses);
+        record.time_values = times.store(scan.times);
+        record.intensity_values = counts.store(scan.counts);
         record.scan_acquisition_time = scan.time;
-        record.scan_duration = on_grid(double(test_.test_scan_time), 1000.0);
+        record.scan_duration = onGrid(double(test.test_scan_time), 1000.0);
         record.inter_scan_time = 0.0;
         record.a_d_coaddition_factor = 1;
-        time_range_.add(scan.time);
-        add_points(scan, &record);
+        timeRange.add(scan.time);
+        addPoints(scan, &record);
 
-        flag_values_.assign(scan.saturated.size(), 1);
-        flagged_peaks_ = scan.saturated;
-        record.flag_count = qint32(flagged_peaks_.size());
-        record.flagged_peaks = flagged_peaks_.empty() ? nullptr : flagged_peaks_.data();
-        record.flag_values = flag_values_.empty() ? nullptr : flag_values_.data();
+        flagValues.assign(scan.saturated.size(), 1);
+        flaggedPeaks = scan.saturated;
+        record.flag_count = qint32(flaggedPeaks.size());
+        record.flagged_peaks = flaggedPeaks.empty() ? nullptr : flaggedPeaks.data();
+        record.flag_values = flagValues.empty() ? nullptr : flagValues.data();
         return record;
     }
 
     // The scan's sum and ranges, of the numbers as they are stored.
-    void add_points(const SampleScan &scan, MsScanRecord *record)
+    void addPoints(const SampleScan &scan, MsScanRecord *record)
     {
         record->total_intensity = 0.0;
         for (std::size_t i = 0; i < scan.counts.size(); ++i) {
-            const double count = counts_.value(i);
+            const double count = counts.value(i);
             record->total_intensity += count;
-            count_range_.add(count);
+            countRange.add(count);
         }
         if (!scan.masses.empty()) {
-            record->mass_range_min = masses_.value(0);
-            record->mass_range_max = masses_.value(scan.masses.size() - 1);
-            mass_range_.add(record->mass_range_min);
-            mass_range_.add(record->mass_range_max);
+            record->mass_range_min = masses.value(0);
+            record->mass_range_max = masses.value(scan.masses.size() - 1);
+            massRange.add(record->mass_range_min);
+            massRange.add(record->mass_range_max);
         }
         if (!scan.times.empty()) {
-            record->time_range_min = times_.value(0);
-            record->time_range_max = times_.value(scan.times.size() - 1);
+            record->time_range_min = times.value(0);
+            record->time_range_max = times.value(scan.times.size() - 1);
         }
     }
 
-    SampleOptions options_;
-    std::unique_ptr<SampleRun> run_;
-    SampleScales scales_;
-    StoredVector masses_;
-    StoredVector times_;
-    StoredVector counts_;
-    std::vector<qint32> flagged_peaks_;
-    std::vector<qint16> flag_values_;
-    Range mass_range_;
-    Range time_range_;
-    Range count_range_;
-    SampleTexts texts_;
-    MsAdminRecord admin_;
-    MsSampleRecord sample_;
-    MsTestRecord test_;
-    MsRawGlobalRecord raw_;
-    int ncid_ = -1;
+    SampleOptions options;
+    std::unique_ptr<SampleRun> run;
+    SampleScales scales;
+    StoredVector masses;
+    StoredVector times;
+    StoredVector counts;
+    std::vector<qint32> flaggedPeaks;
+    std::vector<qint16> flagValues;
+    Range massRange;
+    Range timeRange;
+    Range countRange;
+    SampleTexts texts;
+    MsAdminRecord admin;
+    MsSampleRecord sample;
+    MsTestRecord test;
+    MsRawGlobalRecord raw;
+    int ncid = -1;
 };
 
 // Whether the file can be opened without a complaint, such as that its end is missing.
-bool reads_back(const QByteArray &path)
+bool readsBack(const QByteArray &path)
 {
     bool complained = false;
     const MessageRedirection redirection(
@@ -284,7 +285,7 @@ bool reads_back(const QByteArray &path)
 
 } // namespace
 
-QString write_sample(const QString &path, const SampleOptions &options)
+QString writeSample(const QString &path, const SampleOptions &options)
 {
     // netCDF takes some names for addresses of a server.
     const QFileInfo info(path);
@@ -297,7 +298,7 @@ QString write_sample(const QString &path, const SampleOptions &options)
     SampleFile file(options);
     const bool written = file.write(name);
     file.close();
-    if (written && reads_back(name))
+    if (written && readsBack(name))
         return QString();
     if (!QFile::exists(info.absoluteFilePath()))
         return QStringLiteral("can't be created");

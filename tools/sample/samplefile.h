@@ -8,6 +8,6 @@
 
 // Makes the file `path`, with a run's scans. Gives a null text, or why it couldn't be made; what was
 // begun of it is removed then, as far as that can be done.
-QString write_sample(const QString &path, const SampleOptions &options);
+QString writeSample(const QString &path, const SampleOptions &options);
 
 #endif // SAMPLEFILE_H

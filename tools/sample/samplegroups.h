@@ -7,12 +7,12 @@
 #include <vector>
 
 struct SampleGroup {
-    int starting_scan; // from 0
+    int startingScan; // from 0
     std::vector<int> masses;
 };
 
-// Each group follows a few compounds that elute together, with `mass_count` masses, or with the main ones
+// Each group follows a few compounds that elute together, with `massCount` masses, or with the main ones
 // of its compounds where that is 0.
-std::vector<SampleGroup> make_sample_groups(const SampleChromatogram &chromatogram, int mass_count);
+std::vector<SampleGroup> makeSampleGroups(const SampleChromatogram &chromatogram, int massCount);
 
 #endif // SAMPLEGROUPS_H

@@ -5,6 +5,6 @@
 #include "samplerecords.h"
 
 // Entry `index`, from 0: the compounds in turn. Its texts are kept in `texts`.
-MsLibraryRecord sample_library_entry(int index, SampleTexts *texts);
+MsLibraryRecord sampleLibraryEntry(int index, SampleTexts *texts);
 
 #endif // SAMPLELIBRARY_H

@@ -12,18 +12,18 @@
 class SampleRandom
 {
 public:
-    explicit SampleRandom(quint64 seed) : engine_(seed) { }
+    explicit SampleRandom(quint64 seed) : engine(seed) { }
 
-    quint64 bits() { return engine_(); }
-    double uniform() { return double(engine_() >> 11) * 0x1p-53; } // from 0 up to, without, 1
+    quint64 bits() { return engine(); }
+    double uniform() { return double(engine() >> 11) * 0x1p-53; } // from 0 up to, without, 1
 
 private:
-    std::mt19937_64 engine_;
+    std::mt19937_64 engine;
 };
 
 // About exp(-d*d/2) for a distance `d` from the apex in standard deviations, with the slightly wider
 // foot of a real peak.
-inline double peak_shape(double d)
+inline double peakShape(double d)
 {
     double base = 1.0 + d * d / 64.0;
     for (int power = 1; power < 32; power *= 2)
@@ -38,10 +38,10 @@ inline double nearest(double value)
     return double(qint64(value + 0.5));
 }
 
-// `value`, not below 0, on a grid of `per_unit` steps a unit.
-inline double on_grid(double value, double per_unit)
+// `value`, not below 0, on a grid of `perUnit` steps a unit.
+inline double onGrid(double value, double perUnit)
 {
-    return nearest(value * per_unit) / per_unit;
+    return nearest(value * perUnit) / perUnit;
 }
 
 #endif // SAMPLERANDOM_H

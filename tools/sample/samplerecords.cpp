@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qint32 no_code = -1;
+constexpr qint32 noCode = -1;
 
 template <class Record> struct TextRow {
     char *Record::*field;
@@ -16,7 +16,7 @@ template <class Record> struct TextRow {
 };
 
 // clang-format off
-constexpr TextRow<MsAdminRecord> admin_texts[] = {
+constexpr TextRow<MsAdminRecord> adminTexts[] = {
     {&MsAdminRecord::administrative_comments,     "Made by aia-sample; nothing was measured"},
     {&MsAdminRecord::dataset_origin,              "Example laboratory"},
     {&MsAdminRecord::dataset_owner,               "Example laboratory"},
@@ -28,7 +28,7 @@ constexpr TextRow<MsAdminRecord> admin_texts[] = {
     {&MsAdminRecord::source_file_date_time_stamp, "20240312145100+0000"},
 };
 
-constexpr TextRow<MsSampleRecord> sample_texts[] = {
+constexpr TextRow<MsSampleRecord> sampleTexts[] = {
     {&MsSampleRecord::sample_internal_id,             "MIX-24"},
     {&MsSampleRecord::sample_external_id,             "Calibration mix of 24 compounds"},
     {&MsSampleRecord::sample_receipt_date_time_stamp, "20240311090000+0000"},
@@ -38,7 +38,7 @@ constexpr TextRow<MsSampleRecord> sample_texts[] = {
     {&MsSampleRecord::sample_prep_comments,           "Diluted to 10 mg/l"},
 };
 
-constexpr TextRow<MsTestRecord> test_texts[] = {
+constexpr TextRow<MsTestRecord> testTexts[] = {
     {&MsTestRecord::test_resolution_method, "Full width at half maximum"},
     {&MsTestRecord::mass_calibration_file,  "PFTBA"},
     {&MsTestRecord::test_comments,          "30 m x 0.25 mm, 0.25 um film of 5% phenyl; helium 1.0 ml/min"},
@@ -47,7 +47,7 @@ constexpr TextRow<MsTestRecord> test_texts[] = {
 constexpr struct {
     float MsTestRecord::*field;
     float value;
-} test_numbers[] = {
+} testNumbers[] = {
     {&MsTestRecord::test_ms_inlet_temperature, 280.0f},
     {&MsTestRecord::test_electron_energy,       70.0f},
     {&MsTestRecord::test_source_temperature,   230.0f},
@@ -58,8 +58,8 @@ constexpr struct {
 constexpr struct {
     SampleKind kind;
     const char *title;
-    const char *scan_function; // of the vocabulary; null: none
-    float scan_time; // seconds
+    const char *scanFunction; // of the vocabulary; null: none
+    float scanTime; // seconds
 } kinds[] = {
     {SampleKind::Gcms,    "GC-MS of a calibration mix",                     "Mass Scan",              0.55f},
     {SampleKind::Gcxgc,   "GCxGC-MS of a calibration mix, 4 s modulation",  "Mass Scan",              0.01f},
@@ -68,7 +68,7 @@ constexpr struct {
     {SampleKind::Sim,     "Selected ions of a calibration mix",             "Selected Ion Detection", 0.50f},
 };
 
-constexpr TextRow<MsInstrumentRecord> components[sample_component_count][10] = {
+constexpr TextRow<MsInstrumentRecord> components[sampleComponentCount][10] = {
     {
         {&MsInstrumentRecord::instrument_name,        "Gas chromatograph"},
         {&MsInstrumentRecord::instrument_id,          "GC-1"},
@@ -97,18 +97,18 @@ constexpr TextRow<MsInstrumentRecord> components[sample_component_count][10] = {
 // clang-format on
 
 template <class Record, std::size_t size>
-void fill_texts(const TextRow<Record> (&rows)[size], SampleTexts *texts, Record *record)
+void fillTexts(const TextRow<Record> (&rows)[size], SampleTexts *texts, Record *record)
 {
     for (const auto &row : rows)
         record->*row.field = texts->keep(row.text);
 }
 
-void describe_raw_data(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
-                       MsRawGlobalRecord *raw)
+void describeRawData(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
+                     MsRawGlobalRecord *raw)
 {
-    raw->raw_data_mass_format = options.mass_format;
-    raw->raw_data_time_format = options.time_format;
-    raw->raw_data_intensity_format = options.intensity_format;
+    raw->raw_data_mass_format = options.massFormat;
+    raw->raw_data_time_format = options.timeFormat;
+    raw->raw_data_intensity_format = options.intensityFormat;
     raw->intensity_units = ms_enum_code("Total Counts");
     raw->total_intensity_units = raw->intensity_units;
     raw->intensity_scale_factor = scales.intensity;
@@ -119,55 +119,55 @@ void describe_raw_data(const SampleOptions &options, const SampleScales &scales,
     raw->raw_data_uniform_sampling_flag = 1.0f;
 
     // What describes an axis that the file doesn't have would end up among the global attributes.
-    if (options.has_masses()) {
+    if (options.hasMasses()) {
         raw->mass_scale_factor = scales.mass;
         raw->mass_long_name = texts->keep("Mass");
     } else {
-        raw->mass_units = no_code;
+        raw->mass_units = noCode;
     }
-    if (options.has_times()) {
+    if (options.hasTimes()) {
         raw->time_scale_factor = scales.time;
         raw->time_long_name = texts->keep("Time");
     } else {
-        raw->time_units = no_code;
+        raw->time_units = noCode;
     }
 }
 
 } // namespace
 
-void describe_sample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
-                     MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
-                     MsRawGlobalRecord *raw)
+void describeSample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
+                    MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
+                    MsRawGlobalRecord *raw)
 {
     ms_init_global(0, admin, sample, test, raw);
     const auto &kind = *std::find_if(std::begin(kinds), std::end(kinds),
                                      [&options](const auto &row) { return row.kind == options.kind; });
 
-    fill_texts(admin_texts, texts, admin);
+    fillTexts(adminTexts, texts, admin);
     admin->experiment_title = texts->keep(kind.title);
-    admin->experiment_type = options.is_library() ? MsLibrarySpectrum : MsCentroidedSpectrum;
+    admin->experiment_type = options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum;
     admin->number_of_times_processed = 1;
     admin->number_of_times_calibrated = 1;
 
-    fill_texts(sample_texts, texts, sample);
-    sample->sample_state = ms_enum_code(options.is_library() ? "Solid" : "Liquid");
+    fillTexts(sampleTexts, texts, sample);
+    sample->sample_state = ms_enum_code(options.isLibrary() ? "Solid" : "Liquid");
 
-    fill_texts(test_texts, texts, test);
-    for (const auto &row : test_numbers)
+    fillTexts(testTexts, texts, test);
+    for (const auto &row : testNumbers)
         test->*row.field = row.value;
     test->test_separation_type = ms_enum_code("Gas-Liquid Chromatography");
     test->test_ms_inlet = ms_enum_code("Capillary Direct");
-    test->test_scan_function = ms_enum_code(kind.scan_function);
-    test->test_scan_time = kind.scan_time;
+    test->test_scan_function = ms_enum_code(kind.scanFunction);
+    test->test_scan_time = kind.scanTime;
 
-    describe_raw_data(options, scales, texts, raw);
+    describeRawData(options, scales, texts, raw);
 }
 
-MsInstrumentRecord sample_component(int index, SampleTexts *texts)
+MsInstrumentRecord sampleComponent(int index, SampleTexts *texts)
 {
     MsInstrumentRecord component;
     ms_init_instrument(0, &component);
     component.component_index = index;
-    fill_texts(components[index], texts, &component);
+    fillTexts(components[index], texts, &component);
     return component;
 }

@@ -14,13 +14,13 @@ class SampleTexts
 public:
     char *keep(const QByteArray &text)
     {
-        texts_.push_back(text);
-        return texts_.back().data();
+        texts.push_back(text);
+        return texts.back().data();
     }
-    void clear() { texts_.clear(); }
+    void clear() { texts.clear(); }
 
 private:
-    std::deque<QByteArray> texts_; // whose elements stay where they are
+    std::deque<QByteArray> texts; // whose elements stay where they are
 };
 
 // What stands in the file for one of the sample's numbers: number / scale.
@@ -30,13 +30,13 @@ struct SampleScales {
     double intensity;
 };
 
-constexpr qint32 sample_component_count = 2;
+constexpr qint32 sampleComponentCount = 2;
 
 // Fills the records but for the ranges of the raw data.
-void describe_sample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
-                     MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
-                     MsRawGlobalRecord *raw);
+void describeSample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
+                    MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
+                    MsRawGlobalRecord *raw);
 
-MsInstrumentRecord sample_component(int index, SampleTexts *texts);
+MsInstrumentRecord sampleComponent(int index, SampleTexts *texts);
 
 #endif // SAMPLERECORDS_H

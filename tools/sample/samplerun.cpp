@@ -26,23 +26,23 @@ constexpr struct {
 };
 // clang-format on
 
-const auto &timing_of(SampleKind kind)
+const auto &timingOf(SampleKind kind)
 {
     return *std::find_if(std::begin(timings), std::end(timings),
                          [kind](const auto &timing) { return timing.kind == kind; });
 }
 
 // How wide peaks are, for a number of peaks beside each other that doesn't depend on the run's length.
-double peak_sigma(const SampleClock &clock, double peak_capacity)
+double peakSigma(const SampleClock &clock, double peakCapacity)
 {
-    return std::max(clock.length() / peak_capacity, 0.3);
+    return std::max(clock.length() / peakCapacity, 0.3);
 }
 
 class GcmsRun : public SampleRun
 {
 public:
-    GcmsRun(const SampleOptions &options, const SampleClock &clock)
-        : SampleRun(options, clock), builder_(options.points), sigma_(peak_sigma(clock, 600.0))
+    GcmsRun(const SampleOptions &wanted, const SampleClock &runClock)
+        : SampleRun(wanted, runClock), builder(wanted.points), sigma(peakSigma(runClock, 600.0))
     {
     }
 
@@ -51,15 +51,15 @@ protected:
     {
         // The column bleeds more the hotter it gets.
         const double progress = clock().progress(number);
-        builder_.start(900.0 + 3000.0 * progress * progress);
-        for (const SampleElution &elution : chromatogram_.elutions())
-            builder_.add(elution.compound, SampleChromatogram::height_at(elution, scan->time, sigma_));
-        builder_.finish(&random_, scan);
+        builder.start(900.0 + 3000.0 * progress * progress);
+        for (const SampleElution &elution : chromatogram.elutions())
+            builder.add(elution.compound, SampleChromatogram::heightAt(elution, scan->time, sigma));
+        builder.finish(&random, scan);
     }
 
 private:
-    SampleSpectrumBuilder builder_;
-    double sigma_;
+    SampleSpectrumBuilder builder;
+    double sigma;
 };
 
 // What elutes from the first column within a modulation is let go onto the second one as a whole, so
@@ -67,148 +67,148 @@ private:
 class GcxgcRun : public SampleRun
 {
 public:
-    GcxgcRun(const SampleOptions &options, const SampleClock &clock)
-        : SampleRun(options, clock), builder_(options.points),
-          first_sigma_(std::max(peak_sigma(clock, 40.0), 1.2 * modulation_seconds))
+    GcxgcRun(const SampleOptions &wanted, const SampleClock &runClock)
+        : SampleRun(wanted, runClock), builder(wanted.points),
+          firstSigma(std::max(peakSigma(runClock, 40.0), 1.2 * modulationSeconds))
     {
     }
 
 protected:
     void fill(int number, SampleScan *scan) override
     {
-        constexpr int scans_per_modulation = 400;
-        const int modulation = number / scans_per_modulation;
-        const double released = clock().time(modulation * scans_per_modulation);
-        const double second_time = double(number % scans_per_modulation) / 100.0;
+        constexpr int scansPerModulation = 400;
+        const int modulation = number / scansPerModulation;
+        const double released = clock().time(modulation * scansPerModulation);
+        const double secondTime = double(number % scansPerModulation) / 100.0;
 
-        builder_.start(700.0);
-        for (const SampleElution &elution : chromatogram_.elutions()) {
+        builder.start(700.0);
+        for (const SampleElution &elution : chromatogram.elutions()) {
             const double amount =
-                SampleChromatogram::height_at(elution, released - modulation_seconds / 2.0, first_sigma_);
+                SampleChromatogram::heightAt(elution, released - modulationSeconds / 2.0, firstSigma);
             // The hotter the oven, the shorter the way through the second column.
-            const double apex = sample_compounds.first[elution.compound].second_time - 0.002 * modulation;
+            const double apex = sampleCompounds.first[elution.compound].secondTime - 0.002 * modulation;
             const double place = std::max(apex, 0.3);
-            builder_.add(elution.compound,
-                         SampleChromatogram::height_at({elution.compound, place, amount}, second_time,
-                                                       0.025 + 0.01 * place));
+            builder.add(elution.compound,
+                        SampleChromatogram::heightAt({elution.compound, place, amount}, secondTime,
+                                                     0.025 + 0.01 * place));
         }
-        builder_.finish(&random_, scan);
+        builder.finish(&random, scan);
     }
 
 private:
-    static constexpr double modulation_seconds = 4.0;
+    static constexpr double modulationSeconds = 4.0;
 
-    SampleSpectrumBuilder builder_;
-    double first_sigma_;
+    SampleSpectrumBuilder builder;
+    double firstSigma;
 };
 
 // A detector that counts all ions together: no masses, only times.
 class TicRun : public SampleRun
 {
 public:
-    TicRun(const SampleOptions &options, const SampleClock &clock)
-        : SampleRun(options, clock), sigma_(peak_sigma(clock, 600.0))
+    TicRun(const SampleOptions &wanted, const SampleClock &runClock)
+        : SampleRun(wanted, runClock), sigma(peakSigma(runClock, 600.0))
     {
     }
 
 protected:
     void fill(int number, SampleScan *scan) override
     {
-        const int points = std::max(options_.points, 1);
+        const int points = std::max(options.points, 1);
         const double step = double(clock().interval) / 1000.0 / points;
         const double progress = clock().progress(number);
         for (int i = 0; i < points; ++i) {
             const double time = scan->time + i * step;
             double count = 9000.0 + 16000.0 * progress * progress;
-            for (const SampleElution &elution : chromatogram_.elutions())
-                count += SampleChromatogram::height_at(elution, time, sigma_);
+            for (const SampleElution &elution : chromatogram.elutions())
+                count += SampleChromatogram::heightAt(elution, time, sigma);
             scan->times.push_back(time);
-            scan->counts.push_back(noisy_count(count, random_.bits()));
+            scan->counts.push_back(noisyCount(count, random.bits()));
         }
     }
 
 private:
-    double sigma_;
+    double sigma;
 };
 
 class LibraryRun : public SampleRun
 {
 public:
-    LibraryRun(const SampleOptions &options, const SampleClock &clock)
-        : SampleRun(options, clock), builder_(options.points)
+    LibraryRun(const SampleOptions &wanted, const SampleClock &runClock)
+        : SampleRun(wanted, runClock), builder(wanted.points)
     {
     }
 
-    double largest_count() const override { return 2.0 * base_peak; }
+    double largestCount() const override { return 2.0 * basePeak; }
 
 protected:
     void fill(int number, SampleScan *scan) override
     {
-        const int compound = number % sample_compounds.count;
-        scan->time = sample_retention_time(sample_reference_clock(), compound);
-        builder_.start(0.0);
-        builder_.add(compound, base_peak);
-        if (options_.points != 0) {
-            builder_.finish(&random_, scan);
+        const int compound = number % sampleCompounds.count;
+        scan->time = sampleRetentionTime(sampleReferenceClock(), compound);
+        builder.start(0.0);
+        builder.add(compound, basePeak);
+        if (options.points != 0) {
+            builder.finish(&random, scan);
             return;
         }
         // An entry has no noise between its peaks.
-        for (int mass = sample_mass_min; mass <= sample_mass_max; ++mass) {
-            if (builder_.counts_at(mass) == 0.0)
+        for (int mass = sampleMassMin; mass <= sampleMassMax; ++mass) {
+            if (builder.countsAt(mass) == 0.0)
                 continue;
-            scan->masses.push_back(sample_peak_mass(mass));
-            scan->counts.push_back(noisy_count(builder_.counts_at(mass), random_.bits()));
+            scan->masses.push_back(samplePeakMass(mass));
+            scan->counts.push_back(noisyCount(builder.countsAt(mass), random.bits()));
         }
     }
 
 private:
-    static constexpr double base_peak = 9999.0;
+    static constexpr double basePeak = 9999.0;
 
-    SampleSpectrumBuilder builder_;
+    SampleSpectrumBuilder builder;
 };
 
 class SimRun : public SampleRun
 {
 public:
-    SimRun(const SampleOptions &options, const SampleClock &clock)
-        : SampleRun(options, clock), builder_(0),
-          groups_(make_sample_groups(chromatogram_, options.points)), sigma_(peak_sigma(clock, 600.0))
+    SimRun(const SampleOptions &wanted, const SampleClock &runClock)
+        : SampleRun(wanted, runClock), builder(0),
+          ionGroups(makeSampleGroups(chromatogram, wanted.points)), sigma(peakSigma(runClock, 600.0))
     {
         // Every third peak is more than the detector can count.
-        for (std::size_t i = 0; i < chromatogram_.elutions().size(); i += 3)
-            chromatogram_.elutions()[i].height = 2.0 * sample_count_limit;
+        for (std::size_t i = 0; i < chromatogram.elutions().size(); i += 3)
+            chromatogram.elutions()[i].height = 2.0 * sampleCountLimit;
     }
 
-    const std::vector<SampleGroup> &groups() const override { return groups_; }
+    const std::vector<SampleGroup> &groups() const override { return ionGroups; }
 
 protected:
     void fill(int number, SampleScan *scan) override
     {
-        while (group_ + 1 < groups_.size() && groups_[group_ + 1].starting_scan <= number)
-            ++group_;
-        builder_.start(900.0);
-        for (const SampleElution &elution : chromatogram_.elutions())
-            builder_.add(elution.compound, SampleChromatogram::height_at(elution, scan->time, sigma_));
-        for (const int mass : groups_[group_].masses) {
-            const double count = noisy_count(builder_.counts_at(mass) + 40.0, random_.bits());
-            if (count == sample_count_limit)
+        while (currentGroup + 1 < ionGroups.size() && ionGroups[currentGroup + 1].startingScan <= number)
+            ++currentGroup;
+        builder.start(900.0);
+        for (const SampleElution &elution : chromatogram.elutions())
+            builder.add(elution.compound, SampleChromatogram::heightAt(elution, scan->time, sigma));
+        for (const int mass : ionGroups[currentGroup].masses) {
+            const double count = noisyCount(builder.countsAt(mass) + 40.0, random.bits());
+            if (count == sampleCountLimit)
                 scan->saturated.push_back(qint32(scan->counts.size()));
-            scan->masses.push_back(sample_peak_mass(mass));
+            scan->masses.push_back(samplePeakMass(mass));
             scan->counts.push_back(count);
         }
     }
 
 private:
-    SampleSpectrumBuilder builder_;
-    std::vector<SampleGroup> groups_;
-    std::size_t group_ = 0;
-    double sigma_;
+    SampleSpectrumBuilder builder;
+    std::vector<SampleGroup> ionGroups;
+    std::size_t currentGroup = 0;
+    double sigma;
 };
 
 } // namespace
 
-SampleRun::SampleRun(const SampleOptions &options, const SampleClock &clock)
-    : options_(options), random_(options.seed), chromatogram_(clock, &random_)
+SampleRun::SampleRun(const SampleOptions &wanted, const SampleClock &runClock)
+    : options(wanted), random(wanted.seed), chromatogram(runClock, &random)
 {
 }
 
@@ -225,20 +225,20 @@ const std::vector<SampleGroup> &SampleRun::groups() const
     return none;
 }
 
-int default_sample_scans(SampleKind kind)
+int defaultSampleScans(SampleKind kind)
 {
-    return timing_of(kind).scans;
+    return timingOf(kind).scans;
 }
 
-SampleClock sample_reference_clock()
+SampleClock sampleReferenceClock()
 {
-    const auto &timing = timing_of(SampleKind::Gcms);
+    const auto &timing = timingOf(SampleKind::Gcms);
     return {timing.start, timing.interval, timing.scans};
 }
 
-std::unique_ptr<SampleRun> make_sample_run(const SampleOptions &options)
+std::unique_ptr<SampleRun> makeSampleRun(const SampleOptions &options)
 {
-    const auto &timing = timing_of(options.kind);
+    const auto &timing = timingOf(options.kind);
     const SampleClock clock = {timing.start, timing.interval, options.scans};
     switch (options.kind) {
     case SampleKind::Gcms:

@@ -13,32 +13,32 @@
 class SampleRun
 {
 public:
-    SampleRun(const SampleOptions &options, const SampleClock &clock);
+    SampleRun(const SampleOptions &wanted, const SampleClock &runClock);
     virtual ~SampleRun() = default;
     Q_DISABLE_COPY(SampleRun)
 
     // The scans come in their order, each once.
     void scan(int number, SampleScan *scan);
 
-    const SampleClock &clock() const { return chromatogram_.clock(); }
-    virtual double largest_count() const { return sample_count_limit; }
+    const SampleClock &clock() const { return chromatogram.clock(); }
+    virtual double largestCount() const { return sampleCountLimit; }
     // Empty but in a run of selected ion monitoring.
     virtual const std::vector<SampleGroup> &groups() const;
 
 protected:
     virtual void fill(int number, SampleScan *scan) = 0;
 
-    SampleOptions options_;
-    SampleRandom random_;
-    SampleChromatogram chromatogram_;
+    SampleOptions options;
+    SampleRandom random;
+    SampleChromatogram chromatogram;
 };
 
-std::unique_ptr<SampleRun> make_sample_run(const SampleOptions &options);
+std::unique_ptr<SampleRun> makeSampleRun(const SampleOptions &options);
 
 // How many scans a sample has where nobody says.
-int default_sample_scans(SampleKind kind);
+int defaultSampleScans(SampleKind kind);
 
 // The run that the retention times of library entries come from.
-SampleClock sample_reference_clock();
+SampleClock sampleReferenceClock();
 
 #endif // SAMPLERUN_H

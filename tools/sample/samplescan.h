@@ -23,6 +23,6 @@ struct SampleScan {
 };
 
 // What the detector counts at most.
-constexpr double sample_count_limit = 4190000.0;
+constexpr double sampleCountLimit = 4190000.0;
 
 #endif // SAMPLESCAN_H

@@ -19,99 +19,98 @@ constexpr SampleFragment background[] = {
 // clang-format on
 
 constexpr double threshold = 150.0;
-constexpr double noise_floor = 40.0;
-constexpr double per_mass = 20.0; // the grid of masses, fine enough for short numbers
+constexpr double noiseFloor = 40.0;
+constexpr double perMass = 20.0; // the grid of masses, fine enough for short numbers
 
 } // namespace
 
-double sample_peak_mass(int mass)
+double samplePeakMass(int mass)
 {
-    return on_grid(mass + 0.0007 * mass, per_mass);
+    return onGrid(mass + 0.0007 * mass, perMass);
 }
 
-double noisy_count(double count, quint64 random_bits)
+double noisyCount(double count, quint64 randomBits)
 {
     // The sum of two uniform numbers, with the variance that the count has as a mean.
     const double spread =
-        (double(random_bits & 0xffff) + double((random_bits >> 16) & 0xffff)) / 65536.0 - 1.0;
+        (double(randomBits & 0xffff) + double((randomBits >> 16) & 0xffff)) / 65536.0 - 1.0;
     const double noisy = count + 2.45 * std::sqrt(count) * spread;
-    return nearest(std::clamp(noisy, 0.0, sample_count_limit));
+    return nearest(std::clamp(noisy, 0.0, sampleCountLimit));
 }
 
-SampleSpectrumBuilder::SampleSpectrumBuilder(int point_count)
-    : point_count_(point_count),
-      parts_(std::size_t(std::max(1, (point_count + sample_mass_count - 1) / sample_mass_count))),
-      counts_(sample_mass_count), channels_(point_count == 0 ? 0 : sample_mass_count * parts_),
-      channel_masses_(channels_.size())
+SampleSpectrumBuilder::SampleSpectrumBuilder(int pointsWanted)
+    : pointCount(pointsWanted),
+      parts(std::size_t(std::max(1, (pointsWanted + sampleMassCount - 1) / sampleMassCount))),
+      counts(sampleMassCount), channels(pointsWanted == 0 ? 0 : sampleMassCount * parts),
+      channelMasses(channels.size())
 {
-    const double grid = double(parts_) > per_mass ? 10000.0 : per_mass;
-    for (std::size_t i = 0; i < channels_.size(); ++i) {
-        const double part = double(i % parts_) / double(parts_);
-        channel_masses_[i] = on_grid(sample_peak_mass(int(i / parts_) + sample_mass_min) + part, grid);
+    const double grid = double(parts) > perMass ? 10000.0 : perMass;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        const double part = double(i % parts) / double(parts);
+        channelMasses[i] = onGrid(samplePeakMass(int(i / parts) + sampleMassMin) + part, grid);
     }
 }
 
 void SampleSpectrumBuilder::start(double bleed)
 {
-    std::fill(counts_.begin(), counts_.end(), 0.0);
+    std::fill(counts.begin(), counts.end(), 0.0);
     for (const SampleFragment &peak : background)
-        counts_[std::size_t(peak.mass - sample_mass_min)] = bleed * peak.percent / 100.0;
+        counts[std::size_t(peak.mass - sampleMassMin)] = bleed * peak.percent / 100.0;
 }
 
 void SampleSpectrumBuilder::add(int compound, double height)
 {
-    for (const SampleFragment &peak : sample_spectra.first[compound].fragments) {
+    for (const SampleFragment &peak : sampleSpectra.first[compound].fragments) {
         if (peak.mass == 0)
             break;
-        counts_[std::size_t(peak.mass - sample_mass_min)] += height * peak.percent / 100.0;
+        counts[std::size_t(peak.mass - sampleMassMin)] += height * peak.percent / 100.0;
     }
 }
 
 void SampleSpectrumBuilder::finish(SampleRandom *random, SampleScan *scan)
 {
-    if (point_count_ == 0)
-        finish_threshold(random, scan);
+    if (pointCount == 0)
+        finishThreshold(random, scan);
     else
-        finish_exactly(random, scan);
+        finishExactly(random, scan);
 }
 
-void SampleSpectrumBuilder::finish_threshold(SampleRandom *random, SampleScan *scan) const
+void SampleSpectrumBuilder::finishThreshold(SampleRandom *random, SampleScan *scan) const
 {
-    for (int i = 0; i < sample_mass_count; ++i) {
+    for (int i = 0; i < sampleMassCount; ++i) {
         const quint64 bits = random->bits();
-        const double count = noisy_count(counts_[std::size_t(i)] + noise_floor, bits);
+        const double count = noisyCount(counts[std::size_t(i)] + noiseFloor, bits);
         if (count < threshold)
             continue;
         // One peak in four is found a step beside its place.
         const double off = (bits >> 32) % 8 == 0 ? 1.0 : (bits >> 32) % 8 == 1 ? -1.0 : 0.0;
-        scan->masses.push_back(on_grid(sample_peak_mass(i + sample_mass_min) + off / per_mass, per_mass));
+        scan->masses.push_back(onGrid(samplePeakMass(i + sampleMassMin) + off / perMass, perMass));
         scan->counts.push_back(count);
     }
 }
 
 // The most abundant channels. Where there are more points than whole masses, each of these has several
 // channels, and the peak lies in its first.
-void SampleSpectrumBuilder::finish_exactly(SampleRandom *random, SampleScan *scan)
+void SampleSpectrumBuilder::finishExactly(SampleRandom *random, SampleScan *scan)
 {
-    for (std::size_t i = 0; i < channels_.size(); ++i) {
-        const double peak = i % parts_ == 0 ? counts_[i / parts_] : 0.0;
-        channels_[i] = std::max(1.0, noisy_count(peak + noise_floor, random->bits()));
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        const double peak = i % parts == 0 ? counts[i / parts] : 0.0;
+        channels[i] = std::max(1.0, noisyCount(peak + noiseFloor, random->bits()));
     }
 
-    const auto last = std::size_t(point_count_) - 1;
-    ranked_ = channels_;
-    std::nth_element(ranked_.begin(), ranked_.begin() + qint64(last), ranked_.end(),
-                     std::greater<double>());
-    const double least = ranked_[last];
+    const auto last = std::size_t(pointCount) - 1;
+    ranked = channels;
+    std::nth_element(ranked.begin(), ranked.begin() + qint64(last), ranked.end(), std::greater<double>());
+    const double least = ranked[last];
     // Of the channels with the least count, the first ones.
     auto spare = qint64(last) + 1
-        - std::count_if(ranked_.begin(), ranked_.begin() + qint64(last),
+        - std::count_if(ranked.begin(), ranked.begin() + qint64(last),
                         [least](double count) { return count > least; });
 
-    for (std::size_t i = 0; i < channels_.size(); ++i) {
-        if (channels_[i] < least || (channels_[i] == least && spare-- <= 0))
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        if (channels[i] < least || (channels[i] == least && spare-- <= 0))
             continue;
-        scan->masses.push_back(channel_masses_[i]);
-        scan->counts.push_back(channels_[i]);
+        scan->masses.push_back(channelMasses[i]);
+        scan->counts.push_back(channels[i]);
     }
 }
