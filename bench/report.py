@@ -63,7 +63,7 @@ def main():
         if run == "long-fixed":
             import_ms = whole
     files = os.path.join(build, "bench", "files")
-    numpy = best_seconds([sys.executable, os.path.join(HERE, "..", "tests", "oracle", "numpy_import.py"), "--no-json",
+    numpy = best_seconds([sys.executable, os.path.join(HERE, "..", "tests", "oracle", "numpy_import.py"),
                           os.path.join(files, "long-fixed.cdf")])
     start = best_seconds([sys.executable, "-c", "import numpy, netCDF4"])
     row("whole import / NumPy, long-fixed", import_ms / 1000 / (numpy - start), 0.25,

@@ -1,34 +1,31 @@
-#!/usr/bin/python3
-"""Import one AIA MS file with NumPy and netCDF4 alone, and write what aia-import --json writes.
+"""Imports an AIA MS file with NumPy and netCDF4 alone; python3 numpy_import.py FILE.
 
-It is there for two ends: a second opinion on the import's results, which have to agree to the last
-bit, and the yardstick of its speed. So all points of the run are worked on at once, and memory grows
-with the run.
+It is there for two ends: a second opinion on the import's results, which have to agree to the last bit,
+and the yardstick of its speed. So all points of the run are worked on at once, and memory grows with the
+run. Dates come out as on a machine in UTC.
 """
 
-import argparse
 import calendar
-import json
-import os
+import ctypes
+import ctypes.util
 import re
 import sys
-import time
 
 import netCDF4
 import numpy as np
 
-import aia_attributes as attributes
-from aia_attributes import MISSING, Refused
-
-TABLE_LIMIT = 65535  # masses in a table; positions are 16 bits wide
-SCAN_CAPACITY = 1 << 24  # points in a scan
+MISSING = -9999.0
 INT_MIN, INT_MAX = -(2**31), 2**31 - 1
-
+NO_NUMBER = -(2**40)  # beyond all that a file counts with
 PER_SCAN = """a_d_sampling_rate a_d_coaddition_factor scan_acquisition_time scan_duration inter_scan_time
     resolution actual_scan_number total_intensity mass_range_min mass_range_max time_range_min
     time_range_max""".split()
 
-# --- Variables ---------------------------------------------------------------------------------------
+netcdf = ctypes.CDLL(ctypes.util.find_library("netcdf"))  # the one that netCDF4 has loaded
+
+
+class Refused(Exception):
+    """The file can't be imported."""
 
 
 def find(objects, name):
@@ -36,379 +33,243 @@ def find(objects, name):
     return objects[name] if name in objects else objects.get(name.replace("_", "-"))
 
 
-def is_number(variable):
-    kind = variable.datatype  # not dtype, which passes an enumeration off as its whole numbers
-    return isinstance(kind, np.dtype) and kind.kind in "iuf"
+# --- Attributes --------------------------------------------------------------------------------------
 
 
-def read_whole(variable):
-    return np.asarray(variable[...]) if variable.size else np.empty(variable.shape, variable.dtype)
+def attribute(ncid, varid, name):
+    """An attribute's text as bytes, or its first number; None if there is none.
+
+    netCDF4 hides the type of an attribute and the NULs in a text, so the C library is asked.
+    """
+    kind, length = ctypes.c_int(), ctypes.c_size_t()
+    for spelling in (name.encode(), name.replace("_", "-").encode()):
+        if netcdf.nc_inq_att(ncid, varid, spelling, ctypes.byref(kind), ctypes.byref(length)) == 0:
+            break
+    else:
+        return None
+    if kind.value > 6:
+        raise Refused
+    value = np.zeros(length.value, ("i1", "S1", "i2", "i4", "f4", "f8")[kind.value - 1])
+    netcdf.nc_get_att(ncid, varid, spelling, value.ctypes.data_as(ctypes.c_void_p))
+    if value.dtype == "S1":
+        return value.tobytes().split(b"\0")[0]
+    return value[0] if len(value) else None
 
 
-def fit(values, low, high):
-    """The values cut to whole numbers, and which of them lie between the two ends."""
-    fits = (values >= low) & (values <= high)
-    return np.where(fits, values, low).astype(np.int64), fits
+def as_text(value):
+    """Texts are kept in Latin-1, with question marks for other characters."""
+    if value is None:
+        return None
+    if isinstance(value, bytes):
+        return value.decode("utf-8-sig", "replace").encode("latin-1", "replace").decode("latin-1")
+    return np.format_float_positional(float(value), trim="-")
 
 
-def read_counter(dataset, name, count):
-    """One whole number for each scan, and which scans have a readable one."""
-    numbers, readable = np.zeros(count, np.int64), np.zeros(count, bool)
-    variable = dataset.variables.get(name)
-    if variable is not None and variable.ndim == 1 and is_number(variable):
-        stored = read_whole(variable)[:count]
-        numbers[: len(stored)], readable[: len(stored)] = fit(stored, INT_MIN, INT_MAX)
-    return numbers, readable
+def as_number(value, default):
+    try:
+        number = MISSING if value is None else float(value)
+    except ValueError:
+        return default
+    return default if number == MISSING else number
+
+
+def date_of(stamp):
+    """Seconds since 1970 of "YYYYMMDDhhmmss+zz": the zone is added, and an hour taken off."""
+
+    def number(first, last):
+        text = stamp[first:last].strip()
+        return int(text) if re.fullmatch(r"[+-]?\d+", text, re.ASCII) else 0
+
+    months = number(0, 4) * 12 + number(4, 6) - 1
+    if months < 12:
+        return 2**32 - 1
+    hour = number(8, 10) + number(14, 17) - 1
+    clock = (hour, number(10, 12), number(12, 14))
+    seconds = calendar.timegm((months // 12, months % 12 + 1, number(6, 8), *clock))
+    return seconds if 0 <= seconds < 2**32 else 2**32 - 1
+
+
+# --- Variables ---------------------------------------------------------------------------------------
+
+
+def numbers_of(variable, any_rank=False):
+    """The numbers of a variable, of one dimension unless any rank will do; none of one that has none."""
+    kind = getattr(variable, "datatype", None)  # not dtype, which passes an enumeration off as its numbers
+    if not isinstance(kind, np.dtype) or kind.kind not in "iuf" or not (any_rank or variable.ndim == 1):
+        return np.empty(0)
+    return np.asarray(variable[...], np.float64).reshape(-1)
+
+
+def scan_counts(dataset, name, count):
+    """A whole number for each scan, NO_NUMBER where there is none."""
+    stored = numbers_of(dataset.variables.get(name))[:count]
+    numbers = np.full(count, NO_NUMBER)
+    numbers[: len(stored)] = np.where((stored >= INT_MIN) & (stored <= INT_MAX), stored, NO_NUMBER)
+    return numbers
 
 
 class Axis:
-    """A value variable: its numbers, and which stretches of it can be read."""
+    """Masses, times or intensities of all scans. Of a type that the template lacks, what the fallback holds."""
 
-    def __init__(self, variable, fallback):
-        self.readable = variable is not None and variable.ndim == 1 and is_number(variable)
-        self.length = len(variable) if self.readable else 0
-        self.is_native = self.readable and variable.dtype.str[1:] in ("i2", "i4", "f4", "f8")
-        self.variable, self.fallback = variable, fallback
-        self.misfits = None
-        self.numbers = np.empty(0)
-
-    def load(self):
-        """Reads all; types that the template lacks are converted to the fallback where they fit."""
-        if not self.readable:
-            return
-        self.numbers = read_whole(self.variable)
-        if not self.is_native:
-            limits = np.iinfo(self.fallback)
-            self.numbers, fits = fit(self.numbers, limits.min, limits.max)
-            self.misfits = np.concatenate(([0], np.cumsum(~fits)))
+    def __init__(self, dataset, name, fallback):
+        variable = dataset.variables.get(name)
+        self.numbers = numbers_of(variable)
+        self.misfits = np.zeros(len(self.numbers) + 1, np.int64)  # before each place
+        if len(self.numbers) > 0 and variable.dtype.str[1:] not in ("i2", "i4", "f4", "f8"):
+            limits = np.iinfo(fallback)
+            np.cumsum((self.numbers < limits.min) | (self.numbers > limits.max), out=self.misfits[1:])
 
     def holds(self, start, count):
-        """Whether the stretches lie in the variable and all their numbers could be converted."""
-        held = (start >= 0) & (count >= 0) & (start + count <= self.length) & self.readable
-        if self.misfits is not None:
-            first, last = np.where(held, start, 0), np.where(held, start + count, 0)
-            held &= self.misfits[first] == self.misfits[last]
-        return held
-
-    def is_whole(self, length):
-        return self.length == length and bool(self.holds(0, length))
+        inside = (start >= 0) & (count >= 0) & (start + count <= len(self.numbers))
+        first, last = np.where(inside, start, 0), np.where(inside, start + count, 0)
+        return inside & (self.misfits[first] == self.misfits[last])
 
 
 # --- The run -----------------------------------------------------------------------------------------
 
 
-def date_of(stamp):
-    """Seconds since 1970 of a stamp "YYYYMMDDhhmmss+zz", counted from the local clock at the epoch."""
-
-    def number(first, last):
-        text = stamp[first:last].strip(" \t\n\v\f\r\x85\xa0")
-        return int(text) if re.fullmatch(r"[+-]?\d+", text, re.ASCII) else 0
-
-    year, month, day = number(0, 4), number(4, 6), number(6, 8)
-    seconds = ((number(14, 17) + number(8, 10)) * 60 - 60 + number(10, 12)) * 60 + number(12, 14)
-    epoch = time.localtime(0)
-    months = epoch.tm_year * 12 + epoch.tm_mon - 1 + (year - 1970) * 12 + month - 1
-    year, month = months // 12, months % 12 + 1
-    if year < 1901:
-        return 2**32 - 1
-    last_day = calendar.monthrange(year, month)[1]
-    clock = (year, month, min(epoch.tm_mday, last_day) + day - 1) + epoch[3:6]
-    result = int(time.mktime(clock + (0, 0, -1))) + seconds
-    return result if 0 <= result < 2**32 - 1 else 2**32 - 1
-
-
 def round_half_away(values):
     whole = np.trunc(values)
     whole += np.copysign(np.abs(values - whole) >= 0.5, values)
-    whole[np.isnan(values)] = 0
-    infinite = np.isinf(values)
-    whole[infinite] = values[infinite]
-    return np.clip(whole, INT_MIN, INT_MAX).astype(np.int32)
+    return np.clip(np.nan_to_num(whole), INT_MIN, INT_MAX).astype(np.int32)
 
 
-def take_census(masses):
-    """The distinct masses as sorted whole numbers, and the decimals that these have.
-
-    Before each mass the census looks whether it is full, and gives up one decimal if so. In between the
-    order of the masses makes no difference, so they are taken together.
-    """
-    keys, decimals, taken = np.empty(0, np.int32), 2, 0
-    while taken < len(masses):
-        if len(keys) >= TABLE_LIMIT:
-            decimals -= 1
-            if decimals == -1:
-                break
-            shortened = np.trunc(keys / 10).astype(np.int32)  # toward zero
-            own = round_half_away(masses[taken : taken + 1] * 10.0**decimals)
-            keys = np.union1d(shortened, own)
-            taken += 1
-            continue
-        rest = round_half_away(masses[taken:] * 10.0**decimals)
-        together = np.union1d(keys, rest)
-        if len(together) < TABLE_LIMIT:
-            return together, decimals
-        found, first_places = np.unique(rest, return_index=True)
-        new_places = np.sort(first_places[~np.isin(found, keys, assume_unique=True)])
-        filling = new_places[TABLE_LIMIT - len(keys) - 1]
-        keys = np.union1d(keys, rest[: filling + 1])
-        taken += filling + 1
-    return keys, decimals
-
-
-def sequential_sums(values, start, count):
-    """The sum of each stretch, added up from its first value to its last."""
-    sums = np.zeros(len(start))
-    if len(start) == 0:
-        return sums
-    if count.max() > len(start):
-        for scan in np.flatnonzero(count):
-            stretch = values[start[scan] : start[scan] + count[scan]]
-            sums[scan] = np.add.accumulate(np.concatenate(([0.0], stretch)))[-1]
-        return sums
-    # Many short scans: all their first values, then all their second ones.
-    order = np.argsort(-count, kind="stable")
-    lengths, places = -count[order], start[order]
-    for step in range(-lengths[0]):
-        active = np.searchsorted(lengths, -step)
-        sums[order[:active]] += values[places[:active] + step]
-    return sums
+def plain(numbers):
+    return [None if number != number else number for number in np.asarray(numbers, np.float64).tolist()]
 
 
 class Run:
-    def __init__(self, path, modulation):
-        self.path = path
-        self.modulation = float(np.float32(modulation))
-        if not re.search(r"\.cdf$", path, re.IGNORECASE):
-            raise Refused("not a .cdf file")
-        if not os.path.isfile(path):
-            raise Refused("not a file")
-        try:
-            self.dataset = netCDF4.Dataset(path)
-        except OSError as error:
-            raise Refused(str(error)) from error
+    def __init__(self, path, modulation=0.0):
+        self.path, self.modulation = path, modulation
+        self.dataset = netCDF4.Dataset(path)
         self.dataset.set_auto_maskandscale(False)
-        self.dataset.set_auto_chartostring(False)
         self.read_global()
         self.read_times()
         self.make_table()
-        self.read_scans()
-
-    def holder_attribute(self, holder, name):
-        fixed = self.dataset.variables.get(holder)
-        variable = find(self.dataset.variables, holder) if holder in PER_SCAN else fixed
-        # The attributes of an absent variable are looked for among those of the file.
-        return attributes.read(self.dataset._grpid, -1 if variable is None else variable._varid, name)
+        if len(self.table) > 0:
+            self.read_spectra()
+        else:
+            self.read_total_ion()
 
     def read_global(self):
-        ncid = self.dataset._grpid
-        texts = {name: attributes.read(ncid, -1, name) for name in attributes.GLOBAL_ATTRIBUTES}
-        held = {key: self.holder_attribute(*key) for key in attributes.VARIABLE_ATTRIBUTES}
-        error_log = find(self.dataset.variables, "error_log")
-        if error_log is not None and error_log.ndim != 2:
-            raise Refused("error_log has another rank")
-        if "scan_number" not in self.dataset.dimensions:
-            raise Refused("no dimension scan_number")
+        variables, ncid = self.dataset.variables, self.dataset._grpid
+
+        def held(holder, name):  # what an absent variable would hold is looked for among those of the file
+            return attribute(ncid, variables[holder]._varid if holder in variables else -1, name)
+
+        for name in self.dataset.ncattrs():
+            attribute(ncid, -1, name)  # one of a strange type refuses the file
+        error_log = find(variables, "error_log")
+        if error_log is not None and error_log.ndim != 2 or "scan_number" not in self.dataset.dimensions:
+            raise Refused
         self.scan_count = len(self.dataset.dimensions["scan_number"])
-        self.stamp = attributes.as_text(texts["experiment_date_time_stamp"])
-        self.device = attributes.as_text(texts["source_file_format"])
-        self.title = attributes.as_text(texts["experiment_title"])
-        self.mass_scale = attributes.as_double(held["mass_values", "scale_factor"], 1.0)
-        self.intensity_scale = attributes.as_double(held["intensity_values", "scale_factor"], 1.0)
-        self.intensity_offset = attributes.as_double(held["intensity_values", "add_offset"], 0.0)
-        self.time_divisor = 60.0 if attributes.counts_in_seconds(held["time_values", "units"]) else 1.0
+        self.stamp = as_text(attribute(ncid, -1, "experiment_date_time_stamp"))
+        self.device = as_text(attribute(ncid, -1, "source_file_format"))
+        self.title = as_text(attribute(ncid, -1, "experiment_title"))
+        self.mass_scale = as_number(held("mass_values", "scale_factor"), 1.0)
+        self.intensity_scale = as_number(held("intensity_values", "scale_factor"), 1.0)
+        self.intensity_offset = as_number(held("intensity_values", "add_offset"), 0.0)
+        units = held("time_values", "units")
+        self.time_divisor = 1.0 if isinstance(units, bytes) and units.lower() != b"seconds" else 60.0
 
     def read_times(self):
-        """Stored times, which scans have readable numbers, and what the first and the last say."""
         count = self.scan_count
         self.readable = np.ones(count, bool)
         for name in PER_SCAN:
             variable = find(self.dataset.variables, name)
-            if variable is None:
-                continue
-            if variable.ndim != 1:
-                self.readable[:] = False
-            else:
-                self.readable[len(variable) :] = False
-        self.stored_times = np.full(count, MISSING)
-        variable = find(self.dataset.variables, "scan_acquisition_time")
-        if variable is not None and variable.ndim == 1 and is_number(variable):
-            stored = read_whole(variable)[:count]
-            self.stored_times[: len(stored)] = stored
-
-        def end_time(scan, default):
-            if count == 0 or not self.readable[scan] or self.stored_times[scan] == MISSING:
-                return default
-            return self.stored_times[scan] / self.time_divisor
-
-        self.delay = end_time(0, 0.0)
-        self.run_length = end_time(count - 1, float(count - 1)) - self.delay
-        self.interval = float(np.divide(self.run_length, np.float64(count - 1)))
+            if variable is not None:
+                self.readable[len(variable) if variable.ndim == 1 else 0 :] = False
+        stored = numbers_of(find(self.dataset.variables, "scan_acquisition_time"))[:count]
+        self.times = np.full(count, MISSING)
+        self.times[: len(stored)] = stored
+        self.timed = self.readable & (self.times != MISSING)
+        self.times /= self.time_divisor
+        self.delay = self.times[0] if count > 0 and self.timed[0] else 0.0
+        self.run_length = (self.times[-1] if count > 0 and self.timed[-1] else count - 1.0) - self.delay
+        self.interval = np.divide(self.run_length, count - 1.0)
+        self.by_interval = np.arange(count) * self.interval
 
     def make_table(self):
-        dimension = find(self.dataset.dimensions, "point_number")
-        points = 0 if dimension is None else len(dimension)
-        self.mass_axis = Axis(self.dataset.variables.get("mass_values"), np.int16)
-        keys, decimals = np.empty(0, np.int32), 2
-        if points > 0:
-            self.mass_axis.load()
-            if self.mass_axis.is_whole(points):
-                self.masses = self.mass_axis.numbers.astype(np.float64) * self.mass_scale
-                keys, decimals = take_census(self.masses)
-        self.mass_factor = 10.0**decimals
-        self.table = np.empty(0, np.float32)
-        if len(keys) > 1:
-            self.table = (keys[:TABLE_LIMIT] / self.mass_factor).astype(np.float32)
+        points = find(self.dataset.dimensions, "point_number")
+        self.mass_axis = Axis(self.dataset, "mass_values", np.int16)
+        keys = round_half_away(self.mass_axis.numbers * self.mass_scale * 100.0)
+        self.grid = (keys / 100.0).astype(np.float32)
+        if points is None or len(points) != len(keys) or self.mass_axis.misfits[-1] > 0:
+            keys = keys[:0]
+        keys = np.unique(keys)
+        assert len(keys) < 65535  # so the grid keeps its two decimals
+        self.table = (keys / 100.0).astype(np.float32) if len(keys) > 1 else np.empty(0)
 
-    def read_scans(self):
-        scans = np.arange(self.scan_count)
-        self.start = np.zeros(self.scan_count, np.int64)
-        self.count = np.zeros(self.scan_count, np.int64)
-        self.positions = np.empty(0, np.uint16)
-        self.abundances = np.empty(0, np.float32)
-        if len(self.table) == 0:
-            self.read_total_ion(scans)
-        else:
-            self.read_spectra(scans)
-
-    def whole_trace(self, name):
-        variable = find(self.dataset.variables, name)
-        if variable is None or not is_number(variable):
-            return None
-        if self.scan_count < 1 or variable.size != self.scan_count:
-            return None
-        return read_whole(variable).reshape(-1).astype(np.float64)
-
-    def read_total_ion(self, scans):
+    def read_total_ion(self):
+        self.start = self.count = np.zeros(self.scan_count, np.int64)
+        self.positions = self.abundances = np.empty(0)
         self.bits, self.coefficient, self.detector = 32, None, None
-        self.times = scans * self.interval + self.delay
-        self.totals = np.zeros(self.scan_count)
-        intensities = self.whole_trace("total_intensity")
-        times = self.whole_trace("scan_acquisition_time")
-        if intensities is None or times is None:
-            return
-        self.coefficient = 0
-        self.detector = 1792 if self.modulation > 0.0 else 256
-        self.times, self.totals = times / self.time_divisor, intensities
+        self.times, self.totals = self.by_interval + self.delay, np.zeros(self.scan_count)
+        intensities, times = (
+            numbers_of(find(self.dataset.variables, name), any_rank=True)
+            for name in ("total_intensity", "scan_acquisition_time")
+        )
+        if len(intensities) == len(times) == self.scan_count > 0:
+            self.coefficient, self.detector = 0, 1792 if self.modulation > 0.0 else 256
+            self.times, self.totals = times / self.time_divisor, intensities
 
-    def read_spectra(self, scans):
-        self.bits, self.coefficient = 28, None
-        self.detector = 2048 if self.modulation > 0.0 else 512
-        start, start_readable = read_counter(self.dataset, "scan_index", self.scan_count)
-        count, count_readable = read_counter(self.dataset, "point_count", self.scan_count)
-        flags, flags_readable = read_counter(self.dataset, "flag_count", self.scan_count)
-        intensity_axis = Axis(self.dataset.variables.get("intensity_values"), np.int32)
-        intensity_axis.load()
-        whole = np.maximum(np.where(flags_readable, flags, 0), 0) + count
+    def read_spectra(self):
+        self.bits, self.coefficient, self.detector = 28, None, 2048 if self.modulation > 0.0 else 512
+        start, count, flags = (
+            scan_counts(self.dataset, name, self.scan_count)
+            for name in ("scan_index", "point_count", "flag_count")
+        )
+        intensity_axis = Axis(self.dataset, "intensity_values", np.int32)
+        whole = count + np.maximum(flags, 0)
         held = self.mass_axis.holds(start, whole) & intensity_axis.holds(start, whole)
         if "time_values" in self.dataset.variables:
-            time_axis = Axis(self.dataset.variables["time_values"], np.int16)
-            if not time_axis.is_native:
-                time_axis.load()
-            held &= time_axis.holds(start, count)
-        self.readable &= start_readable & count_readable & (held & (count <= SCAN_CAPACITY) | (count < 1))
+            held &= Axis(self.dataset, "time_values", np.int16).holds(start, count)
+        self.readable &= (start != NO_NUMBER) & (count != NO_NUMBER) & (held | (count < 1))
         filled = self.readable & (count > 0)
         self.start, self.count = np.where(filled, start, 0), np.where(filled, count, 0)
 
-        grid = (round_half_away(self.masses * self.mass_factor) / self.mass_factor).astype(np.float32)
-        places = np.searchsorted(self.table, grid)
-        np.minimum(places, len(self.table) - 1, out=places)
-        known = self.table[places] == grid
+        places = np.minimum(np.searchsorted(self.table, self.grid), len(self.table) - 1)
+        known = self.table[places] == self.grid
         self.positions = np.where(known, places, 0).astype(np.uint16)
-        intensities = intensity_axis.numbers.astype(np.float64) * self.intensity_scale
-        intensities += self.intensity_offset
+        intensities = intensity_axis.numbers * self.intensity_scale + self.intensity_offset
         shared = min(len(known), len(intensities))  # no scan goes beyond the shorter axis
         self.abundances = np.where(known[:shared], intensities[:shared], 0.0).astype(np.float32)
-        self.totals = sequential_sums(intensities, self.start, self.count)
+        self.totals = np.zeros(self.scan_count)
+        for scan in np.flatnonzero(filled):  # from the first to the last point; a sum of 0 has no sign
+            stretch = slice(start[scan], start[scan] + count[scan])
+            self.totals[scan] = np.add.accumulate(intensities[stretch])[-1] + 0.0
 
-        if self.modulation > 0.0:
-            times, timed = scans * self.interval, self.readable
-        else:
-            times = self.stored_times / self.time_divisor
-            timed = self.readable & (self.stored_times != MISSING)
-        self.times = np.where(timed, times, scans * self.interval + self.delay)
+        times, timed = (self.by_interval, True) if self.modulation > 0.0 else (self.times, self.timed)
+        self.times = np.where(self.readable & timed, times, self.by_interval + self.delay)
 
-    # --- JSON ------------------------------------------------------------------------------------------
-
-    def write(self, out):
+    def as_json(self):
+        """As aia-import writes it; the date is null where there is no stamp, and not today's."""
+        run_length, delay, interval = plain([self.run_length, self.delay, self.interval])
         header = {
             "scanCount": self.scan_count,
-            "modulation": number_text(self.modulation),
+            "modulation": float(np.float32(self.modulation)),
             "abundanceBits": self.bits,
             "abundanceCoefficient": self.coefficient,
-            "date": int(time.time()) if self.stamp is None else date_of(self.stamp),
+            "date": None if self.stamp is None else date_of(self.stamp),
             "device": self.device,
             "experimentName": self.title,
             "retentionUnit": "minutes",
-            "runLength": number_text(self.run_length),
-            "delay": number_text(self.delay),
-            "samplingInterval": number_text(self.interval),
+            "runLength": run_length,
+            "delay": delay,
+            "samplingInterval": interval,
             "detectorType": self.detector,
         }
-        fields = (
-            f"{json.dumps(name)}:{value if isinstance(value, RawText) else json.dumps(value)}"
-            for name, value in header.items()
-        )
-        out.write(f'{{"file":{json.dumps(self.path)},"header":{{{",".join(fields)}}},')
-        out.write(f'"massTable":[{list_text(self.table)}],"scans":[')
-        for scan in range(self.scan_count):
-            stretch = slice(self.start[scan], self.start[scan] + self.count[scan])
-            out.write("," if scan else "")
-            out.write(f'{{"time":{number_text(self.times[scan])},')
-            out.write(f'"total":{number_text(self.totals[scan])},')
-            out.write(f'"positions":[{",".join(map(str, self.positions[stretch]))}],')
-            out.write(f'"abundances":[{list_text(self.abundances[stretch])}]}}')
-        out.write("]}\n")
-
-
-class RawText(str):
-    """A text that stands in the JSON as it is."""
-
-
-def number_text(value):
-    value = float(value)
-    if value != value:
-        return RawText("null")
-    if value in (np.inf, -np.inf):
-        return RawText("1e999" if value > 0 else "-1e999")
-    return RawText(repr(value))
-
-
-def list_text(values):
-    return ",".join(map(number_text, values.tolist()))
-
-
-def modulation_length(text):
-    length = float(text)
-    if not 0.0 <= length <= 100.0:
-        raise argparse.ArgumentTypeError("the modulation length lies between 0 and 100")
-    return length
-
-
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    target = parser.add_mutually_exclusive_group()
-    target.add_argument("--json", metavar="FILE", default="-", help="where to write (-: standard output)")
-    target.add_argument("--no-json", action="store_true", help="do the work, write nothing")
-    parser.add_argument(
-        "--gcxgc", metavar="LENGTH", type=modulation_length, default=0.0, help="modulation length"
-    )
-    parser.add_argument("file")
-    options = parser.parse_args()
-    np.seterr(all="ignore")
-    try:
-        run = Run(options.file, options.gcxgc)
-    except Refused as refusal:
-        print(f"{options.file}: {refusal}", file=sys.stderr)
-        return 1
-    if options.no_json:
-        return 0
-    if options.json == "-":
-        run.write(sys.stdout)
-    else:
-        with open(options.json, "w", encoding="utf-8") as out:
-            run.write(out)
-    return 0
+        scans = [
+            {
+                "time": time,
+                "total": total,
+                "positions": self.positions[start : start + count].tolist(),
+                "abundances": plain(self.abundances[start : start + count]),
+            }
+            for time, total, start, count in zip(plain(self.times), plain(self.totals), self.start, self.count)
+        ]
+        return {"file": self.path, "header": header, "massTable": plain(self.table), "scans": scans}
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    Run(sys.argv[1])
