@@ -306,7 +306,9 @@ char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qi
 
 // Writes `text` (null: blanks) to a row of `width` bytes: the text, cut to width - 1, its NUL, blanks,
 // and a NUL as last byte. Rows as above; with a `column` of 0 or more only the first byte of all that is
-// written, at that column. -1: a place that the variable doesn't have, or a refused write.
+// written, at that column. A row beyond the last one of an unlimited dimension is added. -1: a variable
+// whose type isn't one byte wide or whose shape is another, another place that it doesn't have, or a
+// refused write.
 int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
                              const char *text);
 

@@ -27,20 +27,20 @@ struct TextPlace {
     std::size_t &first_byte() { return start[rank - 1]; }
 };
 
-// False where the variable doesn't hold `size` bytes there: the buffers below are made for bytes, in one
-// row.
-bool find_text(int ncid, int varid, qint32 row, qint32 column, qint32 size, TextPlace *place)
+// False where the variable has another type or rank: the buffers below are made for bytes, in one row.
+bool find_text(const MsShape &shape, qint32 row, qint32 column, TextPlace *place)
 {
-    MsShape shape;
-    if (size < 1 || !ms_ask_shape(ncid, varid, &shape) || !is_one_byte_wide(shape.type))
-        return false;
-
     place->rank = row < 0 ? 1 : 2;
     place->start[0] = std::size_t(std::max(row, 0));
     place->start[1] = std::size_t(std::max(column, 0));
-    if (shape.rank != place->rank || (row >= 0 && place->start[0] >= shape.length[0]))
-        return false;
-    return place->first_byte() + std::size_t(size) <= shape.length[shape.rank - 1];
+    return is_one_byte_wide(shape.type) && shape.rank == place->rank;
+}
+
+// Whether the variable has `size` bytes there now.
+bool has_text(const MsShape &shape, TextPlace place, qint32 size)
+{
+    return size > 0 && (place.rank == 1 || place.start[0] < shape.length[0])
+        && place.first_byte() + std::size_t(size) <= shape.length[place.rank - 1];
 }
 
 // The bytes of a text up to its first NUL, at most width - 1 of them. In pieces, as most texts are short.
@@ -88,9 +88,11 @@ qint32 ms_read_enum_attribute(int ncid, int varid, const char *name)
 char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width)
 {
     ms_let_failures_return();
+    MsShape shape;
     TextPlace place;
     std::string text;
-    if (width > widest_text || !find_text(ncid, varid, row, column, width, &place)
+    if (width > widest_text || !ms_ask_shape(ncid, varid, &shape)
+        || !find_text(shape, row, column, &place) || !has_text(shape, place, width)
         || !fetch_text(ncid, varid, place, width, &text))
         return nullptr;
 
@@ -110,9 +112,10 @@ int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qin
         return -1;
     // Behind a column only its own byte is written.
     const qint32 moved = row < 0 || column < 0 ? width : 1;
+    MsShape shape;
     TextPlace place;
-    if (!find_text(ncid, varid, row, column, moved, &place))
-        return -1;
+    if (!ms_ask_shape(ncid, varid, &shape) || !find_text(shape, row, column, &place))
+        return -1; // the library judges the place itself: a dimension may grow by this
 
     const std::size_t size = std::size_t(width);
     std::vector<char> buffer(size, ' ');

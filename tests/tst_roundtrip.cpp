@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <cstring>
+#include <iterator>
 #include <numeric>
 #include <type_traits>
 #include <utility>
@@ -172,7 +173,6 @@ private slots:
         ms_file_record(id)->next_point_index = 0;
         QCOMPARE(status(0, nullptr, points, 0, nullptr), 0); // masses stay unwritten
         QCOMPARE(ms_file_record(id)->next_point_index, 2);
-        QCOMPARE(ms_write_per_scan(-1, nullptr, nullptr), -1);
         QCOMPARE(ms_write_per_scan(id, nullptr, nullptr), 0);
     }
 
@@ -218,6 +218,7 @@ private slots:
         QCOMPARE(read.admin.error_log, QByteArray(log).left(63).constData());
         QCOMPARE(read.admin.instrument_count, -1);
         QCOMPARE(read.raw.scan_count, 1);
+        QCOMPARE(messages, QStringList()); // of a right file, with all attributes
         // The writer's own, which are cleared in what is written.
         const std::pair<char * MsAdminRecord::*, const char *> fixed[] = {
             {&MsAdminRecord::dataset_completeness, "C1+C2"},
@@ -236,7 +237,6 @@ private slots:
         ms_free(std::exchange(read.admin.error_log, nullptr));
         ms_init_global(1, &read.admin, &read.sample, &read.test, &read.raw);
         QCOMPARE(read.raw.time_units, 81); // and the end of the block frees nothing twice
-        QCOMPARE(ms_write_global(id, &written.admin, &written.sample, nullptr, &written.raw), -1);
     }
 
     void leavesOutWhatIsMissing()
@@ -270,6 +270,9 @@ private slots:
         QCOMPARE(nc_inq_natts(id, &attributes), NC_NOERR);
         // Fixed, type, processed, test codes, comments, formats, units, masses.
         QCOMPARE(attributes, 4 + 1 + 1 + 9 + 1 + 3 + 1 + 2);
+
+        ms_file_record(id)->variables[MsVar_error_log] = -1;
+        QCOMPARE(globals.write(id), -1);
     }
 
     void keepsNumbersAndEntries()
@@ -329,6 +332,90 @@ private slots:
                          shownRecord(ms_instrument_table, &written[qMax(i, 0)]));
             }
         }
+    }
+
+    // As the library would by itself; a fixed dimension doesn't grow.
+    void addsTextsAlongUnlimitedDimensions()
+    {
+        int dimensions[2];
+        int variables[2];
+        QCOMPARE(nc_create(path.toLatin1().constData(), NC_CLOBBER, &id), NC_NOERR);
+        nc_def_dim(id, "lines", NC_UNLIMITED, &dimensions[0]);
+        nc_def_dim(id, "width", 8, &dimensions[1]);
+        nc_def_var(id, "texts", NC_CHAR, 2, dimensions, &variables[0]);
+        nc_def_var(id, "fixed", NC_CHAR, 1, &dimensions[1], &variables[1]);
+        nc_enddef(id);
+        QCOMPARE(ms_write_string_variable(id, variables[0], 2, -1, 8, "third"), 0);
+        QCOMPARE(ms_write_string_variable(id, variables[0], 0, -1, 9, "too wide"), -1);
+        QCOMPARE(ms_write_string_variable(id, variables[1], -1, -1, 9, "too wide"), -1);
+        QCOMPARE(ms_write_string_variable(id, variables[1], 0, -1, 8, "no row"), -1);
+        std::size_t lines = 0;
+        QCOMPARE(nc_inq_dimlen(id, dimensions[0], &lines), NC_NOERR);
+        QCOMPARE(lines, std::size_t(3));
+        char *text = ms_read_string_variable(id, variables[0], 2, -1, 8);
+        QCOMPARE(text, "third");
+        ms_free(text);
+        QVERIFY(!ms_read_string_variable(id, variables[0], 3, -1, 8));
+        QCOMPARE(nc_close(std::exchange(id, -1)), NC_NOERR);
+    }
+
+    void refusesUnknownFilesAndNullRecords()
+    {
+        QVERIFY(write(MsLibrarySpectrum, 1, 1, 76, 76, true, false) != -1);
+        QCOMPARE(ms_define_groups(id, 1, 1), 0);
+        Globals all;
+        Scan scan(0);
+        MsLibraryRecord entry = {};
+        MsInstrumentRecord instrument = {};
+        double number = 1.0;
+        MsGroupRecord group = {0, 1, 0, &number, &number, &number};
+        qint32 count = 0;
+        double *totals = nullptr;
+        QSet<qint32> masses;
+        const int none = 12345;
+        const int ofUnknown[] = {
+            ms_read_global(none, &all.admin, &all.sample, &all.test, &all.raw),
+            ms_write_global(none, &all.admin, &all.sample, &all.test, &all.raw),
+            ms_read_per_scan(none, &scan, &entry),
+            ms_read_per_scan(none, nullptr, nullptr),
+            ms_read_scan_header(none, &scan),
+            ms_write_per_scan(none, &scan, &entry),
+            ms_read_instrument(none, &instrument),
+            ms_write_instrument(none, &instrument),
+            ms_inquire_groups(none, &count, &count),
+            ms_define_groups(none, 1, 1),
+            ms_read_group(none, &group),
+            ms_write_group(none, &group),
+            ms_read_mass_census(none, masses, &count, 1.0),
+            ms_read_total_intensity(none, 1, &totals, nullptr),
+            ms_define_dimensions(none, 1, 1),
+            ms_define_variables(none, 0, 76, 76, 76, 1, 1),
+            ms_inquire_dimensions(none),
+            ms_inquire_variables(none),
+        };
+        const int ofNull[] = {
+            ms_read_global(id, nullptr, &all.sample, &all.test, &all.raw),
+            ms_read_global(id, &all.admin, nullptr, &all.test, &all.raw),
+            ms_read_global(id, &all.admin, &all.sample, nullptr, &all.raw),
+            ms_read_global(id, &all.admin, &all.sample, &all.test, nullptr),
+            ms_write_global(id, nullptr, &all.sample, &all.test, &all.raw),
+            ms_write_global(id, &all.admin, nullptr, &all.test, &all.raw),
+            ms_write_global(id, &all.admin, &all.sample, nullptr, &all.raw),
+            ms_write_global(id, &all.admin, &all.sample, &all.test, nullptr),
+            ms_read_instrument(id, nullptr),
+            ms_write_instrument(id, nullptr),
+            ms_inquire_groups(id, nullptr, &count),
+            ms_inquire_groups(id, &count, nullptr),
+            ms_read_group(id, nullptr),
+            ms_write_group(id, nullptr),
+        };
+        QCOMPARE(QVector<int>(std::begin(ofUnknown), std::end(ofUnknown)), QVector<int>(18, -1));
+        QCOMPARE(QVector<int>(std::begin(ofNull), std::end(ofNull)), QVector<int>(14, -1));
+        QVERIFY(scan.scan_number == 0 && entry.entry_index == 0 && group.group_masses == &number);
+        ms_init_global(0, nullptr, nullptr, nullptr, nullptr);
+        ms_init_per_scan(1, nullptr, nullptr);
+        ms_init_instrument(1, nullptr);
+        ms_init_group(1, nullptr);
     }
 
     void keepsGroups()
