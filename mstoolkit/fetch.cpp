@@ -168,10 +168,11 @@ bool ms_inquire_shape(const MsFileRecord &file, int slot, MsShape *shape)
 MsFetch ms_fetch_number(const MsFileRecord &file, int slot, std::size_t index, qint32 type, void *target)
 {
     MsShape shape;
-    if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1)
+    // The library's own idea of a length may be larger.
+    if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1 || index >= shape.length[0])
         return MsFetch::Failed;
     if (!ms_is_number(shape.type))
-        return index < shape.length[0] ? MsFetch::None : MsFetch::Failed;
+        return MsFetch::None;
 
     if ((type == NC_SHORT || type == NC_LONG) && (shape.type == NC_FLOAT || shape.type == NC_DOUBLE))
         return fetch_whole(file, slot, index, type, target);

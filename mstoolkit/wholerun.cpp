@@ -94,20 +94,30 @@ qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
     return qint32(ms_stored_elements(ms_state_of(file), file.variables[slot], std::size_t(count)));
 }
 
-// Elements of a variable of any rank; 0 also for an absent one.
-std::size_t count_elements(int ncid, int varid)
+// The lengths of a variable of any rank, and one more number, so that there is an array even without
+// dimensions. False for an absent variable.
+bool ask_lengths(int ncid, int varid, std::vector<std::size_t> *lengths)
 {
     int rank = 0;
     if (nc_inq_varndims(ncid, varid, &rank) != NC_NOERR)
-        return 0;
-    std::vector<int> dimensions(std::size_t(rank) + 1); // an array even without dimensions
+        return false;
+    std::vector<int> dimensions(std::size_t(rank) + 1);
     if (nc_inq_vardimid(ncid, varid, dimensions.data()) != NC_NOERR)
-        return 0;
+        return false;
+    lengths->assign(dimensions.size(), 1);
+    for (std::size_t i = 0; i + 1 < dimensions.size(); ++i) {
+        if (!ms_ask_length(ncid, dimensions[i], &(*lengths)[i]))
+            return false;
+    }
+    return true;
+}
+
+// 0 also where there are more than can be counted.
+std::size_t product(const std::vector<std::size_t> &lengths)
+{
     std::size_t count = 1;
-    for (int i = 0; i < rank; ++i) {
-        std::size_t length = 0;
-        if (!ms_ask_length(ncid, dimensions[std::size_t(i)], &length) || length == 0
-            || count > std::numeric_limits<std::size_t>::max() / length)
+    for (const std::size_t length : lengths) {
+        if (length == 0 || count > std::numeric_limits<std::size_t>::max() / length)
             return 0;
         count *= length;
     }
@@ -120,17 +130,23 @@ MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count
 {
     const int varid = file.variables[slot];
     MsShape shape;
+    std::vector<std::size_t> lengths;
     if (quint64(scan_count) * sizeof(double) > ms_state_of(file).most_bytes
         || !ms_inquire_shape(file, slot, &shape) || !ms_is_number(shape.type)
-        || count_elements(file.ncid, varid) != std::size_t(scan_count))
+        || !ask_lengths(file.ncid, varid, &lengths) || product(lengths) != std::size_t(scan_count))
         return nullptr;
     MsBlock<double> trace(static_cast<double *>(ms_alloc_array(quint32(scan_count), NC_DOUBLE)));
     if (!trace)
         return nullptr;
 
     const qint32 stored = stored_elements(file, slot, scan_count);
-    if (stored == scan_count)
-        return nc_get_var_double(file.ncid, varid, trace.get()) == NC_NOERR ? std::move(trace) : nullptr;
+    if (stored == scan_count) {
+        // With the lengths: the library's own may be larger than the array.
+        const std::vector<std::size_t> start(lengths.size(), 0);
+        const int status =
+            nc_get_vara_double(file.ncid, varid, start.data(), lengths.data(), trace.get());
+        return status == NC_NOERR ? std::move(trace) : nullptr;
+    }
     std::fill(trace.get(), trace.get() + scan_count, MsMissingDouble);
     const std::size_t first = 0;
     const std::size_t count = std::size_t(stored);

@@ -3,6 +3,7 @@
 #include "openfixture.h"
 #include "program.h"
 #include "records.h"
+#include "rows.h"
 #include "table.h"
 
 #include <QTemporaryDir>
@@ -28,7 +29,12 @@ bool writeRun(const QString &path, int points)
     return writeRun(path, masses, scanCount);
 }
 
-using Cut = Table<bool, int, int>;    // in the fixed layout; bytes that are missing, scans that are left
+using Cut = Table<bool, int, int>; // in the fixed layout; bytes that are missing, scans that are left
+struct OpenCount {
+    int kind; // as nc_create has it
+    int countBytes;
+};
+
 using CutWhileOpen = Table<int, int>; // points of a scan; bytes that are missing then
 
 } // namespace
@@ -143,6 +149,44 @@ private slots:
             QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
         }
         QCOMPARE(Census(id).keys, (QSet<qint32>{100, 200, 300}));
+    }
+
+    // The library takes such a file for one of as many scans as can be.
+    void findsScansThatNobodyCounted_data()
+    {
+        const Rows<OpenCount> row;
+        row("CDF-1") = {NC_CLASSIC_MODEL, 4};
+        row("CDF-5") = {NC_64BIT_DATA, 8};
+    }
+    void findsScansThatNobodyCounted()
+    {
+        const OpenCount &row = Rows<OpenCount>::current();
+        const QString path = folder.filePath(QStringLiteral("trace.cdf"));
+        int writing = -1;
+        int dimension = -1;
+        int variables[2];
+        const double numbers[] = {60, 90, 120};
+        const std::size_t start = 0;
+        const std::size_t count = 3;
+        nc_create(path.toLatin1().constData(), row.kind, &writing);
+        nc_def_dim(writing, "scan_number", NC_UNLIMITED, &dimension);
+        nc_def_var(writing, "total_intensity", NC_DOUBLE, 1, &dimension, &variables[0]);
+        nc_def_var(writing, "scan_acquisition_time", NC_DOUBLE, 1, &dimension, &variables[1]);
+        nc_enddef(writing);
+        for (const int variable : variables)
+            nc_put_vara_double(writing, variable, &start, &count, numbers);
+        QCOMPARE(nc_close(writing), NC_NOERR);
+        openBytes(content(path).replace(4, row.countBytes, QByteArray(row.countBytes, '\xff')));
+
+        const OwnedTrace trace(id, 3);
+        QCOMPARE(trace.status, 0);
+        QCOMPARE(shownAll<double>(trace.totals, 3), QStringLiteral("60,90,120"));
+        QCOMPARE(shownAll<double>(trace.times, 3), QStringLiteral("60,90,120"));
+        for (const int number : {2, 3, 2000000000}) {
+            OwnedScan scan(number);
+            QCOMPARE(ms_read_scan_header(id, &scan), number == 2 ? 0 : -1);
+            QCOMPARE(scan.scan_acquisition_time, number == 2 ? 120.0 : -9999.0);
+        }
     }
 
     void refusesCutHeaders()
