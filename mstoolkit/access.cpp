@@ -92,7 +92,10 @@ int ms_read_line(const MsFileRecord &file, int slot, qint32 line, qint32 width, 
     if (start[0] >= shape.length[0] || count[1] > shape.length[1]
         || !ms_is_stored(&ms_state_of(file), file.variables[slot], 2, start, count))
         return -1;
-    return nc_get_vara_double(file.ncid, file.variables[slot], start, count, target) == NC_NOERR ? 0 : -1;
+    const bool read =
+        nc_get_vara_double(file.ncid, file.variables[slot], start, count, target) == NC_NOERR;
+    return read && !ms_lies_beyond(ms_file_state(file.ncid), file.variables[slot], 2, start, count) ? 0
+                                                                                                    : -1;
 }
 
 int ms_read_row(const MsFileRecord &file, const MsVariableRow &row, qint32 index, void *record)

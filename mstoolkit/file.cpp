@@ -67,29 +67,38 @@ quint64 most_bytes(quint64 length)
     return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
 }
 
+// A file that netCDF has just opened. Whatever way an opening ends, exhausted memory too, the file is
+// closed and its record dropped, unless the id was handed out.
+class Opening
+{
+public:
+    explicit Opening(int id) : ncid(id) { }
+    ~Opening()
+    {
+        if (ncid != -1)
+            ms_close(ncid);
+    }
+    Q_DISABLE_COPY(Opening)
+
+    int id() const { return ncid; }
+    int hand_out() { return std::exchange(ncid, -1); }
+
+private:
+    int ncid;
+};
+
 // The state of a file that was just opened. Its id may have a record still, of a file that was closed
-// without the toolkit: that record stands, but nothing beside it speaks for the new file. Null where the
-// registry is gone.
+// without the toolkit: that record stands, but nothing beside it speaks for the new file.
 MsFileState *begin(int ncid)
 {
     ms_register_file(ncid);
     MsFileState *state = ms_file_state(ncid);
-    if (!state)
-        return nullptr;
     state->most_bytes = std::numeric_limits<quint64>::max();
     state->layout.reset();
     state->handle.close();
     state->handle.clear();
     state->columns.reset();
     return state;
-}
-
-// Ends an opening that failed after the registration.
-int give_up(int ncid)
-{
-    ncclose(ncid);
-    ms_unregister_file(ncid);
-    return -1;
 }
 
 } // namespace
@@ -146,7 +155,7 @@ int ms_unregister_file(int ncid)
 
 int ms_open_read(const char *path)
 {
-    if (!path || !*path)
+    if (!path || !*path || !registry())
         return -1;
 
     std::error_code unknown;
@@ -160,13 +169,11 @@ int ms_open_read(const char *path)
         return -1;
     }
     ms_let_failures_return();
-    const int ncid = ncopen(exact_path(path).c_str(), NC_NOWRITE);
-    if (ncid == -1)
+    Opening file(ncopen(exact_path(path).c_str(), NC_NOWRITE));
+    if (file.id() == -1)
         return -1;
 
-    MsFileState *state = begin(ncid);
-    if (!state)
-        return give_up(ncid);
+    MsFileState *state = begin(file.id());
     state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
     state->most_bytes = most_bytes(layout.length);
     if (header == MsHeader::Sound) {
@@ -175,30 +182,31 @@ int ms_open_read(const char *path)
         if (ms_lacking(*state) > 0)
             report_missing_data(path, *state);
     }
-    if (ms_inquire_dimensions(ncid) == -1 || ms_inquire_variables(ncid) == -1)
-        return give_up(ncid);
-    return ncid;
+    if (ms_inquire_dimensions(file.id()) == -1 || ms_inquire_variables(file.id()) == -1)
+        return -1;
+    return file.hand_out();
 }
 
 int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, qint32 instrument_count,
                   qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
                   qint32 has_time_values)
 {
-    if (!path || !*path)
+    if (!path || !*path || !registry())
         return -1;
 
     ms_let_failures_return();
-    const int ncid = nccreate(exact_path(path).c_str(), NC_CLOBBER);
-    if (ncid == -1)
+    Opening file(nccreate(exact_path(path).c_str(), NC_CLOBBER));
+    if (file.id() == -1)
         return -1;
 
-    if (!begin(ncid) || ms_define_dimensions(ncid, scan_count, instrument_count) == -1
-        || ms_define_variables(ncid, experiment_type, mass_format, time_format, intensity_format,
+    begin(file.id());
+    if (ms_define_dimensions(file.id(), scan_count, instrument_count) == -1
+        || ms_define_variables(file.id(), experiment_type, mass_format, time_format, intensity_format,
                                has_mass_values, has_time_values)
             == -1)
-        return give_up(ncid);
-    ncendef(ncid);
-    return ncid;
+        return -1;
+    ncendef(file.id());
+    return file.hand_out();
 }
 
 int ms_close(int ncid)

@@ -29,6 +29,9 @@ public:
         scale_to_decimals();
     }
 
+    // Whether it has given up the last decimal: no further mass counts.
+    bool is_over() const { return has_stopped; }
+
     // Counts masses of a data format.
     void take(const void *stored, qint32 format, qint32 count, double scale)
     {
@@ -175,14 +178,13 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
     const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
     // As for one vector: elements that were claimed and never written would be counted for hours.
-    const quint64 bytes = quint64(stored) * ms_type_width(type);
-    if (bytes > ms_state_of(*file).most_bytes || bytes > std::numeric_limits<quint32>::max())
+    if (quint64(stored) * ms_type_width(type) > ms_state_of(*file).most_bytes)
         return -1;
     QSet<qint32> keys = masses;
     qint32 key_decimals = *decimals;
     Census census(&keys, &key_decimals);
     // In stretches, which are still near the processor when they are counted.
-    for (qint64 start = 0; start < stored; start += masses_at_once) {
+    for (qint64 start = 0; start < stored && !census.is_over(); start += masses_at_once) {
         const auto size = qint32(std::min<qint64>(masses_at_once, stored - start));
         const MsBlock<void> vector = ms_read_vector(*file, MsVar_mass_values, type, start, size);
         if (!vector)

@@ -12,6 +12,10 @@ bool failsNow(const char *name)
 {
     if (++netcdfCalls.made != netcdfCalls.failing)
         return false;
+    if (netcdfCalls.before) {
+        netcdfCalls.before();
+        return false;
+    }
     netcdfCalls.failed = name;
     return true;
 }

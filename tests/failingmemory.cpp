@@ -1,0 +1,55 @@
+#include "failingmemory.h"
+
+#include <cstddef>
+#include <cstdlib>
+
+namespace {
+
+int left = 0; // allocations to the failing one, with it
+
+void *allocate(std::size_t size)
+{
+    if (left > 0 && --left == 0)
+        throw std::bad_alloc();
+    void *block = std::malloc(size == 0 ? 1 : size);
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+} // namespace
+
+void failAllocation(int n)
+{
+    left = n;
+}
+
+void *operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void *operator new[](std::size_t size)
+{
+    return allocate(size);
+}
+
+void operator delete(void *block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete[](void *block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void *block, std::size_t) noexcept
+{
+    std::free(block);
+}
+
+void operator delete[](void *block, std::size_t) noexcept
+{
+    std::free(block);
+}
