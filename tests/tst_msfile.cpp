@@ -269,6 +269,7 @@ private slots:
         QVERIFY(openFiles() < before);
         kept[0] = std::move(kept[2]);
         QCOMPARE(kept[0].masses().toVector(), (Numbers{60.25, 70.5}));
+        QVERIFY(kept[2].masses().isEmpty() && !kept[2].isRead());
         QCOMPARE(kept[1].intensities().toVector(), (Numbers{4, 8}));
         QCOMPARE(entries[2].entry_name, "Toluene");
     }
