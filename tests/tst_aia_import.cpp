@@ -1,12 +1,14 @@
 // aia-import as a person or a script meets it: output, messages and exit code.
 
 #include "program.h"
+#include "rows.h"
 #include "table.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <csignal>
 
@@ -18,6 +20,14 @@ using Refusal = Table<QString, QByteArray>;   // file; what is said of it
 using Usage = Table<QStringList, int>;        // arguments; status
 using Summary = Table<QStringList>;           // lines, of a run with modulations of 60 s
 using Copy = Table<QString, int, QByteArray>; // file, bytes that are missing; what is said of it
+
+struct Limit {
+    QString kind; // of the file
+    int scans = 0;
+    QString variables;
+    int claimedPoints = 0; // by the header
+    QByteArray reason{};   // why the run was given up
+};
 
 } // namespace
 
@@ -207,6 +217,50 @@ private slots:
         QVERIFY(!result.err.contains("given up"));
         QVERIFY(result.err.contains("Files that were not looked at: 1."));
         QVERIFY(result.out.endsWith("]}]}\n"));
+    }
+
+    // A run is given up where it claims more than the file can hold, and not before.
+    void limit_data()
+    {
+        const QString nothing;
+        const QString stored = "byte resolution(scan_number);";
+        // Each scan has all 16,384 points.
+        const QString layout = "short mass_values(point_number), intensity_values(point_number);"
+                               "int scan_index(scan_number), point_count(scan_number);"
+                               "scan_index:_FillValue = 0; point_count:_FillValue = 16384;"
+                               "%1 data: mass_values = 50"
+            + QString(", 60").repeated(16383) + ';';
+        const QString spectra = layout.arg("");
+        const QString packed = layout.arg("mass_values:_DeflateLevel = 9; intensity_values:_DeflateLevel = 9;");
+        const QByteArray empty = "more than 1048576 scans in a row are empty";
+        const QByteArray shared = "its scans have more points than the file can hold";
+        const Rows<Limit> row;
+        row("scans that are there") = {"classic", 1100000, stored};
+        row("scans that are claimed") = {"classic", 1100000, nothing, 0, empty};
+        row("scans that are packed") = {"nc4", 1100000, stored + "resolution:_DeflateLevel = 9;"};
+        row("more than can be packed") = {"nc4", 3000000, nothing, 0, "scans in a row are empty"};
+        row("points used often") = {"classic", 1000, spectra};
+        row("points used too often") = {"classic", 1200, spectra, 0, shared};
+        row("points used too often, CDF-5") = {"cdf5", 1200, spectra, 0, shared};
+        row("points that are packed") = {"nc4", 1200, packed};
+        row("points that are claimed") = {"classic", 2000, spectra, 2000000000, shared};
+    }
+    void limit()
+    {
+        const Limit &row = Rows<Limit>::current();
+        const QString text = "netcdf limit { dimensions: scan_number = %1; point_number = %2; variables: %3 }";
+        const char *points = row.claimedPoints > 0 ? "UNLIMITED" : "16384";
+        write("limit.cdl", text.arg(row.scans).arg(points).arg(row.variables).toLatin1());
+        QCOMPARE(runProgram("ncgen", {"-k", row.kind, "-o", "limit.cdf", "limit.cdl"}, folder.path()).code, 0);
+        if (row.claimedPoints > 0) {
+            QByteArray bytes = content(folder.filePath("limit.cdf"));
+            qToBigEndian(row.claimedPoints, bytes.data() + 4);
+            write("limit.cdf", bytes);
+        }
+        const Run result = run({"--quiet", "limit.cdf"});
+        const QByteArray sentence = "The import of \"limit.cdf\" was given up: ";
+        QCOMPARE(result.err.contains(sentence), !row.reason.isEmpty());
+        QVERIFY2(result.err.contains(row.reason), result.err);
     }
 
     void messages()

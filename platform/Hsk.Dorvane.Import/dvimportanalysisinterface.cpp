@@ -4,8 +4,6 @@
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -13,42 +11,6 @@
 #include <utility>
 
 namespace {
-
-// A file can claim thousands of millions of scans in a few bytes. After so many in a row without any
-// data nothing more is expected of it.
-constexpr int mostEmptyScans = 1 << 20;
-
-// The scans of a file may share their points, so that a few bytes hold days of them. No packing in use
-// makes more than 1,100 bytes of one.
-qint64 mostPoints(const QString &path)
-{
-    return 1100 * QFileInfo(path).size() + (1 << 24);
-}
-
-// Knows when a run is to be given up.
-class Patience
-{
-public:
-    // Any number of empty scans is borne of a trace, which is in memory already.
-    Patience(const QString &path, bool isTrace) : bearsEmpty(isTrace), pointsLeft(mostPoints(path)) { }
-
-    // Null, or why, after a scan.
-    QString complaint(int points, double total)
-    {
-        empty = points == 0 && total == 0.0 && !bearsEmpty ? empty + 1 : 0;
-        pointsLeft -= points;
-        if (empty > mostEmptyScans)
-            return QStringLiteral("more than %1 scans in a row are empty").arg(mostEmptyScans);
-        if (pointsLeft < 0)
-            return QStringLiteral("its scans have more points than the file can hold");
-        return QString();
-    }
-
-private:
-    bool bearsEmpty;
-    int empty = 0;
-    qint64 pointsLeft;
-};
 
 // Receives what nobody wants.
 class NoReceiver : public DVImportReceiver
@@ -69,7 +31,7 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
                                        TFileBuffer *)
 {
     try {
-        return run(name);
+        return run();
     } catch (const std::bad_alloc &) {
         MessageLoggerInterface::Error(
             QStringLiteral("There isn't enough memory to import <b>%1</b>").arg(name.toHtmlEscaped()),
@@ -78,7 +40,7 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
     }
 }
 
-bool DVImportAnalysisInterface::run(const QString &name)
+bool DVImportAnalysisInterface::run()
 {
     header = nullptr;
     // Whatever way the run ends: a later one begins afresh.
@@ -106,8 +68,6 @@ bool DVImportAnalysisInterface::run(const QString &name)
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();
     const int step = count / 100 + (count % 100 != 0);
-    // A plugin sets the detector of a trace only where it has one.
-    Patience patience(getFileName(), tableSize == 0 && header->isSet(DVHeader::DetectorType));
     for (int scan = 0; scan < count; ++scan) {
         if (isCanceled())
             return false;
@@ -115,13 +75,6 @@ bool DVImportAnalysisInterface::run(const QString &name)
         int points = 0;
         const double total =
             importScan(scan, &time, tableSize, table.get(), &points, abundances.get(), positions.get());
-        const QString complaint = patience.complaint(points, total);
-        if (!complaint.isNull()) {
-            MessageLoggerInterface::Error(QStringLiteral("The import of <b>%1</b> was given up: %2")
-                                              .arg(name.toHtmlEscaped(), complaint),
-                                          nullptr);
-            return false;
-        }
         target.scanImported(scan, time, total, points, abundances.get(), positions.get());
         const int done = scan + 1;
         if (done % step == 0 || done == count)

@@ -20,10 +20,10 @@ public:
     ~DVImportAnalysisInterface() override;
 
     // The run on an open file: importHeader, importMassTable, then importScan for each scan of the
-    // header, each scan handed on to the receiver and none kept. The header is freed at the end. False
-    // if importHeader says so or the run was cancelled, and, with an error message that names
-    // `fileName`, if memory runs out, a million scans in a row are empty, or the scans have more points
-    // than the file can hold. `title`, `path` and `buffer` aren't used by this run.
+    // header, each scan handed on to the receiver and none kept. The header is freed at the end.
+    // Returns false if importHeader does or the run was cancelled, and, with an error message that names
+    // `fileName`, if memory runs out. The run has no limit: a receiver that takes files from strangers
+    // has to cancel one that claims scans without end. `title`, `path` and `buffer` aren't used.
     bool import(const QString &fileName, const QString &title, const QString &path,
                 TFileBuffer *buffer) override;
 
@@ -63,7 +63,7 @@ protected:
     float modulation = 0;
 
 private:
-    bool run(const QString &name);
+    bool run();
 
     DVImportReceiver *receiver = nullptr;
 };

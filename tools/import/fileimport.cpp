@@ -113,11 +113,14 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
 {
     working = &copy;
     copy.setReceiver(this);
-    const bool complete = copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr);
+    const bool complete =
+        copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr) && complaint.isNull();
     working = nullptr;
     progress.clear();
     if (json && started)
         json->endFile();
+    if (!complaint.isNull())
+        report(QStringLiteral("The import of \"%1\" was given up: %2.").arg(fileName, complaint));
     if (!complete) {
         report(QStringLiteral("The import of \"%1\" stopped after %2 of %3 scans.")
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
@@ -140,6 +143,7 @@ void FileImport::analysisStarted(const DVHeader &header, const float *table, int
     scanCount = header.getNbScans();
     summary.start(fileName, header, table, tableSize);
     audit.start(header, tableSize);
+    limit.start(fileName);
     if (json)
         json->beginFile(fileName, header, table, tableSize);
 }
@@ -147,6 +151,9 @@ void FileImport::analysisStarted(const DVHeader &header, const float *table, int
 void FileImport::scanImported(int scan, double time, double total, int pointCount,
                               const float *abundances, const unsigned short *positions)
 {
+    complaint = limit.add(pointCount, total);
+    if (!complaint.isNull())
+        return working->pBarCanceledSlot();
     ++scansDone;
     summary.addPoints(pointCount);
     audit.check(scan, pointCount, total);

@@ -10,6 +10,7 @@
 #include "jsonwriter.h"
 #include "messagelist.h"
 #include "progressbar.h"
+#include "runlimit.h"
 #include "scanaudit.h"
 
 class FileImport : private DVImportReceiver
@@ -47,6 +48,8 @@ private:
     MessageList messages;
     ImportSummary summary;
     ScanAudit audit;
+    RunLimit limit;
+    QString complaint; // why the run was given up
     ProgressBar progress;
     bool started = false; // header and table are there
     int scanCount = 0;

@@ -1,0 +1,67 @@
+#include "runlimit.h"
+
+#include "messagelist.h"
+#include "msfile.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+// A file of a newer kind may be packed. No packing in use makes more than 1,100 bytes of one.
+constexpr qint64 mostPacking = 1100;
+
+// A real file's scans overlap here and there; none uses its points nearly as often as this.
+constexpr qint64 mostUses = 100;
+
+// What any file may have, whatever its length.
+constexpr qint64 leastPoints = 1 << 24;
+constexpr qint64 leastEmpty = 1 << 20;
+
+// A sparse file can be so long that the numbers below would overflow.
+constexpr qint64 longest = qint64(1) << 50;
+
+bool isClassic(const MsFile &file)
+{
+    int kind = 0;
+    return nc_inq_format(file.id(), &kind) == NC_NOERR
+        && (kind == NC_FORMAT_CLASSIC || kind == NC_FORMAT_64BIT_OFFSET || kind == NC_FORMAT_64BIT_DATA);
+}
+
+// The points that a classic file holds. A header can claim any number, but each point takes a byte.
+qint64 pointsOf(const MsFile &file, qint64 bytes)
+{
+    const MsDimension &points = file.record()->dimensions[MsDim_point_number];
+    return points.id == -1 ? bytes : std::min<qint64>(points.size, bytes);
+}
+
+} // namespace
+
+void RunLimit::start(const QString &fileName)
+{
+    const qint64 bytes = std::min(QFileInfo(fileName).size(), longest);
+    const Silence silence; // the import has sent the messages already
+    const MsFile file(fileName.toLatin1().constData());
+    // A scan takes a byte, too: a file that has more scans than this only claims them.
+    if (isClassic(file)) {
+        pointsLeft = mostUses * pointsOf(file, bytes) + leastPoints;
+        mostEmpty = std::max(leastEmpty, bytes);
+    } else {
+        pointsLeft = mostPacking * bytes + leastPoints;
+        mostEmpty = std::max(leastEmpty, mostPacking * bytes);
+    }
+    empty = 0;
+}
+
+QString RunLimit::add(int pointCount, double total)
+{
+    // A total-ion trace needs no rule of its own: what it lacks isn't 0, and what it has the file holds.
+    empty = pointCount == 0 && total == 0.0 ? empty + 1 : 0;
+    pointsLeft -= pointCount;
+    if (empty > mostEmpty)
+        return QStringLiteral("more than %1 scans in a row are empty").arg(mostEmpty);
+    if (pointsLeft < 0)
+        return QStringLiteral("its scans have more points than the file can hold");
+    return QString();
+}

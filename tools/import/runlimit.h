@@ -1,0 +1,25 @@
+// The limit of a run. A file of a few bytes can claim thousands of millions of scans, and scans may share
+// their points, so that a small file holds days of work. Whoever drives a run counts each scan here and
+// cancels the run where the limit is passed.
+#ifndef RUNLIMIT_H
+#define RUNLIMIT_H
+
+#include <QString>
+
+class RunLimit
+{
+public:
+    // Takes the limit from the file's length, its kind and the points that it holds.
+    void start(const QString &fileName);
+
+    // Counts a scan. Returns why the run has to be given up, as a part of a sentence; null if it may go
+    // on.
+    QString add(int pointCount, double total);
+
+private:
+    qint64 mostEmpty = 0; // scans in a row
+    qint64 pointsLeft = 0;
+    qint64 empty = 0; // scans in a row so far
+};
+
+#endif // RUNLIMIT_H
