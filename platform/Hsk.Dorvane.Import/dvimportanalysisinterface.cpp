@@ -42,16 +42,13 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
 
 bool DVImportAnalysisInterface::run()
 {
+    resetCanceled(); // a Cancel before the run isn't meant for it
     header = nullptr;
-    // Whatever way the run ends: a later one begins afresh.
+    // Whatever way the run ends.
     struct Ending {
-        DVImportAnalysisInterface *self;
-        ~Ending()
-        {
-            delete std::exchange(self->header, nullptr);
-            self->resetCanceled();
-        }
-    } const ending{this};
+        DVHeader *&header;
+        ~Ending() { delete std::exchange(header, nullptr); }
+    } const ending{header};
     if (!importHeader())
         return false;
 
