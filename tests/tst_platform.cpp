@@ -7,6 +7,8 @@
 #include "table.h"
 #include "tmath.h"
 
+#include <QLibrary>
+
 #include <cmath>
 #include <limits>
 #include <new>
@@ -106,6 +108,15 @@ private slots:
     {
         const auto [value, result] = Rounded::row();
         QCOMPARE(TMath::round(value), result);
+    }
+
+    // For programs that were built to call it.
+    void exportsRounding()
+    {
+        QLibrary library(QStringLiteral(AIA_MATHS));
+        const auto round = reinterpret_cast<int (*)(double)>(library.resolve("_ZN5TMath5roundEd"));
+        QVERIFY2(round, qPrintable(library.errorString()));
+        QCOMPARE(round(-2.5), -3);
     }
 
     void findsMasses()
