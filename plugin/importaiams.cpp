@@ -36,14 +36,19 @@ ImportAiaMs::~ImportAiaMs()
 {
     releaseRecords();
     ms_close(fileId);
-    ms_free(ticTimes);
-    ms_free(ticValues);
+    releaseTotalIon();
 }
 
 void ImportAiaMs::releaseRecords()
 {
     ms_init_global(1, &admin, &sample, &test, &raw);
     ms_free(std::exchange(admin.error_log, nullptr)); // no row of the tables clears it
+}
+
+void ImportAiaMs::releaseTotalIon()
+{
+    ms_free(std::exchange(ticTimes, nullptr));
+    ms_free(std::exchange(ticValues, nullptr));
 }
 
 bool ImportAiaMs::canImport(TFileBuffer *buffer, const QString &name, QString &text)

@@ -38,6 +38,7 @@ private:
 
     bool openFile(const QString &fileName);
     void releaseRecords();
+    void releaseTotalIon();
     quint32 parseTimeStamp(const QString &text);
     void importTotalIon();
     // The mass of a census key as the table has it. Table and scans get it in this one way, so that a

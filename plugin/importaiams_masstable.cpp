@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -21,6 +20,7 @@ constexpr std::size_t mostMasses = 65535;
 unsigned short ImportAiaMs::importMassTable(float **table)
 {
     *table = nullptr;
+    releaseTotalIon(); // of an earlier run on this object
     QSet<qint32> census;
     qint32 decimals = 2;
     ms_read_mass_census(fileId, census, &decimals, raw.mass_scale_factor);
@@ -50,12 +50,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
 void ImportAiaMs::importTotalIon()
 {
     header->setNbBitsAbund(32);
-    double *values = nullptr;
-    double *times = nullptr;
-    const int status = ms_read_total_intensity(fileId, raw.scan_count, &values, &times);
-    ms_free(std::exchange(ticValues, values));
-    ms_free(std::exchange(ticTimes, times));
-    if (status == -1)
+    if (ms_read_total_intensity(fileId, raw.scan_count, &ticValues, &ticTimes) == -1)
         return;
     header->setCoeffAbund(0);
     header->setDetectorType(header->getModulation() > 0.0f ? 1792 : 256);

@@ -269,6 +269,24 @@ private slots:
         QCOMPARE(outer.scans.last(), QStringLiteral("2: 48 16@1 32@2"));
     }
 
+    // Nothing of the trace of one file is left for the next: not even without its table.
+    void forgetsAnEarlierTrace()
+    {
+        const auto copy = copyFor(fixture("total-ion"));
+        QVERIFY(import(copy.get(), nullptr));
+        QVERIFY(dynamic_cast<DVImportParamType *>(copy.get())->reopenForFile(fixture("no-attributes")));
+        double time = 0.0;
+        double total = -1.0;
+        Receiver receiver;
+        receiver.atSecondScan = [&] {
+            int points = 0;
+            total = copy->importScan(2, &time, 0, nullptr, &points, nullptr, nullptr);
+        };
+        QVERIFY(import(copy.get(), &receiver));
+        QCOMPARE(total, 0.0);
+        QCOMPARE(time, 2.0);
+    }
+
     void readsAgainstATableFromElsewhere_data()
     {
         const Elsewhere row;
