@@ -19,7 +19,8 @@ public:
     bool canImport(TFileBuffer *buffer, const QString &fileName, QString &text) override;
     int importQueryValue() override;
 
-    // The run, in this order, on an open file.
+    // The run, in this order, on an open file. Without one importHeader returns false, after an error
+    // message; otherwise it returns true.
     bool importHeader() override;
     unsigned short importMassTable(float **table) override;
     double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,

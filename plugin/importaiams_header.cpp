@@ -3,6 +3,7 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
+#include "messageloggerinterface.h"
 #include "ttestingmacros.h"
 
 #include <QDateTime>
@@ -17,6 +18,16 @@ template <class Number> void account(const char *text, Number number)
 void account(const char *text)
 {
     testingMessageOutput(2, nullptr, QString::fromUtf8(text));
+}
+
+// `name` is that of the last file that was open; empty where none was.
+void reportNoFile(const QString &name)
+{
+    MessageLoggerInterface::Error(
+        name.isEmpty() ? QStringLiteral("No file is open, so none can be imported")
+                       : QStringLiteral("File <b>%1</b> isn't open, so it can't be imported")
+                             .arg(name.toHtmlEscaped()),
+        nullptr);
 }
 
 // The stored time of a scan, divided; `fallback` if it is missing or can't be read.
@@ -35,6 +46,10 @@ double scanTime(int fileId, qint32 scanNumber, double timeDivisor, double fallba
 
 bool ImportAiaMs::importHeader()
 {
+    if (fileId == -1) {
+        reportNoFile(fileName);
+        return false;
+    }
     header = new DVHeader; // the host's from here on
     header->setModulation(modulation);
     header->setNbScans(raw.scan_count);

@@ -149,6 +149,9 @@ private slots:
         clone();
 
         Receiver receiver;
+        QVERIFY(!import(prototype(), &receiver)); // its file went to the copy
+        QCOMPARE(messages.last(), "File <b>" + fixture("one-scan") + "</b> isn't open, so it can't be imported");
+        QCOMPARE(receiver.head, QString());
         QVERIFY(import(copy.get(), &receiver)); // its file is open still
         QCOMPARE(receiver.scans.size(), 2);
         QVERIFY(import(copy.get(), &receiver)); // and once more
