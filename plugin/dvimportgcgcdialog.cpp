@@ -75,11 +75,14 @@ DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
 
 DVImportGCGCDialog::~DVImportGCGCDialog() = default;
 
-// Typing replaces the 0.00 then. Not earlier, as a spin box that is shown selects nothing.
+// Selects the 0.00, so that typing replaces it. Not earlier, as a spin box that is shown selects nothing,
+// and not again, as a length that is half typed by then would be replaced, too.
 void DVImportGCGCDialog::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
-    modulationSpin->selectAll();
+    if (!wasShown)
+        modulationSpin->selectAll();
+    wasShown = true;
 }
 
 void DVImportGCGCDialog::accept()

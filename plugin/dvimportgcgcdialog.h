@@ -36,6 +36,7 @@ private:
     double modulationLength_ = 0.0; // the bare names are those of the getters
     bool isGCxGC_ = true;
     bool applyToAll_ = false;
+    bool wasShown = false;
 };
 
 #endif // DVIMPORTGCGCDIALOG_H

@@ -115,6 +115,17 @@ private slots:
         QCOMPARE(prototype()->modulationPeriod(), 0.0f);
     }
 
+    void keepsAHalfTypedLengthWhenShownAgain()
+    {
+        ask(fixture("gcgc"), [](QDialog *dialog) {
+            answer(dialog, "4", false, "not yet");
+            QShowEvent again;
+            QCoreApplication::sendEvent(dialog, &again);
+            answer(dialog, ".5", false, "Yes");
+        });
+        QCOMPARE(prototype()->modulationPeriod(), 4.5f);
+    }
+
     void showsFileName_data()
     {
         const FileName row;
