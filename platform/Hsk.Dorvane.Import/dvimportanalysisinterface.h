@@ -37,9 +37,11 @@ public:
     // 0 and null for a run without a table.
     virtual unsigned short importMassTable(float **table) = 0;
 
-    // Gives the total abundance of scan `scan`, from 0. Fills `*time`, in the header's retention unit,
+    // Returns the total abundance of scan `scan`, from 0. Fills `*time`, in the header's retention unit,
     // and the first `*pointCount` elements of the two arrays, which have room for scanCapacity points. A
-    // scan that can't be read has no points and a total of 0; of a trace, missing numbers come as such.
+    // scan that can't be read has no points and a total of 0. In a total-ion run a missing total comes as
+    // -9999, and a missing time as -9999 divided like any other time: -166.65 where seconds become
+    // minutes.
     virtual double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
                               float *abundances, unsigned short *positions) = 0;
 
