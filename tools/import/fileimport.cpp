@@ -2,7 +2,7 @@
 
 #include "dvheader.h"
 #include "dvimportparamtype.h"
-#include "mstoolkit.h"
+#include "msfile.h"
 #include "terminaltext.h"
 
 #include <QFile>
@@ -38,11 +38,9 @@ bool canImport(DVImportAnalysisInterface &prototype, const QString &name, QStrin
 bool hasScans(const QString &name)
 {
     const Silence silence;
-    const int fileId = ms_open_read(name.toLatin1().constData());
+    const MsFile file(name.toLatin1().constData());
     int dimension = -1;
-    const bool found = nc_inq_dimid(fileId, "scan_number", &dimension) == NC_NOERR;
-    ms_close(fileId);
-    return found;
+    return nc_inq_dimid(file.id(), "scan_number", &dimension) == NC_NOERR;
 }
 
 } // namespace

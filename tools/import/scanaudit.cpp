@@ -2,7 +2,6 @@
 
 #include "dvheader.h"
 #include "messagelist.h"
-#include "ownedrecords.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -15,11 +14,6 @@ constexpr std::size_t namedScans = 10;
 
 ScanAudit::ScanAudit(const QString &name) : fileName(name)
 {
-}
-
-ScanAudit::~ScanAudit()
-{
-    ms_close(fileId);
 }
 
 void ScanAudit::start(const DVHeader &header, int tableSize)
@@ -55,23 +49,23 @@ bool ScanAudit::isUnread(int scan, int pointCount, double total)
 bool ScanAudit::failsAgain(int scan)
 {
     const Silence silence; // the import has sent the messages already
-    OwnedScan record(scan);
-    return ms_read_per_scan(openFile(), &record, nullptr) == -1 || record.point_count > 0;
+    const MsScan again = openFile().scan(scan);
+    return !again.isRead() || again.point_count > 0;
 }
 
 bool ScanAudit::hasUnreadableMasses()
 {
     const Silence silence;
-    return Census(openFile(), 0).status == -1;
+    return !openFile().census(0, 1.0).isRead();
 }
 
-int ScanAudit::openFile()
+const MsFile &ScanAudit::openFile()
 {
     if (!opened) {
         opened = true;
-        fileId = ms_open_read(fileName.toLatin1().constData());
+        file = MsFile(fileName.toLatin1().constData());
     }
-    return fileId;
+    return file;
 }
 
 QStringList ScanAudit::losses()
@@ -82,7 +76,7 @@ QStringList ScanAudit::losses()
     if (run != Run::Spectra && hasUnreadableMasses())
         found.append(QStringLiteral("its masses could not be read"));
     const Silence silence;
-    if (ms_missing_bytes(openFile()) > 0)
+    if (openFile().missingBytes() > 0)
         found.append(QStringLiteral("the file is cut off"));
     return found;
 }

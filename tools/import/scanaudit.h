@@ -4,6 +4,8 @@
 #ifndef SCANAUDIT_H
 #define SCANAUDIT_H
 
+#include "msfile.h"
+
 #include <QStringList>
 
 #include <vector>
@@ -14,7 +16,6 @@ class ScanAudit
 {
 public:
     explicit ScanAudit(const QString &fileName);
-    ~ScanAudit();
 
     void start(const DVHeader &header, int tableSize);
     void check(int scan, int pointCount, double total);
@@ -33,12 +34,12 @@ private:
     bool isUnread(int scan, int pointCount, double total);
     bool failsAgain(int scan);
     bool hasUnreadableMasses();
-    int openFile();
+    const MsFile &openFile();
 
     const QString fileName;
     Run run = Run::Spectra;
     bool opened = false;
-    int fileId = -1; // a handle of our own, as the import's isn't ours to use; use openFile()
+    MsFile file; // opened once more, as the import's file isn't ours to use; use openFile()
     int unread = 0;
     std::vector<int> first; // the first few unread scans
 };

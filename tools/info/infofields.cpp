@@ -2,6 +2,7 @@
 
 #include "msformat.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -114,12 +115,15 @@ void addVariables(const MsTable<MsVariableRow> &table, const void *record, InfoN
     }
 }
 
-QVariant element(const void *array, qint32 format, qint32 index)
+std::vector<QVariant> numberValues(const MsNumbers &numbers, qint64 count)
 {
-    return ms_with_format(format, array, [index](const auto *numbers) {
-        const auto number = numbers[index];
-        const bool isMissing =
-            std::is_same_v<decltype(number), const double> && number == MsMissingDouble;
-        return isMissing ? QVariant() : variantOf(number);
+    std::vector<QVariant> values;
+    numbers.visit([&](const auto *first, qint32 size) {
+        for (const auto *number = first; number < first + std::min<qint64>(size, count); ++number) {
+            const bool isMissing =
+                std::is_same_v<decltype(*number), const double &> && double(*number) == MsMissingDouble;
+            values.push_back(isMissing ? QVariant() : variantOf(*number));
+        }
     });
+    return values;
 }

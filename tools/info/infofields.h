@@ -5,7 +5,9 @@
 
 #include "inforeport.h"
 
-#include "mstoolkit.h"
+#include "msfile.h"
+
+#include <vector>
 
 // A line of a text variable.
 QVariant textValue(const char *text);
@@ -13,8 +15,9 @@ QVariant textValue(const char *text);
 // The phrase of a vocabulary code, or a remark.
 QString phraseOf(qint32 code);
 
-// Element `index` of an array of a data format; invalid where it is the missing number of the doubles.
-QVariant element(const void *array, qint32 format, qint32 index);
+// Returns the first `count` of the numbers, as many as there are at most; invalid where one is the
+// missing number of the doubles.
+std::vector<QVariant> numberValues(const MsNumbers &numbers, qint64 count);
 
 // Adds the attributes of a global record.
 void addAttributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section);

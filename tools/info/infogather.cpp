@@ -1,7 +1,6 @@
 #include "infogather.h"
 
 #include "infofields.h"
-#include "ownedrecords.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,8 +20,7 @@ constexpr qint64 groupNumbers = 1 << 24;
 // A column of a table; one without numbers isn't there.
 struct Column {
     const char *name;
-    const void *numbers;
-    qint32 format;
+    MsNumbers numbers;
 };
 
 // What the template has and an import can't do without, or makes do without at a price.
@@ -111,8 +109,7 @@ public:
 private:
     void problem(const QString &text);
     qint64 listed(qint64 count, InfoNode *list) const;
-    void addTable(InfoNode *section, const char *name, const std::vector<Column> &columns,
-                  qint32 count) const;
+    void addTable(InfoNode *section, const char *name, const std::vector<Column> &columns) const;
 
     void addTemplate(InfoNode *report) const;
     void addDimensions(InfoNode *report) const;
@@ -120,7 +117,7 @@ private:
     void addGlobals(InfoNode *report);
     void addInstruments(InfoNode *report);
     void addGroups(InfoNode *report);
-    void addGroup(const MsGroupRecord &group, qint32 width, InfoNode *groups) const;
+    void addGroup(const MsGroup &group, InfoNode *groups) const;
     void addLibrary(InfoNode *report);
     void addScan(qint32 number, InfoNode *report);
 
@@ -148,25 +145,21 @@ qint64 Gatherer::listed(qint64 count, InfoNode *list) const
     return shown;
 }
 
-void Gatherer::addTable(InfoNode *section, const char *name, const std::vector<Column> &columns,
-                        qint32 count) const
+void Gatherer::addTable(InfoNode *section, const char *name, const std::vector<Column> &columns) const
 {
     std::vector<Column> there;
     std::copy_if(columns.begin(), columns.end(), std::back_inserter(there),
-                 [](const Column &column) { return column.numbers != nullptr; });
-    if (count < 1 || there.empty())
+                 [](const Column &column) { return !column.numbers.isEmpty(); });
+    if (there.empty())
         return;
 
     InfoNode &table = section->add(Kind::Table, QString::fromLatin1(name));
-    for (const Column &column : there)
+    table.rows.resize(std::size_t(listed(there.front().numbers.size(), &table)));
+    for (const Column &column : there) {
         table.columns += QString::fromLatin1(column.name);
-    const qint64 shown = listed(count, &table);
-    for (qint32 i = 0; i < shown; ++i) {
-        std::vector<QVariant> row;
-        row.reserve(there.size());
-        for (const Column &column : there)
-            row.push_back(element(column.numbers, column.format, i));
-        table.rows.push_back(std::move(row));
+        const std::vector<QVariant> values = numberValues(column.numbers, qint64(table.rows.size()));
+        for (std::size_t i = 0; i < values.size(); ++i)
+            table.rows[i].push_back(values[i]);
     }
 }
 
@@ -215,8 +208,8 @@ void Gatherer::addStoredTypes(InfoNode *report) const
 
 void Gatherer::addGlobals(InfoNode *report)
 {
-    OwnedGlobals records;
-    if (records.read(ncid) == -1 && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
+    const MsGlobals records(ncid);
+    if (!records.isRead() && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
         problem(QStringLiteral("the global information can't be read whole"));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
@@ -236,22 +229,21 @@ void Gatherer::addInstruments(InfoNode *report)
     InfoNode &list = report->add(Kind::List, QStringLiteral("instruments"));
     const qint64 shown = listed(size(MsDim_instrument_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        OwnedInstrument instrument(i);
-        if (ms_read_instrument(ncid, &instrument) == -1)
+        const MsInstrument instrument(ncid, i);
+        if (!instrument.isRead())
             return problem(QStringLiteral("instrument component %1 can't be read").arg(i));
         addVariables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
-void Gatherer::addGroup(const MsGroupRecord &group, qint32 width, InfoNode *groups) const
+void Gatherer::addGroup(const MsGroup &group, InfoNode *groups) const
 {
     InfoNode &section = groups->add(Kind::Section, QString::number(group.group_number));
     addVariables(ms_group_table, &group, &section);
     addTable(&section, "masses",
-             {{"mass", group.group_masses, MsDoubleFormat},
-              {"sampling_time", group.group_sampling_times, MsDoubleFormat},
-              {"delay_time", group.group_delay_times, MsDoubleFormat}},
-             std::min(group.group_mass_count, width));
+             {{"mass", group.masses()},
+              {"sampling_time", group.samplingTimes()},
+              {"delay_time", group.delayTimes()}});
 }
 
 void Gatherer::addGroups(InfoNode *report)
@@ -266,10 +258,10 @@ void Gatherer::addGroups(InfoNode *report)
     const qint64 shown = std::min(listed(count, &list), affordable);
     list.omitted = count - shown;
     for (qint32 i = 0; i < shown; ++i) {
-        OwnedGroup group(i);
-        if (ms_read_group(ncid, &group) == -1)
+        const MsGroup group(ncid, i);
+        if (!group.isRead())
             return problem(QStringLiteral("group %1 can't be read").arg(i));
-        addGroup(group, width, &list);
+        addGroup(group, &list);
     }
 }
 
@@ -280,8 +272,8 @@ void Gatherer::addLibrary(InfoNode *report)
     InfoNode &list = report->add(Kind::List, QStringLiteral("library"));
     const qint64 shown = listed(size(MsDim_scan_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        OwnedEntry entry(i);
-        if (ms_read_per_scan(ncid, nullptr, &entry) == -1)
+        const MsLibraryEntry entry(ncid, i);
+        if (!entry.isRead())
             return problem(QStringLiteral("library entry %1 can't be read").arg(i));
         addVariables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
     }
@@ -294,9 +286,9 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
                            .arg(number)
                            .arg(size(MsDim_scan_number)));
 
-    OwnedScan scan(number);
-    OwnedEntry entry(number);
-    if (ms_read_per_scan(ncid, &scan, &entry) == -1)
+    const MsScan scan(ncid, number);
+    const MsLibraryEntry entry = isLibrary() ? MsLibraryEntry(ncid, number) : MsLibraryEntry();
+    if (!scan.isRead() || (isLibrary() && !entry.isRead()))
         problem(QStringLiteral("scan %1 can't be read whole").arg(number));
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
@@ -307,13 +299,8 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
     if (isLibrary())
         addVariables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
-             {{"mass", scan.mass_values, file.mass_format},
-              {"time", scan.time_values, file.time_format},
-              {"intensity", scan.intensity_values, file.intensity_format}},
-             scan.point_count);
-    addTable(&section, "flags",
-             {{"peak", scan.flagged_peaks, MsLongFormat}, {"flag", scan.flag_values, MsShortFormat}},
-             scan.flag_count);
+             {{"mass", scan.masses()}, {"time", scan.times()}, {"intensity", scan.intensities()}});
+    addTable(&section, "flags", {{"peak", scan.flaggedPeaks()}, {"flag", scan.flagValues()}});
 }
 
 InfoResult Gatherer::gather(const QString &path)

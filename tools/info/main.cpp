@@ -6,7 +6,7 @@
 #include "standardoptions.h"
 #include "terminaltext.h"
 
-#include "mstoolkit.h"
+#include "msfile.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -26,19 +26,6 @@ struct CommandLine {
     QStringList paths;
     Format format = Format::Text;
     InfoOptions info;
-};
-
-class OpenFile
-{
-public:
-    explicit OpenFile(const QString &path) : fileId(ms_open_read(QFile::encodeName(path).constData())) { }
-    ~OpenFile() { ms_close(fileId); }
-    Q_DISABLE_COPY(OpenFile)
-
-    int id() const { return fileId; }
-
-private:
-    int fileId;
 };
 
 int fail(const QString &path, const char *what)
@@ -66,8 +53,8 @@ int show(const QString &path, const CommandLine &line)
     if (!info.isReadable())
         return fail(path, "may not be read");
 
-    const OpenFile file(info.absoluteFilePath());
-    if (file.id() == -1)
+    const MsFile file(QFile::encodeName(info.absoluteFilePath()).constData());
+    if (!file)
         return fail(path, "isn't a netCDF file, or a damaged one");
     const InfoResult result = gatherInfo(file.id(), path, line.info);
     if (!print(result.report, line.format))

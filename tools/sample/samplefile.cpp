@@ -100,36 +100,34 @@ public:
           masses(options.massFormat, scales.mass), times(options.timeFormat, scales.time),
           counts(options.intensityFormat, scales.intensity)
     {
-        describeSample(options, scales, &texts, &admin, &sample, &test, &raw);
+        describeSample(options, scales, &texts, &globals);
     }
-    ~SampleFile() { close(); }
-    Q_DISABLE_COPY(SampleFile)
 
     bool write(const QByteArray &path)
     {
-        ncid = ms_open_write(path.constData(),
-                             options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum,
-                             options.scans, sampleComponentCount, options.massFormat, options.timeFormat,
-                             options.intensityFormat, options.hasMasses(), options.hasTimes());
+        MsFileLayout layout;
+        layout.experiment_type = options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum;
+        layout.scan_count = options.scans;
+        layout.instrument_count = sampleComponentCount;
+        layout.mass_format = options.massFormat;
+        layout.time_format = options.timeFormat;
+        layout.intensity_format = options.intensityFormat;
+        layout.has_mass_values = options.hasMasses();
+        layout.has_time_values = options.hasTimes();
+        file = MsFile::create(path.constData(), layout);
         // All is written, so filling it before would only take time, several times that of the writing.
         int before = NC_FILL;
-        if (ncid == -1 || nc_set_fill(ncid, NC_NOFILL, &before) != NC_NOERR)
+        if (!file || nc_set_fill(file.id(), NC_NOFILL, &before) != NC_NOERR)
             return false;
         // The ranges are known at the end; the first writing keeps room for them in the file's head.
         return writeGlobal() && writeGroups() && writeComponents() && writeScans() && writeGlobal()
-            && nc_sync(ncid) == NC_NOERR;
-    }
-
-    void close()
-    {
-        if (ncid != -1)
-            ms_close(ncid);
-        ncid = -1;
+            && file.finish();
     }
 
 private:
     bool writeGlobal()
     {
+        MsRawGlobalRecord &raw = globals.raw;
         if (options.hasMasses()) {
             raw.global_mass_min = massRange.min;
             raw.global_mass_max = massRange.max;
@@ -139,14 +137,13 @@ private:
         raw.global_intensity_min = countRange.min;
         raw.global_intensity_max = countRange.max;
         raw.actual_run_time_length = run->clock().length();
-        return ms_write_global(ncid, &admin, &sample, &test, &raw) == 0;
+        return file.write(globals);
     }
 
     bool writeComponents()
     {
         for (int i = 0; i < sampleComponentCount; ++i) {
-            const MsInstrumentRecord component = sampleComponent(i, &texts);
-            if (ms_write_instrument(ncid, &component) == -1)
+            if (!file.write(sampleComponent(i, &texts)))
                 return false;
         }
         return true;
@@ -160,7 +157,7 @@ private:
         std::size_t width = 0;
         for (const SampleGroup &group : groups)
             width = std::max(width, group.masses.size());
-        if (ms_define_groups(ncid, qint32(groups.size()), qint32(width)) == -1)
+        if (!file.defineGroups(qint32(groups.size()), qint32(width)))
             return false;
         for (std::size_t i = 0; i < groups.size(); ++i) {
             if (!writeGroup(qint32(i), groups[i], width))
@@ -181,10 +178,13 @@ private:
             delayTimes[i] = onGrid(0.05 / double(count), 10000.0);
             samplingTimes[i] = onGrid(0.45 / double(count), 10000.0);
         }
-        const MsGroupRecord record = {
-            number,           qint32(count), group.startingScan, groupMasses.data(), samplingTimes.data(),
-            delayTimes.data()};
-        return ms_write_group(ncid, &record) == 0;
+        MsGroupDraft record(number);
+        record.group_mass_count = qint32(count);
+        record.group_starting_scan = group.startingScan;
+        record.group_masses = groupMasses.data();
+        record.group_sampling_times = samplingTimes.data();
+        record.group_delay_times = delayTimes.data();
+        return file.write(record);
     }
 
     bool writeScans()
@@ -193,32 +193,27 @@ private:
         SampleTexts entryTexts;
         for (int i = 0; i < options.scans; ++i) {
             run->scan(i, &scan);
-            const MsScanRecord record = toRecord(i, scan);
-            if (!options.isLibrary()) {
-                if (ms_write_per_scan(ncid, &record, nullptr) == -1)
-                    return false;
-                continue;
-            }
-            const MsLibraryRecord entry = sampleLibraryEntry(i, &entryTexts);
-            if (ms_write_per_scan(ncid, &record, &entry) == -1)
+            const MsScanDraft record = toRecord(i, scan);
+            const bool written = options.isLibrary()
+                ? file.write(record, sampleLibraryEntry(i, &entryTexts))
+                : file.write(record);
+            if (!written)
                 return false;
             entryTexts.clear();
         }
         return true;
     }
 
-    MsScanRecord toRecord(int number, const SampleScan &scan)
+    MsScanDraft toRecord(int number, const SampleScan &scan)
     {
-        MsScanRecord record;
-        ms_init_per_scan(0, &record, nullptr);
-        record.scan_number = number;
+        MsScanDraft record(number);
         record.actual_scan_number = number;
         record.point_count = qint32(scan.counts.size());
         record.mass_values = masses.store(scan.masses);
         record.time_values = times.store(scan.times);
         record.intensity_values = counts.store(scan.counts);
         record.scan_acquisition_time = scan.time;
-        record.scan_duration = onGrid(double(test.test_scan_time), 1000.0);
+        record.scan_duration = onGrid(double(globals.test.test_scan_time), 1000.0);
         record.inter_scan_time = 0.0;
         record.a_d_coaddition_factor = 1;
         timeRange.add(scan.time);
@@ -265,11 +260,8 @@ private:
     Range timeRange;
     Range countRange;
     SampleTexts texts;
-    MsAdminRecord admin;
-    MsSampleRecord sample;
-    MsTestRecord test;
-    MsRawGlobalRecord raw;
-    int ncid = -1;
+    MsGlobalsDraft globals;
+    MsFile file;
 };
 
 // Whether the file can be opened without a complaint, such as that its end is missing.
@@ -278,9 +270,8 @@ bool readsBack(const QByteArray &path)
     bool complained = false;
     const MessageRedirection redirection(
         [&complained](MessageLoggerInterface::Level, const QString &) { complained = true; });
-    const int ncid = ms_open_read(path.constData());
-    ms_close(ncid);
-    return ncid != -1 && !complained;
+    const MsFile file(path.constData());
+    return file && !complained;
 }
 
 } // namespace
@@ -295,10 +286,7 @@ QString writeSample(const QString &path, const SampleOptions &options)
         return QStringLiteral("may not be written over");
 
     const QByteArray name = QFile::encodeName(info.absoluteFilePath());
-    SampleFile file(options);
-    const bool written = file.write(name);
-    file.close();
-    if (written && readsBack(name))
+    if (SampleFile(options).write(name) && readsBack(name))
         return QString();
     if (!QFile::exists(info.absoluteFilePath()))
         return QStringLiteral("can't be created");

@@ -22,7 +22,7 @@ int referenceCompound()
 
 } // namespace
 
-MsLibraryRecord sampleLibraryEntry(int index, SampleTexts *texts)
+MsLibraryDraft sampleLibraryEntry(int index, SampleTexts *texts)
 {
     const int place = index % sampleCompounds.count;
     const int replicate = index / sampleCompounds.count + 1;
@@ -33,9 +33,7 @@ MsLibraryRecord sampleLibraryEntry(int index, SampleTexts *texts)
     const double retention = sampleRetentionTime(sampleReferenceClock(), place);
     const double referenceRetention = sampleRetentionTime(sampleReferenceClock(), reference);
 
-    MsLibraryRecord entry;
-    ms_init_per_scan(0, nullptr, &entry);
-    entry.entry_index = index;
+    MsLibraryDraft entry(index);
     entry.entry_name = texts->keep(compound.name);
     entry.entry_id = texts->keep("MIX-" + QByteArray::number(index + 1).rightJustified(6, '0'));
     entry.entry_number = index + 1;

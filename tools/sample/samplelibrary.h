@@ -5,6 +5,6 @@
 #include "samplerecords.h"
 
 // Entry `index`, from 0: the compounds in turn. Its texts are kept in `texts`.
-MsLibraryRecord sampleLibraryEntry(int index, SampleTexts *texts);
+MsLibraryDraft sampleLibraryEntry(int index, SampleTexts *texts);
 
 #endif // SAMPLELIBRARY_H

@@ -96,8 +96,8 @@ constexpr TextRow<MsInstrumentRecord> components[sampleComponentCount][10] = {
 };
 // clang-format on
 
-template <class Record, std::size_t size>
-void fillTexts(const TextRow<Record> (&rows)[size], SampleTexts *texts, Record *record)
+template <class Record, std::size_t size, class Draft>
+void fillTexts(const TextRow<Record> (&rows)[size], SampleTexts *texts, Draft *record)
 {
     for (const auto &row : rows)
         record->*row.field = texts->keep(row.text);
@@ -136,38 +136,36 @@ void describeRawData(const SampleOptions &options, const SampleScales &scales, S
 } // namespace
 
 void describeSample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
-                    MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
-                    MsRawGlobalRecord *raw)
+                    MsGlobalsDraft *globals)
 {
-    ms_init_global(0, admin, sample, test, raw);
     const auto &kind = *std::find_if(std::begin(kinds), std::end(kinds),
                                      [&options](const auto &row) { return row.kind == options.kind; });
 
-    fillTexts(adminTexts, texts, admin);
-    admin->experiment_title = texts->keep(kind.title);
-    admin->experiment_type = options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum;
-    admin->number_of_times_processed = 1;
-    admin->number_of_times_calibrated = 1;
+    MsAdminRecord &admin = globals->admin;
+    fillTexts(adminTexts, texts, &admin);
+    admin.experiment_title = texts->keep(kind.title);
+    admin.experiment_type = options.isLibrary() ? MsLibrarySpectrum : MsCentroidedSpectrum;
+    admin.number_of_times_processed = 1;
+    admin.number_of_times_calibrated = 1;
 
-    fillTexts(sampleTexts, texts, sample);
-    sample->sample_state = ms_enum_code(options.isLibrary() ? "Solid" : "Liquid");
+    fillTexts(sampleTexts, texts, &globals->sample);
+    globals->sample.sample_state = ms_enum_code(options.isLibrary() ? "Solid" : "Liquid");
 
-    fillTexts(testTexts, texts, test);
+    MsTestRecord &test = globals->test;
+    fillTexts(testTexts, texts, &test);
     for (const auto &row : testNumbers)
-        test->*row.field = row.value;
-    test->test_separation_type = ms_enum_code("Gas-Liquid Chromatography");
-    test->test_ms_inlet = ms_enum_code("Capillary Direct");
-    test->test_scan_function = ms_enum_code(kind.scanFunction);
-    test->test_scan_time = kind.scanTime;
+        test.*row.field = row.value;
+    test.test_separation_type = ms_enum_code("Gas-Liquid Chromatography");
+    test.test_ms_inlet = ms_enum_code("Capillary Direct");
+    test.test_scan_function = ms_enum_code(kind.scanFunction);
+    test.test_scan_time = kind.scanTime;
 
-    describeRawData(options, scales, texts, raw);
+    describeRawData(options, scales, texts, &globals->raw);
 }
 
-MsInstrumentRecord sampleComponent(int index, SampleTexts *texts)
+MsInstrumentDraft sampleComponent(int index, SampleTexts *texts)
 {
-    MsInstrumentRecord component;
-    ms_init_instrument(0, &component);
-    component.component_index = index;
+    MsInstrumentDraft component(index);
     fillTexts(components[index], texts, &component);
     return component;
 }

@@ -4,6 +4,8 @@
 
 #include "sampleoptions.h"
 
+#include "msfile.h"
+
 #include <QByteArray>
 
 #include <deque>
@@ -34,9 +36,9 @@ constexpr qint32 sampleComponentCount = 2;
 
 // Fills the records but for the ranges of the raw data.
 void describeSample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
-                    MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
-                    MsRawGlobalRecord *raw);
+                    MsGlobalsDraft *globals);
 
-MsInstrumentRecord sampleComponent(int index, SampleTexts *texts);
+// Returns component `index` of the instrument, from 0.
+MsInstrumentDraft sampleComponent(int index, SampleTexts *texts);
 
 #endif // SAMPLERECORDS_H
