@@ -2,15 +2,17 @@
 //
 //     struct Cut {
 //         QString file;
-//         int missing = 0;    // bytes at the end
-//         QByteArray said{};  // on standard error; a field with an initializer may be left out
+//         int missing = 0;   // bytes at the end
+//         QByteArray said{}; // on standard error; a field with an initializer may be left out
 //     };
 //     void cut_data()
 //     {
 //         const Rows<Cut> row;
 //         row("whole") = {"plain"};
-//         row("last scan") = {"plain", 1, "read: 1"}; // in the order of the structure, where that is plain
-//         row("all masses").missing = 120;            // or by name
+//         row("last scan") = {"plain", 1, "read: 1"}; // fields in their order, where that reads well,
+//         Cut &masses = row("all masses");            // or by their names
+//         masses.file = "plain";
+//         masses.missing = 120;
 //     }
 //     void cut()
 //     {
