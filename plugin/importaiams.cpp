@@ -3,6 +3,7 @@
 #include "importaiams.h"
 
 #include "messageloggerinterface.h"
+#include "msfile.h"
 
 #include <utility>
 
@@ -13,15 +14,6 @@ void replaceMissing(double *value, double substitute)
     if (*value == MsMissingDouble)
         *value = substitute;
 }
-
-// Closed at the end of the block, unless its id is taken away.
-struct OpenFile {
-    explicit OpenFile(const QString &name) : id(ms_open_read(name.toLatin1().constData())) { }
-    ~OpenFile() { ms_close(id); }
-    Q_DISABLE_COPY(OpenFile)
-
-    int id;
-};
 
 } // namespace
 
@@ -76,19 +68,19 @@ bool ImportAiaMs::openFile(const QString &name)
     if (fileId != -1)
         return true;
 
-    OpenFile file(name);
-    if (file.id == -1) {
+    MsFile file(name.toLatin1().constData());
+    if (!file) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_open_read failed!"), nullptr);
         return false;
     }
 
     releaseRecords();
-    if (ms_read_global(file.id, &admin, &sample, &test, &raw) == -1) {
+    if (ms_read_global(file.id(), &admin, &sample, &test, &raw) == -1) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_read_global failed!"), nullptr);
         releaseRecords();
         return false;
     }
-    fileId = std::exchange(file.id, -1);
+    fileId = file.release();
 
     replaceMissing(&raw.mass_scale_factor, 1.0);
     replaceMissing(&raw.intensity_scale_factor, 1.0);

@@ -4,6 +4,7 @@
 
 #include "dvheader.h"
 #include "messageloggerinterface.h"
+#include "msrecords.h"
 #include "ttestingmacros.h"
 
 #include <QDateTime>
@@ -33,13 +34,10 @@ void reportNoFile(const QString &name)
 // The stored time of a scan, divided; `fallback` if it is missing or can't be read.
 double scanTime(int fileId, qint32 scanNumber, double timeDivisor, double fallback)
 {
-    MsScanRecord scan;
-    ms_init_per_scan(0, &scan, nullptr);
-    scan.scan_number = scanNumber;
-    const bool read = ms_read_scan_header(fileId, &scan) != -1;
-    const double stored = scan.scan_acquisition_time;
-    ms_init_per_scan(1, &scan, nullptr);
-    return read && stored != MsMissingDouble ? stored / timeDivisor : fallback;
+    const MsScanHeader scan(fileId, scanNumber);
+    return scan.isRead() && scan.scan_acquisition_time != MsMissingDouble
+        ? scan.scan_acquisition_time / timeDivisor
+        : fallback;
 }
 
 } // namespace

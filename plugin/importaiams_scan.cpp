@@ -3,7 +3,7 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
-#include "msformat.h"
+#include "msrecords.h"
 #include "tmath.h"
 
 #include <algorithm>
@@ -12,21 +12,6 @@ namespace {
 
 // Points for which the caller's arrays have room; the host's own headers have no name for it.
 constexpr int mostPoints = 1 << 24;
-
-// A scan record for the length of one call.
-class Scan : public MsScanRecord
-{
-public:
-    explicit Scan(int number)
-    {
-        ms_init_per_scan(0, this, nullptr);
-        scan_number = number;
-    }
-    ~Scan() { ms_init_per_scan(1, this, nullptr); }
-
-private:
-    Q_DISABLE_COPY(Scan)
-};
 
 } // namespace
 
@@ -74,27 +59,23 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
         return ticValues ? ticValues[scan] : 0.0;
     }
 
-    Scan record(scan);
-    const bool read = ms_read_per_scan(fileId, &record, nullptr) != -1;
+    const MsScan record(fileId, scan);
     // A file without masses makes no table, but the caller may bring one from elsewhere.
     const bool hasMasses = record.point_count < 1 || record.mass_values;
-    if (!read || !hasMasses || record.point_count > mostPoints) {
+    if (!record.isRead() || !hasMasses || record.point_count > mostPoints) {
         *time = interpolated + header->getDelay();
         return 0.0;
     }
 
     *pointCount = std::max(record.point_count, 0);
     double total = 0.0;
-    if (*pointCount > 0) {
-        // The stored formats: the attributes that name a format needn't agree with the data.
-        const MsFileRecord *file = ms_file_record(fileId);
-        const Placement place = {table, tableSize, abundances, positions};
-        ms_with_format(file->mass_format, record.mass_values, [&](const auto *masses) {
-            ms_with_format(file->intensity_format, record.intensity_values, [&](const auto *intensities) {
-                total = placePoints(masses, intensities, *pointCount, place);
-            });
+    const Placement place = {table, tableSize, abundances, positions};
+    // In the stored formats: the attributes that name a format needn't agree with the data.
+    record.masses().visit([&](const auto *masses, qint32 count) {
+        record.intensities().visit([&](const auto *intensities, qint32) {
+            total = placePoints(masses, intensities, count, place);
         });
-    }
+    });
 
     if (header->getModulation() > 0.0f)
         *time = interpolated;
