@@ -1,0 +1,153 @@
+// The running account of an import: where a line goes, and the attributes that are read for one.
+
+#include "importaiams.h"
+#include "program.h"
+#include "rows.h"
+#include "tlogger.h"
+#include "ttestingmacros.h"
+
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+#include <vector>
+
+// An explicit instantiation may name a private member, and so hand it to a test.
+template <auto member> struct Opened {
+    friend int readGlobalTextAttribute(ImportAiaMs &plugin, const char *name, char *buffer, int size)
+    {
+        return (plugin.*member)(name, buffer, size);
+    }
+};
+template struct Opened<&ImportAiaMs::readGlobalTextAttribute>;
+int readGlobalTextAttribute(ImportAiaMs &plugin, const char *name, char *buffer, int size);
+
+namespace {
+
+// The process's logger for the length of a block.
+class Logger : public TLogger
+{
+public:
+    Logger() { setDefaultInstance(this); }
+    ~Logger() { setDefaultInstance(nullptr); }
+
+    void logEntry(int entryLevel, const QString &entryFile, int entryLine, const QString &message) override
+    {
+        level = entryLevel;
+        file = entryFile;
+        line = entryLine;
+        messages += message;
+    }
+    void flushEntries() override { flushed = messages.size(); }
+
+    int level = 0;
+    QString file;
+    int line = 0;
+    QStringList messages;
+    int flushed = 0; // messages
+
+private:
+    Q_DISABLE_COPY(Logger)
+};
+
+// Returns what `write` sends to standard error.
+template <class Write> QByteArray standardError(Write write)
+{
+    QTemporaryFile file;
+    file.open();
+    const int before = dup(STDERR_FILENO);
+    dup2(file.handle(), STDERR_FILENO);
+    write();
+    dup2(before, STDERR_FILENO);
+    ::close(before);
+    return content(file.fileName());
+}
+
+struct Level {
+    int level = 0;
+    int loggerLevel = 0;
+    int line = 0;
+};
+
+struct Attribute {
+    QString fixture;
+    const char *name = nullptr;
+    int size = 100; // of the buffer
+    int result = 0;
+    QByteArray text{};
+};
+
+} // namespace
+
+class TestAccount : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void writesALine_data()
+    {
+        const Rows<Level> row;
+        row("debug") = {0, 100, 49};
+        row("warning") = {1, 300, 53};
+        row("plain") = {2, 200, 61};
+        row("fatal") = {3, 500, 57};
+        row("any other") = {4, 200, 61};
+    }
+    void writesALine()
+    {
+        const Level &row = Rows<Level>::current();
+        const QString message = QString::fromUtf8("d\xC3\xA9lai : %1"); // no place for an argument
+        const auto write = [&] { testingMessageOutput(row.level, nullptr, message); };
+        QCOMPARE(standardError(write), message.toUtf8() + '\n'); // without a logger
+        Logger logger;
+        QCOMPARE(standardError(write), message.toUtf8() + '\n');
+        QCOMPARE(logger.level, row.loggerLevel);
+        QCOMPARE(logger.file, QStringLiteral("libraries\\internal\\common\\include\\ttestingmacros"));
+        QCOMPARE(logger.line, row.line);
+        QCOMPARE(logger.messages, QStringList(message));
+        QCOMPARE(logger.flushed, 1);
+    }
+
+    void readsAnAttribute_data()
+    {
+        const Rows<Attribute> row;
+        row("whole") = {"text-attributes", "operator_name", 11, 1, "trailing  "};
+        row("cut") = {"text-attributes", "operator_name", 10, 1, "trailing "};
+        row("no room") = {"text-attributes", "operator_name", 1, 1, ""};
+        row("up to a NUL") = {"text-attributes", "source_file_format", 100, 1, "one"};
+        row("Latin-1") = {"text-attributes", "dataset_origin", 100, 1, "bad \xE9 byte"};
+        row("empty") = {"empty-attributes", "experiment_title", 100, 1, ""};
+        row("absent") = {"empty-attributes", "operator_name"};
+        row("a number") = {"wrong-attribute-types", "experiment_title"};
+        row("no name") = {"text-attributes", nullptr};
+    }
+    void readsAnAttribute()
+    {
+        const Attribute &row = Rows<Attribute>::current();
+        ImportAiaMs plugin;
+        QVERIFY(plugin.reopenForFile(fixture(row.fixture)));
+        Logger logger;
+        std::vector<char> buffer(std::size_t(row.size), 'x');
+        QCOMPARE(readGlobalTextAttribute(plugin, row.name, buffer.data(), row.size), row.result);
+        QVERIFY(std::find(buffer.begin(), buffer.end(), '\0') != buffer.end());
+        QCOMPARE(QByteArray(buffer.data()), row.text);
+        QStringList expected;
+        if (row.result == 1)
+            expected += QStringLiteral("%1 = %2").arg(row.name, QString::fromLatin1(row.text));
+        QCOMPARE(logger.messages, expected);
+    }
+
+    void readsNoAttributeIntoNothing()
+    {
+        ImportAiaMs plugin;
+        QVERIFY(plugin.reopenForFile(fixture("text-attributes")));
+        char buffer[] = "x";
+        QCOMPARE(readGlobalTextAttribute(plugin, "operator_name", nullptr, 100), 0);
+        QCOMPARE(readGlobalTextAttribute(plugin, "operator_name", buffer, 0), 0);
+        QCOMPARE(buffer[0], 'x');
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAccount)
+#include "tst_account.moc"
