@@ -59,6 +59,7 @@ private:
     static bool isRecord(const Variable &variable);
     void lay(MsClassicLayout *layout) const;
     quint64 recordSize() const;
+    quint64 recordBegin() const;
     quint64 wholeRecords() const;
 
     std::ifstream file; // takes the bytes of a path as they are
@@ -211,16 +212,22 @@ quint64 Walk::recordSize() const
     return found == 1 ? unpadded : result;
 }
 
-// The records that the file has in full.
-quint64 Walk::wholeRecords() const
+// Where the first record lies; the end of the file where that is beyond it.
+quint64 Walk::recordBegin() const
 {
     quint64 begin = length;
     for (const Variable &variable : variables) {
         if (isRecord(variable))
             begin = std::min(begin, variable.begin);
     }
+    return begin;
+}
+
+// The records that the file has in full.
+quint64 Walk::wholeRecords() const
+{
     const quint64 stride = recordSize();
-    return stride == 0 ? 0 : (length - begin) / stride;
+    return stride == 0 ? 0 : (length - recordBegin()) / stride;
 }
 
 void Walk::lay(MsClassicLayout *layout) const
@@ -269,6 +276,9 @@ bool Walk::run(MsClassicLayout *layout)
     if (!layout->counts_records)
         records = wholeRecords();
     layout->records = records;
+    layout->header = position;
+    layout->record_begin = recordBegin();
+    layout->record_size = recordSize();
     lay(layout);
     return true;
 }

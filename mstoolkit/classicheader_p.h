@@ -36,6 +36,19 @@ struct MsClassicLayout {
     quint64 length = 0;         // bytes that it has, of whatever kind it is; 0 if that can't be told
     quint64 records = 0;        // steps along the unlimited dimension
     bool counts_records = true; // false: its writer left them to be found from the length
+    quint64 header = 0;         // bytes of the header
+    quint64 record_begin = 0;   // where the first record lies,
+    quint64 record_size = 0;    // and the bytes of each; 0 for a file without records
+
+    // Bytes up to the end of all that the header tells of.
+    quint64 told() const { return std::max(header, needed); }
+
+    // Whole records behind those that the header counts.
+    quint64 records_behind() const
+    {
+        const quint64 end = ms_sum(record_begin, ms_product(records, record_size));
+        return record_size == 0 || !counts_records || length <= end ? 0 : (length - end) / record_size;
+    }
 };
 
 enum class MsHeader {

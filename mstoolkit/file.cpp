@@ -98,6 +98,7 @@ MsFileState *begin(int ncid)
     state->handle.close();
     state->handle.clear();
     state->columns.reset();
+    state->tally = MsTally();
     return state;
 }
 

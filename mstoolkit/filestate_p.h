@@ -3,6 +3,7 @@
 #define FILESTATE_P_H
 
 #include "classicheader_p.h"
+#include "doubts_p.h"
 #include "mstoolkit.h"
 
 #include <fstream>
@@ -45,6 +46,7 @@ struct MsFileState : MsFileRecord {
     std::ifstream handle;
     // By MsVariableSlot; null for a file that is written.
     std::unique_ptr<MsColumn[]> columns;
+    MsTally tally;
 };
 
 // Null for an unknown id.

@@ -246,7 +246,10 @@ int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTes
 
     if (read_table(*file, ms_admin_table, admin) == -1 || read_table(*file, ms_sample_table, sample) == -1
         || read_table(*file, ms_test_table, test) == -1 || read_table(*file, ms_raw_table, raw) == -1
-        || read_error_log(*file, admin) == -1)
+        || read_error_log(*file, admin) == -1 || take_sizes(*file, admin, raw) == -1)
         return -1;
-    return take_sizes(*file, admin, raw);
+    MsTally &tally = ms_file_state(ncid)->tally;
+    tally.raw = *raw;
+    tally.knows_globals = true;
+    return 0;
 }
