@@ -59,6 +59,7 @@ public:
 
     // Opens a file for reading. No file where that fails, see ms_open_read.
     explicit MsFile(const char *path) : id_(ms_open_read(path)) { }
+    explicit MsFile(const QString &name) : MsFile(ms_path_of(name).constData()) { }
 
     // Creates a file for writing, over one of that name. No file where that fails, see ms_open_write.
     static MsFile create(const char *path, const MsFileLayout &layout)

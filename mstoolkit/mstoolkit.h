@@ -19,6 +19,7 @@
 
 #include <QByteArray>
 #include <QSet>
+#include <QString>
 #include <QVariant>
 
 #include <cstddef>
@@ -198,6 +199,11 @@ extern const MsTable<MsVariableRow> ms_library_table;    // 27 rows, MsLibraryRe
 // ---------------------------------------------------------------------------------------------------
 // Opening and closing
 // ---------------------------------------------------------------------------------------------------
+
+// Returns the path of an existing file for the routines below: `name` in the coding of the file system,
+// as Qt has it, or else in Latin-1, if that is a file's. Never that of a file with another name, which a
+// lossy coding would lead to. Empty where there is no file.
+QByteArray ms_path_of(const QString &name);
 
 // Opens an existing file for reading and finds the template's objects in it. `path` is NUL-terminated,
 // in the 8-bit coding of the file system. Any file that netCDF opens will do: nothing of the template

@@ -68,7 +68,7 @@ bool ImportAiaMs::openFile(const QString &name)
     if (fileId != -1)
         return true;
 
-    MsFile file(name.toLatin1().constData());
+    MsFile file(name);
     if (!file) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_open_read failed!"), nullptr);
         return false;

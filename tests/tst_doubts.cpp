@@ -95,7 +95,7 @@ class TestDoubts : public QObject
     static QByteArray doubtsOf(const QString &path, const MsDoubtOptions &options)
     {
         QByteArrayList found;
-        const MsFile file(QFile::encodeName(path));
+        const MsFile file(path);
         const MsGlobals globals = file.globals();
         for (const MsDoubt &doubt : ms_list_doubts(file.id(), QStringLiteral("x.cdf"), options))
             found += QByteArray(doubt.code) + ' ' + QByteArray::number(doubt.count);

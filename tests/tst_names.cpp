@@ -1,12 +1,19 @@
-// Names that look like something else than the name of a file.
+// The file that is opened is the one that is named: names in any script and coding, in any locale, and such
+// that look like the address of a server.
 
 #include "mstoolkit.h"
+#include "plugin.h"
 #include "program.h"
 #include "rows.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
+#include <QTextCodec>
 
+#include <filesystem>
 #include <netinet/in.h>
+#include <optional>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -34,6 +41,19 @@ private:
     socklen_t length = sizeof address;
 };
 
+struct Named {
+    QByteArray name;
+    QByteArray file{};    // that is there, if its name is another
+    QByteArray refusal{}; // what is said where the file isn't the one that was named
+};
+
+struct HostsName {
+    QByteArray codec; // of the locale
+    QString name;
+    QByteArray file; // that is there
+    bool opens;
+};
+
 struct Address {
     QByteArray path; // HOST stands for the listener, FOLDER for the current folder
 };
@@ -45,8 +65,94 @@ class TestNames : public QObject
     Q_OBJECT
 
     const Listener listener;
+    std::optional<QTemporaryDir> folder; // the current one
+
+    void makeFile(const QByteArray &name)
+    {
+        std::filesystem::copy_file(QFile::encodeName(fixture("gcgc")).constData(), name.constData());
+    }
+
+    // The shell makes the bytes of the name, which QProcess would encode.
+    static Run run(const QByteArray &program, const QByteArray &locale, const QByteArray &name)
+    {
+        QByteArray octal;
+        for (const char byte : name)
+            octal += "\\" + QByteArray::number(uchar(byte), 8).rightJustified(3, '0');
+        return runProgram("sh",
+                          {"-c",
+                           "LC_ALL=$1 exec $0 --json " + QString(program == "aia-import" ? "- " : "") + "\"$(printf '"
+                               + octal + "')\"",
+                           AIA_TOOLS "/" + program, locale});
+    }
 
 private slots:
+    void init()
+    {
+        folder.emplace();
+        QVERIFY(QDir::setCurrent(folder->path()));
+    }
+
+    // QTemporaryDir can't: some names make no sense to Qt.
+    void cleanup() { std::filesystem::remove_all(QFile::encodeName(folder->path()).constData()); }
+
+    void program_data()
+    {
+        const Rows<Named> row;
+        row("ASCII") = {"x.cdf"};
+        row("accent") = {"\xC3\xA9.cdf"};
+        row("Greek") = {"\xCE\xA9.cdf"};
+        row("Japanese") = {"\xE6\x97\xA5\xE6\x9C\xAC.cdf"};
+        row("emoji") = {"\xF0\x9F\x98\x80.cdf"};
+        row("emoji that ends like a kept byte") = {"\xF0\x9F\x92\x80.cdf"};
+        row("not UTF-8") = {"caf\xE9\x80.cdf"};
+        row("half a pair") = {"\xED\xB2\x80.cdf"};
+        row("byte order mark") = {"\xEF\xBB\xBFx.cdf"};
+        row("line break") = {"x\ny.cdf"};
+        row("quotes") = {"'x' \"y\".cdf"};
+        row("blanks in front") = {"  x.cdf"};
+        row("written in Latin-1") = {"\xC3\xA9.cdf", "\xE9.cdf"};
+        row("question mark for it") = {"\xCE\xA9.cdf", "?.cdf", ".cdf"};
+        row("it for question mark") = {"?.cdf", "\xCE\xA9.cdf", "?.cdf"};
+        row("missing, not UTF-8") = {"\xE9.cdf", "?.cdf", "?.cdf"};
+    }
+    void program()
+    {
+        const Named &row = Rows<Named>::current();
+        const QByteArray file = row.file.isEmpty() ? row.name : row.file;
+        makeFile(file);
+        for (const char *program : {"aia-import", "aia-info"}) {
+            for (const char *locale : {"C", "C.UTF-8"}) {
+                const Run result = run(program, locale, row.name);
+                QVERIFY2(result.err.contains(row.refusal), result.err);
+                const QString shown = QJsonDocument::fromJson(result.out).object()["file"].toString();
+                QCOMPARE(shown, row.refusal.isEmpty() ? QString::fromUtf8(file) : QString());
+            }
+        }
+    }
+
+    void plugin_data()
+    {
+        const Rows<HostsName> row;
+        row("UTF-8") = {"UTF-8", QStringLiteral("\u03A9.cdf"), "\xCE\xA9.cdf", true};
+        row("UTF-8 where Latin-1 has it, too") = {"UTF-8", QStringLiteral("\u00E9.cdf"), "\xC3\xA9.cdf", true};
+        row("Latin-1 behind UTF-8") = {"UTF-8", QStringLiteral("\u00E9.cdf"), "\xE9.cdf", true};
+        row("question mark for it") = {"UTF-8", QStringLiteral("\u03A9.cdf"), "?.cdf", false};
+        row("Latin-1") = {"ISO-8859-1", QStringLiteral("\u00E9.cdf"), "\xE9.cdf", true};
+        row("lossy coding") = {"ISO-8859-1", QStringLiteral("\u03A9.cdf"), "?.cdf", false};
+        row("cut short") = {"UTF-8", QStringLiteral("x.cdf") + QChar(0) + QStringLiteral(".cdf"), "x.cdf", false};
+    }
+    void plugin()
+    {
+        const HostsName &row = Rows<HostsName>::current();
+        makeFile(row.file);
+        Plugin host;
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(row.codec));
+        const bool opens = host.parameters()->reopenForFile(row.name);
+        QTextCodec::setCodecForLocale(nullptr);
+        delete host.prototype(); // closes
+        QCOMPARE(opens, row.opens);
+    }
+
     void address_data()
     {
         const Rows<Address> row;
@@ -63,10 +169,8 @@ private slots:
     }
     void address()
     {
-        const QTemporaryDir folder;
-        QVERIFY(QDir::setCurrent(folder.path()));
         QByteArray path = Rows<Address>::current().path;
-        path.replace("HOST", listener.host()).replace("FOLDER", QFile::encodeName(folder.path()));
+        path.replace("HOST", listener.host()).replace("FOLDER", QFile::encodeName(folder->path()));
         const auto write = [&] { return ms_open_write(path, 0, 1, 0, 76, 76, 76, 1, 0); };
         QCOMPARE(ms_open_read(path), -1);
         QCOMPARE(write(), -1); // into a folder that isn't there

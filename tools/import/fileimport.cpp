@@ -5,7 +5,6 @@
 #include "msfile.h"
 #include "terminaltext.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 #include <csignal>
@@ -16,29 +15,11 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-// The plugin hands a name to netCDF as Latin-1, so another coding of it would be another file's name.
-bool canReachNetcdf(const QString &name)
-{
-    return QFile::encodeName(name) == name.toLatin1();
-}
-
-bool canImport(DVImportAnalysisInterface &prototype, const QString &name, QString &text)
-{
-    if (canReachNetcdf(name))
-        return prototype.canImport(nullptr, name, text);
-    // The host's own test only: the plugin's would open the other file.
-    if (prototype.DVImportInterface::canImport(nullptr, name, text))
-        text =
-            QStringLiteral("The name of the file \"%1\" has characters with which netCDF can't find it.")
-                .arg(name);
-    return false;
-}
-
 // Tells, for a file that was refused, which of the plugin's tests it failed.
 bool hasScans(const QString &name)
 {
     const Silence silence;
-    const MsFile file(name.toLatin1().constData());
+    const MsFile file(name);
     int dimension = -1;
     return nc_inq_dimid(file.id(), "scan_number", &dimension) == NC_NOERR;
 }
@@ -80,7 +61,7 @@ bool FileImport::run()
 bool FileImport::importIfPossible()
 {
     QString text;
-    if (!canImport(prototype, fileName, text)) {
+    if (!prototype.canImport(nullptr, fileName, text)) {
         report(refusal(text));
         closePrototype();
         return false;

@@ -1,5 +1,6 @@
 #include "importoptions.h"
 
+#include "namecodec.h"
 #include "standardoptions.h"
 
 #include <QCommandLineParser>
@@ -64,7 +65,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
         return {Success, {}};
 
     ImportOptions options;
-    options.files = parser.positionalArguments();
+    options.files = namesOfFiles(parser.positionalArguments());
     options.json = parser.value(json);
     options.quiet = parser.isSet(quiet);
     options.ask = parser.isSet(ask);

@@ -63,7 +63,7 @@ const MsFile &ScanAudit::openFile()
 {
     if (!opened) {
         opened = true;
-        file = MsFile(fileName.toLatin1().constData());
+        file = MsFile(fileName);
     }
     return file;
 }

@@ -1,6 +1,7 @@
 #include "infogather.h"
 
 #include "infofields.h"
+#include "namecodec.h"
 
 #include <algorithm>
 #include <iterator>
@@ -307,7 +308,7 @@ InfoResult Gatherer::gather(const QString &path)
 {
     InfoResult result;
     InfoNode &report = result.report;
-    report.addValue(QStringLiteral("file"), path);
+    report.addValue(QStringLiteral("file"), shownName(path));
     report.addValue(QStringLiteral("kind"), kindOfFile(ncid));
     addTemplate(&report);
     addDimensions(&report);

@@ -3,6 +3,7 @@
 #include "infogather.h"
 #include "inforeport.h"
 #include "messagelist.h"
+#include "namecodec.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
 
@@ -10,7 +11,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -44,7 +44,6 @@ bool print(const InfoNode &report, Format format)
 
 int show(const QString &path, const CommandLine &line)
 {
-    // netCDF takes some names for addresses of a server.
     const QFileInfo info(path);
     if (!info.exists())
         return fail(path, "there is no such file");
@@ -53,7 +52,7 @@ int show(const QString &path, const CommandLine &line)
     if (!info.isReadable())
         return fail(path, "may not be read");
 
-    const MsFile file(QFile::encodeName(info.absoluteFilePath()).constData());
+    const MsFile file(path);
     if (!file)
         return fail(path, "isn't a netCDF file, or a damaged one");
     const InfoResult result = gatherInfo(file.id(), path, line.info);
@@ -103,7 +102,7 @@ int parse(const QStringList &arguments, CommandLine *line)
     if (standard.answer(parser))
         return Success;
 
-    line->paths = parser.positionalArguments();
+    line->paths = namesOfFiles(parser.positionalArguments());
     if (line->paths.isEmpty())
         return refuse(QStringLiteral("no file was named"));
     line->format = parser.isSet(json) ? Format::Json : Format::Text;

@@ -1,6 +1,7 @@
 #include "jsonwriter.h"
 
 #include "dvheader.h"
+#include "namecodec.h"
 
 #include <algorithm>
 #include <charconv>
@@ -33,7 +34,7 @@ bool JsonWriter::open(const QString &name)
 void JsonWriter::beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize)
 {
     put("{\"file\":");
-    string(name);
+    string(shownName(name));
     put(",\"header\":");
     headerRecord(header);
     put(",\"massTable\":");

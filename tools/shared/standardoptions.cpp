@@ -1,5 +1,6 @@
 #include "standardoptions.h"
 
+#include "namecodec.h"
 #include "terminaltext.h"
 
 #include <QCommandLineParser>
@@ -9,6 +10,7 @@
 
 void setProgram(const char *name, const char *version)
 {
+    keepBytesOfNames();
     QCoreApplication::setApplicationName(QLatin1String(name));
     QCoreApplication::setApplicationVersion(QLatin1String(version));
 }
@@ -23,7 +25,7 @@ StandardOptions::StandardOptions(QCommandLineParser *parser)
 bool StandardOptions::answer(const QCommandLineParser &parser) const
 {
     if (parser.isSet(help)) {
-        std::fputs(parser.helpText().toLocal8Bit().constData(), stdout);
+        std::fputs(terminalBytes(parser.helpText()).constData(), stdout);
         return true;
     }
     if (parser.isSet(version)) {

@@ -8,7 +8,8 @@ class QCommandLineParser;
 
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
-// Names the program for --version and for reports. The first call of main().
+// Names the program for --version and for reports, and has Qt keep the names of files: see namecodec.h.
+// The first call of main().
 void setProgram(const char *name, const char *version);
 
 class StandardOptions

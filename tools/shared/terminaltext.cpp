@@ -1,5 +1,7 @@
 #include "terminaltext.h"
 
+#include "namecodec.h"
+
 #include <QCoreApplication>
 #include <QRegularExpression>
 
@@ -27,7 +29,7 @@ void writeLine(std::FILE *stream, const QString &text)
             character = QLatin1Char('?');
     }
     line += QLatin1Char('\n');
-    std::fputs(line.toLocal8Bit().constData(), stream);
+    std::fputs(terminalBytes(line).constData(), stream);
 }
 
 void report(const QString &sentence)

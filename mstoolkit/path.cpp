@@ -1,0 +1,22 @@
+// The way from a file's name to the path that the system knows it by.
+
+#include "mstoolkit.h"
+
+#include <QFile>
+
+#include <filesystem>
+#include <system_error>
+
+QByteArray ms_path_of(const QString &name)
+{
+    const auto exists = [](const QByteArray &path) {
+        std::error_code unknown;
+        return std::filesystem::exists(path.constData(), unknown);
+    };
+    // A name with a character that the coding lacks, or with a NUL, would come out as another file's.
+    const QByteArray path = QFile::encodeName(name);
+    if (QFile::decodeName(path) == name && exists(path))
+        return path;
+    const QByteArray latin1 = name.toLatin1();
+    return QString::fromLatin1(latin1) == name && exists(latin1) ? latin1 : QByteArray();
+}
