@@ -4,11 +4,12 @@
 #include "importaiams.h"
 #include "infogather.h"
 #include "messageloggerinterface.h"
-#include "ownedrecords.h"
+#include "msfile.h"
 
 #include <QFile>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <sys/mman.h>
@@ -74,53 +75,65 @@ void importFile(const QString &path)
         run.go();
 }
 
-void readScans(int ncid)
+// Reads each number in both ways.
+void look(const MsNumbers &numbers)
+{
+    numbers.visit([&numbers](const auto *first, qint32 count) {
+        require(count == numbers.size());
+        for (const double number : numbers) {
+            require(number == double(*first) || (std::isnan(number) && std::isnan(double(*first))));
+            ++first;
+        }
+    });
+}
+
+void readScans(const MsFile &file)
 {
     for (int number = -1; number < most; ++number) {
-        OwnedScan scan(number);
-        OwnedEntry entry(number);
-        const bool both = ms_read_per_scan(ncid, &scan, &entry) != -1;
-        OwnedScan again(number);
-        const bool alone = ms_read_per_scan(ncid, &again, nullptr) != -1;
-        if (number > 0 && !both && !alone)
+        const MsScan scan = file.scan(number);
+        look(scan.masses());
+        look(scan.times());
+        look(scan.intensities());
+        look(scan.flaggedPeaks());
+        look(scan.flagValues());
+        const bool isEntryRead = file.entry(number).isRead();
+        if (number > 0 && !scan.isRead() && !isEntryRead)
             break;
     }
 }
 
-void readGroups(int ncid)
+void readGroups(const MsFile &file)
 {
-    int groups = 0;
-    int masses = 0;
-    ms_inquire_groups(ncid, &groups, &masses);
-    for (int number = 0; number < std::min(groups, 4); ++number) {
-        OwnedGroup group(number);
-        ms_read_group(ncid, &group);
+    for (int number = 0; number < std::min(file.groupCount(), 4); ++number) {
+        const MsGroup group = file.group(number);
+        look(group.masses());
+        look(group.samplingTimes());
+        look(group.delayTimes());
     }
 }
 
-void readInstruments(int ncid)
+void readInstruments(const MsFile &file)
 {
-    for (int component = -1; component < 4; ++component) {
-        OwnedInstrument instrument(component);
-        ms_read_instrument(ncid, &instrument);
-    }
+    for (int component = -1; component < 4; ++component)
+        file.instrument(component);
 }
 
 void readWithToolkit(const QString &path)
 {
-    const int ncid = ms_open_read(path.toLatin1().constData());
-    if (ncid == -1)
+    const MsFile file(path.toLatin1().constData());
+    if (!file)
         return;
-    readScans(ncid);
-    readGroups(ncid);
-    readInstruments(ncid);
-    const OwnedTrace trace(ncid, ms_file_record(ncid)->dimensions[MsDim_scan_number].size);
+    readScans(file);
+    readGroups(file);
+    readInstruments(file);
+    const MsTrace trace = file.trace();
+    look(trace.totalIntensities());
+    look(trace.times());
     InfoOptions options;
     options.scan = 1;
-    const InfoResult info = gatherInfo(ncid, path, options);
+    const InfoResult info = gatherInfo(file.id(), path, options);
     infoText(info.report);
     infoJson(info.report);
-    ms_close(ncid);
 }
 
 } // namespace
