@@ -2,9 +2,8 @@
 
 #include "msdoubts.h"
 
-#include "access_p.h"
 #include "doubts_p.h"
-#include "missingdata_p.h"
+#include "filestate_p.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -158,10 +157,10 @@ private:
 
     void list_length()
     {
-        const MsClassicLayout *layout = file.layout.get();
+        const MsClassicLayout *layout = file.data.classic_layout();
         if (!layout)
             return;
-        if (const quint64 lacking = ms_lacking(file)) {
+        if (const quint64 lacking = file.data.missing_bytes()) {
             add(MsDoubtKind::CutOff, qint64(lacking), QString::number(layout->needed), QString());
             return;
         }
@@ -205,13 +204,13 @@ private:
 
     void list_format(MsDoubtKind kind, const char *attribute, qint32 claimed, int slot)
     {
-        MsShape shape;
+        const MsShape *shape = file.column(slot).shape();
         const char *text = ms_enum_text(claimed);
-        if (!text || !ms_inquire_shape(file, slot, &shape)
+        if (!text || !shape
             || (!is_given_text(file.ncid, attribute)
                 && !is_given_text(file.ncid, ms_dash_name(attribute))))
             return;
-        const char *stored = ms_enum_text(ms_format_of_nc_type(shape.type, -1));
+        const char *stored = ms_enum_text(ms_format_of_nc_type(shape->type, -1));
         if (stored && qstrcmp(text, stored) != 0)
             add(kind, 1, quoted(stored), quoted(text));
     }
@@ -229,6 +228,6 @@ QList<MsDoubt> ms_list_doubts(int ncid, const QString &name, const MsDoubtOption
     MsFileState *file = ms_file_state(ncid);
     if (!file)
         return {};
-    ms_look_at_length(file);
+    file->data.look_at_length();
     return List(*file, name, options).make();
 }

@@ -1,8 +1,7 @@
 // What the numbers of all scans say about a run: where points lie, and when they were taken.
 
-#include "access_p.h"
 #include "doubts_p.h"
-#include "missingdata_p.h"
+#include "filestate_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,14 +16,14 @@ constexpr std::size_t numbers_at_once = 1024;
 class Numbers
 {
 public:
-    Numbers(const MsFileState &state, int slot_) : file(state), slot(slot_)
+    Numbers(MsFileState &state, int slot_) : file(state), slot(slot_)
     {
-        MsShape shape;
-        if (!ms_inquire_shape(file, slot, &shape) || shape.rank != 1 || !ms_is_number(shape.type))
+        const MsShape *shape = file.column(slot).shape();
+        if (!shape || shape->rank() != 1 || !ms_is_number(shape->type))
             return;
-        kind = shape.type;
-        claimed = shape.length[0];
-        stored = ms_stored_elements(file, file.variables[slot], claimed);
+        kind = shape->type;
+        claimed = shape->length[0];
+        stored = file.data.count_stored(file.variables[slot], claimed);
     }
 
     bool exists() const { return kind != NC_NAT; }
@@ -38,10 +37,10 @@ public:
             return false;
         if (place < first || place - first >= numbers.size()) {
             first = place / numbers_at_once * numbers_at_once;
-            numbers.resize(std::min(numbers_at_once, stored - first));
-            if (ms_fetch_stretch(file.ncid, file.variables[slot], first, numbers.size(), NC_DOUBLE,
-                                 numbers.data())
-                != NC_NOERR) {
+            const std::size_t count = std::min(numbers_at_once, stored - first);
+            numbers.resize(count);
+            if (file.data.read({file.variables[slot], 1, &first, &count}, NC_DOUBLE, numbers.data())
+                != MsFetch::Read) {
                 stored = 0;
                 return false;
             }
@@ -51,7 +50,7 @@ public:
     }
 
 private:
-    const MsFileState &file;
+    MsFileState &file;
     int slot;
     nc_type kind = NC_NAT;
     std::size_t claimed = 0;
@@ -71,7 +70,7 @@ std::size_t scans_looked_at(const MsFileState &file)
     constexpr quint64 always = 1 << 22;
     const MsDimension &scans = file.dimensions[MsDim_scan_number];
     const quint64 count = scans.id == -1 ? 0 : quint64(std::max(scans.size, 0));
-    return std::size_t(std::min(count, std::max(always, file.most_bytes / 1000)));
+    return std::size_t(std::min(count, std::max(always, file.data.most_bytes() / 1000)));
 }
 
 // The positions of the points of a scan, and of the flags behind them.
@@ -86,7 +85,7 @@ struct Extent {
 class PointsOfScans
 {
 public:
-    PointsOfScans(const MsFileState &state, std::size_t scan_count, MsFindings *found)
+    PointsOfScans(MsFileState &state, std::size_t scan_count, MsFindings *found)
         : file(state), scans(scan_count), findings(*found)
     {
         points = std::numeric_limits<qint64>::max();
@@ -217,7 +216,7 @@ private:
         return false;
     }
 
-    const MsFileState &file;
+    MsFileState &file;
     std::size_t scans;
     MsFindings &findings;
     bool has_points = false;
@@ -229,7 +228,7 @@ private:
 };
 
 // Counts that can't be, and numbers of scans that were never written.
-void look_at_counts(const MsFileState &file, std::size_t scans, MsFindings &findings)
+void look_at_counts(MsFileState &file, std::size_t scans, MsFindings &findings)
 {
     Numbers counts(file, MsVar_point_count);
     Numbers flags(file, MsVar_flag_count);
@@ -254,7 +253,7 @@ void look_at_counts(const MsFileState &file, std::size_t scans, MsFindings &find
 class TimesOfScans
 {
 public:
-    TimesOfScans(const MsFileState &state, std::size_t scan_count, MsFindings *found)
+    TimesOfScans(MsFileState &state, std::size_t scan_count, MsFindings *found)
         : scans(scan_count), findings(*found), times(state, MsVar_scan_acquisition_time)
     {
     }
@@ -354,7 +353,7 @@ private:
 };
 
 // The trace of a run without masses is all that a reader gets of it.
-void look_at_totals(const MsFileState &file, std::size_t scans, MsFindings &findings)
+void look_at_totals(MsFileState &file, std::size_t scans, MsFindings &findings)
 {
     if (file.has_mass_values || scans == 0)
         return;

@@ -1,8 +1,8 @@
 // The file registry, and opening and closing.
 
-#include "access_p.h"
+#include "define_p.h"
 #include "filestate_p.h"
-#include "missingdata_p.h"
+#include "inquire_p.h"
 
 #include "messageloggerinterface.h"
 
@@ -49,22 +49,13 @@ void report_damage(const char *path)
         nullptr);
 }
 
-void report_missing_data(const char *path, const MsFileState &state)
+void report_missing_data(const char *path, const MsFileData &data)
 {
     MessageLoggerInterface::Warning(
         QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
-            .arg(shown_name(path), QString::number(ms_lacking(state)),
-                 QString::number(state.layout->needed)),
+            .arg(shown_name(path), QString::number(data.missing_bytes()),
+                 QString::number(data.classic_layout()->needed)),
         nullptr);
-}
-
-// What a file of that length can hold: the tightest packing in use, deflate, makes of a byte 1,032 at the
-// most. The rest is for small variables that were never written.
-quint64 most_bytes(quint64 length)
-{
-    constexpr quint64 tightest = 1100;
-    constexpr quint64 unwritten = 1 << 20;
-    return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
 }
 
 // A file that netCDF has just opened. Whatever way an opening ends, exhausted memory too, the file is
@@ -89,20 +80,35 @@ private:
 
 // The state of a file that was just opened. Its id may have a record still, of a file that was closed
 // without the toolkit: that record stands, but nothing beside it speaks for the new file.
-MsFileState *begin(int ncid)
+MsFileState &begin(int ncid)
 {
     ms_register_file(ncid);
-    MsFileState *state = ms_file_state(ncid);
-    state->most_bytes = std::numeric_limits<quint64>::max();
-    state->layout.reset();
-    state->handle.close();
-    state->handle.clear();
-    state->columns.reset();
-    state->tally = MsTally();
+    MsFileState &state = *ms_file_state(ncid);
+    state.forget();
     return state;
 }
 
 } // namespace
+
+MsFileState::MsFileState(int id) : MsFileRecord(), data(id)
+{
+    ncid = id;
+    experiment_type = MsCentroidedSpectrum;
+    mass_format = MsShortFormat;
+    time_format = MsShortFormat;
+    intensity_format = MsLongFormat;
+    for (MsDimension &dimension : dimensions)
+        dimension = {-1, 0};
+    for (qint32 &variable : variables)
+        variable = -1;
+}
+
+void MsFileState::forget()
+{
+    data = MsFileData(ncid);
+    columns = {};
+    tally = MsTally();
+}
 
 MsFileState *ms_file_state(int ncid)
 {
@@ -119,7 +125,7 @@ MsFileRecord *ms_file_record(int ncid)
 quint64 ms_missing_bytes(int ncid)
 {
     const MsFileState *file = ms_file_state(ncid);
-    return file ? ms_lacking(*file) : 0;
+    return file ? file->data.missing_bytes() : 0;
 }
 
 int ms_register_file(int ncid)
@@ -128,20 +134,7 @@ int ms_register_file(int ncid)
     if (!files || files->contains(ncid))
         return 0;
 
-    auto file = std::make_unique<MsFileState>();
-    file->ncid = ncid;
-    file->experiment_type = MsCentroidedSpectrum;
-    file->mass_format = MsShortFormat;
-    file->time_format = MsShortFormat;
-    file->intensity_format = MsLongFormat;
-    file->has_mass_values = 0;
-    file->has_time_values = 0;
-    for (MsDimension &dimension : file->dimensions)
-        dimension = {-1, 0};
-    for (qint32 &variable : file->variables)
-        variable = -1;
-    file->next_point_index = 0;
-
+    auto file = std::make_unique<MsFileState>(ncid);
     files->insert(ncid, file.get());
     static_cast<void>(file.release());
     return 0;
@@ -174,17 +167,12 @@ int ms_open_read(const char *path)
     if (file.id() == -1)
         return -1;
 
-    MsFileState *state = begin(file.id());
-    state->columns = std::make_unique<MsColumn[]>(MsVariableCount);
-    state->most_bytes = most_bytes(layout.length);
-    if (header == MsHeader::Sound) {
-        state->layout = std::make_unique<MsClassicLayout>(std::move(layout));
-        state->handle.open(path, std::ios::binary);
-        if (ms_lacking(*state) > 0)
-            report_missing_data(path, *state);
-    }
-    if (ms_inquire_dimensions(file.id()) == -1 || ms_inquire_variables(file.id()) == -1)
-        return -1;
+    MsFileState &state = begin(file.id());
+    state.data.open_read(path, header, std::move(layout));
+    if (state.data.missing_bytes() > 0)
+        report_missing_data(path, state.data);
+    ms_inquire_dimensions(state);
+    ms_inquire_variables(state);
     return file.hand_out();
 }
 
@@ -200,9 +188,9 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
     if (file.id() == -1)
         return -1;
 
-    begin(file.id());
-    if (ms_define_dimensions(file.id(), scan_count, instrument_count) == -1
-        || ms_define_variables(file.id(), experiment_type, mass_format, time_format, intensity_format,
+    MsFileState &state = begin(file.id());
+    if (ms_define_dimensions(state, scan_count, instrument_count) == -1
+        || ms_define_variables(state, experiment_type, mass_format, time_format, intensity_format,
                                has_mass_values, has_time_values)
             == -1)
         return -1;

@@ -1,6 +1,9 @@
 // Clearing and releasing the global records.
 
-#include "access_p.h"
+#include "globalrecords_p.h"
+
+#include "field_p.h"
+#include "types_p.h"
 
 namespace {
 

@@ -1,6 +1,9 @@
 // Groups of monitored masses.
 
 #include "define_p.h"
+#include "field_p.h"
+#include "inquire_p.h"
+#include "rows_p.h"
 
 #include <algorithm>
 
@@ -29,21 +32,21 @@ void clear_arrays(MsGroupRecord *group)
     group->group_delay_times = nullptr;
 }
 
-bool is_group(const MsFileRecord &file, const MsGroupRecord &group)
+bool is_group(const MsFileState &file, const MsGroupRecord &group)
 {
     return group.group_number >= 0 && group.group_number < file.dimensions[MsDim_group_number].size;
 }
 
 // False where a file of that length can't hold such arrays; some may be allocated then.
-bool allocate_arrays(const MsFileRecord &file, MsGroupRecord *group)
+bool allocate_arrays(const MsFileState &file, MsGroupRecord *group)
 {
-    const qint32 width = file.dimensions[MsDim_group_max_masses].size;
-    if (quint64(width) * sizeof(double) > ms_state_of(file).most_bytes)
+    const auto width = quint32(file.dimensions[MsDim_group_max_masses].size);
+    if (!file.data.can_hold(width * sizeof(double)))
         return false;
     for (const MsVariableRow &row : ms_group_table) {
         if (!has_array(row))
             continue;
-        double *array = static_cast<double *>(ms_alloc_array(quint32(width), NC_DOUBLE));
+        auto *array = static_cast<double *>(ms_alloc_array(width, NC_DOUBLE));
         if (!array)
             return false;
         ms_field<double *>(group, row.field) = array;
@@ -52,24 +55,22 @@ bool allocate_arrays(const MsFileRecord &file, MsGroupRecord *group)
 }
 
 // The row's array of a group: missing values where the file lacks the variable, or has no numbers in it.
-int read_array(const MsFileRecord &file, const MsVariableRow &row, MsGroupRecord *group)
+int read_array(MsFileState &file, const MsVariableRow &row, MsGroupRecord *group)
 {
-    const qint32 width = file.dimensions[MsDim_group_max_masses].size;
+    const auto width = std::size_t(file.dimensions[MsDim_group_max_masses].size);
     double *array = ms_field<double *>(group, row.field);
-    const MsPresence presence = ms_check_variable(file, row);
-    if (presence == MsPresence::WrongRank)
+    MsColumn &column = file.column(row.slot);
+    const MsShape *shape = column.shape();
+    if (shape && !ms_fits(*shape, row))
         return -1;
-    MsShape shape;
-    if (presence == MsPresence::Present && ms_inquire_shape(file, row.slot, &shape)
-        && ms_is_number(shape.type))
-        return ms_read_line(file, row.slot, group->group_number, width, array);
+    if (shape && ms_is_number(shape->type))
+        return column.line(std::size_t(group->group_number), width, array) ? 0 : -1;
     std::fill_n(array, width, MsMissingDouble);
     return 0;
 }
 
-int read_rows(const MsFileRecord &file, MsGroupRecord *group)
+int read_rows(MsFileState &file, MsGroupRecord *group)
 {
-    const qint32 width = file.dimensions[MsDim_group_max_masses].size;
     for (const MsVariableRow &row : ms_group_table) {
         const int status = has_array(row) ? read_array(file, row, group)
                                           : ms_read_row(file, row, group->group_number, group);
@@ -78,6 +79,7 @@ int read_rows(const MsFileRecord &file, MsGroupRecord *group)
     }
 
     // Places beyond the group's own masses are missing; without a count, all are.
+    const qint32 width = file.dimensions[MsDim_group_max_masses].size;
     const qint32 used = std::clamp(group->group_mass_count, 0, width);
     for (const MsVariableRow &row : ms_group_table) {
         if (has_array(row)) {
@@ -102,9 +104,28 @@ void ms_init_group(char release, MsGroupRecord *group)
     clear_arrays(group);
 }
 
+int ms_inquire_groups(int ncid, qint32 *group_count, qint32 *max_masses)
+{
+    MsFileState *file = ms_file_state(ncid);
+    if (!group_count || !max_masses || !file)
+        return -1;
+
+    *group_count = 0;
+    *max_masses = 0;
+    const MsDimension &groups = file->dimensions[MsDim_group_number];
+    const MsDimension &masses = file->dimensions[MsDim_group_max_masses];
+    if (groups.id == -1 || masses.id == -1)
+        return 0;
+
+    *group_count = groups.size;
+    *max_masses = masses.size;
+    ms_inquire_rows(*file, ms_group_table);
+    return 0;
+}
+
 int ms_read_group(int ncid, MsGroupRecord *group)
 {
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file || !group || !is_group(*file, *group))
         return -1;
 
@@ -118,14 +139,14 @@ int ms_read_group(int ncid, MsGroupRecord *group)
 
 int ms_define_groups(int ncid, qint32 group_count, qint32 max_masses)
 {
-    MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file || group_count < 1 || max_masses < 1)
         return -1;
 
     ncredef(ncid);
-    if (ms_define_dimension(file, MsDim_group_number, group_count) == -1
-        || ms_define_dimension(file, MsDim_group_max_masses, max_masses) == -1
-        || ms_define_variables_of(file, ms_group_table) == -1)
+    if (ms_define_dimension(*file, MsDim_group_number, group_count) == -1
+        || ms_define_dimension(*file, MsDim_group_max_masses, max_masses) == -1
+        || ms_define_rows(*file, ms_group_table) == -1)
         return -1;
     ncendef(ncid);
     return 0;
@@ -133,7 +154,7 @@ int ms_define_groups(int ncid, qint32 group_count, qint32 max_masses)
 
 int ms_write_group(int ncid, const MsGroupRecord *group)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file || !group || !is_group(*file, *group))
         return -1;
     if (!group->group_masses || !group->group_sampling_times || !group->group_delay_times)
@@ -147,7 +168,7 @@ int ms_write_group(int ncid, const MsGroupRecord *group)
         }
         const long start[2] = {group->group_number, 0};
         const long count[2] = {1, file->dimensions[MsDim_group_max_masses].size};
-        if (ncvarput(ncid, ms_variable(*file, row), start, count, ms_field<double *>(group, row.field))
+        if (ncvarput(ncid, file->variables[row.slot], start, count, ms_field<double *>(group, row.field))
             == -1)
             return -1;
     }

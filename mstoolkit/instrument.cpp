@@ -1,6 +1,6 @@
 // The components of the instrument.
 
-#include "access_p.h"
+#include "rows_p.h"
 
 namespace {
 
@@ -16,38 +16,26 @@ qint32 component_of(const MsFileRecord &file, const MsInstrumentRecord &instrume
 
 void ms_init_instrument(char release, MsInstrumentRecord *instrument)
 {
-    if (!instrument)
-        return;
-    for (const MsVariableRow &row : ms_instrument_table)
-        ms_clear_row(release, row, instrument);
+    if (instrument)
+        ms_clear_rows(release, ms_instrument_table, instrument);
 }
 
 int ms_read_instrument(int ncid, MsInstrumentRecord *instrument)
 {
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!instrument || !file)
         return -1;
 
     const qint32 component = component_of(*file, *instrument);
     if (component >= file->dimensions[MsDim_instrument_number].size)
         return -1;
-    for (const MsVariableRow &row : ms_instrument_table) {
-        if (ms_read_row(*file, row, component, instrument) == -1)
-            return -1;
-    }
-    return 0;
+    return ms_read_rows(*file, ms_instrument_table, component, instrument);
 }
 
 int ms_write_instrument(int ncid, const MsInstrumentRecord *instrument)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!instrument || !file)
         return -1;
-
-    const qint32 component = component_of(*file, *instrument);
-    for (const MsVariableRow &row : ms_instrument_table) {
-        if (ms_write_row(*file, row, component, instrument) == -1)
-            return -1;
-    }
-    return 0;
+    return ms_write_rows(*file, ms_instrument_table, component_of(*file, *instrument), instrument);
 }

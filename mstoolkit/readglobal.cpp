@@ -1,11 +1,16 @@
 // Reading the global records of a file.
 
-#include "access_p.h"
+#include "field_p.h"
+#include "globalrecords_p.h"
+#include "msformat.h"
+#include "rows_p.h"
+#include "text_p.h"
 
 #include "messageloggerinterface.h"
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -24,7 +29,7 @@ struct Attribute {
     bool present;
 };
 
-Attribute find_attribute(const MsFileRecord &file, const MsAttributeRow &row)
+Attribute find_attribute(const MsFileState &file, const MsAttributeRow &row)
 {
     Attribute attribute;
     attribute.holder = row.variable == -1 ? NC_GLOBAL : file.variables[row.variable];
@@ -73,28 +78,21 @@ template <class T> bool fetch_first(int ncid, const Attribute &attribute, T *val
 // read.
 QVariant fetch_number(int ncid, const Attribute &attribute)
 {
-    const auto fetch = [&](auto value, auto variant_of) {
-        return fetch_first(ncid, attribute, &value) ? QVariant(variant_of(value)) : QVariant();
+    const auto fetch = [&](auto value) {
+        if (!fetch_first(ncid, attribute, &value))
+            return QVariant();
+        if constexpr (std::is_integral_v<decltype(value)>)
+            return QVariant(int(value));
+        else
+            return QVariant(value);
     };
-    const auto as_int = [](auto value) { return int(value); };
-    const auto as_it_is = [](auto value) { return value; };
-    switch (attribute.type) {
-    case NC_BYTE:
-        return fetch(qint8(), as_int);
-    case NC_SHORT:
-        return fetch(qint16(), as_int);
-    case NC_LONG:
-        return fetch(qint32(), as_int);
-    case NC_FLOAT:
-        return fetch(float(), as_it_is);
-    case NC_DOUBLE:
-        return fetch(double(), as_it_is);
-    default:
-        return QVariant();
-    }
+    if (attribute.type == NC_BYTE)
+        return fetch(qint8());
+    return ms_with_format(ms_format_of_nc_type(attribute.type, 0),
+                          [&](auto *type) { return fetch(std::remove_pointer_t<decltype(type)>()); });
 }
 
-int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *record,
+int read_attribute(const MsFileState &file, const MsAttributeRow &row, void *record,
                    std::vector<char> *buffer)
 {
     const Attribute attribute = find_attribute(file, row);
@@ -135,7 +133,7 @@ int read_attribute(const MsFileRecord &file, const MsAttributeRow &row, void *re
     return 0;
 }
 
-int read_table(const MsFileRecord &file, const MsTable<MsAttributeRow> &table, void *record)
+int read_table(const MsFileState &file, const MsTable<MsAttributeRow> &table, void *record)
 {
     constexpr std::size_t first_capacity = 255;
     std::vector<char> buffer(first_capacity);
@@ -147,29 +145,30 @@ int read_table(const MsFileRecord &file, const MsTable<MsAttributeRow> &table, v
 }
 
 // The record has room for one line: the first one that isn't blank.
-int read_error_log(const MsFileRecord &file, MsAdminRecord *admin)
+int read_error_log(MsFileState &file, MsAdminRecord *admin)
 {
     // A file may claim more lines, and more bytes in them, than anybody would wait for.
-    constexpr quint64 lines_looked_at = 1000;
+    constexpr qint32 lines_looked_at = 1000;
 
     const MsVariableRow &row = *ms_error_table.begin();
-    const MsPresence presence = ms_check_variable(file, row);
-    if (presence == MsPresence::WrongRank)
+    const MsShape *shape = file.column(row.slot).shape();
+    if (shape && !ms_fits(*shape, row))
         return -1;
 
     admin->error_log = nullptr;
-    if (presence == MsPresence::Absent)
+    if (!shape)
         return 0;
+    const qint32 lines = std::min(file.dimensions[row.dims[0]].size, lines_looked_at);
     const qint32 width = file.dimensions[row.dims[1]].size;
-    const quint64 lines_held = ms_state_of(file).most_bytes / quint64(std::max(width, 1));
-    const auto lines =
-        qint32(std::min({quint64(file.dimensions[row.dims[0]].size), lines_looked_at, lines_held}));
-    for (qint32 i = 0; i < lines && !admin->error_log; ++i)
-        admin->error_log = ms_read_string_variable(file.ncid, ms_variable(file, row), i, -1, width);
+    const auto is_held = [&](qint32 line) {
+        return file.data.can_hold((quint64(line) + 1) * quint64(width));
+    };
+    for (qint32 i = 0; i < lines && is_held(i) && !admin->error_log; ++i)
+        admin->error_log = ms_read_text(file.data, *shape, {file.variables[row.slot], i, -1, width});
     return 0;
 }
 
-int take_sizes(const MsFileRecord &file, MsAdminRecord *admin, MsRawGlobalRecord *raw)
+int take_sizes(const MsFileState &file, MsAdminRecord *admin, MsRawGlobalRecord *raw)
 {
     const MsDimension &scans = file.dimensions[MsDim_scan_number];
     const MsDimension &points = file.dimensions[MsDim_point_number];
@@ -194,53 +193,42 @@ char *latin1_block(const QString &text)
     return block;
 }
 
-template <class Number> Number number_or_missing(Number number, bool known)
+// A number as a field of its type has it.
+template <class Number> Number number_of(const QVariant &value)
 {
-    return known ? number : Number(MsMissingLong);
+    bool known = false;
+    if constexpr (std::is_integral_v<Number>) {
+        const int number = value.toInt(&known);
+        return Number(known ? number : MsMissingLong);
+    } else {
+        const double number = value.toDouble(&known);
+        return Number(known ? number : MsMissingDouble);
+    }
 }
 
 } // namespace
 
 void ms_store_variant(void *record, std::size_t field, const QVariant &value, qint32 type)
 {
-    bool known = false;
-    switch (type) {
-    case NC_BYTE:
+    const qint32 format = ms_format_of_nc_type(type, 0);
+    if (type == NC_BYTE) {
         ms_field<char>(record, field) = value.toChar().toLatin1();
-        break;
-    case NC_CHAR:
+    } else if (type == NC_CHAR) {
         ms_field<char *>(record, field) = latin1_block(value.toString());
-        break;
-    case NC_SHORT: {
-        const int number = value.toInt(&known);
-        ms_field<qint16>(record, field) = qint16(number_or_missing(number, known));
-        break;
-    }
-    case NC_LONG: {
-        const int number = value.toInt(&known);
-        ms_field<qint32>(record, field) = number_or_missing(number, known);
-        break;
-    }
-    case NC_FLOAT: {
-        const double number = value.toDouble(&known);
-        ms_field<float>(record, field) = float(number_or_missing(number, known));
-        break;
-    }
-    case NC_DOUBLE: {
-        const double number = value.toDouble(&known);
-        ms_field<double>(record, field) = number_or_missing(number, known);
-        break;
-    }
-    default:
+    } else if (format != 0) {
+        ms_with_format(format, [&](auto *stored) {
+            using Number = std::remove_pointer_t<decltype(stored)>;
+            ms_field<Number>(record, field) = number_of<Number>(value);
+        });
+    } else {
         MessageLoggerInterface::Warning(QStringLiteral("Bad value transcoding"), nullptr);
-        break;
     }
 }
 
 int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                    MsRawGlobalRecord *raw)
 {
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!admin || !sample || !test || !raw || !file)
         return -1;
 
@@ -248,8 +236,7 @@ int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTes
         || read_table(*file, ms_test_table, test) == -1 || read_table(*file, ms_raw_table, raw) == -1
         || read_error_log(*file, admin) == -1 || take_sizes(*file, admin, raw) == -1)
         return -1;
-    MsTally &tally = ms_file_state(ncid)->tally;
-    tally.raw = *raw;
-    tally.knows_globals = true;
+    file->tally.raw = *raw;
+    file->tally.knows_globals = true;
     return 0;
 }

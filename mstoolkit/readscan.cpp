@@ -1,16 +1,23 @@
 // Reading one scan.
 
-#include "access_p.h"
+#include "rows_p.h"
+#include "scanrecord_p.h"
 
 namespace {
 
-int read_numbers(const MsFileRecord &file, MsScanRecord *scan)
+int read_numbers(MsFileState &file, MsScanRecord *scan)
 {
-    for (const MsVariableRow &row : ms_per_scan_table) {
-        if (ms_read_row(file, row, scan->scan_number, scan) == -1)
-            return -1;
-    }
-    return 0;
+    return ms_read_rows(file, ms_per_scan_table, scan->scan_number, scan);
+}
+
+// A counter over scan_number. -1 if it can't be read as a 32-bit number.
+int read_counter(MsFileState &file, int slot, qint32 scan, qint32 *value)
+{
+    MsColumn &column = file.column(slot);
+    const MsShape *shape = column.shape();
+    if (!shape || shape->rank() != 1)
+        return -1;
+    return column.number(std::size_t(scan), NC_LONG, value) == MsFetch::Read ? 0 : -1;
 }
 
 // An axis or the intensities, with the nc type of the vectors in memory.
@@ -19,11 +26,16 @@ struct Axis {
     qint32 nc_type;
 };
 
-// A vector of the file as a new array in the fixed format of the flags.
-MsBlock<void> read_flags(const MsFileRecord &file, const Axis &axis, qint64 start, qint32 count,
-                         qint32 format)
+MsBlock<void> read_vector(MsFileState &file, const Axis &axis, qint64 start, qint32 count)
 {
-    const MsBlock<void> stored = ms_read_vector(file, axis.slot, axis.nc_type, start, count);
+    MsColumn &column = file.column(axis.slot);
+    return column.shape() ? column.points(start, count, axis.nc_type) : nullptr;
+}
+
+// A vector of the file as a new array in the fixed format of the flags.
+MsBlock<void> read_flags(MsFileState &file, const Axis &axis, qint64 start, qint32 count, qint32 format)
+{
+    const MsBlock<void> stored = read_vector(file, axis, start, count);
     if (!stored)
         return nullptr;
     MsBlock<void> flags(ms_alloc_array(quint32(count), ms_nc_type_of_format(format, NC_LONG)));
@@ -33,14 +45,14 @@ MsBlock<void> read_flags(const MsFileRecord &file, const Axis &axis, qint64 star
 }
 
 // The points of a scan from position `start` on, and the flags directly behind them.
-int read_vectors(const MsFileRecord &file, qint64 start, MsScanRecord *scan)
+int read_vectors(MsFileState &file, qint64 start, MsScanRecord *scan)
 {
     const Axis masses = {MsVar_mass_values, ms_nc_type_of_format(file.mass_format, NC_SHORT)};
     const Axis times = {MsVar_time_values, ms_nc_type_of_format(file.time_format, NC_SHORT)};
     const Axis intensities = {MsVar_intensity_values,
                               ms_nc_type_of_format(file.intensity_format, NC_LONG)};
     const auto read = [&](const Axis &axis) {
-        return ms_read_vector(file, axis.slot, axis.nc_type, start, scan->point_count).release();
+        return read_vector(file, axis, start, scan->point_count).release();
     };
 
     Axis flag_axis = {MsVar_time_values, NC_LONG}; // of a file with neither axis: its read fails
@@ -73,16 +85,16 @@ int read_vectors(const MsFileRecord &file, qint64 start, MsScanRecord *scan)
     return scan->flag_values ? 0 : -1;
 }
 
-int read_scan(const MsFileRecord &file, MsScanRecord *scan)
+int read_scan(MsFileState &file, MsScanRecord *scan)
 {
     if (read_numbers(file, scan) == -1)
         return -1;
 
     qint32 scan_index = 0;
-    if (ms_read_counter(file, MsVar_scan_index, scan->scan_number, &scan_index) == -1
-        || ms_read_counter(file, MsVar_point_count, scan->scan_number, &scan->point_count) == -1)
+    if (read_counter(file, MsVar_scan_index, scan->scan_number, &scan_index) == -1
+        || read_counter(file, MsVar_point_count, scan->scan_number, &scan->point_count) == -1)
         return -1;
-    if (ms_read_counter(file, MsVar_flag_count, scan->scan_number, &scan->flag_count) == -1)
+    if (read_counter(file, MsVar_flag_count, scan->scan_number, &scan->flag_count) == -1)
         scan->flag_count = 0;
 
     ms_clear_vectors(scan);
@@ -93,7 +105,7 @@ int read_scan(const MsFileRecord &file, MsScanRecord *scan)
 
 int ms_read_scan_header(int ncid, MsScanRecord *scan)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
     return scan ? read_numbers(*file, scan) : 0;
@@ -101,12 +113,12 @@ int ms_read_scan_header(int ncid, MsScanRecord *scan)
 
 int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
     if (scan && read_scan(*file, scan) == -1)
         return -1;
     if (!library || file->experiment_type != MsLibrarySpectrum)
         return 0;
-    return ms_read_library_entry(*file, library);
+    return ms_read_rows(*file, ms_library_table, library->entry_index, library);
 }

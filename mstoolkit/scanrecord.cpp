@@ -1,6 +1,8 @@
 // Clearing and releasing scan and library records.
 
-#include "access_p.h"
+#include "scanrecord_p.h"
+
+#include "rows_p.h"
 
 namespace {
 
@@ -15,8 +17,7 @@ void release_vectors(const MsScanRecord &scan)
 
 void clear_scan(char release, MsScanRecord *scan)
 {
-    for (const MsVariableRow &row : ms_per_scan_table)
-        ms_clear_row(release, row, scan);
+    ms_clear_rows(release, ms_per_scan_table, scan);
     scan->scan_number = -1;
     scan->point_count = 0;
     scan->flag_count = 0;
@@ -27,8 +28,7 @@ void clear_scan(char release, MsScanRecord *scan)
 
 void clear_entry(char release, MsLibraryRecord *library)
 {
-    for (const MsVariableRow &row : ms_library_table)
-        ms_clear_row(release, row, library);
+    ms_clear_rows(release, ms_library_table, library);
     library->entry_index = -1;
 }
 

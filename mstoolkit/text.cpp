@@ -1,7 +1,8 @@
 // Texts in a file: enumerated attributes and text variables.
 
-#include "access_p.h"
-#include "missingdata_p.h"
+#include "text_p.h"
+
+#include "filestate_p.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,52 +20,64 @@ bool is_one_byte_wide(nc_type type)
     return type == NC_CHAR || type == NC_BYTE || type == NC_UBYTE;
 }
 
-// Where a text lies in its variable.
-struct TextPlace {
-    std::size_t start[2];
-    int rank;
+// Where a text begins in its variable.
+struct Start {
+    explicit Start(const MsTextPlace &place)
+        : rank(place.row < 0 ? 1 : 2), at{std::size_t(std::max(place.row, 0)),
+                                          std::size_t(std::max(place.column, 0))}
+    {
+    }
 
-    std::size_t &first_byte() { return start[rank - 1]; }
+    std::size_t &first_byte() { return at[rank - 1]; }
+    std::size_t first_byte() const { return at[rank - 1]; }
+
+    int rank;
+    std::size_t at[2];
 };
 
-// False where the variable has another type or rank: the buffers below are made for bytes, in one row.
-bool find_text(const MsShape &shape, qint32 row, qint32 column, TextPlace *place)
+// Whether the variable holds bytes in the rank that the place asks for: the buffers below are made for
+// bytes, in one row.
+bool holds_text(const MsShape &shape, const Start &start)
 {
-    place->rank = row < 0 ? 1 : 2;
-    place->start[0] = std::size_t(std::max(row, 0));
-    place->start[1] = std::size_t(std::max(column, 0));
-    return is_one_byte_wide(shape.type) && shape.rank == place->rank;
+    return is_one_byte_wide(shape.type) && shape.rank() == start.rank;
 }
 
-// Whether the variable has `size` bytes there now.
-bool has_text(const MsShape &shape, TextPlace place, qint32 size)
+// Whether it has `size` bytes there now.
+bool reaches(const MsShape &shape, const Start &start, qint32 size)
 {
-    return size > 0 && (place.rank == 1 || place.start[0] < shape.length[0])
-        && place.first_byte() + std::size_t(size) <= shape.length[place.rank - 1];
+    return size > 0 && (start.rank == 1 || start.at[0] < shape.length[0])
+        && start.first_byte() + std::size_t(size) <= shape.length.back();
 }
 
 // The bytes of a text up to its first NUL, at most width - 1 of them. In pieces, as most texts are short.
-bool fetch_text(int ncid, int varid, TextPlace place, qint32 width, std::string *text)
+bool fetch_text(MsFileData &data, int varid, Start start, qint32 width, std::string *text)
 {
     constexpr std::size_t piece = 4096;
-    MsFileState *state = ms_file_state(ncid);
     std::size_t left = std::size_t(width) - 1;
     std::vector<char> buffer(std::min(left, piece));
     while (left > 0) {
         const std::size_t size = std::min(left, piece);
-        const std::size_t count[2] = {place.rank == 1 ? size : 1, size};
-        if (nc_get_vara(ncid, varid, place.start, count, buffer.data()) != NC_NOERR
-            || ms_lies_beyond(state, varid, place.rank, place.start, count))
+        const std::size_t count[2] = {start.rank == 1 ? size : 1, size};
+        if (data.read({varid, start.rank, start.at, count}, NC_CHAR, buffer.data()) != MsFetch::Read)
             return false;
         const auto end = buffer.begin() + std::ptrdiff_t(size);
         const auto nul = std::find(buffer.begin(), end, '\0');
         text->append(buffer.begin(), nul);
         if (nul != end)
             break;
-        place.first_byte() += size;
+        start.first_byte() += size;
         left -= size;
     }
     return true;
+}
+
+// Calls `use` with the data of a file, which needn't be one of the registry.
+template <class Use> auto with_data(int ncid, Use use)
+{
+    if (MsFileState *file = ms_file_state(ncid))
+        return use(file->data);
+    MsFileData data(ncid);
+    return use(data);
 }
 
 } // namespace
@@ -85,15 +98,12 @@ qint32 ms_read_enum_attribute(int ncid, int varid, const char *name)
     return ms_enum_code(text.data());
 }
 
-char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width)
+char *ms_read_text(MsFileData &data, const MsShape &shape, const MsTextPlace &place)
 {
-    ms_let_failures_return();
-    MsShape shape;
-    TextPlace place;
+    const Start start(place);
     std::string text;
-    if (width > widest_text || !ms_ask_shape(ncid, varid, &shape)
-        || !find_text(shape, row, column, &place) || !has_text(shape, place, width)
-        || !fetch_text(ncid, varid, place, width, &text))
+    if (place.width > widest_text || !holds_text(shape, start) || !reaches(shape, start, place.width)
+        || !fetch_text(data, place.varid, start, place.width, &text))
         return nullptr;
 
     text.resize(text.find_last_not_of(' ') + 1); // npos + 1 is 0: nothing but blanks
@@ -104,20 +114,15 @@ char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qi
     return result;
 }
 
-int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
-                             const char *text)
+int ms_write_text(const MsFileData &data, const MsTextPlace &place, const char *text)
 {
-    ms_let_failures_return();
-    if (width < 1)
-        return -1;
-    // Behind a column only its own byte is written.
-    const qint32 moved = row < 0 || column < 0 ? width : 1;
     MsShape shape;
-    TextPlace place;
-    if (!ms_ask_shape(ncid, varid, &shape) || !find_text(shape, row, column, &place))
-        return -1; // the library judges the place itself: a dimension may grow by this
+    const Start start(place);
+    // The library judges the place itself: a dimension may grow by this.
+    if (place.width < 1 || !data.ask_shape(place.varid, &shape) || !holds_text(shape, start))
+        return -1;
 
-    const std::size_t size = std::size_t(width);
+    const std::size_t size = std::size_t(place.width);
     std::vector<char> buffer(size, ' ');
     if (text) {
         const std::size_t length = std::min(std::strlen(text), size - 1);
@@ -126,7 +131,27 @@ int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qin
     }
     buffer.back() = '\0';
 
-    const long start[2] = {long(place.start[0]), long(place.start[1])};
-    const long count[2] = {place.rank == 1 ? moved : 1, moved};
-    return ncvarput(ncid, varid, start, count, buffer.data()) == -1 ? -1 : 0;
+    // Behind a column only its own byte is written.
+    const long moved = place.row < 0 || place.column < 0 ? place.width : 1;
+    const long at[2] = {long(start.at[0]), long(start.at[1])};
+    const long count[2] = {start.rank == 1 ? moved : 1, moved};
+    return ncvarput(data.id(), place.varid, at, count, buffer.data()) == -1 ? -1 : 0;
+}
+
+char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width)
+{
+    return with_data(ncid, [&](MsFileData &data) -> char * {
+        MsShape shape;
+        if (!data.ask_shape(varid, &shape))
+            return nullptr;
+        return ms_read_text(data, shape, {varid, row, column, width});
+    });
+}
+
+int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
+                             const char *text)
+{
+    return with_data(ncid, [&](const MsFileData &data) {
+        return ms_write_text(data, {varid, row, column, width}, text);
+    });
 }

@@ -1,6 +1,6 @@
 // Date-time stamps of the template.
 
-#include "access_p.h"
+#include "types_p.h"
 
 #include <cstring>
 

@@ -1,6 +1,7 @@
 // nc types, data formats, memory and missing values.
 
-#include "access_p.h"
+#include "types_p.h"
+
 #include "msformat.h"
 
 #include <iterator>
@@ -59,6 +60,11 @@ quint32 ms_type_width(qint32 type)
     return 0;
 }
 
+bool ms_is_number(nc_type type)
+{
+    return type >= NC_BYTE && type <= NC_UINT64 && type != NC_CHAR;
+}
+
 void *ms_alloc_array(quint32 count, qint32 type)
 {
     const quint32 width = ms_type_width(type);
@@ -69,6 +75,13 @@ void *ms_alloc_array(quint32 count, qint32 type)
 void ms_free(void *block)
 {
     ::operator delete[](block);
+}
+
+void ms_clear_text(char release, char **text)
+{
+    if (release)
+        ms_free(*text);
+    *text = nullptr;
 }
 
 void ms_set_missing(qint32 type, void *array, qint32 index)

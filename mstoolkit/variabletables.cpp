@@ -1,6 +1,6 @@
 // What the template says of dimensions and variables: the tables that all walkers read.
 
-#include "access_p.h"
+#include "variabletables_p.h"
 
 #include <iterator>
 

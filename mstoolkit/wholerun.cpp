@@ -1,7 +1,6 @@
 // Readers of a variable over a whole run.
 
-#include "access_p.h"
-#include "missingdata_p.h"
+#include "filestate_p.h"
 #include "msformat.h"
 
 #include "tmath.h"
@@ -91,35 +90,11 @@ private:
     double power = 1.0;
 };
 
-// What a file that is cut off still has of a variable over the whole run.
-qint32 stored_elements(const MsFileRecord &file, int slot, qint32 count)
-{
-    return qint32(ms_stored_elements(ms_state_of(file), file.variables[slot], std::size_t(count)));
-}
-
-// The lengths of a variable of any rank, and one more number, so that there is an array even without
-// dimensions. False for an absent variable.
-bool ask_lengths(int ncid, int varid, std::vector<std::size_t> *lengths)
-{
-    int rank = 0;
-    if (nc_inq_varndims(ncid, varid, &rank) != NC_NOERR)
-        return false;
-    std::vector<int> dimensions(std::size_t(rank) + 1);
-    if (nc_inq_vardimid(ncid, varid, dimensions.data()) != NC_NOERR)
-        return false;
-    lengths->assign(dimensions.size(), 1);
-    for (std::size_t i = 0; i + 1 < dimensions.size(); ++i) {
-        if (!ms_ask_length(ncid, dimensions[i], &(*lengths)[i]))
-            return false;
-    }
-    return true;
-}
-
-// 0 also where there are more than can be counted.
-std::size_t product(const std::vector<std::size_t> &lengths)
+// The number of elements; 0 also where there are more than can be counted.
+std::size_t count_elements(const MsShape &shape)
 {
     std::size_t count = 1;
-    for (const std::size_t length : lengths) {
+    for (const std::size_t length : shape.length) {
         if (length == 0 || count > std::numeric_limits<std::size_t>::max() / length)
             return 0;
         count *= length;
@@ -129,40 +104,38 @@ std::size_t product(const std::vector<std::size_t> &lengths)
 
 // A variable with one element for each scan, whatever its rank. Numbers beyond the end of a file that is
 // cut off are missing.
-MsBlock<double> read_trace(const MsFileRecord &file, int slot, qint32 scan_count)
+MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
 {
-    const int varid = file.variables[slot];
-    MsShape shape;
-    std::vector<std::size_t> lengths;
-    if (quint64(scan_count) * sizeof(double) > ms_state_of(file).most_bytes
-        || !ms_inquire_shape(file, slot, &shape) || !ms_is_number(shape.type)
-        || !ask_lengths(file.ncid, varid, &lengths) || product(lengths) != std::size_t(scan_count))
+    const MsShape *shape = file.column(slot).shape();
+    const std::size_t size = std::size_t(scan_count);
+    if (!shape || !ms_is_number(shape->type) || count_elements(*shape) != size
+        || !file.data.can_hold(size * sizeof(double)))
         return nullptr;
     MsBlock<double> trace(static_cast<double *>(ms_alloc_array(quint32(scan_count), NC_DOUBLE)));
     if (!trace)
         return nullptr;
 
-    const qint32 stored = stored_elements(file, slot, scan_count);
-    if (stored == scan_count) {
-        // With the lengths: the library's own may be larger than the array.
-        const std::vector<std::size_t> start(lengths.size(), 0);
-        const int status =
-            nc_get_vara_double(file.ncid, varid, start.data(), lengths.data(), trace.get());
-        return status == NC_NOERR ? std::move(trace) : nullptr;
-    }
-    std::fill(trace.get(), trace.get() + scan_count, MsMissingDouble);
-    const std::size_t first = 0;
-    const std::size_t count = std::size_t(stored);
-    const bool read = shape.rank == 1 && stored > 0
-        && nc_get_vara_double(file.ncid, varid, &first, &count, trace.get()) == NC_NOERR;
-    return read ? std::move(trace) : nullptr;
+    const int varid = file.variables[slot];
+    std::vector<std::size_t> counts = shape->length;
+    counts.push_back(1); // so that there is an array even without dimensions
+    const std::vector<std::size_t> start(counts.size(), 0);
+    const MsSlab whole = {varid, shape->rank(), start.data(), counts.data()};
+    if (file.data.read(whole, NC_DOUBLE, trace.get()) == MsFetch::Read)
+        return trace;
+
+    const std::size_t stored = shape->rank() == 1 ? file.data.count_stored(varid, size) : 0;
+    if (stored < 1 || stored == size)
+        return nullptr;
+    std::fill_n(trace.get(), size, MsMissingDouble);
+    const MsSlab rest = {varid, 1, start.data(), &stored};
+    return file.data.read(rest, NC_DOUBLE, trace.get()) == MsFetch::Read ? std::move(trace) : nullptr;
 }
 
 } // namespace
 
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
 {
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
 
@@ -171,14 +144,16 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     if (!file->has_mass_values || count < 1)
         return 0;
 
-    MsShape shape;
-    if (!ms_inquire_shape(*file, MsVar_mass_values, &shape) || shape.length[0] != std::size_t(count))
+    MsColumn &column = file->column(MsVar_mass_values);
+    const MsShape *shape = column.shape();
+    if (!shape || shape->rank() != 1 || shape->length[0] != std::size_t(count))
         return -1;
     const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
     const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
-    const qint32 stored = stored_elements(*file, MsVar_mass_values, count);
-    // As for one vector: elements that were claimed and never written would be counted for hours.
-    if (quint64(stored) * ms_type_width(type) > ms_state_of(*file).most_bytes)
+    const auto stored =
+        qint64(file->data.count_stored(file->variables[MsVar_mass_values], shape->length[0]));
+    // Elements that were claimed and never written would be counted for hours.
+    if (stored < 1 || !file->data.can_hold(quint64(stored) * ms_type_width(type)))
         return -1;
     QSet<qint32> keys = masses;
     qint32 key_decimals = *decimals;
@@ -186,13 +161,11 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     // In stretches, which are still near the processor when they are counted.
     for (qint64 start = 0; start < stored && !census.is_over(); start += masses_at_once) {
         const auto size = qint32(std::min<qint64>(masses_at_once, stored - start));
-        const MsBlock<void> vector = ms_read_vector(*file, MsVar_mass_values, type, start, size);
+        const MsBlock<void> vector = column.points(start, size, type);
         if (!vector)
             return -1;
         census.take(vector.get(), format, size, scale);
     }
-    if (stored < 1)
-        return -1;
     masses = keys;
     *decimals = key_decimals;
     return 0;
@@ -202,7 +175,7 @@ int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, d
 {
     if (scan_count < 1)
         return -1;
-    const MsFileRecord *file = ms_file_to_read(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
     if (file->variables[MsVar_total_intensity] == -1)

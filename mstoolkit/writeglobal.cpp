@@ -1,6 +1,8 @@
 // Writing the global records to a new file.
 
-#include "access_p.h"
+#include "field_p.h"
+#include "msformat.h"
+#include "rows_p.h"
 
 #include <cstring>
 
@@ -29,27 +31,20 @@ bool is_missing(double value)
 // The value of a field as an attribute holds it; null where there is none to write.
 const void *value_of(const MsAttributeRow &row, const void *record, int *length)
 {
-    *length = 1;
-    const void *field = &ms_field<char>(record, row.field);
-    switch (row.nc_type) {
-    case NC_CHAR: {
+    if (row.nc_type == NC_CHAR) {
         const char *text = row.enumerated ? ms_enum_text(ms_field<qint32>(record, row.field))
                                           : ms_field<char *>(record, row.field);
         *length = text ? int(std::strlen(text)) + 1 : 0;
         return text;
     }
-    case NC_LONG:
-        return ms_field<qint32>(record, row.field) == MsMissingLong ? nullptr : field;
-    case NC_FLOAT:
-        return is_missing(ms_field<float>(record, row.field)) ? nullptr : field;
-    case NC_DOUBLE:
-        return is_missing(ms_field<double>(record, row.field)) ? nullptr : field;
-    default:
-        return nullptr;
-    }
+    *length = 1;
+    return ms_with_format(ms_format_of_nc_type(row.nc_type, 0), &ms_field<char>(record, row.field),
+                          [](const auto *number) -> const void * {
+                              return is_missing(double(*number)) ? nullptr : number;
+                          });
 }
 
-int write_table(const MsFileRecord &file, const MsTable<MsAttributeRow> &table, const void *record)
+int write_table(const MsFileState &file, const MsTable<MsAttributeRow> &table, const void *record)
 {
     for (const MsAttributeRow &row : table) {
         int length = 0;
@@ -63,7 +58,7 @@ int write_table(const MsFileRecord &file, const MsTable<MsAttributeRow> &table, 
     return 0;
 }
 
-int write_admin(const MsFileRecord &file, MsAdminRecord *admin)
+int write_admin(const MsFileState &file, MsAdminRecord *admin)
 {
     for (const auto &fixed : fixed_texts)
         admin->*fixed.field = const_cast<char *>(fixed.text); // only read below
@@ -73,12 +68,11 @@ int write_admin(const MsFileRecord &file, MsAdminRecord *admin)
     return status;
 }
 
-int write_error_log(const MsFileRecord &file, const MsAdminRecord &admin)
+int write_error_log(MsFileState &file, const MsAdminRecord &admin)
 {
-    const MsVariableRow &row = *ms_error_table.begin();
-    const qint32 lines = file.dimensions[row.dims[0]].size;
+    const qint32 lines = file.dimensions[MsDim_error_number].size;
     for (qint32 i = 0; i < lines; ++i) {
-        if (ms_write_row(file, row, i, &admin) == -1)
+        if (ms_write_rows(file, ms_error_table, i, &admin) == -1)
             return -1;
     }
     return 0;
@@ -89,7 +83,7 @@ int write_error_log(const MsFileRecord &file, const MsAdminRecord &admin)
 int ms_write_global(int ncid, MsAdminRecord *admin, const MsSampleRecord *sample,
                     const MsTestRecord *test, const MsRawGlobalRecord *raw)
 {
-    const MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!admin || !sample || !test || !raw || !file)
         return -1;
 

@@ -1,18 +1,16 @@
 // Writing one scan.
 
-#include "access_p.h"
+#include "rows_p.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace {
 
-int write_numbers(const MsFileRecord &file, const MsScanRecord &scan)
+int write_numbers(MsFileState &file, const MsScanRecord &scan)
 {
-    for (const MsVariableRow &row : ms_per_scan_table) {
-        if (ms_write_row(file, row, scan.scan_number, &scan) == -1)
-            return -1;
-    }
+    if (ms_write_rows(file, ms_per_scan_table, scan.scan_number, &scan) == -1)
+        return -1;
 
     const long at = scan.scan_number;
     const auto write = [&](int slot, qint32 value) {
@@ -88,24 +86,24 @@ bool is_complete(const MsFileRecord &file, const MsScanRecord &scan)
     return end <= std::numeric_limits<qint32>::max();
 }
 
-int write_scan(MsFileRecord *file, const MsScanRecord &scan)
+int write_scan(MsFileState &file, const MsScanRecord &scan)
 {
-    if (!is_complete(*file, scan))
+    if (!is_complete(file, scan))
         return -1;
-    if (write_numbers(*file, scan) == -1)
+    if (write_numbers(file, scan) == -1)
         return -1;
     if (scan.point_count < 1)
         return 0;
 
-    if (write_points(*file, scan) == -1)
+    if (write_points(file, scan) == -1)
         return -1;
-    file->next_point_index += scan.point_count;
+    file.next_point_index += scan.point_count;
     if (scan.flag_count < 1)
         return 0;
 
-    if (write_all_flags(*file, scan) == -1)
+    if (write_all_flags(file, scan) == -1)
         return -1;
-    file->next_point_index += scan.flag_count;
+    file.next_point_index += scan.flag_count;
     return 0;
 }
 
@@ -113,12 +111,12 @@ int write_scan(MsFileRecord *file, const MsScanRecord &scan)
 
 int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord *library)
 {
-    MsFileRecord *file = ms_file_record(ncid);
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
-    if (scan && write_scan(file, *scan) == -1)
+    if (scan && write_scan(*file, *scan) == -1)
         return -1;
     if (!library || file->experiment_type != MsLibrarySpectrum)
         return 0;
-    return ms_write_library_entry(*file, library);
+    return ms_write_rows(*file, ms_library_table, library->entry_index, library);
 }

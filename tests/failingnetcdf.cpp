@@ -60,7 +60,6 @@ PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, 
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
 PASS_ON(nc_inq_unlimdim, anError, (int id, int *dim), (id, dim))
 PASS_ON(nc_inq_vardimid, anError, (int id, int var, int *dims), (id, var, dims))
-PASS_ON(nc_inq_varndims, anError, (int id, int var, int *rank), (id, var, rank))
 
 #define PASS_ON_VARA(name, type)                                                                                       \
     PASS_ON(name, anError, (int id, int var, const Size *start, const Size *count, type *to),                          \
@@ -71,7 +70,6 @@ PASS_ON_VARA(nc_get_vara_short, short)
 PASS_ON_VARA(nc_get_vara_int, int)
 PASS_ON_VARA(nc_get_vara_float, float)
 PASS_ON_VARA(nc_get_vara_double, double)
-PASS_ON(nc_get_var_double, anError, (int id, int var, double *to), (id, var, to))
 
 // A failing close closes all the same, as the library's does.
 extern "C" int ncclose(int id)

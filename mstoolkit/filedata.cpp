@@ -1,0 +1,180 @@
+// The way of the elements of variables out of a file.
+
+#include "filedata_p.h"
+
+#include "msformat.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// What a file of that length can hold: the tightest packing in use, deflate, makes of a byte 1,032 at the
+// most. The rest is for small variables that were never written.
+quint64 most_bytes_of(quint64 length)
+{
+    constexpr quint64 tightest = 1100;
+    constexpr quint64 unwritten = 1 << 20;
+    return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
+}
+
+int get_vara(int ncid, const MsSlab &slab, qint16 *target)
+{
+    return nc_get_vara_short(ncid, slab.varid, slab.start, slab.count, target);
+}
+
+int get_vara(int ncid, const MsSlab &slab, qint32 *target)
+{
+    return nc_get_vara_int(ncid, slab.varid, slab.start, slab.count, target);
+}
+
+int get_vara(int ncid, const MsSlab &slab, float *target)
+{
+    return nc_get_vara_float(ncid, slab.varid, slab.start, slab.count, target);
+}
+
+int get_vara(int ncid, const MsSlab &slab, double *target)
+{
+    return nc_get_vara_double(ncid, slab.varid, slab.start, slab.count, target);
+}
+
+quint64 elements_of(const MsSlab &slab)
+{
+    quint64 result = 1;
+    for (int i = 0; i < slab.rank; ++i)
+        result = ms_product(result, slab.count[i]);
+    return result;
+}
+
+} // namespace
+
+void MsFileData::open_read(const char *path, MsHeader header, MsClassicLayout found)
+{
+    constant = true;
+    most = most_bytes_of(found.length);
+    if (header != MsHeader::Sound)
+        return;
+    layout = std::move(found);
+    handle.open(path, std::ios::binary);
+}
+
+void MsFileData::look_at_length()
+{
+    if (!layout)
+        return;
+    handle.clear();
+    if (!handle.seekg(0, std::ios::end))
+        return;
+    layout->length = std::min(layout->length, quint64(handle.tellg()));
+}
+
+quint64 MsFileData::missing_bytes() const
+{
+    return layout ? layout->needed - std::min(layout->needed, layout->length) : 0;
+}
+
+bool MsFileData::ask_length(int dimension, std::size_t *length) const
+{
+    if (nc_inq_dimlen(ncid, dimension, length) != NC_NOERR)
+        return false;
+    int unlimited = -1;
+    if (layout && !layout->counts_records && nc_inq_unlimdim(ncid, &unlimited) == NC_NOERR
+        && dimension == unlimited)
+        *length = std::size_t(layout->records);
+    return true;
+}
+
+bool MsFileData::ask_shape(int varid, MsShape *shape) const
+{
+    int rank = 0;
+    if (ncvarinq(ncid, varid, nullptr, &shape->type, &rank, nullptr, nullptr) == -1)
+        return false;
+    std::vector<int> dimensions(std::size_t(rank) + 1); // an array even without dimensions
+    if (nc_inq_vardimid(ncid, varid, dimensions.data()) != NC_NOERR)
+        return false;
+    shape->length.assign(std::size_t(rank), 0);
+    for (std::size_t i = 0; i < shape->length.size(); ++i) {
+        if (!ask_length(dimensions[i], &shape->length[i]))
+            return false;
+    }
+    return true;
+}
+
+// Null for a variable that the header doesn't have.
+const MsVariableExtent *MsFileData::extent_of(int varid) const
+{
+    const bool is_known = varid >= 0 && std::size_t(varid) < layout->variables.size();
+    return is_known ? &layout->variables[std::size_t(varid)] : nullptr;
+}
+
+// Bytes of the file behind a place.
+quint64 MsFileData::bytes_from(quint64 begin) const
+{
+    return layout->length - std::min(layout->length, begin);
+}
+
+std::size_t MsFileData::count_stored(int varid, std::size_t count)
+{
+    look_at_length();
+    if (missing_bytes() == 0)
+        return count;
+    const MsVariableExtent *extent = extent_of(varid);
+    if (!extent)
+        return 0;
+    const quint64 left = bytes_from(extent->begin);
+    if (left < extent->width || extent->stride == 0)
+        return 0;
+    return std::size_t(std::min<quint64>(count, (left - extent->width) / extent->stride + 1));
+}
+
+// Whether the file reaches to the last element.
+bool MsFileData::has(const MsSlab &slab) const
+{
+    if (missing_bytes() == 0)
+        return true;
+    const MsVariableExtent *extent = extent_of(slab.varid);
+    if (!extent)
+        return false;
+    // The slab lies within the variable's shape, so its sums don't wrap.
+    const quint64 last_line = slab.rank == 0 ? 0 : slab.start[0] + slab.count[0] - 1;
+    quint64 elements = slab.rank < 2 ? 1 : slab.start[1] + slab.count[1];
+    for (int i = 2; i < slab.rank; ++i)
+        elements = ms_product(elements, slab.count[i]);
+    return ms_sum(ms_product(last_line, extent->stride), ms_product(elements, extent->width))
+        <= bytes_from(extent->begin);
+}
+
+// Returns a netCDF status.
+int MsFileData::ask_library(const MsSlab &slab, qint32 type, void *target) const
+{
+    if (type == NC_CHAR) // bytes as they are
+        return nc_get_vara(ncid, slab.varid, slab.start, slab.count, target);
+    int status = NC_EBADTYPE;
+    ms_with_format(ms_format_of_nc_type(type, 0), [&](auto *numbers) {
+        status = get_vara(ncid, slab, static_cast<decltype(numbers)>(target));
+    });
+    return status;
+}
+
+MsFetch MsFileData::read(const MsSlab &slab, qint32 type, void *target)
+{
+    if (!has(slab))
+        return MsFetch::None;
+    const int status = ask_library(slab, type, target);
+    if (status == NC_ERANGE)
+        return MsFetch::None;
+    if (status != NC_NOERR)
+        return MsFetch::Failed;
+    look_at_length();
+    return has(slab) ? MsFetch::Read : MsFetch::None;
+}
+
+MsBlock<void> MsFileData::read_array(const MsSlab &slab, qint32 type)
+{
+    const quint64 count = elements_of(slab);
+    if (count > std::numeric_limits<quint32>::max() || !can_hold(count * ms_type_width(type))
+        || !has(slab))
+        return nullptr;
+    MsBlock<void> array(ms_alloc_array(quint32(count), type));
+    return array && read(slab, type, array.get()) == MsFetch::Read ? std::move(array) : nullptr;
+}

@@ -1,0 +1,101 @@
+// Private to the toolkit: the data of one open file. All elements of its variables come in through
+// MsFileData, which is the one place that knows what a file that is cut off still has: the library reads
+// zeros behind the end of a file that is shorter than its header says.
+#ifndef FILEDATA_P_H
+#define FILEDATA_P_H
+
+#include "classicheader_p.h"
+#include "types_p.h"
+
+#include <cstddef>
+#include <fstream>
+#include <limits>
+#include <optional>
+#include <vector>
+
+// What a file stores under a variable id.
+struct MsShape {
+    int rank() const { return int(length.size()); }
+
+    nc_type type = NC_NAT;
+    std::vector<std::size_t> length; // of each dimension, outermost first
+};
+
+// A part of one variable. `start` and `count` have a number for each of its `rank` dimensions, outermost
+// first, and lie within its shape. From the third dimension on all of it is asked for.
+struct MsSlab {
+    int varid;
+    int rank;
+    const std::size_t *start;
+    const std::size_t *count;
+};
+
+enum class MsFetch {
+    Read,
+    None, // numbers that the wanted type can't hold, or that lie beyond the end of the file
+    Failed
+};
+
+class MsFileData
+{
+public:
+    // Of a file that counts as whole, and whose shapes may change.
+    explicit MsFileData(int id) : ncid(id) { }
+
+    int id() const { return ncid; }
+
+    // From now on the data are those of the file `path`, which is only read. `layout` is what
+    // ms_inspect_header made of it, and `header` what it returned.
+    void open_read(const char *path, MsHeader header, MsClassicLayout layout);
+
+    // Whether shapes and elements stay as they are, so that what is known of them can be kept.
+    bool is_constant() const { return constant; }
+
+    // Returns where the data of a classic file that is only read lie, and its length as far as it is
+    // known; null for others.
+    const MsClassicLayout *classic_layout() const { return layout ? &*layout : nullptr; }
+
+    // Bytes that such a file lacks at its end.
+    quint64 missing_bytes() const;
+
+    // Takes note of a file that was cut since it was opened.
+    void look_at_length();
+
+    // Returns the bytes that a variable can have in a file of this length. A file of the newer kinds may
+    // claim any number of elements that were never written; neither time nor memory is spent on those.
+    quint64 most_bytes() const { return most; }
+    bool can_hold(quint64 bytes) const { return bytes <= most; }
+
+    // Asks for the size of a dimension. Where the header leaves the number of records open, the library
+    // has one as large as can be; this is the true one. False for an absent dimension.
+    bool ask_length(int dimension, std::size_t *length) const;
+
+    // Asks for the shape of a variable. False for an absent one.
+    bool ask_shape(int varid, MsShape *shape) const;
+
+    // How many of the first `count` elements of a variable of one dimension the file has now.
+    std::size_t count_stored(int varid, std::size_t count);
+
+    // Reads elements with conversion to `type`: NC_SHORT to NC_DOUBLE for a variable of numbers, or
+    // NC_CHAR for one whose elements are a byte wide. `target` has room for all of them.
+    MsFetch read(const MsSlab &slab, qint32 type, void *target);
+
+    // Reads the same as a new array. Null on failure; memory is made only for elements that the file has.
+    MsBlock<void> read_array(const MsSlab &slab, qint32 type);
+
+private:
+    const MsVariableExtent *extent_of(int varid) const;
+    quint64 bytes_from(quint64 begin) const;
+    bool has(const MsSlab &slab) const;
+    int ask_library(const MsSlab &slab, qint32 type, void *target) const;
+
+    int ncid;
+    bool constant = false;
+    quint64 most = std::numeric_limits<quint64>::max(); // see most_bytes
+    // Of a classic file that is only read: where its data lie, and a handle that tells how long it is
+    // now.
+    std::optional<MsClassicLayout> layout;
+    std::ifstream handle;
+};
+
+#endif // FILEDATA_P_H
