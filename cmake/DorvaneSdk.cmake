@@ -1,8 +1,8 @@
 # The host's own headers and libraries, from the folder DORVANE_SDK, under the names that platform/ gives
 # to its stand-ins. A library's headers lie in include/ or in a folder of the library's name there.
 
-# dorvane_library(NAME HEADER header LIBRARIES library...)
-function(dorvane_library name)
+# sdk_library(NAME HEADER header LIBRARIES library...)
+function(sdk_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "HEADER" "LIBRARIES")
     set(library Hsk.Dorvane.${name})
     # Not kept in the cache, where they would outlive a change of DORVANE_SDK.
@@ -17,7 +17,7 @@ function(dorvane_library name)
         INTERFACE_LINK_LIBRARIES "Qt5::Core;${arg_LIBRARIES}")
 endfunction()
 
-dorvane_library(Logger HEADER messageloggerinterface.h)
-dorvane_library(Maths HEADER tmath.h)
-dorvane_library(IO HEADER dvheader.h)
-dorvane_library(Import HEADER dvimportanalysisinterface.h LIBRARIES Dorvane::IO Dorvane::Logger)
+sdk_library(Logger HEADER messageloggerinterface.h)
+sdk_library(Maths HEADER tmath.h)
+sdk_library(IO HEADER dvheader.h)
+sdk_library(Import HEADER dvimportanalysisinterface.h LIBRARIES Dorvane::IO Dorvane::Logger)

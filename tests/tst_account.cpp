@@ -1,5 +1,6 @@
 // The running account of an import: where a line goes, and the attributes that are read for one.
 
+#include "debugger.h"
 #include "importaiams.h"
 #include "program.h"
 #include "rows.h"
@@ -68,6 +69,7 @@ struct Level {
     int level = 0;
     int loggerLevel = 0;
     int line = 0;
+    QByteArray label{}; // what a debugger sees in front of the message
 };
 
 struct Attribute {
@@ -88,16 +90,17 @@ private slots:
     void writesALine_data()
     {
         const Rows<Level> row;
-        row("debug") = {0, 100, 49};
-        row("warning") = {1, 300, 53};
+        row("debug") = {0, 100, 49, "Debug: "};
+        row("warning") = {1, 300, 53, "Warning: "};
         row("plain") = {2, 200, 61};
-        row("fatal") = {3, 500, 57};
+        row("fatal") = {3, 500, 57, "Fatal: "};
         row("any other") = {4, 200, 61};
     }
     void writesALine()
     {
         const Level &row = Rows<Level>::current();
-        const QString message = QString::fromUtf8("d\xC3\xA9lai : %1"); // no place for an argument
+        // No place for an argument, and a character beyond 16 bits.
+        const QString message = QString::fromUtf8("d\xC3\xA9lai : %1 \xF0\x9F\x98\x80");
         const auto write = [&] { testingMessageOutput(row.level, nullptr, message); };
         QCOMPARE(standardError(write), message.toUtf8() + '\n'); // without a logger
         Logger logger;
@@ -107,6 +110,14 @@ private slots:
         QCOMPARE(logger.line, row.line);
         QCOMPARE(logger.messages, QStringList(message));
         QCOMPARE(logger.flushed, 1);
+
+        QString seen;
+        const Debugger::Receiver before = Debugger::setReceiver([&](const QString &text) { seen += text; });
+        const QByteArray printed = standardError(write);
+        Debugger::setReceiver(before);
+        QCOMPARE(printed, QByteArray());
+        QCOMPARE(seen, QString::fromUtf8(row.label) + message + '\n');
+        QCOMPARE(logger.flushed, 2);
     }
 
     void readsAnAttribute_data()

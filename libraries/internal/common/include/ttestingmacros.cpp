@@ -9,6 +9,8 @@
 
 #ifdef Q_OS_WIN
 #include <windows.h>
+#else
+#include "debugger.h"
 #endif
 
 namespace {
@@ -39,18 +41,13 @@ const LevelRow &rowOf(int level)
     return plainRow;
 }
 
-// False where no debugger is attached, or the system has no way to tell.
+// Returns false if no debugger listens.
 bool sendToDebugger(const QString &line)
 {
-#ifdef Q_OS_WIN
     if (!IsDebuggerPresent())
         return false;
-    OutputDebugStringW(reinterpret_cast<const wchar_t *>(line.utf16()));
+    OutputDebugStringW(line.toStdWString().c_str());
     return true;
-#else
-    Q_UNUSED(line)
-    return false;
-#endif
 }
 
 } // namespace

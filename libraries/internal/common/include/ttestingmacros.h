@@ -4,8 +4,8 @@
 
 class QString;
 
-// Writes one diagnostic line: to the host's logger if there is one, and to the debugger if one is
-// attached, else to standard error. `level` is 0 debug, 1 warning, 2 plain, 3 fatal (which ends nothing);
+// Writes one diagnostic line: to the host's logger if there is one, and to the debugger if one listens,
+// else to standard error. `level` is 0 debug, 1 warning, 2 plain, 3 fatal (which ends nothing);
 // `context` isn't read.
 void testingMessageOutput(int level, const void *context, const QString &message);
 
