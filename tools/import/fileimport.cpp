@@ -27,7 +27,7 @@ bool hasScans(const QString &name)
 } // namespace
 
 FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine,
-                       JsonWriter *jsonWriter, const QString &name)
+                       ImportJson *jsonWriter, const QString &name)
     : prototype(plugin), options(commandLine), json(jsonWriter), fileName(name), messages(name),
       audit(name), progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
 {

@@ -5,9 +5,9 @@
 
 #include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
+#include "importjson.h"
 #include "importoptions.h"
 #include "importsummary.h"
-#include "jsonwriter.h"
 #include "messagelist.h"
 #include "progressbar.h"
 #include "runlimit.h"
@@ -17,7 +17,7 @@ class FileImport : private DVImportReceiver
 {
 public:
     // `json` may be null. All that is handed in must outlive the import.
-    FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine, JsonWriter *json,
+    FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine, ImportJson *json,
                const QString &fileName);
 
     // Whether the file was imported in full. If not, standard error says why.
@@ -42,7 +42,7 @@ private:
 
     DVImportAnalysisInterface &prototype;
     const ImportOptions &options;
-    JsonWriter *const json;
+    ImportJson *const json;
     const QString fileName;
     DVImportAnalysisInterface *working = nullptr; // during the run
     MessageList messages;

@@ -1,8 +1,8 @@
 // Plays the host: imports files through the plugin and shows what a host would receive.
 
 #include "fileimport.h"
+#include "importjson.h"
 #include "importoptions.h"
-#include "jsonwriter.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
 
@@ -37,7 +37,7 @@ void onInterrupt(int signal)
 
 int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options)
 {
-    JsonWriter json;
+    ImportJson json;
     const bool writesJson = !options.json.isEmpty();
     bool complete = !writesJson || json.open(options.json);
     int done = 0;

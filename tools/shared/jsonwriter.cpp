@@ -1,8 +1,5 @@
 #include "jsonwriter.h"
 
-#include "dvheader.h"
-#include "namecodec.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -12,8 +9,7 @@
 namespace {
 
 constexpr std::size_t bufferSize = 1 << 20;
-// Room for any number, with what stands around it.
-constexpr std::size_t numberSize = 40;
+constexpr std::size_t numberSize = 40; // the longest number has less
 
 } // namespace
 
@@ -31,38 +27,6 @@ bool JsonWriter::open(const QString &name)
     return isOpen;
 }
 
-void JsonWriter::beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize)
-{
-    put("{\"file\":");
-    string(shownName(name));
-    put(",\"header\":");
-    headerRecord(header);
-    put(",\"massTable\":");
-    array(table, tableSize, [this](float mass) { real(double(mass)); });
-    put(",\"scans\":[");
-    firstScan = true;
-}
-
-void JsonWriter::addScan(double time, double total, int pointCount, const float *abundances,
-                         const unsigned short *positions)
-{
-    put(firstScan ? "{\"time\":" : ",{\"time\":");
-    firstScan = false;
-    real(time);
-    put(",\"total\":");
-    real(total);
-    put(",\"positions\":");
-    array(positions, pointCount, [this](unsigned short position) { integer(position); });
-    put(",\"abundances\":");
-    array(abundances, pointCount, [this](float abundance) { real(double(abundance)); });
-    put("}");
-}
-
-void JsonWriter::endFile()
-{
-    put("]}\n");
-}
-
 bool JsonWriter::finish()
 {
     if (!file.isOpen())
@@ -74,43 +38,31 @@ bool JsonWriter::finish()
     return !failed;
 }
 
-void JsonWriter::headerRecord(const DVHeader &header)
+void JsonWriter::put(const char *text)
 {
-    const auto number = [&](const char *key, DVHeader::Value value, auto write) {
-        put(key);
-        header.isSet(value) ? write() : put("null");
-    };
-    // clang-format off
-    number("{\"scanCount\":",           DVHeader::NbScans,     [&] { integer(header.getNbScans()); });
-    number(",\"modulation\":",          DVHeader::Modulation,  [&] { real(double(header.getModulation())); });
-    number(",\"abundanceBits\":",       DVHeader::NbBitsAbund, [&] { integer(header.getNbBitsAbund()); });
-    number(",\"abundanceCoefficient\":", DVHeader::CoeffAbund, [&] { integer(header.getCoeffAbund()); });
-    number(",\"date\":",                DVHeader::Date,        [&] { integer(header.getDate()); });
-    put(",\"device\":");
-    latin1(header.getDevice());
-    put(",\"experimentName\":");
-    latin1(header.getExpName());
-    put(",\"retentionUnit\":");
-    string(header.getRetentionUnit());
-    number(",\"runLength\":",        DVHeader::RunTimeLength,    [&] { real(header.getRunTimeLength()); });
-    number(",\"delay\":",            DVHeader::Delay,            [&] { real(header.getDelay()); });
-    number(",\"samplingInterval\":", DVHeader::SamplingInterval, [&] { real(header.getSamplingInterval()); });
-    number(",\"detectorType\":",     DVHeader::DetectorType,     [&] { integer(header.getDetectorType()); });
-    // clang-format on
-    put("}");
+    const std::size_t count = std::strlen(text);
+    room(count);
+    std::memcpy(buffer.data() + used, text, count);
+    used += count;
 }
 
-template <class Number, class Write> void JsonWriter::array(const Number *values, int count, Write write)
+void JsonWriter::string(const QString &text)
 {
-    put("[");
-    for (int i = 0; i < count; ++i) {
-        if (i > 0) {
-            room(1);
-            character(',');
+    character('"');
+    for (const char one : text.toUtf8()) {
+        const auto code = static_cast<unsigned char>(one);
+        if (code < 0x20) {
+            constexpr char digits[] = "0123456789abcdef";
+            put("\\u00");
+            character(digits[code >> 4]);
+            character(digits[code & 15]);
+            continue;
         }
-        write(values[i]);
+        if (one == '"' || one == '\\')
+            character('\\');
+        character(one);
     }
-    put("]");
+    character('"');
 }
 
 void JsonWriter::integer(qint64 value)
@@ -124,7 +76,7 @@ void JsonWriter::real(double value)
 {
     if (std::isnan(value))
         return put("null");
-    if (std::isinf(value)) // JSON has no infinity; this reads back as one
+    if (std::isinf(value)) // too large for a double, so it reads back as an infinity
         return put(value > 0 ? "1e999" : "-1e999");
 
     room(numberSize);
@@ -136,45 +88,6 @@ void JsonWriter::real(double value)
         *end++ = '0';
     }
     used += std::size_t(end - start);
-}
-
-void JsonWriter::latin1(const char *text)
-{
-    text ? string(QString::fromLatin1(text)) : put("null");
-}
-
-void JsonWriter::string(const QString &text)
-{
-    put("\"");
-    for (const char one : text.toUtf8()) {
-        room(numberSize);
-        const auto code = static_cast<unsigned char>(one);
-        if (code < 0x20) {
-            constexpr char digits[] = "0123456789abcdef";
-            put("\\u00");
-            character(digits[code >> 4]);
-            character(digits[code & 15]);
-            continue;
-        }
-        if (one == '"' || one == '\\')
-            character('\\');
-        character(one);
-    }
-    put("\"");
-}
-
-void JsonWriter::put(const char *text)
-{
-    const std::size_t count = std::strlen(text);
-    room(count);
-    std::memcpy(buffer.data() + used, text, count);
-    used += count;
-}
-
-void JsonWriter::room(std::size_t count)
-{
-    if (buffer.size() - used < count)
-        flush();
 }
 
 void JsonWriter::flush()

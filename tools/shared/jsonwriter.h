@@ -1,5 +1,4 @@
-// What an import hands out, as JSON: an object a file, one a line, written as the scans come. Every
-// number reads back to the same bits.
+// JSON written as it comes, without a document in memory. Every number reads back to the same bits.
 #ifndef JSONWRITER_H
 #define JSONWRITER_H
 
@@ -8,49 +7,65 @@
 #include <cstddef>
 #include <vector>
 
-class DVHeader;
-
+// The caller puts the parts in their order; the writer doesn't check that they make up right JSON.
 class JsonWriter
 {
 public:
     JsonWriter();
 
-    // Opens `name`, "-" for standard output. A failure stays, here and below: nothing more is written.
+    // Opens the file `name` over what it holds, "-" for standard output. Returns false where that fails.
+    // A failure stays, here and below: nothing more is written.
     bool open(const QString &name);
 
-    void beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize);
-    void addScan(double time, double total, int pointCount, const float *abundances,
-                 const unsigned short *positions);
-    void endFile();
-
-    // Writes out what is left and closes.
+    // Writes out what is left in memory and closes the file. Returns false if anything wasn't written.
     bool finish();
 
     bool hasFailed() const { return failed; }
-    QString errorText() const { return error; }
+    QString errorText() const { return error; } // the system's reason for the failure
+
+    void put(const char *text); // punctuation and keys, as they are
+    void string(const QString &text);
+    void integer(qint64 value);
+    void real(double value); // NaN, which JSON lacks, becomes null, an infinity 1e999
+
+    // Writes `count` values in brackets, with commas between them, each by a call of `write`.
+    template <class Value, class Write> void array(const Value *values, int count, Write write);
 
 private:
+    void character(char one);
     void room(std::size_t count);
     void flush();
     void fail();
 
-    void put(const char *text);
-    void character(char one) { buffer[used++] = one; } // after room()
-    void integer(qint64 value);
-    void real(double value);
-    void string(const QString &text);
-    void latin1(const char *text);
-    void headerRecord(const DVHeader &header);
-
-    // Writes the elements with commas between them, each by `write`.
-    template <class Number, class Write> void array(const Number *values, int count, Write write);
-
     QFile file;
     std::vector<char> buffer;
     std::size_t used = 0;
-    bool firstScan = true;
     bool failed = false;
     QString error;
 };
+
+template <class Value, class Write> void JsonWriter::array(const Value *values, int count, Write write)
+{
+    put("[");
+    for (int i = 0; i < count; ++i) {
+        if (i > 0)
+            character(',');
+        write(values[i]);
+    }
+    put("]");
+}
+
+inline void JsonWriter::character(char one)
+{
+    room(1);
+    buffer[used++] = one;
+}
+
+// Makes room for that many characters more, at most a whole buffer.
+inline void JsonWriter::room(std::size_t count)
+{
+    if (buffer.size() - used < count)
+        flush();
+}
 
 #endif // JSONWRITER_H

@@ -1,0 +1,68 @@
+#include "importjson.h"
+
+#include "dvheader.h"
+#include "namecodec.h"
+
+void ImportJson::beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize)
+{
+    put("{\"file\":");
+    string(shownName(name));
+    put(",\"header\":");
+    headerRecord(header);
+    put(",\"massTable\":");
+    array(table, tableSize, [this](float mass) { real(double(mass)); });
+    put(",\"scans\":[");
+    firstScan = true;
+}
+
+void ImportJson::addScan(double time, double total, int pointCount, const float *abundances,
+                         const unsigned short *positions)
+{
+    put(firstScan ? "{\"time\":" : ",{\"time\":");
+    firstScan = false;
+    real(time);
+    put(",\"total\":");
+    real(total);
+    put(",\"positions\":");
+    array(positions, pointCount, [this](unsigned short position) { integer(position); });
+    put(",\"abundances\":");
+    array(abundances, pointCount, [this](float abundance) { real(double(abundance)); });
+    put("}");
+}
+
+void ImportJson::endFile()
+{
+    put("]}\n");
+}
+
+void ImportJson::headerRecord(const DVHeader &header)
+{
+    const auto number = [&](const char *key, DVHeader::Value value, auto write) {
+        put(key);
+        header.isSet(value) ? write() : put("null");
+    };
+    // clang-format off
+    number("{\"scanCount\":",           DVHeader::NbScans,     [&] { integer(header.getNbScans()); });
+    number(",\"modulation\":",          DVHeader::Modulation,  [&] { real(double(header.getModulation())); });
+    number(",\"abundanceBits\":",       DVHeader::NbBitsAbund, [&] { integer(header.getNbBitsAbund()); });
+    number(",\"abundanceCoefficient\":", DVHeader::CoeffAbund, [&] { integer(header.getCoeffAbund()); });
+    number(",\"date\":",                DVHeader::Date,        [&] { integer(header.getDate()); });
+    put(",\"device\":");
+    latin1(header.getDevice());
+    put(",\"experimentName\":");
+    latin1(header.getExpName());
+    put(",\"retentionUnit\":");
+    string(header.getRetentionUnit());
+    number(",\"runLength\":",        DVHeader::RunTimeLength,    [&] { real(header.getRunTimeLength()); });
+    number(",\"delay\":",            DVHeader::Delay,            [&] { real(header.getDelay()); });
+    number(",\"samplingInterval\":", DVHeader::SamplingInterval, [&] { real(header.getSamplingInterval()); });
+    number(",\"detectorType\":",     DVHeader::DetectorType,     [&] { integer(header.getDetectorType()); });
+    // clang-format on
+    put("}");
+}
+
+// A text of the header, or null.
+void ImportJson::latin1(const char *text)
+{
+    text ? string(QString::fromLatin1(text)) : put("null");
+}

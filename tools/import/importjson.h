@@ -1,0 +1,26 @@
+// What an import hands out, as JSON: an object for each file, one on a line, written while the scans
+// come.
+#ifndef IMPORTJSON_H
+#define IMPORTJSON_H
+
+#include "jsonwriter.h"
+
+class DVHeader;
+
+class ImportJson : public JsonWriter
+{
+public:
+    // The parts of a file, in this order; addScan once for each scan.
+    void beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize);
+    void addScan(double time, double total, int pointCount, const float *abundances,
+                 const unsigned short *positions);
+    void endFile();
+
+private:
+    void latin1(const char *text);
+    void headerRecord(const DVHeader &header);
+
+    bool firstScan = true;
+};
+
+#endif // IMPORTJSON_H
