@@ -8,18 +8,19 @@
 
 struct ImportOptions {
     QStringList files;
-    QString json; // empty: none
+    QString json; // the file to write, - for standard output; empty for none
     bool quiet = false;
-    bool ask = false;
-    std::optional<float> modulation;
+    bool ask = false;                // show the dialog for each file
+    std::optional<float> modulation; // seconds
 };
 
-// Gives the options, or, where the program has nothing to import, its exit status, after a text on
-// standard output (help, version) or standard error (wrong usage).
 struct CommandLine {
-    std::optional<int> exitStatus;
+    std::optional<int> exitStatus; // set if the program has nothing to import
     ImportOptions options;
 };
+
+// Returns the options, or the exit status of a program that has nothing to import. It has printed help or
+// version then, or reported a wrong usage.
 CommandLine parseCommandLine(const QStringList &arguments);
 
 #endif // IMPORTOPTIONS_H

@@ -29,7 +29,7 @@ bool liesOnGrid(float mass, double step)
     return float(std::round(double(mass) * perUnit) / perUnit) == mass;
 }
 
-// The coarsest of the steps that an import rounds masses to, of those that all masses are multiples of.
+// Returns the coarsest of the steps to which an import rounds masses that all masses are multiples of.
 QString grid(const float *table, int size)
 {
     for (const double step : {10.0, 1.0, 0.1}) {
@@ -51,7 +51,7 @@ QString masses(const float *table, int size)
     return range + QStringLiteral("; there is room for no more, so others may count in the totals only");
 }
 
-// A stamp that makes no sense becomes the largest number.
+// The import makes a date that it can't understand the largest number.
 QString date(quint32 seconds)
 {
     if (seconds == std::numeric_limits<quint32>::max())
@@ -116,7 +116,7 @@ void ImportSummary::start(const QString &fileName, const DVHeader &header, const
     add("Abundance coding", abundanceCoding(header));
 }
 
-// A modulation length is in seconds by the custom of the field, whatever the unit of the header.
+// Modulation lengths are in seconds, as usual in the field, whatever the unit of the header.
 void ImportSummary::addModulation(const DVHeader &header)
 {
     const double modulation = double(header.getModulation());

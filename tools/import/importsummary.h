@@ -1,4 +1,4 @@
-// What a person wants to know about an imported run.
+// What a person wants to know about an imported run, a line for each fact.
 #ifndef IMPORTSUMMARY_H
 #define IMPORTSUMMARY_H
 
@@ -13,8 +13,10 @@ class DVHeader;
 class ImportSummary
 {
 public:
+    // Takes the facts that are known before the first scan.
     void start(const QString &fileName, const DVHeader &header, const float *table, int tableSize);
     void addPoints(int count) { points += count; }
+    // Writes the summary; `unreadScans` is a phrase.
     void write(std::FILE *stream, const QString &unreadScans) const;
 
 private:

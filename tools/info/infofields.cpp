@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int longestAttribute = 1000;
-constexpr int longestLine = 255; // of a text variable: the widest of the template
+constexpr int longestLine = 255; // of a text variable: the widest in the template
 
 QVariant shortened(const char *text, int longest)
 {
@@ -21,7 +21,7 @@ QVariant shortened(const char *text, int longest)
     return QStringLiteral("%1... (%2 characters)").arg(whole.left(longest)).arg(whole.size());
 }
 
-// A float as the double of the same shortest decimal: 70.1 rather than 70.0999985.
+// Returns the double with the same shortest decimal as the float: 70.1, not 70.0999985.
 double widened(float number)
 {
     std::array<char, 32> text;
@@ -46,7 +46,7 @@ template <class Number> QVariant variantOf(Number number)
         return number;
 }
 
-// The value of a field of a record; invalid for a null text and a missing number.
+// Returns the value of a field of a record; an invalid one for a null text and a missing number.
 QVariant fieldValue(const void *record, std::size_t offset, qint32 type, int longestText)
 {
     if (type == NC_CHAR) {
@@ -65,7 +65,7 @@ void addIfThere(InfoNode *section, const QString &name, const QVariant &value)
         section->addValue(name, value);
 }
 
-// Attributes of variables share their names; the prefix tells whose it is.
+// Attributes of different variables have the same names, so a prefix says to which variable one belongs.
 QString attributeName(const MsAttributeRow &row)
 {
     QString name = QString::fromLatin1(row.name);

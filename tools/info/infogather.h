@@ -8,15 +8,15 @@
 
 struct InfoOptions {
     std::optional<qint32> scan; // the scan to show
-    bool everything = false;    // long lists whole, as far as memory can be promised for them
+    bool everything = false;    // show long lists whole, up to 10000 items
 };
 
 struct InfoResult {
     InfoNode report;
-    bool complete = true; // false: the report names what couldn't be read
+    bool complete = true; // if not, the report lists the problems
 };
 
-// Gathers the report of an open file.
+// Returns the report of an open file. `path` is the name to show.
 InfoResult gatherInfo(int ncid, const QString &path, const InfoOptions &options);
 
 #endif // INFOGATHER_H

@@ -9,33 +9,33 @@
 
 #include <vector>
 
-// A node of a report: a value, a section of named nodes, or one of the two kinds of rows.
+// A node of a report: a value, a section of named nodes, a list or a table.
 struct InfoNode {
     enum class Kind {
         Value,
         Section,
-        List, // children that bear numbers for names
+        List, // children whose names are their numbers
         Table // rows of numbers below `columns`
     };
 
     Kind kind = Kind::Section;
     QString name;
-    QVariant value; // of a value: a text, a whole number or a double; of any other kind unused
+    QVariant value;                 // of a value: a text, a whole number or a double
     std::vector<InfoNode> children; // of a section or list
     QStringList columns;
-    std::vector<std::vector<QVariant>> rows; // of a table; an invalid one is missing
+    std::vector<std::vector<QVariant>> rows; // of a table; an invalid value is missing
     qint64 omitted = 0;                      // items of a list or rows of a table that were left out
 
     InfoNode &add(Kind childKind, const QString &childName);
     void addValue(const QString &childName, const QVariant &childValue);
 };
 
-// The children of a section: one line a value, deeper ones further in. Characters that would steer a
-// terminal are escaped.
+// Returns the children of a section as text, a line for each value, indented by depth. Control
+// characters, which a terminal would obey, are escaped.
 QString infoText(const InfoNode &section, int depth = 0);
 
-// The same as JSON. What was left out of a list or table NAME is counted in NAME_omitted; numbers that
-// JSON lacks are null.
+// Returns the children of a section as JSON. NAME_omitted counts what was left out of a list or table
+// NAME. NaN and infinities, which JSON lacks, are null.
 QJsonObject infoJson(const InfoNode &section);
 
 #endif // INFOREPORT_H

@@ -33,7 +33,6 @@ SampleChromatogram::SampleChromatogram(const SampleClock &clock, SampleRandom *r
 double SampleChromatogram::heightAt(const SampleElution &elution, double time, double sigma)
 {
     const double distance = (time - elution.time) / sigma;
-    // Less than a count is left of the largest peak.
-    constexpr double foot = 12.0;
+    constexpr double foot = 12.0; // where less than a count is left of the largest peak
     return distance < -foot || distance > foot ? 0.0 : elution.height * peakShape(distance);
 }

@@ -21,11 +21,12 @@ struct SampleClock {
 
     double time(int scan) const { return double(start + scan * interval) / 1000.0; }
     double length() const { return double(scans * interval) / 1000.0; }
-    // Which part of the run has passed by.
+    // Returns which part of the run is over at the beginning of a scan, from 0 to 1.
     double progress(int scan) const { return double(scan) / double(scans); }
 };
 
-// When the compound elutes in a run, whose column is heated evenly: the retention index counts.
+// Returns when the compound elutes in a run, in seconds since injection. The column is heated evenly, so
+// that is linear in the retention index.
 double sampleRetentionTime(const SampleClock &clock, int compound);
 
 class SampleChromatogram
@@ -37,7 +38,8 @@ public:
     const std::vector<SampleElution> &elutions() const { return peaks; } // by time
     std::vector<SampleElution> &elutions() { return peaks; }
 
-    // Counts of the compound's base peak at a time, where its peak has the standard deviation `sigma`.
+    // Returns the counts of the compound's base peak at a time, in seconds like `sigma`, the standard
+    // deviation of the chromatographic peak.
     static double heightAt(const SampleElution &elution, double time, double sigma);
 
 private:

@@ -37,12 +37,12 @@ struct SampleFragment {
 
 constexpr int maxSampleFragments = 14;
 
-// The main peaks from m/z 33 on; unused places have a mass of 0.
+// The main peaks from m/z 33 on. Unused places have a mass of 0.
 struct SampleSpectrum {
     SampleFragment fragments[maxSampleFragments];
 };
 
-// Row by row one compound, in the order of their elution.
+// The same row of each table belongs to the same compound, in the order of their elution.
 extern const MsTable<SampleCompound> sampleCompounds;
 extern const MsTable<SampleStructure> sampleStructures;
 extern const MsTable<SampleNames> sampleNames;

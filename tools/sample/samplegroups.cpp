@@ -32,7 +32,7 @@ std::vector<int> mainMasses(int first, int end, int massCount)
     return {masses.begin(), masses.end()};
 }
 
-// The scan halfway between two peaks.
+// Returns the scan halfway between two peaks.
 int scanBetween(const SampleClock &clock, const SampleElution &before, const SampleElution &after)
 {
     const double middle = (before.time + after.time) / 2.0 - clock.time(0);

@@ -11,8 +11,8 @@ struct SampleGroup {
     std::vector<int> masses;
 };
 
-// Each group follows a few compounds that elute together, with `massCount` masses, or with the main ones
-// of its compounds where that is 0.
+// Returns groups that each follow a few neighbouring compounds, with `massCount` masses a group. 0 stands
+// for the main masses of the compounds.
 std::vector<SampleGroup> makeSampleGroups(const SampleChromatogram &chromatogram, int massCount);
 
 #endif // SAMPLEGROUPS_H

@@ -4,7 +4,7 @@
 
 #include "samplerecords.h"
 
-// Entry `index`, from 0: the compounds in turn. Its texts are kept in `texts`.
+// Returns entry `index`, from 0, whose texts live as long as `texts`. The compounds take turns.
 MsLibraryDraft sampleLibraryEntry(int index, SampleTexts *texts);
 
 #endif // SAMPLELIBRARY_H

@@ -1,4 +1,4 @@
-// What a sample is asked to be.
+// What kind of sample is wanted.
 #ifndef SAMPLEOPTIONS_H
 #define SAMPLEOPTIONS_H
 
@@ -12,7 +12,7 @@ constexpr int maxPointsPerScan = 1'000'000;
 struct SampleOptions {
     SampleKind kind = SampleKind::Gcms;
     int scans = 0;
-    int points = 0; // of each scan; 0 for as many as the signal gives
+    int points = 0; // of each scan; 0 for as many as the signal has
     quint64 seed = 1;
     qint32 massFormat = MsFloatFormat;
     qint32 timeFormat = MsFloatFormat;

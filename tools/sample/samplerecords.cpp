@@ -1,4 +1,4 @@
-// The descriptions that stand in a sample: the global records and the instrument.
+// The descriptions in a sample: the global records and the instrument.
 
 #include "samplerecords.h"
 
@@ -118,7 +118,7 @@ void describeRawData(const SampleOptions &options, const SampleScales &scales, S
     raw->actual_delay_time = 0.0;
     raw->raw_data_uniform_sampling_flag = 1.0f;
 
-    // What describes an axis that the file doesn't have would end up among the global attributes.
+    // The toolkit would store the attributes of an axis that the file lacks as global ones.
     if (options.hasMasses()) {
         raw->mass_scale_factor = scales.mass;
         raw->mass_long_name = texts->keep("Mass");

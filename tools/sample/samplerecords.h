@@ -1,4 +1,4 @@
-// The descriptions that stand in a sample: the global records and the instrument.
+// The descriptions in a sample: the global records and the instrument.
 #ifndef SAMPLERECORDS_H
 #define SAMPLERECORDS_H
 
@@ -10,7 +10,7 @@
 
 #include <deque>
 
-// The texts of records that are written.
+// Owns the texts of records that are written.
 class SampleTexts
 {
 public:
@@ -22,10 +22,10 @@ public:
     void clear() { texts.clear(); }
 
 private:
-    std::deque<QByteArray> texts; // whose elements stay where they are
+    std::deque<QByteArray> texts; // its elements stay in their places
 };
 
-// What stands in the file for one of the sample's numbers: number / scale.
+// The file stores each number of the sample divided by its scale.
 struct SampleScales {
     double mass;
     double time;
@@ -34,7 +34,7 @@ struct SampleScales {
 
 constexpr qint32 sampleComponentCount = 2;
 
-// Fills the records but for the ranges of the raw data.
+// Fills all of the records but the ranges of the raw data. Their texts live as long as `texts`.
 void describeSample(const SampleOptions &options, const SampleScales &scales, SampleTexts *texts,
                     MsGlobalsDraft *globals);
 

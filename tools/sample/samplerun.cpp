@@ -32,7 +32,8 @@ const auto &timingOf(SampleKind kind)
                          [kind](const auto &timing) { return timing.kind == kind; });
 }
 
-// How wide peaks are, for a number of peaks beside each other that doesn't depend on the run's length.
+// Returns the standard deviation of the peaks, in seconds. In a run of any length, `peakCapacity` peaks
+// fit beside each other, unless they would be too narrow for the scans.
 double peakSigma(const SampleClock &clock, double peakCapacity)
 {
     return std::max(clock.length() / peakCapacity, 0.3);
@@ -62,8 +63,8 @@ private:
     double sigma;
 };
 
-// What elutes from the first column within a modulation is let go onto the second one as a whole, so
-// a compound has a narrow peak at the same place in each of a few modulations.
+// The modulator collects what elutes from the first column during a modulation and releases it onto the
+// second one at once. So a compound has a narrow peak in a few modulations, at the same place in each.
 class GcxgcRun : public SampleRun
 {
 public:

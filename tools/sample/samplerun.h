@@ -17,12 +17,13 @@ public:
     virtual ~SampleRun() = default;
     Q_DISABLE_COPY(SampleRun)
 
-    // The scans come in their order, each once.
+    // Fills in scan `number`. Ask for the scans in their order, each once.
     void scan(int number, SampleScan *scan);
 
     const SampleClock &clock() const { return chromatogram.clock(); }
+    // Returns the most that a point can count.
     virtual double largestCount() const { return sampleCountLimit; }
-    // Empty but in a run of selected ion monitoring.
+    // Returns the groups of a run of selected ion monitoring; other runs have none.
     virtual const std::vector<SampleGroup> &groups() const;
 
 protected:
@@ -35,10 +36,10 @@ protected:
 
 std::unique_ptr<SampleRun> makeSampleRun(const SampleOptions &options);
 
-// How many scans a sample has where nobody says.
+// Returns how many scans a sample has if no number is asked for.
 int defaultSampleScans(SampleKind kind);
 
-// The run that the retention times of library entries come from.
+// Returns the clock of the run that the retention times of library entries come from.
 SampleClock sampleReferenceClock();
 
 #endif // SAMPLERUN_H

@@ -22,7 +22,7 @@ struct SampleScan {
     }
 };
 
-// What the detector counts at most.
+// The most that the detector counts.
 constexpr double sampleCountLimit = 4190000.0;
 
 #endif // SAMPLESCAN_H

@@ -10,7 +10,7 @@
 
 namespace {
 
-// What a run shows at all times: air, the column's siloxanes, the pump's oil.
+// The background of a whole run: air, the column's siloxanes, the pump's oil.
 // clang-format off
 constexpr SampleFragment background[] = {
     {40, 22}, {44, 60}, {55, 6}, {57, 5}, {73, 35}, {96, 8}, {133, 12}, {147, 15}, {191, 14},
@@ -31,7 +31,7 @@ double samplePeakMass(int mass)
 
 double noisyCount(double count, quint64 randomBits)
 {
-    // The sum of two uniform numbers, with the variance that the count has as a mean.
+    // The sum of two uniform numbers, scaled to the variance of counting, which is the count.
     const double spread =
         (double(randomBits & 0xffff) + double((randomBits >> 16) & 0xffff)) / 65536.0 - 1.0;
     const double noisy = count + 2.45 * std::sqrt(count) * spread;
@@ -82,15 +82,15 @@ void SampleSpectrumBuilder::finishThreshold(SampleRandom *random, SampleScan *sc
         const double count = noisyCount(counts[std::size_t(i)] + noiseFloor, bits);
         if (count < threshold)
             continue;
-        // One peak in four is found a step beside its place.
+        // One peak in four lies a step of the grid beside its place.
         const double off = (bits >> 32) % 8 == 0 ? 1.0 : (bits >> 32) % 8 == 1 ? -1.0 : 0.0;
         scan->masses.push_back(onGrid(samplePeakMass(i + sampleMassMin) + off / perMass, perMass));
         scan->counts.push_back(count);
     }
 }
 
-// The most abundant channels. Where there are more points than whole masses, each of these has several
-// channels, and the peak lies in its first.
+// Appends the most abundant channels. If there are more points than whole masses, each whole mass has
+// several channels, and its peak lies in the first.
 void SampleSpectrumBuilder::finishExactly(SampleRandom *random, SampleScan *scan)
 {
     for (std::size_t i = 0; i < channels.size(); ++i) {
@@ -102,7 +102,7 @@ void SampleSpectrumBuilder::finishExactly(SampleRandom *random, SampleScan *scan
     ranked = channels;
     std::nth_element(ranked.begin(), ranked.begin() + qint64(last), ranked.end(), std::greater<double>());
     const double least = ranked[last];
-    // Of the channels with the least count, the first ones.
+    // How many channels with the least count are still needed: the first ones are taken.
     auto spare = qint64(last) + 1
         - std::count_if(ranked.begin(), ranked.begin() + qint64(last),
                         [least](double count) { return count > least; });

@@ -15,16 +15,16 @@ constexpr int sampleMassCount = sampleMassMax - sampleMassMin + 1;
 class SampleSpectrumBuilder
 {
 public:
-    // With `pointsWanted` 0 a spectrum has the peaks that stand out of the noise, else always that many.
+    // Spectra have `pointsWanted` points each, or, if that is 0, the peaks that stand out of the noise.
     explicit SampleSpectrumBuilder(int pointsWanted);
 
-    // A new spectrum begins with what leaves the column, `bleed` counts at its main peak.
+    // Begins a spectrum with the column's bleed, of `bleed` counts at its main peak.
     void start(double bleed);
-    // Adds compound `compound`, by its place in the table, with `height` counts at its base peak.
+    // Adds the compound in place `compound` of the table, with `height` counts at its base peak.
     void add(int compound, double height);
-    // The counts at one whole mass, so far.
+    // Returns the counts at a whole mass, so far.
     double countsAt(int mass) const { return counts[std::size_t(mass - sampleMassMin)]; }
-    // Ends the spectrum.
+    // Adds the noise and appends the points to the scan.
     void finish(SampleRandom *random, SampleScan *scan);
 
 private:
@@ -39,11 +39,11 @@ private:
     std::vector<double> ranked; // channels, no longer in their order
 };
 
-// Where the peak of a whole mass lies.
+// Returns where the peak of a whole mass lies.
 double samplePeakMass(int mass);
 
-// A count with the noise of counting ions, whole and within the detector's limit. `randomBits` are used
-// up to the 32nd.
+// Returns a count with the noise of counting ions, whole and within the detector's limit. The noise comes
+// from the lower 32 of `randomBits`.
 double noisyCount(double count, quint64 randomBits);
 
 #endif // SAMPLESPECTRUM_H

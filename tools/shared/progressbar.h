@@ -5,12 +5,14 @@
 class ProgressBar
 {
 public:
-    // Hidden in any case where standard error isn't a terminal.
+    // OnTerminal shows the bar only if standard error is a terminal.
     enum class Mode { Hidden, OnTerminal };
 
     explicit ProgressBar(Mode mode);
 
+    // Draws the bar for `done` of `count` steps, over the last one.
     void show(int done, int count);
+    // Takes the bar off the line, if there is one.
     void clear();
 
 private:
