@@ -2,7 +2,6 @@
 
 #include "program.h"
 #include "rows.h"
-#include "table.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,10 +15,32 @@ namespace {
 
 const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
 
-using Refusal = Table<QString, QByteArray>;   // file; what is said of it
-using Usage = Table<QStringList, int>;        // arguments; status
-using Summary = Table<QStringList>;           // lines, of a run with modulations of 60 s
-using Copy = Table<QString, int, QByteArray>; // file, bytes that are missing; what is said of it
+struct Refusal {
+    QString file;
+    QByteArray sentence; // in which FILE stands for the file
+};
+
+struct Usage {
+    QStringList arguments; // in which FILE stands for a file that can be imported
+    int code = 0;
+    QByteArray sentence{};
+};
+
+struct SummaryLine {
+    QString file; // imported with modulations of 60 s
+    QString line; // a regular expression
+};
+
+struct CutFile {
+    QString file;
+    int missing = 0; // bytes at the end
+    QByteArray losses{};
+};
+
+struct RefusedOutput {
+    QString command; // of the shell, with the program as $0 and the file as $1
+    QByteArray sentence;
+};
 
 struct Limit {
     QString kind; // of the file
@@ -60,50 +81,71 @@ private slots:
 
     void refusal_data()
     {
-        const Refusal row;
-        row("text", "text.cdf", "isn't a netCDF file");
-        row("empty", "empty.cdf", "is empty");
-        row("folder", "folder.cdf", "is a folder");
-        row("missing", "missing.cdf", "doesn't exist");
-        row("cut off in its header", "cut.cdf", "damaged or cut off");
-        row("extension", "run.txt", "extension");
-        row("no scans", fixture("chromatogram"), "no dimension \"scan_number\"");
-        row("attributes", fixture("error-log-rank-1"), "loading \"error_log\"");
+        const QByteArray cannot = "The file \"FILE\" can't be imported: ";
+        const QByteArray noNetcdf =
+            cannot + "netCDF can't open it: it isn't a netCDF file, or its header is damaged or cut off";
+        const Rows<Refusal> row;
+        row("text") = {"text.cdf", noNetcdf + "."};
+        row("empty") = {"empty.cdf", "The file \"FILE\" is empty."};
+        row("folder") = {"folder.cdf", "\"FILE\" is a folder, not a file."};
+        row("missing") = {"missing.cdf", "The file \"FILE\" doesn't exist."};
+        row("header cut off") = {"cut.cdf", noNetcdf + " (File \"FILE\" is damaged: its header can't be right)."};
+        row("extension") = {"run.txt",
+                            "The name of the file \"FILE\" doesn't end in an extension that this import takes."};
+        row("no scans") = {fixture("chromatogram"),
+                           cannot
+                               + "it has no dimension \"scan_number\", so it isn't a mass spectrometry file of the "
+                                 "AIA MS template."};
+        row("attributes") = {fixture("error-log-rank-1"),
+                             cannot
+                                 + "its global attributes can't be read (Size type mismatch while loading "
+                                   "\"error_log\")."};
     }
     void refusal()
     {
-        const auto [file, reason] = Refusal::row();
-        const Run result = run({"--json", "-", file});
+        const Refusal &row = Rows<Refusal>::current();
+        const Run result = run({"--quiet", "--json", "-", row.file});
         QCOMPARE(result.code, 1);
         QCOMPARE(result.out, QByteArray());
-        QVERIFY2(result.err.contains(reason) && result.err.contains(file.toLocal8Bit()), result.err);
-        QCOMPARE(result.err.count("aia-import: ") + result.err.count("Error: ") + result.err.count("Debug: "), 1);
+        const QByteArray said =
+            "aia-import: " + QByteArray(row.sentence).replace("FILE", row.file.toLocal8Bit()) + '\n';
+        QCOMPARE(result.err.left(said.size()), said);
+        QCOMPARE(result.err.count("aia-import: "), 1 + result.err.count("aia-import: Warning for the file "));
     }
 
     void usage_data()
     {
-        const QString file = fixture("gcgc");
-        const Usage row;
-        row("no file", {}, 2);
-        row("no length", {"--gcxgc", "0", file}, 0);
-        row("longest", {"--gcxgc", "100", file}, 0);
-        row("too long", {"--gcxgc", "100.01", file}, 2);
-        row("negative", {"--gcxgc", "-0.5", file}, 2);
-        row("not a number", {"--gcxgc", "nan", file}, 2);
-        row("text", {"--gcxgc", "6s", file}, 2);
-        row("answer and question", {"--gcxgc", "6", "--ask", file}, 2);
-        row("unknown option", {"--no-such-option", file}, 2);
-        row("JSON over data", {"--json", "run.txt", "run.txt"}, 2);
-        row("capitals", {"B.CDF"}, 0);
-        row("help wins", {"--help", file}, 0);
-        row("version wins", {"--version", file}, 0);
+        const auto noLength = [](const QByteArray &text) {
+            return '"' + text + "\" isn't a modulation length: a number from 0 to 100 is needed.";
+        };
+        const Rows<Usage> row;
+        row("no file") = {{}, 2, "No file is named."};
+        row("no length") = {{"--gcxgc", "0", "FILE"}};
+        row("longest") = {{"--gcxgc", "100", "FILE"}};
+        row("too long") = {{"--gcxgc", "100.01", "FILE"}, 2, noLength("100.01")};
+        row("negative") = {{"--gcxgc", "-0.5", "FILE"}, 2, noLength("-0.5")};
+        row("not a number") = {{"--gcxgc", "nan", "FILE"}, 2, noLength("nan")};
+        row("text") = {{"--gcxgc", "6s", "FILE"}, 2, noLength("6s")};
+        row("answer and question") = {
+            {"--gcxgc", "6", "--ask", "FILE"}, 2, "The options --ask and --gcxgc exclude each other."};
+        row("unknown option") = {{"--no-such-option", "FILE"}, 2, "Unknown option 'no-such-option'."};
+        row("JSON nowhere") = {{"--json", "", "FILE"}, 2, "The file name after --json is empty."};
+        row("JSON over data") = {
+            {"--json", "run.txt", "run.txt"}, 2, "The file \"run.txt\" can't be read and written at once."};
+        row("capitals") = {{"B.CDF"}};
+        row("help wins") = {{"--help", "FILE"}};
+        row("version wins") = {{"--version", "FILE"}};
     }
     void usage()
     {
-        const auto [arguments, status] = Usage::row();
-        const Run result = run(arguments);
-        QCOMPARE(result.code, status);
-        QCOMPARE(result.out.isEmpty(), status == 2);
+        const Usage &row = Rows<Usage>::current();
+        const Run result = run(QStringList(row.arguments).replaceInStrings("FILE", fixture("gcgc")));
+        QCOMPARE(result.code, row.code);
+        QCOMPARE(result.out.isEmpty(), row.code == 2);
+        if (row.code == 2)
+            QCOMPARE(result.err,
+                     "aia-import: " + row.sentence
+                         + "\naia-import: The option --help shows how the program is used.\n");
     }
 
     void asksOnADisplayOnly()
@@ -112,7 +154,7 @@ private slots:
             "env",
             {"-u", "QT_QPA_PLATFORM", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", importer, "--ask", fixture("gcgc")});
         QCOMPARE(result.code, 1);
-        QVERIFY(result.err.contains("needs a display"));
+        QCOMPARE(result.err, QByteArray("aia-import: The option --ask needs a display for its dialog.\n"));
     }
 
     void json()
@@ -125,47 +167,49 @@ private slots:
 
     void summary_data()
     {
-        const Summary row;
-        row("import-odd-scans",
-            {"Title: +Caf. \"5\\\\6\"\\?<1>", // of a control character
-             "Date: +2007-09-23T05:08:00Z", "Masses: +2, from 50.1 to 60, on a grid of 0.1", "Points read: +4",
-             "Scans not read: +1 \\(.* 3\\)"}); // the empty one isn't among them
-        row("total-ion", {"Scans not read: +1 \\(.* 2\\)"});
-        row("total-ion-no-intensity", {"Scans not read: +3, as .*"});
-        row("gcgc",
-            {"Modulation length: +60 s", "Scans in a modulation: +2", "Modulations: +2", "Second-dimension step: +30 s",
-             "Detector type: +GCxGC, mass spectra \\(2048\\)"});
-        row("gcgc-total-ion", {"Detector type: +GCxGC, total ion \\(1792\\)"});
+        const Rows<SummaryLine> row;
+        row("title") = {"import-odd-scans", "Title: +Caf. \"5\\\\6\"\\?<1>"}; // with a control character
+        row("date") = {"import-odd-scans", "Date: +2007-09-23T05:08:00Z"};
+        row("masses") = {"import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1"};
+        row("points") = {"import-odd-scans", "Points read: +4"};
+        row("unread scan") = {"import-odd-scans", "Scans not read: +1 \\(.* 3\\)"}; // the empty one isn't meant
+        row("unread total") = {"total-ion", "Scans not read: +1 \\(.* 2\\)"};
+        row("nothing to read") = {"total-ion-no-intensity", "Scans not read: +3, as .*"};
+        row("modulation") = {"gcgc", "Modulation length: +60 s"};
+        row("scans of one") = {"gcgc", "Scans in a modulation: +2"};
+        row("modulations") = {"gcgc", "Modulations: +2"};
+        row("second dimension") = {"gcgc", "Second-dimension step: +30 s"};
+        row("spectra") = {"gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)"};
+        row("total ion") = {"gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)"};
     }
     void summary()
     {
-        const auto [lines] = Summary::row();
-        const QString printed = QString::fromUtf8(run({"--gcxgc", "60", fixture(QTest::currentDataTag())}).out);
-        for (const QString &line : lines)
-            QVERIFY2(
-                QRegularExpression('^' + line + '$', QRegularExpression::MultilineOption).match(printed).hasMatch(),
-                qPrintable(line + '\n' + printed));
+        const SummaryLine &row = Rows<SummaryLine>::current();
+        const QString printed = QString::fromUtf8(run({"--gcxgc", "60", fixture(row.file)}).out);
+        const QRegularExpression line('^' + row.line + '$', QRegularExpression::MultilineOption);
+        QVERIFY2(line.match(printed).hasMatch(), qPrintable(printed));
     }
 
     void interruptedCopy_data()
     {
-        const Copy row;
-        row("whole", "plain", 0, "");
-        row("last scan", "plain", 1, "read: 1 (counted from 0: number 4)");
-        row("all masses", "plain", 120, "masses could not be read");
-        row("no scan", "instruments", 1, "in full; the file is cut off");
+        const Rows<CutFile> row;
+        row("whole") = {"plain"};
+        row("last scan") = {"plain", 1, "1 of its scans could not be read (counted from 0: number 4); it is cut off."};
+        row("all masses") = {"plain", 120, "its masses could not be read; it is cut off."};
+        row("no scan") = {"instruments", 1, "it is cut off."};
     }
     void interruptedCopy()
     {
-        const auto [file, missing, reason] = Copy::row();
-        QByteArray bytes = content(fixture(file));
-        bytes.chop(missing);
+        const CutFile &row = Rows<CutFile>::current();
+        QByteArray bytes = content(fixture(row.file));
+        bytes.chop(row.missing);
         write("copy.cdf", bytes);
         const Run result = run({"copy.cdf"});
-        QCOMPARE(result.code, reason.isEmpty() ? 0 : 1);
-        QCOMPARE(result.err.contains("not imported in full"), !reason.isEmpty());
-        QVERIFY2(result.err.contains(reason), result.err);
-        QCOMPARE(result.err.contains("copy.cdf\" is cut off"), missing > 0);
+        QCOMPARE(result.code, row.missing > 0 ? 1 : 0);
+        const QByteArray said = "aia-import: The file \"copy.cdf\" was not imported in full: ";
+        QVERIFY2(row.missing > 0 ? result.err.contains(said + row.losses + '\n') : !result.err.contains(said),
+                 result.err);
+        QCOMPARE(result.err.contains("copy.cdf\" is cut off"), row.missing > 0);
     }
 
     // The length holds for each file, and a refused file leaves nothing behind for the next. Two imports are
@@ -188,7 +232,7 @@ private slots:
             arguments << fixture("chromatogram") << fixture("import-odd-scans");
         const QByteArray err = runProgram("/bin/sh", arguments).err;
         QCOMPARE(err.count("no dimension \"scan_number\""), 40);
-        QCOMPARE(err.count("scans that could not be read: 1 "), 40);
+        QCOMPARE(err.count("1 of its scans could not be read"), 40);
     }
 
     // Many scans and nothing else; as long as nobody reads the JSON, it can't come to its end.
@@ -208,7 +252,7 @@ private slots:
         QCOMPARE(result.code, 1);
         QVERIFY2(result.err.contains("of 2000000000 scans"), result.err);
         QVERIFY(!result.err.contains("given up"));
-        QVERIFY(result.err.contains("Files that were not looked at: 1."));
+        QVERIFY(result.err.contains("aia-import: The program stopped before it looked at 1 of 2 files.\n"));
         QVERIFY(result.out.endsWith("]}]}\n"));
     }
 
@@ -251,7 +295,7 @@ private slots:
             write("limit.cdf", bytes);
         }
         const Run result = run({"--quiet", "limit.cdf"});
-        const QByteArray sentence = "The import of \"limit.cdf\" was given up: ";
+        const QByteArray sentence = "aia-import: The import of the file \"limit.cdf\" was given up: ";
         QCOMPARE(result.err.contains(sentence), !row.reason.isEmpty());
         QVERIFY2(result.err.contains(row.reason), result.err);
     }
@@ -261,19 +305,30 @@ private slots:
         const Run result = run({"--quiet", fixture("import-odd-scans")});
         QCOMPARE(result.out, QByteArray());
         // First and last time for the header, then each scan; not the second look at two of them.
-        const QByteArray start = "\nWarning: " + fixture("import-odd-scans").toLocal8Bit() + ": ";
-        QVERIFY2(result.err.contains(start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times)\n"),
+        const QByteArray start =
+            "\naia-import: Warning for the file \"" + fixture("import-odd-scans").toLocal8Bit() + "\": ";
+        QVERIFY2(result.err.contains(start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times).\n"),
                  result.err);
-        QVERIFY(result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file\n"));
+        QVERIFY(result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file.\n"));
     }
 
-    void fullDisk()
+    void refusedOutput_data()
     {
-        if (!QFile::exists(QStringLiteral("/dev/full")))
-            QSKIP("this system has no full disk to offer");
-        const Run result = run({"--json", "/dev/full", fixture("gcgc")});
+        const Rows<RefusedOutput> row;
+        row("JSON file") = {"trap '' XFSZ; ulimit -f 0; exec \"$0\" --json refused.json \"$1\"",
+                            "The file \"refused.json\" can't be written: File too large."};
+        row("no JSON file") = {"exec \"$0\" --json folder.cdf \"$1\"",
+                               "The file \"folder.cdf\" can't be written: Is a directory."};
+        row("JSON") = {"exec \"$0\" --json - \"$1\" 1</dev/null",
+                       "Standard output can't be written: Bad file descriptor."};
+        row("summary") = {"exec \"$0\" \"$1\" 1</dev/null", "Standard output can't be written: Bad file descriptor."};
+    }
+    void refusedOutput()
+    {
+        const RefusedOutput &row = Rows<RefusedOutput>::current();
+        const Run result = runProgram("/bin/sh", {"-c", row.command, importer, fixture("gcgc")}, folder.path());
         QCOMPARE(result.code, 1);
-        QVERIFY2(result.err.contains("\"/dev/full\" can't be written"), result.err);
+        QVERIFY2(result.err.contains("aia-import: " + row.sentence + '\n'), result.err);
     }
 };
 

@@ -1,7 +1,7 @@
 // aia-info as a person or a script meets it: output, messages and exit code.
 
 #include "program.h"
-#include "table.h"
+#include "rows.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -9,9 +9,11 @@
 
 namespace {
 
+const QString tool = QStringLiteral(AIA_TOOLS "/aia-info");
+
 Run run(const QStringList &arguments)
 {
-    return runProgram(QStringLiteral(AIA_TOOLS "/aia-info"), arguments);
+    return runProgram(tool, arguments);
 }
 
 // The value at a path such as "groups/0/group_mass_count".
@@ -22,9 +24,21 @@ QJsonValue at(QJsonValue value, const QString &path)
     return value;
 }
 
-using Json = Table<QJsonValue>;                       // at the path that the row is named after
-using Text = Table<QString, QString>;                 // file; a part of what is printed
-using ExitCode = Table<QStringList, int, QByteArray>; // arguments; status, what is printed on either stream
+struct Value {
+    QJsonValue value = QJsonValue::Undefined; // at the path that the row is named after
+};
+
+struct Text {
+    QString file;
+    QString part; // of what is printed
+};
+
+struct ExitCode {
+    QStringList arguments; // in which FILE stands for a library
+    int code = 0;
+    QByteArray sentence{}; // on standard error
+    QByteArray part{};     // of what is printed on standard output
+};
 
 } // namespace
 
@@ -44,65 +58,62 @@ private slots:
 
     void json_data()
     {
-        const QJsonValue absent(QJsonValue::Undefined);
-        const Json row;
-        row("administration/experiment_title", QString::fromUtf8("Café \x1b[31m\nred"));
-        row("administration/number_of_times_processed", 3); // stored as a short
-        row("administration/number_of_times_calibrated", absent);
-        row("test/test_ms_inlet_temperature", 70.1); // a float
-        row("raw_data/mass_units", "(not in the vocabulary)");
-        row("raw_data/intensity_units", "Arbitrary Intensity Units"); // a default
-        row("raw_data/mass_scale_factor", 0.5);
-        row("raw_data/time_scale_factor", absent);
-        row("raw_data/raw_data_mass_format", "Short");
-        row("stored_as/mass_values", "Float");
-        row("stored_as/time_values", absent);
-        row("dimensions/scan_number", 22);
-        row("lacks/0", "variable total_intensity: there is no total-ion trace");
-        row("lacks/1", absent);
-        row("instruments/0/instrument_name", "Quadrupole");
-        row("instruments/1", QJsonObject());
-        row("groups/0/masses/1", QJsonObject{{"mass", 78}, {"sampling_time", {}}, {"delay_time", 0.2}});
-        row("groups/0/masses/2", absent); // beyond the group's own count
-        row("groups/1/group_starting_scan", absent);
-        row("library/1", QJsonObject{{"entry_name", "Toluene"}});
-        row("scan/scan_acquisition_time", 1.5);
-        row("scan/resolution", absent);
-        row("scan/entry/melting_point", 5.53);
-        row("scan/points/0", QJsonObject{{"mass", 50.1}, {"intensity", 10}});
-        row("scan/points/1", QJsonObject{{"mass", 60}, {"intensity", {}}}); // NaN
-        row("scan/points/3", absent);
-        row("scan/flags/1", QJsonObject{{"peak", 2}, {"flag", 8}});
-        row("problems", absent);
+        const Rows<Value> row;
+        row("administration/experiment_title") = {QString::fromUtf8("Café \x1b[31m\nred")};
+        row("administration/number_of_times_processed") = {3}; // stored as a short
+        row("administration/number_of_times_calibrated") = {};
+        row("test/test_ms_inlet_temperature") = {70.1}; // a float
+        row("raw_data/mass_units") = {"(not in the vocabulary)"};
+        row("raw_data/intensity_units") = {"Arbitrary Intensity Units"}; // a default
+        row("raw_data/mass_scale_factor") = {0.5};
+        row("raw_data/time_scale_factor") = {};
+        row("raw_data/raw_data_mass_format") = {"Short"};
+        row("stored_as/mass_values") = {"Float"};
+        row("stored_as/time_values") = {};
+        row("dimensions/scan_number") = {22};
+        row("lacks/0") = {"variable total_intensity: there is no total-ion trace"};
+        row("lacks/1") = {};
+        row("instruments/0/instrument_name") = {"Quadrupole"};
+        row("instruments/1") = {QJsonObject()};
+        row("groups/0/masses/1") = {QJsonObject{{"mass", 78}, {"sampling_time", {}}, {"delay_time", 0.2}}};
+        row("groups/0/masses/2") = {}; // beyond the group's own count
+        row("groups/1/group_starting_scan") = {};
+        row("library/1") = {QJsonObject{{"entry_name", "Toluene"}}};
+        row("scan/scan_acquisition_time") = {1.5};
+        row("scan/resolution") = {};
+        row("scan/entry/melting_point") = {5.53};
+        row("scan/points/0") = {QJsonObject{{"mass", 50.1}, {"intensity", 10}}};
+        row("scan/points/1") = {QJsonObject{{"mass", 60}, {"intensity", {}}}}; // NaN
+        row("scan/points/3") = {};
+        row("scan/flags/1") = {QJsonObject{{"peak", 2}, {"flag", 8}}};
+        row("problems") = {};
     }
-    void json()
-    {
-        const auto [expected] = Json::row();
-        QCOMPARE(at(library, QString::fromLatin1(QTest::currentDataTag())), expected);
-    }
+    void json() { QCOMPARE(at(library, QString::fromLatin1(QTest::currentDataTag())), Rows<Value>::current().value); }
 
     void text_data()
     {
-        const Text row;
-        row("control characters", "info-library", "experiment_title: Café \\x1b[31m\\nred\n");
-        row("table", "info-library", "    mass  intensity\n    50.1         10\n      60        nan\n");
-        row("missing number", "info-library", "        77              -         0.1\n");
-        row("other template", "info-chromatogram", "not AIA MS, but AIA for chromatography\n");
-        row("nothing", "info-chromatogram", "stored_as: (nothing)\n");
-        row("lack", "info-chromatogram", "  - dimension scan_number: there are no scans\n");
-        row("what is there all the same", "info-chromatogram", "experiment_title: Caffeine\n");
+        const Rows<Text> row;
+        row("control characters") = {"info-library", "experiment_title: Café \\x1b[31m\\nred\n"};
+        row("table") = {"info-library", "    mass  intensity\n    50.1         10\n      60        nan\n"};
+        row("missing number") = {"info-library", "        77              -         0.1\n"};
+        row("other template") = {"info-chromatogram", "not AIA MS, but AIA for chromatography\n"};
+        row("nothing") = {"info-chromatogram", "stored_as: (nothing)\n"};
+        row("lack") = {"info-chromatogram", "  - dimension scan_number: there are no scans\n"};
+        row("what is there all the same") = {"info-chromatogram", "experiment_title: Caffeine\n"};
     }
     void text()
     {
-        const auto [file, expected] = Text::row();
-        const Run result = run({"--scan", "0", fixture(file)});
-        QVERIFY2(QString::fromUtf8(result.out).contains(expected), result.out);
+        const Text &row = Rows<Text>::current();
+        const Run result = run({"--scan", "0", fixture(row.file)});
+        QVERIFY2(QString::fromUtf8(result.out).contains(row.part), result.out);
     }
 
     void messagesComeOnce()
     {
         const Run result = run({fixture("info-library")});
-        QVERIFY2(result.err.contains("Data type mismatch while loading \"entry_number\" (20 times)\n"), result.err);
+        QVERIFY2(result.err.contains("aia-info: Warning for the file \"" + fixture("info-library").toLocal8Bit()
+                                     + "\": Data type mismatch while loading \"entry_number\" (20 times).\n"),
+                 result.err);
         QCOMPARE(result.err.count("entry_number"), 1);
         QVERIFY(!result.out.contains("mismatch"));
     }
@@ -123,35 +134,54 @@ private slots:
 
     void exitCode_data()
     {
-        const QString good = fixture("info-library");
-        const QString noNetcdf = QStringLiteral(AIA_TOOLS "/aia-info");
-        const ExitCode row;
-        row("no file named", {}, 2, "no file was named");
-        row("unknown option", {"--jsn", good}, 2, "jsn");
-        row("scan isn't a number", {"--scan", "two", good}, 2, "--scan takes");
-        row("negative scan", {"--scan=-1", good}, 2, "--scan takes");
-        row("help", {"--help"}, 0, "Usage:");
-        row("version", {"--version"}, 0, "aia-info ");
-        row("no such file", {"nosuch.cdf"}, 1, "nosuch.cdf: there is no such file");
-        row("folder", {AIA_FIXTURES}, 1, "isn't a file");
-        row("not netCDF", {noNetcdf}, 1, "isn't a netCDF file");
-        row("scan beyond", {"--scan", "22", good}, 1, "no scan 22: the file has 22");
-        row("other template", {fixture("info-chromatogram")}, 0, "lacks");
-        row("bad file first", {"nosuch.cdf", good}, 1, "Toluene");
+        const QString notNetcdf = QStringLiteral(AIA_TEST_SOURCES "/tst_aia_info.cpp");
+        const auto noScan = [](const QByteArray &text) {
+            return '"' + text + "\" isn't the number of a scan: they are counted from 0.";
+        };
+        const Rows<ExitCode> row;
+        row("no file named") = {{}, 2, "No file is named."};
+        row("unknown option") = {{"--jsn", "FILE"}, 2, "Unknown option 'jsn'."};
+        row("scan isn't a number") = {{"--scan", "two", "FILE"}, 2, noScan("two")};
+        row("negative scan") = {{"--scan=-1", "FILE"}, 2, noScan("-1")};
+        row("help") = {{"--help"}, 0, "", "Usage:"};
+        row("version") = {{"--version"}, 0, "", "aia-info 1."};
+        row("no such file") = {{"nosuch.cdf"}, 1, "The file \"nosuch.cdf\" doesn't exist."};
+        row("folder") = {{AIA_FIXTURES}, 1, "\"" AIA_FIXTURES "\" is a folder, not a file."};
+        row("device") = {{"/dev/null"}, 1, "\"/dev/null\" isn't a regular file."};
+        row("not netCDF") = {{notNetcdf},
+                             1,
+                             "The file \"" + notNetcdf.toLocal8Bit()
+                                 + "\" isn't a netCDF file, or its header is damaged or cut off."};
+        row("scan beyond") = {{"--scan", "22", "FILE"}, 1, "", "- There is no scan 22: the file has scans 0 to 21.\n"};
+        row("no scans") = {
+            {"--scan", "0", fixture("info-chromatogram")}, 1, "", "There is no scan 0: the file has no scans."};
+        row("other template") = {{fixture("info-chromatogram")}, 0, "", "lacks"};
+        row("bad file first") = {{"nosuch.cdf", "FILE"}, 1, "The file \"nosuch.cdf\" doesn't exist.", "Toluene"};
     }
     void exitCode()
     {
-        const auto [arguments, code, said] = ExitCode::row();
-        const Run result = run(arguments);
-        QCOMPARE(result.code, code);
-        QVERIFY2((result.out + result.err).contains(said), result.out + result.err);
+        const ExitCode &row = Rows<ExitCode>::current();
+        const QString good = fixture("info-library");
+        const Run result = run(QStringList(row.arguments).replaceInStrings("FILE", good));
+        QCOMPARE(result.code, row.code);
+        QVERIFY2(result.out.contains(row.part), result.out);
+        QVERIFY2(row.sentence.isEmpty() || result.err.contains("aia-info: " + row.sentence + '\n'), result.err);
+    }
+
+    // Said once, as the next file can't be shown either.
+    void refusedOutput()
+    {
+        const QString file = fixture("info-library");
+        const Run result = runProgram("/bin/sh", {"-c", "exec \"$0\" \"$@\" 1</dev/null", tool, file, file});
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.err.count("aia-info: Standard output can't be written: Bad file descriptor.\n"), 1);
     }
 
     void claimsStayBounded()
     {
         const Run result = run({"--scan", "2147483643", fixture("info-claims")});
         QCOMPARE(result.code, 1);
-        QVERIFY(result.out.contains("scan 2147483643 can't be read whole"));
+        QVERIFY(result.out.contains("Scan 2147483643 can't be read whole."));
         QVERIFY(result.out.contains("... and 2147483624 more"));
         QVERIFY(result.out.size() < 10000);
     }

@@ -13,12 +13,13 @@ struct Written {
 };
 
 struct SizeLimit {
-    QString blocks; // of 512 bytes, the shell's unit
-    bool fits;
+    QString blocks;      // of 512 bytes, the shell's unit
+    QByteArray sentence; // FILE stands for the file; empty if all fits
 };
 
 struct WrongUsage {
-    QString arguments;
+    QString arguments; // FILE stands for the file
+    QByteArray sentence;
 };
 
 } // namespace
@@ -30,6 +31,12 @@ class TestWrittenFiles : public QObject
     const QString sampleTool = QStringLiteral(AIA_TOOLS "/aia-sample");
     const QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("x.cdf"));
+
+    QByteArray said(const QByteArray &sentence) const
+    {
+        const QByteArray line = "aia-sample: " + sentence + '\n';
+        return sentence.isEmpty() ? QByteArray() : QByteArray(line).replace("FILE", file.toLocal8Bit());
+    }
 
 private slots:
     void init() { QFile::remove(file); }
@@ -61,38 +68,44 @@ private slots:
 
     void sizeLimit_data()
     {
+        const QByteArray noRoom =
+            "The file \"FILE\" can't be written (no such folder, or no room left?). Nothing of it is kept.";
         const Rows<SizeLimit> row;
-        row("not even the head") = {"2", false};
-        row("the numbers of the scans don't fit") = {"200", false};
-        row("ends among the points") = {"700", false};
-        row("all fits") = {"4000", true};
+        row("not even the head") = {"2", noRoom};
+        row("the numbers of the scans don't fit") = {"200", noRoom};
+        row("ends among the points") = {"700", noRoom};
+        row("all fits") = {"4000", ""};
     }
     void sizeLimit()
     {
         const SizeLimit &row = Rows<SizeLimit>::current();
         const Run made = runProgram("sh", {"-c", "ulimit -f $0; exec \"$@\"", row.blocks, sampleTool, "gcms", file});
-        QCOMPARE(made.code, row.fits ? 0 : 1);
-        QCOMPARE(made.err.contains(file.toLocal8Bit()), !row.fits);
-        QCOMPARE(QFile::exists(file), row.fits);
+        QCOMPARE(made.code, row.sentence.isEmpty() ? 0 : 1);
+        QCOMPARE(made.err, said(row.sentence));
+        QCOMPARE(QFile::exists(file), row.sentence.isEmpty());
     }
 
     void wrongUsage_data()
     {
         const Rows<WrongUsage> row;
-        row("unknown kind") = {"lcms FILE"};
-        row("no file") = {"gcms"};
-        row("no scan") = {"gcms --scans 0 FILE"};
-        row("too many points") = {"gcms --scans 200000 --points 501 FILE"};
-        row("more masses than a group takes") = {"sim --points 419 FILE"};
-        row("unknown format") = {"gcms --mass-format byte FILE"};
+        row("unknown kind") = {"lcms FILE", "There is no kind \"lcms\"."};
+        row("no file") = {"gcms", "A kind and a file have to be named."};
+        row("no scan") = {"gcms --scans 0 FILE", "The option --scans takes a number from 1 to 100000000."};
+        row("too many points") = {"gcms --scans 200000 --points 501 FILE",
+                                  "The scans would have more than 100000000 points together."};
+        row("more masses than a group takes") = {"sim --points 419 FILE",
+                                                 "The option --points takes a number from 1 to 418 for such a run."};
+        row("unknown format") = {"gcms --mass-format byte FILE",
+                                 "The option --mass-format takes short, long, float or double."};
+        row("no seed") = {"gcms --seed x FILE", "The option --seed takes a number from 0 on."};
     }
     void wrongUsage()
     {
-        QString arguments = Rows<WrongUsage>::current().arguments;
-        const Run made =
-            runProgram(sampleTool, arguments.replace(QStringLiteral("FILE"), file).split(QLatin1Char(' ')));
+        const WrongUsage &row = Rows<WrongUsage>::current();
+        const QString arguments = QString(row.arguments).replace("FILE", file);
+        const Run made = runProgram(sampleTool, arguments.split(QLatin1Char(' ')));
         QCOMPARE(made.code, 2);
-        QVERIFY(!made.err.isEmpty());
+        QCOMPARE(made.err, said(row.sentence) + said("The option --help shows how the program is used."));
         QVERIFY(!QFile::exists(file));
     }
 };

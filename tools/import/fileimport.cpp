@@ -2,6 +2,8 @@
 
 #include "dvheader.h"
 #include "dvimportparamtype.h"
+#include "inputfile.h"
+#include "messageredirection.h"
 #include "msfile.h"
 #include "terminaltext.h"
 
@@ -15,7 +17,7 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-// Tells, for a file that was refused, which of the plugin's tests it failed.
+// Whether a file that was refused has scans. It failed another of the plugin's tests then.
 bool hasScans(const QString &name)
 {
     const Silence silence;
@@ -51,10 +53,10 @@ bool FileImport::run()
     try {
         imported = importIfPossible();
     } catch (const std::bad_alloc &) {
-        report(QStringLiteral("There isn't enough memory to import \"%1\".").arg(fileName));
+        report(QStringLiteral("There isn't enough memory to import the file \"%1\".").arg(fileName));
         closePrototype();
     }
-    messages.write(stderr, options.quiet ? MessageList::Level::Warning : MessageList::Level::Debug);
+    messages.reportAll(options.quiet ? MessageList::Level::Warning : MessageList::Level::Debug);
     return imported;
 }
 
@@ -75,7 +77,8 @@ bool FileImport::importIfPossible()
     return importOn(*copy);
 }
 
-// A file that opened but isn't imported stays with the prototype; a copy takes it along.
+// The prototype keeps a file that it opened and that isn't imported. A copy takes the file over and
+// closes it.
 void FileImport::closePrototype()
 {
     delete prototype.clone();
@@ -99,9 +102,10 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
     if (json && started)
         json->endFile();
     if (!complaint.isNull())
-        report(QStringLiteral("The import of \"%1\" was given up: %2.").arg(fileName, complaint));
+        report(
+            QStringLiteral("The import of the file \"%1\" was given up: %2.").arg(fileName, complaint));
     if (!complete) {
-        report(QStringLiteral("The import of \"%1\" stopped after %2 of %3 scans.")
+        report(QStringLiteral("The import of the file \"%1\" stopped after %2 of %3 scans.")
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
     }
     if (started && !options.quiet)
@@ -110,7 +114,7 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
         return false;
     const QStringList losses = audit.losses();
     if (!losses.isEmpty()) {
-        report(QStringLiteral("\"%1\" was not imported in full; %2.")
+        report(QStringLiteral("The file \"%1\" was not imported in full: %2.")
                    .arg(fileName, losses.join(QLatin1String("; "))));
     }
     return losses.isEmpty();
@@ -149,13 +153,15 @@ void FileImport::progressChanged(int done, int count)
 
 QString FileImport::refusal(const QString &hostText)
 {
-    // These only repeat the sentence; an error says what is wrong and becomes part of it.
+    // Neither is reported by itself: the notes say nothing that the sentence doesn't, and the errors
+    // become part of it.
     const QStringList traces = messages.take(MessageList::Level::Debug);
     const QStringList errors = messages.take(MessageList::Level::Error);
     if (!hostText.isEmpty())
         return hostText;
-    if (QFileInfo(fileName).size() == 0)
-        return QStringLiteral("The file \"%1\" is empty.").arg(fileName);
+    const QString obstacle = whyUnreadable(fileName);
+    if (!obstacle.isEmpty())
+        return obstacle;
 
     QString reason;
     if (traces.contains(QStringLiteral("ms_open_read failed!"))) {
@@ -165,7 +171,7 @@ QString FileImport::refusal(const QString &hostText)
     } else if (hasScans(fileName)) {
         reason = QStringLiteral("its global attributes can't be read");
     } else {
-        // What else it lacks of a template that it doesn't follow is of no interest.
+        // A file of another kind needn't have what the template demands.
         messages.take(MessageList::Level::Warning);
         reason =
             QStringLiteral("it has no dimension \"scan_number\", so it isn't a mass spectrometry file "

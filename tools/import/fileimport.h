@@ -1,5 +1,5 @@
-// The import of one file, on the host's road: the plugin's prototype is asked whether it takes the file,
-// and a working copy of it then does the run.
+// The import of one file, in the way of the host: the plugin's prototype is asked whether it takes the
+// file, and a working copy of it then does the run.
 #ifndef FILEIMPORT_H
 #define FILEIMPORT_H
 
@@ -16,15 +16,14 @@
 class FileImport : private DVImportReceiver
 {
 public:
-    // `json` may be null. All that is handed in must outlive the import.
+    // `json` may be null. What is handed in by reference or pointer must outlive the import.
     FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine, ImportJson *json,
                const QString &fileName);
 
-    // Whether the file was imported in full. If not, standard error says why.
+    // Imports the file. Returns whether it was imported in full, and has reported why if not.
     bool run();
 
-    // Makes the run that goes on, and any later one, stop before its next scan. May be called by a signal
-    // handler.
+    // Makes the present run and all later ones stop before their next scan. A signal handler may call it.
     static void interrupt();
     static bool isInterrupted();
 
@@ -51,7 +50,7 @@ private:
     RunLimit limit;
     QString complaint; // why the run was given up
     ProgressBar progress;
-    bool started = false; // header and table are there
+    bool started = false; // header and table have come
     int scanCount = 0;
     int scansDone = 0;
 };

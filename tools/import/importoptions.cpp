@@ -12,7 +12,7 @@ namespace {
 
 constexpr double longestModulation = 100.0;
 
-// A JSON file over a data file would destroy the data.
+// JSON written over a data file would destroy the data.
 bool isOneOf(const QString &name, const QStringList &files)
 {
     const QString path = QFileInfo(name).canonicalFilePath();
@@ -41,7 +41,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
 {
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Write all that is imported to FILE, - for standard "
-                                                 "output, as JSON: an object a file, one a line."),
+                                                 "output, as JSON: an object for each file, on a line."),
                                   QStringLiteral("FILE"));
     const QCommandLineOption quiet(QStringLiteral("quiet"),
                                    QStringLiteral("Show warnings and errors only."));
@@ -72,11 +72,12 @@ CommandLine parseCommandLine(const QStringList &arguments)
     if (options.files.isEmpty())
         return refused(QStringLiteral("No file is named."));
     if (parser.isSet(json) && options.json.isEmpty())
-        return refused(QStringLiteral("The name after --json is empty."));
+        return refused(QStringLiteral("The file name after --json is empty."));
     if (isOneOf(options.json, options.files))
-        return refused(QStringLiteral("\"%1\" can't be read and written at once.").arg(options.json));
+        return refused(
+            QStringLiteral("The file \"%1\" can't be read and written at once.").arg(options.json));
     if (options.ask && parser.isSet(gcxgc))
-        return refused(QStringLiteral("--ask and --gcxgc exclude each other."));
+        return refused(QStringLiteral("The options --ask and --gcxgc exclude each other."));
     if (parser.isSet(gcxgc)) {
         options.modulation = modulationLength(parser.value(gcxgc));
         if (!options.modulation)

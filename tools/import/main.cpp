@@ -11,13 +11,12 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <iterator>
 #include <optional>
 
 namespace {
 
-// Without one the application object would end the process.
+// Whether a dialog can be shown. Without a display the application object would end the process.
 bool hasDisplay()
 {
 #ifdef Q_OS_UNIX
@@ -49,11 +48,17 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
         ++done;
     }
     if (done < options.files.size()) {
-        report(QStringLiteral("Files that were not looked at: %1.").arg(options.files.size() - done));
+        report(QStringLiteral("The program stopped before it looked at %1 of %2 files.")
+                   .arg(QString::number(options.files.size() - done),
+                        QString::number(options.files.size())));
         complete = false;
     }
     if (writesJson && !json.finish()) {
-        report(QStringLiteral("\"%1\" can't be written: %2.").arg(options.json, json.errorText()));
+        report(withFullStop(QStringLiteral("%1 can't be written: %2")
+                                .arg(options.json == QLatin1String("-")
+                                         ? QStringLiteral("Standard output")
+                                         : QStringLiteral("The file \"%1\"").arg(options.json),
+                                     json.errorText())));
         complete = false;
     }
     return complete ? Success : Failure;
@@ -66,17 +71,14 @@ int runProgram(const ImportOptions &options)
     auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
     if (!prototype) {
         report(loader.isLoaded()
-                   ? QStringLiteral("\"%1\" isn't an import plugin.").arg(loader.fileName())
-                   : QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString()));
+                   ? QStringLiteral("The file \"%1\" isn't an import plugin.").arg(loader.fileName())
+                   : withFullStop(
+                       QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString())));
         return Failure;
     }
     std::signal(SIGINT, onInterrupt);
     const int status = importAll(*prototype, options);
-    if (std::fflush(stdout) != 0) {
-        report(QStringLiteral("Standard output can't be written."));
-        return Failure;
-    }
-    return status;
+    return flushOutput() ? status : Failure;
 }
 
 } // namespace
@@ -84,7 +86,7 @@ int runProgram(const ImportOptions &options)
 int main(int argc, char *argv[])
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
-    // A display is needed, and looked for, only where a dialog is to be shown.
+    // An application with dialogs needs a display, so there is one only if a dialog is asked for.
     CommandLine commandLine;
     {
         const QCoreApplication application(argc, argv);
@@ -95,7 +97,7 @@ int main(int argc, char *argv[])
             return runProgram(commandLine.options);
     }
     if (!hasDisplay()) {
-        report(QStringLiteral("--ask needs a display to open its dialog on."));
+        report(QStringLiteral("The option --ask needs a display for its dialog."));
         return Failure;
     }
     const QApplication application(argc, argv);

@@ -1,6 +1,6 @@
 #include "runlimit.h"
 
-#include "messagelist.h"
+#include "messageredirection.h"
 #include "msfile.h"
 
 #include <QFileInfo>

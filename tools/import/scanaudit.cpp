@@ -1,14 +1,14 @@
 #include "scanaudit.h"
 
 #include "dvheader.h"
-#include "messagelist.h"
+#include "messageredirection.h"
 
 #include <algorithm>
 #include <cstddef>
 
 namespace {
 
-constexpr std::size_t namedScans = 10;
+constexpr std::size_t namedScans = 10; // unread scans that are told by their number
 
 } // namespace
 
@@ -72,28 +72,31 @@ QStringList ScanAudit::losses()
 {
     QStringList found;
     if (unread > 0)
-        found.append(QStringLiteral("scans that could not be read: %1").arg(unreadScans()));
+        found.append(
+            QStringLiteral("%1 of its scans could not be read%2").arg(unread).arg(unreadDetails()));
     if (run != Run::Spectra && hasUnreadableMasses())
         found.append(QStringLiteral("its masses could not be read"));
     const Silence silence;
     if (openFile().missingBytes() > 0)
-        found.append(QStringLiteral("the file is cut off"));
+        found.append(QStringLiteral("it is cut off"));
     return found;
 }
 
 QString ScanAudit::unreadScans() const
 {
-    if (unread == 0)
-        return QStringLiteral("none");
+    return unread == 0 ? QStringLiteral("none") : QString::number(unread) + unreadDetails();
+}
+
+// Returns which scans could not be read, or why none could, to stand behind their count.
+QString ScanAudit::unreadDetails() const
+{
     if (run == Run::Nothing)
-        return QStringLiteral("%1, as neither masses nor a total intensity for each scan can be found")
-            .arg(unread);
+        return QStringLiteral(", as neither masses nor a total intensity for each scan can be found");
 
     QStringList numbers;
     for (const int scan : first)
         numbers.append(QString::number(scan));
     if (std::size_t(unread) > first.size())
         numbers.append(QStringLiteral("..."));
-    return QStringLiteral("%1 (counted from 0: number %2)")
-        .arg(QString::number(unread), numbers.join(QLatin1String(", ")));
+    return QStringLiteral(" (counted from 0: number %1)").arg(numbers.join(QLatin1String(", ")));
 }

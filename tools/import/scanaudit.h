@@ -1,6 +1,6 @@
-// What of a run could not be read. An import gives a scan that it couldn't read without points, like an
-// empty one, and one whose masses it couldn't read as a total-ion trace, like one without masses. So
-// where the two can be mistaken, the file is looked at once more, through the toolkit.
+// Finds out what of a run could not be read. An import hands on a scan that it couldn't read without
+// points, as if it were empty, and a run whose masses it couldn't read as a total-ion trace, as if it had
+// none. So where the two can't be told apart, the audit reads the file once more, through the toolkit.
 #ifndef SCANAUDIT_H
 #define SCANAUDIT_H
 
@@ -20,10 +20,11 @@ public:
     void start(const DVHeader &header, int tableSize);
     void check(int scan, int pointCount, double total);
 
-    // After the last scan: what the import lacks, and why, in parts of a sentence; empty for a whole run.
+    // After the last scan: returns what the import lacks, and why, as clauses about the file ("it is cut
+    // off"). Empty for a whole run.
     QStringList losses();
 
-    // How many scans could not be read, and which.
+    // Returns how many scans could not be read, and which, as a phrase.
     QString unreadScans() const;
 
 private:
@@ -34,6 +35,7 @@ private:
     bool isUnread(int scan, int pointCount, double total);
     bool failsAgain(int scan);
     bool hasUnreadableMasses();
+    QString unreadDetails() const;
     const MsFile &openFile();
 
     const QString fileName;

@@ -12,19 +12,20 @@ namespace {
 
 using Kind = InfoNode::Kind;
 
-// Items of a list and rows of a table; a file may claim any number of either.
+// How many items of a list and rows of a table are shown at most. A file may claim any number of either.
 constexpr qint64 shortList = 20;
 constexpr qint64 longList = 10000;
-// Numbers looked at for the groups together: their common width, too, is only a claim.
+// How many numbers are read for all groups together. The width that they share is a claim of the file,
+// too.
 constexpr qint64 groupNumbers = 1 << 24;
 
-// A column of a table; one without numbers isn't there.
+// A column of a table. One without numbers is left out.
 struct Column {
     const char *name;
     MsNumbers numbers;
 };
 
-// What the template has and an import can't do without, or makes do without at a price.
+// Parts of the template without which an import is impossible or incomplete.
 struct Need {
     enum class Of { Dimension, Variable } of;
     int slot;
@@ -83,7 +84,7 @@ QString kindOfFile(int ncid)
     }
 }
 
-// The stored type may also be one that isn't a data format of the template.
+// Returns the type of a variable. It may be one that isn't a data format of the template.
 QString storedType(int ncid, int varid)
 {
     nc_type type = NC_NAT;
@@ -138,7 +139,7 @@ void Gatherer::problem(const QString &text)
     problems.push_back(text);
 }
 
-// How many of `count` items the list gets; the others are counted in it.
+// Returns how many of `count` items the list gets. The others are counted in it.
 qint64 Gatherer::listed(qint64 count, InfoNode *list) const
 {
     const qint64 shown = std::min(count, options.everything ? longList : shortList);
@@ -211,7 +212,7 @@ void Gatherer::addGlobals(InfoNode *report)
 {
     const MsGlobals records(ncid);
     if (!records.isRead() && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
-        problem(QStringLiteral("the global information can't be read whole"));
+        problem(QStringLiteral("The global information can't be read whole."));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
     addAttributes(ms_admin_table, &records.admin, &admin);
@@ -232,7 +233,7 @@ void Gatherer::addInstruments(InfoNode *report)
     for (qint32 i = 0; i < shown; ++i) {
         const MsInstrument instrument(ncid, i);
         if (!instrument.isRead())
-            return problem(QStringLiteral("instrument component %1 can't be read").arg(i));
+            return problem(QStringLiteral("Component %1 of the instrument can't be read.").arg(i));
         addVariables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
     }
 }
@@ -261,7 +262,7 @@ void Gatherer::addGroups(InfoNode *report)
     for (qint32 i = 0; i < shown; ++i) {
         const MsGroup group(ncid, i);
         if (!group.isRead())
-            return problem(QStringLiteral("group %1 can't be read").arg(i));
+            return problem(QStringLiteral("Group %1 can't be read.").arg(i));
         addGroup(group, &list);
     }
 }
@@ -275,22 +276,24 @@ void Gatherer::addLibrary(InfoNode *report)
     for (qint32 i = 0; i < shown; ++i) {
         const MsLibraryEntry entry(ncid, i);
         if (!entry.isRead())
-            return problem(QStringLiteral("library entry %1 can't be read").arg(i));
+            return problem(QStringLiteral("Library entry %1 can't be read.").arg(i));
         addVariables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
     }
 }
 
 void Gatherer::addScan(qint32 number, InfoNode *report)
 {
-    if (number >= size(MsDim_scan_number))
-        return problem(QStringLiteral("there is no scan %1: the file has %2")
-                           .arg(number)
-                           .arg(size(MsDim_scan_number)));
+    const qint32 count = size(MsDim_scan_number);
+    if (number >= count) {
+        const QString there =
+            count < 1 ? QStringLiteral("no scans") : QStringLiteral("scans 0 to %1").arg(count - 1);
+        return problem(QStringLiteral("There is no scan %1: the file has %2.").arg(number).arg(there));
+    }
 
     const MsScan scan(ncid, number);
     const MsLibraryEntry entry = isLibrary() ? MsLibraryEntry(ncid, number) : MsLibraryEntry();
     if (!scan.isRead() || (isLibrary() && !entry.isRead()))
-        problem(QStringLiteral("scan %1 can't be read whole").arg(number));
+        problem(QStringLiteral("Scan %1 can't be read whole.").arg(number));
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
     section.addValue(QStringLiteral("scan"), number);

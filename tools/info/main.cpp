@@ -2,7 +2,9 @@
 
 #include "infogather.h"
 #include "inforeport.h"
+#include "inputfile.h"
 #include "messagelist.h"
+#include "messageredirection.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
@@ -11,7 +13,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -28,37 +29,33 @@ struct CommandLine {
     InfoOptions info;
 };
 
-int fail(const QString &path, const char *what)
-{
-    writeLine(stderr, QStringLiteral("Error: %1: %2").arg(path, QString::fromLatin1(what)));
-    return Failure;
-}
-
 bool print(const InfoNode &report, Format format)
 {
     const QByteArray bytes = format == Format::Json ? QJsonDocument(infoJson(report)).toJson()
                                                     : infoText(report).toUtf8() + '\n';
-    return std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout)
-        == std::size_t(bytes.size());
+    std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
+    return flushOutput();
 }
 
+int fail(const QString &sentence)
+{
+    report(sentence);
+    return Failure;
+}
+
+// Returns what the program has to tell the shell about the file.
 int show(const QString &path, const CommandLine &line)
 {
-    const QFileInfo info(path);
-    if (!info.exists())
-        return fail(path, "there is no such file");
-    if (!info.isFile())
-        return fail(path, "isn't a file");
-    if (!info.isReadable())
-        return fail(path, "may not be read");
-
+    const QString obstacle = whyUnreadable(path);
+    if (!obstacle.isEmpty())
+        return fail(obstacle);
     const MsFile file(path);
     if (!file)
-        return fail(path, "isn't a netCDF file, or a damaged one");
+        return fail(QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut "
+                                   "off.")
+                        .arg(path));
     const InfoResult result = gatherInfo(file.id(), path, line.info);
-    if (!print(result.report, line.format))
-        return fail(path, "the report can't be written");
-    return result.complete ? Success : Failure;
+    return print(result.report, line.format) && result.complete ? Success : Failure;
 }
 
 int showWithMessages(const QString &path, const CommandLine &line)
@@ -70,23 +67,23 @@ int showWithMessages(const QString &path, const CommandLine &line)
     try {
         code = show(path, line);
     } catch (const std::bad_alloc &) {
-        fail(path, "takes more memory than there is");
+        report(QStringLiteral("There isn't enough memory to show the file \"%1\".").arg(path));
     }
-    messages.write(stderr, MessageList::Level::Debug);
+    messages.reportAll(MessageList::Level::Debug);
     return code;
 }
 
-// Gives the exit code where there is nothing to show, else -1.
+// Returns the exit code where there is nothing to show, else -1.
 int parse(const QStringList &arguments, CommandLine *line)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Shows what is in .cdf files with mass spectra, as UTF-8 text or JSON. Exit code: "
-                       "0, or 1 where a "
-                       "file, or a part of it that was asked for, can't be read, or 2 for wrong usage."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Shows what is in .cdf files with mass spectra, as UTF-8 text or JSON. Exit code: "
+        "0, or 1 where a file, or a part of it that was asked for, can't be read, or 2 for "
+        "wrong usage."));
     const QCommandLineOption json(
         QStringLiteral("json"),
-        QStringLiteral("Print a JSON object for each file, one behind the other."));
+        QStringLiteral("Print a JSON object for each file, one after the other."));
     const QCommandLineOption scan(
         QStringLiteral("scan"), QStringLiteral("Show scan N too, counted from 0."), QStringLiteral("N"));
     const QCommandLineOption all(
@@ -104,14 +101,15 @@ int parse(const QStringList &arguments, CommandLine *line)
 
     line->paths = namesOfFiles(parser.positionalArguments());
     if (line->paths.isEmpty())
-        return refuse(QStringLiteral("no file was named"));
+        return refuse(QStringLiteral("No file is named."));
     line->format = parser.isSet(json) ? Format::Json : Format::Text;
     line->info.everything = parser.isSet(all);
     if (parser.isSet(scan)) {
         bool isNumber = false;
         const int number = parser.value(scan).toInt(&isNumber);
         if (!isNumber || number < 0)
-            return refuse(QStringLiteral("--scan takes a number from 0 on"));
+            return refuse(QStringLiteral("\"%1\" isn't the number of a scan: they are counted from 0.")
+                              .arg(parser.value(scan)));
         line->info.scan = number;
     }
     return -1;
@@ -132,10 +130,8 @@ int main(int argc, char **argv)
     for (const QString &path : qAsConst(line.paths)) {
         if (showWithMessages(path, line) != Success)
             code = Failure;
-    }
-    if (std::fflush(stdout) != 0) {
-        std::fputs("Error: the report can't be written\n", stderr);
-        return Failure;
+        if (std::ferror(stdout) != 0)
+            break; // reported already, and nobody would see more
     }
     return code;
 }

@@ -78,9 +78,10 @@ void addOptions(QCommandLineParser *parser)
     parser->addOptions({
         {QStringLiteral("scans"), QStringLiteral("Number of scans."), QStringLiteral("N")},
         {QStringLiteral("points"),
-         QStringLiteral("Points of each scan, in a sim run masses of each group; else as the signal is."),
+         QStringLiteral("Points of each scan, or masses of each group of a sim run. Without it, as the "
+                        "signal has them."),
          QStringLiteral("N")},
-        {QStringLiteral("seed"), QStringLiteral("Number that the noise and the amounts hang on."),
+        {QStringLiteral("seed"), QStringLiteral("Seed of the noise and the amounts."),
          QStringLiteral("N"), QStringLiteral("1")},
     });
     for (const auto &row : formatOptions) {
@@ -94,7 +95,8 @@ void addOptions(QCommandLineParser *parser)
                                   QStringLiteral("OUTPUT.cdf"));
 }
 
-// A number of `option` within its limits, or `fallback` without the option; -1 for any other text.
+// Returns the number of `option`, from 1 to `limit`, or `fallback` without the option; -1 for any other
+// text.
 int numberOf(const QCommandLineParser &parser, const char *option, qint64 limit, int fallback)
 {
     if (!parser.isSet(QLatin1String(option)))
@@ -104,7 +106,7 @@ int numberOf(const QCommandLineParser &parser, const char *option, qint64 limit,
     return isNumber && number >= 1 && number <= limit ? number : -1;
 }
 
-// How many points a scan can have at most.
+// Returns how many points a scan can have at most.
 qint64 mostPoints(const SampleOptions &sample)
 {
     if (sample.points != 0)
@@ -112,34 +114,35 @@ qint64 mostPoints(const SampleOptions &sample)
     return sample.kind == SampleKind::Tic ? 1 : sampleMassCount;
 }
 
-// Reads the counts and formats; gives what is wrong with them, or a null text.
+// Reads the counts and formats. Returns the sentence that says what is wrong with them, or a null text.
 QString readOptions(const QCommandLineParser &parser, SampleOptions *sample)
 {
     const int pointsLimit = sample->kind == SampleKind::Sim ? sampleMassCount : maxPointsPerScan;
     sample->scans = numberOf(parser, "scans", maxSamplePoints, defaultSampleScans(sample->kind));
     if (sample->scans == -1)
-        return QStringLiteral("--scans takes a number from 1 to %1").arg(maxSamplePoints);
+        return QStringLiteral("The option --scans takes a number from 1 to %1.").arg(maxSamplePoints);
     sample->points = numberOf(parser, "points", pointsLimit, 0);
     if (sample->points == -1)
-        return QStringLiteral("--points takes a number from 1 to %1 here").arg(pointsLimit);
+        return QStringLiteral("The option --points takes a number from 1 to %1 for such a run.")
+            .arg(pointsLimit);
     if (sample->scans * mostPoints(*sample) > maxSamplePoints)
-        return QStringLiteral("these are more than %1 points").arg(maxSamplePoints);
+        return QStringLiteral("The scans would have more than %1 points together.").arg(maxSamplePoints);
 
     bool isNumber = false;
     sample->seed = parser.value(QStringLiteral("seed")).toULongLong(&isNumber);
     if (!isNumber)
-        return QStringLiteral("--seed takes a number from 0 on");
+        return QStringLiteral("The option --seed takes a number from 0 on.");
     for (const auto &row : formatOptions) {
         const auto format = findName(formats, parser.value(QLatin1String(row.option)));
         if (format == std::end(formats))
-            return QStringLiteral("--%1 takes short, long, float or double")
+            return QStringLiteral("The option --%1 takes short, long, float or double.")
                 .arg(QLatin1String(row.option));
         sample->*row.field = format->format;
     }
     return QString();
 }
 
-// Gives the exit code where there is nothing to make, else -1.
+// Returns the exit code where there is nothing to make, else -1.
 int parse(const QStringList &arguments, CommandLine *line)
 {
     QCommandLineParser parser;
@@ -152,10 +155,10 @@ int parse(const QStringList &arguments, CommandLine *line)
 
     const QStringList words = parser.positionalArguments();
     if (words.size() != 2 || words[1].isEmpty())
-        return refuse(QStringLiteral("a kind and a file have to be named"));
+        return refuse(QStringLiteral("A kind and a file have to be named."));
     const auto kind = findName(kinds, words[0]);
     if (kind == std::end(kinds))
-        return refuse(QStringLiteral("there is no kind %1").arg(words[0]));
+        return refuse(QStringLiteral("There is no kind \"%1\".").arg(words[0]));
     line->sample.kind = kind->kind;
     line->path = words[1];
     const QString wrong = readOptions(parser, &line->sample);
@@ -168,11 +171,12 @@ int make(const CommandLine &line)
     try {
         wrong = writeSample(line.path, line.sample);
     } catch (const std::bad_alloc &) {
-        wrong = QStringLiteral("takes more memory than there is; what is there of it is incomplete");
+        wrong = QStringLiteral("There isn't enough memory to make the file \"%1\", which is incomplete.")
+                    .arg(line.path);
     }
     if (wrong.isNull())
         return Success;
-    report(QStringLiteral("%1 %2").arg(line.path, wrong));
+    report(wrong);
     return Failure;
 }
 
@@ -182,7 +186,7 @@ int main(int argc, char **argv)
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
 #ifdef SIGXFSZ
-    // A limit on the size of files shall be a failed write, not the end.
+    // A write beyond the limit on the size of files shall fail and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
     const QCoreApplication application(argc, argv);

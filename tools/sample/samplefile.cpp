@@ -2,7 +2,7 @@
 
 #include "samplefile.h"
 
-#include "messagelist.h"
+#include "messageredirection.h"
 #include "samplelibrary.h"
 #include "samplerecords.h"
 #include "samplerun.h"
@@ -38,7 +38,7 @@ public:
         return stored.empty() ? nullptr : stored.data();
     }
 
-    // What a reader makes of value i.
+    // Returns what a reader makes of value i.
     double value(std::size_t i) const { return values[i] * scale; }
 
 private:
@@ -48,8 +48,8 @@ private:
     std::vector<double> values;
 };
 
-// The first scale from `scale` on, each `step` times the one before, with which `largest` fits in
-// `format`.
+// Returns the first of the scales `scale`, `scale` x `step`, `scale` x `step` x `step`, ... with which
+// `largest` fits in `format`.
 double fittingScale(qint32 format, double largest, double scale, double step)
 {
     const double limit =
@@ -115,11 +115,13 @@ public:
         layout.has_mass_values = options.hasMasses();
         layout.has_time_values = options.hasTimes();
         file = MsFile::create(path.constData(), layout);
-        // All is written, so filling it before would only take time, several times that of the writing.
+        // Every number is written, so filling the file first would only take time: several times that of
+        // the writing.
         int before = NC_FILL;
         if (!file || nc_set_fill(file.id(), NC_NOFILL, &before) != NC_NOERR)
             return false;
-        // The ranges are known at the end; the first writing keeps room for them in the file's head.
+        // The ranges are known at the end only. The first writing makes room for them in the file's
+        // header.
         return writeGlobal() && writeGroups() && writeComponents() && writeScans() && writeGlobal()
             && file.finish();
     }
@@ -174,7 +176,7 @@ private:
         std::vector<double> delayTimes(width, MsMissingDouble);
         for (std::size_t i = 0; i < count; ++i) {
             groupMasses[i] = samplePeakMass(group.masses[i]);
-            // The masses share the half second of a scan; a tenth of it, the voltages settle.
+            // The masses share the half second of a scan. For a tenth of it the voltages settle.
             delayTimes[i] = onGrid(0.05 / double(count), 10000.0);
             samplingTimes[i] = onGrid(0.45 / double(count), 10000.0);
         }
@@ -227,7 +229,7 @@ private:
         return record;
     }
 
-    // The scan's sum and ranges, of the numbers as they are stored.
+    // Adds the scan's sum and ranges, of the numbers as they are stored.
     void addPoints(const SampleScan &scan, MsScanRecord *record)
     {
         record->total_intensity = 0.0;
@@ -278,19 +280,19 @@ bool readsBack(const QByteArray &path)
 
 QString writeSample(const QString &path, const SampleOptions &options)
 {
-    // netCDF takes some names for addresses of a server.
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
-        return QStringLiteral("is no file that could be written over");
+        return QStringLiteral("\"%1\" isn't a regular file.").arg(path);
     if (info.exists() && !info.isWritable())
-        return QStringLiteral("may not be written over");
+        return QStringLiteral("There is no permission to write over the file \"%1\".").arg(path);
 
     const QByteArray name = QFile::encodeName(info.absoluteFilePath());
     if (SampleFile(options).write(name) && readsBack(name))
         return QString();
-    if (!QFile::exists(info.absoluteFilePath()))
-        return QStringLiteral("can't be created");
-    if (!QFile::remove(info.absoluteFilePath()))
-        return QStringLiteral("can't be written whole; what is there of it is incomplete");
-    return QStringLiteral("can't be written whole (no room left?), and was removed");
+    if (QFile::exists(info.absoluteFilePath()) && !QFile::remove(info.absoluteFilePath()))
+        return QStringLiteral("The file \"%1\" can't be written whole. What is there is incomplete.")
+            .arg(path);
+    return QStringLiteral("The file \"%1\" can't be written (no such folder, or no room left?). Nothing "
+                          "of it is kept.")
+        .arg(path);
 }

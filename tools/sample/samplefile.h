@@ -6,8 +6,8 @@
 
 #include <QString>
 
-// Makes the file `path`, with a run's scans. Gives a null text, or why it couldn't be made; what was
-// begun of it is removed then, as far as that can be done.
+// Makes the file `path`, over one of that name. Returns a null text, or the sentence that says why it
+// couldn't be made. What was written of it is removed then, as far as possible.
 QString writeSample(const QString &path, const SampleOptions &options);
 
 #endif // SAMPLEFILE_H

@@ -2,15 +2,13 @@
 
 #include "terminaltext.h"
 
-#include <algorithm>
-
 namespace {
 
 QString label(MessageList::Level level)
 {
     switch (level) {
     case MessageList::Level::Debug:
-        return QStringLiteral("Debug");
+        return QStringLiteral("Note");
     case MessageList::Level::Warning:
         return QStringLiteral("Warning");
     case MessageList::Level::Error:
@@ -54,18 +52,18 @@ QStringList MessageList::take(Level level)
     return taken;
 }
 
-void MessageList::write(std::FILE *stream, Level least) const
+void MessageList::reportAll(Level least) const
 {
-    const auto write = [&](Level level, const QString &text) {
-        writeLine(stream, QStringLiteral("%1: %2: %3").arg(label(level), fileName, text));
-    };
     for (const Entry &entry : entries) {
         if (entry.level < least)
             continue;
         const QString times =
             entry.count > 1 ? QStringLiteral(" (%1 times)").arg(entry.count) : QString();
-        write(entry.level, plainText(entry.text) + times);
+        report(withFullStop(QStringLiteral("%1 for the file \"%2\": %3")
+                                .arg(label(entry.level), fileName, plainText(entry.text) + times)));
     }
-    if (leftOut > 0)
-        write(Level::Warning, QStringLiteral("%1 more messages were left out").arg(leftOut));
+    if (leftOut > 0) {
+        report(QStringLiteral("Messages for the file \"%1\" that are left out here: %2.")
+                   .arg(fileName, QString::number(leftOut)));
+    }
 }

@@ -8,8 +8,6 @@
 #include <QPair>
 #include <QStringList>
 
-#include <cstdio>
-#include <utility>
 #include <vector>
 
 class MessageList
@@ -21,11 +19,11 @@ public:
 
     void add(Level level, const QString &text);
 
-    // Takes the texts of a level out of the list, as plain text.
+    // Takes the texts of a level out of the list and returns them, as plain text.
     QStringList take(Level level);
 
-    // Writes the messages from level `least` on, in the order in which they were first seen.
-    void write(std::FILE *stream, Level least) const;
+    // Reports the messages from level `least` on, in the order in which they were first seen.
+    void reportAll(Level least) const;
 
 private:
     // A damaged file can make any number of different messages.
@@ -39,31 +37,8 @@ private:
 
     const QString fileName;
     std::vector<Entry> entries;
-    QHash<QPair<int, QString>, std::size_t> places; // in entries
-    int leftOut = 0;
-};
-
-// Sends all messages to a receiver for as long as it lives.
-class MessageRedirection
-{
-public:
-    explicit MessageRedirection(MessageLoggerInterface::Receiver receiver)
-        : previous(MessageLoggerInterface::setReceiver(std::move(receiver)))
-    {
-    }
-    ~MessageRedirection() { MessageLoggerInterface::setReceiver(std::move(previous)); }
-
-private:
-    Q_DISABLE_COPY(MessageRedirection)
-
-    MessageLoggerInterface::Receiver previous;
-};
-
-// Nobody gets any.
-class Silence : private MessageRedirection
-{
-public:
-    Silence() : MessageRedirection([](MessageLoggerInterface::Level, const QString &) {}) { }
+    QHash<QPair<int, QString>, std::size_t> places; // of the texts in entries
+    int leftOut = 0;                                // messages whose texts found no room
 };
 
 #endif // MESSAGELIST_H

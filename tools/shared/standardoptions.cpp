@@ -39,7 +39,7 @@ bool StandardOptions::answer(const QCommandLineParser &parser) const
 
 int refuse(const QString &why)
 {
-    report(why);
-    report(QStringLiteral("--help shows how it is used."));
+    report(withFullStop(why));
+    report(QStringLiteral("The option --help shows how the program is used."));
     return WrongUsage;
 }

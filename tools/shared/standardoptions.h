@@ -15,11 +15,12 @@ void setProgram(const char *name, const char *version);
 class StandardOptions
 {
 public:
-    // Adds the options behind those that the parser has. Qt's own help option would bring one for its own
-    // options along.
+    // Adds the options to the parser, after those that it has. They stand in for the parser's own help
+    // option, which would also list Qt's options.
     explicit StandardOptions(QCommandLineParser *parser);
 
-    // Prints what the parsed line asks for, in the terminal's coding; whether it asked for anything.
+    // Prints help or version, in the terminal's coding, if the parsed line asks for one of them. Returns
+    // whether it did.
     bool answer(const QCommandLineParser &parser) const;
 
 private:
@@ -27,7 +28,7 @@ private:
     QCommandLineOption version;
 };
 
-// Reports why the arguments can't be used. Gives WrongUsage.
+// Reports why the arguments can't be used. Returns WrongUsage.
 int refuse(const QString &why);
 
 #endif // STANDARDOPTIONS_H

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 
+#include <cerrno>
+
 QString plainText(const QString &richText)
 {
     static const QRegularExpression tag(QStringLiteral("</?[A-Za-z][^<>]*>"));
@@ -21,6 +23,13 @@ QString plainText(const QString &richText)
         .replace(QLatin1String("&amp;"), QLatin1String("&"));
 }
 
+QString withFullStop(const QString &text)
+{
+    const bool isSentence = text.endsWith(QLatin1Char('.')) || text.endsWith(QLatin1Char('!'))
+        || text.endsWith(QLatin1Char('?'));
+    return isSentence ? text : text + QLatin1Char('.');
+}
+
 void writeLine(std::FILE *stream, const QString &text)
 {
     QString line = text;
@@ -35,4 +44,14 @@ void writeLine(std::FILE *stream, const QString &text)
 void report(const QString &sentence)
 {
     writeLine(stderr, QCoreApplication::applicationName() + QStringLiteral(": ") + sentence);
+}
+
+bool flushOutput()
+{
+    const bool failedBefore = std::ferror(stdout) != 0;
+    const bool isFlushed = std::fflush(stdout) == 0;
+    const QString reason = isFlushed ? QString() : QLatin1String(": ") + qt_error_string(errno);
+    if (failedBefore || !isFlushed)
+        report(withFullStop(QStringLiteral("Standard output can't be written") + reason));
+    return isFlushed && !failedBefore;
 }

@@ -6,15 +6,23 @@
 
 #include <cstdio>
 
-// A message's rich text without its tags: bold names in quotes, entities as the characters that they
-// stand for.
+// Returns a message's rich text without its tags: bold names in quotes, entities as the characters that
+// they stand for.
 QString plainText(const QString &richText);
+
+// Returns the text with a full stop, unless it ends in a mark of that kind. For texts of libraries.
+QString withFullStop(const QString &text);
 
 // Writes a line in the terminal's coding. Control characters, which a file's texts may hold and a
 // terminal would obey, become question marks.
 void writeLine(std::FILE *stream, const QString &text);
 
-// Writes a sentence to standard error, behind the program's name: see setProgram().
+// Writes a sentence to standard error, behind the program's name: see setProgram(). All that a program
+// has to say goes this way.
 void report(const QString &sentence);
+
+// Writes out what standard output keeps in memory. Returns false, after a report, if something couldn't
+// be written, now or before.
+bool flushOutput();
 
 #endif // TERMINALTEXT_H
