@@ -38,8 +38,10 @@ public:
 private:
     struct Variable {
         std::vector<quint64> dimensions;
-        quint64 width;
+        quint64 type;
         quint64 begin;
+
+        quint64 width() const { return typeWidths[std::size_t(type)]; }
     };
 
     quint64 left() const { return length - position; }
@@ -50,7 +52,7 @@ private:
     quint64 size() { return number(version == 5 ? 8 : 4); }
     quint64 offset() { return number(version == 1 ? 4 : 8); }
     quint64 count(quint32 tag, quint64 leastSize);
-    quint64 typeWidth();
+    quint64 type();
     void skipName() { skip(padded(size())); }
     void skipAttributes();
     void readDimensions();
@@ -124,14 +126,14 @@ quint64 Walk::count(quint32 tag, quint64 leastSize)
     return entries;
 }
 
-quint64 Walk::typeWidth()
+quint64 Walk::type()
 {
-    const quint64 type = word();
-    if (type < 1 || type >= typeWidths.size()) {
+    const quint64 found = word();
+    if (found < 1 || found >= typeWidths.size()) {
         fail();
         return 0;
     }
-    return typeWidths[std::size_t(type)];
+    return found;
 }
 
 void Walk::skipAttributes()
@@ -139,7 +141,7 @@ void Walk::skipAttributes()
     const quint64 entries = count(attributeTag, 12);
     for (quint64 i = 0; sound && i < entries; ++i) {
         skipName();
-        const quint64 width = typeWidth();
+        const quint64 width = typeWidths[std::size_t(type())];
         skip(padded(ms_product(size(), width)));
     }
 }
@@ -173,7 +175,7 @@ void Walk::readVariables()
             variable.dimensions.push_back(dimensions[std::size_t(id)]);
         }
         skipAttributes();
-        variable.width = typeWidth();
+        variable.type = type();
         size(); // the stored size is only a help; the library, too, makes its own
         variable.begin = offset();
         if (variable.begin > ms_largest)
@@ -205,7 +207,7 @@ quint64 Walk::recordSize() const
     for (const Variable &variable : variables) {
         if (!isRecord(variable))
             continue;
-        unpadded = ms_product(elements(variable, 1), variable.width);
+        unpadded = ms_product(elements(variable, 1), variable.width());
         result = ms_sum(result, padded(unpadded));
         ++found;
     }
@@ -237,10 +239,13 @@ void Walk::lay(MsClassicLayout *layout) const
     const quint64 stride = recordSize();
     for (const Variable &variable : variables) {
         MsVariableExtent extent;
+        extent.type = int(variable.type);
         extent.begin = variable.begin;
-        extent.width = variable.width;
+        extent.width = variable.width();
         const quint64 lineSize = ms_product(elements(variable, 1), extent.width);
         extent.stride = isRecord(variable) ? stride : lineSize;
+        const quint64 lead = isRecord(variable) ? extent.begin - recordBegin() : 0;
+        extent.lead = lead < stride ? lead : 0; // variables of other places have no record in common
         layout->variables.push_back(extent);
 
         const quint64 lines = isRecord(variable) ? records

@@ -25,9 +25,11 @@ constexpr quint64 ms_product(quint64 a, quint64 b)
 
 // Where the elements of one variable lie.
 struct MsVariableExtent {
+    int type = 0; // NC_BYTE to NC_UINT64
     quint64 begin = 0;
     quint64 width = 0;  // bytes of an element
     quint64 stride = 0; // bytes from one step along the first dimension to the next
+    quint64 lead = 0;   // bytes of its record before the variable; 0 outside records
 };
 
 struct MsClassicLayout {

@@ -49,6 +49,12 @@ void report_damage(const char *path)
         nullptr);
 }
 
+void report_change(const char *path)
+{
+    MessageLoggerInterface::Error(
+        QStringLiteral("File <b>%1</b> was changed while it was opened").arg(shown_name(path)), nullptr);
+}
+
 void report_missing_data(const char *path, const MsFileData &data)
 {
     MessageLoggerInterface::Warning(
@@ -156,6 +162,10 @@ int ms_open_read(const char *path)
     const std::filesystem::file_status status = std::filesystem::status(path, unknown);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
         return -1; // a pipe would be waited at for ever
+    // Opened first, so that its header is looked at, and the library opens it, while it is held to be the
+    // same.
+    auto bytes = std::make_unique<MsClassicBytes>();
+    bytes->open(path);
     MsClassicLayout layout;
     const MsHeader header = ms_inspect_header(path, &layout);
     if (header == MsHeader::Damaged) {
@@ -168,7 +178,14 @@ int ms_open_read(const char *path)
         return -1;
 
     MsFileState &state = begin(file.id());
-    state.data.open_read(path, header, std::move(layout));
+    if (header != MsHeader::Sound) {
+        state.data.open_read(layout.length);
+    } else if (bytes->is_of(path)) {
+        state.data.open_read(std::move(bytes), std::move(layout));
+    } else {
+        report_change(path);
+        return -1;
+    }
     if (state.data.missing_bytes() > 0)
         report_missing_data(path, state.data);
     ms_inquire_dimensions(state);

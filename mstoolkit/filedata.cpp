@@ -48,24 +48,29 @@ quint64 elements_of(const MsSlab &slab)
 
 } // namespace
 
-void MsFileData::open_read(const char *path, MsHeader header, MsClassicLayout found)
+void MsFileData::open_read(quint64 length)
 {
     constant = true;
-    most = most_bytes_of(found.length);
-    if (header != MsHeader::Sound)
-        return;
+    most = most_bytes_of(length);
+}
+
+void MsFileData::open_read(std::unique_ptr<MsClassicBytes> file, MsClassicLayout found)
+{
+    open_read(found.length);
+    classic = std::move(file);
     layout = std::move(found);
-    handle.open(path, std::ios::binary);
 }
 
 void MsFileData::look_at_length()
 {
-    if (!layout)
-        return;
-    handle.clear();
-    if (!handle.seekg(0, std::ios::end))
-        return;
-    layout->length = std::min(layout->length, quint64(handle.tellg()));
+    if (layout)
+        layout->length = std::min(layout->length, classic->length());
+}
+
+void MsFileData::note_refusal(int why)
+{
+    if (refusals++ == 0)
+        error = why;
 }
 
 quint64 MsFileData::missing_bytes() const
@@ -156,11 +161,45 @@ int MsFileData::ask_library(const MsSlab &slab, qint32 type, void *target) const
     return status;
 }
 
+// Reads numbers of a classic file. Returns nothing where the library has to: texts, conversions that are
+// its own, and parts of a variable that don't lie at equal distances.
+std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, void *target)
+{
+    const MsVariableExtent *extent = layout ? extent_of(slab.varid) : nullptr;
+    if (!extent || !MsClassicBytes::can_convert(extent->type, type))
+        return std::nullopt;
+    MsClassicRun run = {extent->type, ms_sum(extent->begin, ms_product(slab.start[0], extent->stride)),
+                        extent->stride, extent->lead, slab.count[0]};
+    if (slab.rank == 2 && slab.count[0] == 1)
+        run = {extent->type, ms_sum(run.begin, ms_product(slab.start[1], extent->width)), extent->width,
+               0, slab.count[1]};
+    else if (slab.rank != 1)
+        return std::nullopt;
+
+    switch (classic->read(run, type, target)) {
+    case MsClassicBytes::Result::Read:
+        return MsFetch::Read;
+    case MsClassicBytes::Result::OutOfRange:
+        return MsFetch::None;
+    case MsClassicBytes::Result::EndOfFile:
+        look_at_length();
+        return MsFetch::None;
+    case MsClassicBytes::Result::Failed:
+        break;
+    }
+    note_refusal(classic->error());
+    return MsFetch::Failed;
+}
+
 MsFetch MsFileData::read(const MsSlab &slab, qint32 type, void *target)
 {
     if (!has(slab))
         return MsFetch::None;
+    if (const std::optional<MsFetch> result = read_bytes(slab, type, target))
+        return *result;
     const int status = ask_library(slab, type, target);
+    if (status > 0) // of the system; the library's own are negative
+        note_refusal(status);
     if (status == NC_ERANGE)
         return MsFetch::None;
     if (status != NC_NOERR)

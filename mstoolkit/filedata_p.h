@@ -4,12 +4,13 @@
 #ifndef FILEDATA_P_H
 #define FILEDATA_P_H
 
+#include "classicbytes_p.h"
 #include "classicheader_p.h"
 #include "types_p.h"
 
 #include <cstddef>
-#include <fstream>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -44,9 +45,12 @@ public:
 
     int id() const { return ncid; }
 
-    // From now on the data are those of the file `path`, which is only read. `layout` is what
-    // ms_inspect_header made of it, and `header` what it returned.
-    void open_read(const char *path, MsHeader header, MsClassicLayout layout);
+    // From now on the data are those of a file that is only read, of another kind than the classic ones
+    // and `length` bytes long.
+    void open_read(quint64 length);
+
+    // The same of a classic file: its bytes, and what ms_inspect_header made of them.
+    void open_read(std::unique_ptr<MsClassicBytes> file, MsClassicLayout layout);
 
     // Whether shapes and elements stay as they are, so that what is known of them can be kept.
     bool is_constant() const { return constant; }
@@ -83,7 +87,16 @@ public:
     // Reads the same as a new array. Null on failure; memory is made only for elements that the file has.
     MsBlock<void> read_array(const MsSlab &slab, qint32 type);
 
+    // Reads that the system refused, and why the first one was (errno).
+    quint64 refused_reads() const { return refusals; }
+    int first_error() const { return error; }
+
+    // Whether somebody changed the file while it was open: what was read may be of two versions of it.
+    bool has_changed() const { return classic && classic->has_changed(); }
+
 private:
+    void note_refusal(int why);
+    std::optional<MsFetch> read_bytes(const MsSlab &slab, qint32 type, void *target);
     const MsVariableExtent *extent_of(int varid) const;
     quint64 bytes_from(quint64 begin) const;
     bool has(const MsSlab &slab) const;
@@ -92,10 +105,11 @@ private:
     int ncid;
     bool constant = false;
     quint64 most = std::numeric_limits<quint64>::max(); // see most_bytes
-    // Of a classic file that is only read: where its data lie, and a handle that tells how long it is
-    // now.
+    quint64 refusals = 0;
+    int error = 0;
+    // Of a classic file that is only read: where its data lie, and its bytes.
     std::optional<MsClassicLayout> layout;
-    std::ifstream handle;
+    std::unique_ptr<MsClassicBytes> classic;
 };
 
 #endif // FILEDATA_P_H

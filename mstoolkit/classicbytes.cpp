@@ -1,0 +1,415 @@
+// Reading bytes of a classic file and turning them into numbers.
+
+#include "classicbytes_p.h"
+
+#include "msformat.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+
+// How much of a file is read at once, and how far apart the numbers of a variable may lie for whole
+// records to be read. Both were measured: larger blocks fall out of the processor's nearest memory before
+// their last numbers are used.
+constexpr std::size_t most_bytes_at_once = 1 << 18;
+constexpr quint64 widest_record = 256;
+
+// A read that is interrupted for ever is one that fails.
+constexpr int most_interruptions = 1000;
+
+#ifdef Q_OS_WIN
+using StatBuffer = struct _stat64;
+
+int open_file(const char *path)
+{
+    return _open(path, _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+void close_file(int descriptor)
+{
+    _close(descriptor);
+}
+
+qint64 read_at(int descriptor, quint64 place, unsigned char *target, std::size_t size)
+{
+    if (_lseeki64(descriptor, qint64(place), SEEK_SET) == -1)
+        return -1;
+    return _read(descriptor, target, unsigned(std::min<std::size_t>(size, 1 << 30)));
+}
+
+int stat_of(int descriptor, StatBuffer *buffer)
+{
+    return _fstat64(descriptor, buffer);
+}
+
+int stat_of(const char *path, StatBuffer *buffer)
+{
+    return _stat64(path, buffer);
+}
+
+qint64 nanoseconds_of(const StatBuffer &)
+{
+    return 0;
+}
+#else
+using StatBuffer = struct stat;
+
+int open_file(const char *path)
+{
+    return ::open(path, O_RDONLY | O_CLOEXEC);
+}
+
+void close_file(int descriptor)
+{
+    ::close(descriptor);
+}
+
+qint64 read_at(int descriptor, quint64 place, unsigned char *target, std::size_t size)
+{
+    return ::pread(descriptor, target, size, off_t(place));
+}
+
+int stat_of(int descriptor, StatBuffer *buffer)
+{
+    return ::fstat(descriptor, buffer);
+}
+
+int stat_of(const char *path, StatBuffer *buffer)
+{
+    return ::stat(path, buffer);
+}
+
+qint64 nanoseconds_of(const StatBuffer &buffer)
+{
+#ifdef Q_OS_DARWIN
+    return buffer.st_mtimespec.tv_nsec;
+#else
+    return buffer.st_mtim.tv_nsec;
+#endif
+}
+#endif
+
+template <class Handle> bool ask_stamp(Handle file, MsFileStamp *stamp)
+{
+    StatBuffer buffer;
+    if (stat_of(file, &buffer) != 0)
+        return false;
+    stamp->device = quint64(buffer.st_dev);
+    stamp->file = quint64(buffer.st_ino);
+    stamp->length = quint64(buffer.st_size);
+    stamp->seconds = qint64(buffer.st_mtime);
+    stamp->nanoseconds = nanoseconds_of(buffer);
+    return true;
+}
+
+template <std::size_t width> struct Word;
+template <> struct Word<1> {
+    using Type = quint8;
+};
+template <> struct Word<2> {
+    using Type = quint16;
+};
+template <> struct Word<4> {
+    using Type = quint32;
+};
+template <> struct Word<8> {
+    using Type = quint64;
+};
+
+// A number as it stands in a file, with the largest byte first.
+template <class Stored> Stored stored_number(const unsigned char *place)
+{
+    using Bits = typename Word<sizeof(Stored)>::Type;
+    Bits bits;
+    std::memcpy(&bits, place, sizeof(bits));
+    bits = qFromBigEndian(bits);
+    Stored number;
+    std::memcpy(&number, &bits, sizeof(number));
+    return number;
+}
+
+template <class Target, class Stored> bool is_in_range(Stored number)
+{
+    if constexpr (std::is_floating_point_v<Target>) {
+        return true;
+    } else if constexpr (std::is_signed_v<Stored>) {
+        return number >= std::numeric_limits<Target>::min()
+            && number <= std::numeric_limits<Target>::max();
+    } else {
+        return number <= std::make_unsigned_t<Target>(std::numeric_limits<Target>::max());
+    }
+}
+
+// Returns whether all numbers could be held.
+template <class Stored, class Target>
+bool convert(const unsigned char *bytes, std::size_t stride, std::size_t count, Target *target)
+{
+    bool held = true;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Stored number = stored_number<Stored>(bytes + i * stride);
+        if constexpr (!std::is_floating_point_v<Target> && !std::is_same_v<Stored, Target>)
+            held &= is_in_range<Target>(number);
+        target[i] = static_cast<Target>(number);
+    }
+    return held;
+}
+
+template <class Stored>
+bool convert_from(const unsigned char *bytes, std::size_t stride, std::size_t count, qint32 type,
+                  void *target)
+{
+    bool held = false;
+    ms_with_format(ms_format_of_nc_type(type, 0), target, [&](auto *numbers) {
+        using Target = std::remove_const_t<std::remove_pointer_t<decltype(numbers)>>;
+        if constexpr (std::is_floating_point_v<Stored> && !std::is_floating_point_v<Target>)
+            held = false; // can_convert has refused it
+        // A count of bytes that the compiler knows makes a loop of whole vectors.
+        else if (stride == sizeof(Stored))
+            held = convert<Stored>(bytes, sizeof(Stored), count, static_cast<Target *>(target));
+        else
+            held = convert<Stored>(bytes, stride, count, static_cast<Target *>(target));
+    });
+    return held;
+}
+
+MsClassicBytes::Result convert_all(nc_type stored, const unsigned char *bytes, std::size_t stride,
+                                   std::size_t count, qint32 type, void *target)
+{
+    const auto convert_as = [&](auto number) {
+        return convert_from<decltype(number)>(bytes, stride, count, type, target);
+    };
+    const auto held = [&] {
+        switch (stored) {
+        case NC_BYTE:
+            return convert_as(qint8());
+        case NC_UBYTE:
+            return convert_as(quint8());
+        case NC_SHORT:
+            return convert_as(qint16());
+        case NC_USHORT:
+            return convert_as(quint16());
+        case NC_INT:
+            return convert_as(qint32());
+        case NC_UINT:
+            return convert_as(quint32());
+        case NC_FLOAT:
+            return convert_as(float());
+        case NC_DOUBLE:
+            return convert_as(double());
+        case NC_INT64:
+            return convert_as(qint64());
+        case NC_UINT64:
+            return convert_as(quint64());
+        default:
+            return false;
+        }
+    };
+    return held() ? MsClassicBytes::Result::Read : MsClassicBytes::Result::OutOfRange;
+}
+
+std::size_t width_of(nc_type type)
+{
+    switch (type) {
+    case NC_BYTE:
+    case NC_UBYTE:
+        return 1;
+    case NC_SHORT:
+    case NC_USHORT:
+        return 2;
+    case NC_INT:
+    case NC_UINT:
+    case NC_FLOAT:
+        return 4;
+    case NC_DOUBLE:
+    case NC_INT64:
+    case NC_UINT64:
+        return 8;
+    default:
+        return 0;
+    }
+}
+
+void *behind(void *target, std::size_t count, qint32 type)
+{
+    return static_cast<unsigned char *>(target) + count * ms_type_width(type);
+}
+
+} // namespace
+
+bool MsClassicBytes::open(const char *path)
+{
+    close();
+    descriptor = open_file(path);
+    if (is_open() && !ask_stamp(descriptor, &opened))
+        close();
+    return is_open();
+}
+
+void MsClassicBytes::close()
+{
+    if (is_open())
+        close_file(descriptor);
+    descriptor = -1;
+    last_error = 0;
+    changed = false;
+    block_size = 0;
+}
+
+bool MsClassicBytes::is_of(const char *path) const
+{
+    MsFileStamp now;
+    return is_open() && ask_stamp(path, &now) && now == opened;
+}
+
+quint64 MsClassicBytes::length() const
+{
+    MsFileStamp now;
+    return is_open() && ask_stamp(descriptor, &now) ? now.length : 0;
+}
+
+bool MsClassicBytes::can_convert(nc_type stored, qint32 type)
+{
+    const bool is_real = stored == NC_FLOAT || stored == NC_DOUBLE;
+    if (stored == NC_DOUBLE && type == NC_FLOAT)
+        return false; // beyond a float's range the result is the library's
+    return width_of(stored) != 0 && ms_type_width(type) != 0
+        && (!is_real || type == NC_FLOAT || type == NC_DOUBLE);
+}
+
+// Reads up to `size` bytes. Returns how many came; where they are fewer, `why` says what stopped them.
+std::size_t MsClassicBytes::fill(quint64 place, std::size_t size, unsigned char *target, Result *why)
+{
+    std::size_t done = 0;
+    int interruptions = 0;
+    while (done < size) {
+        const qint64 got = read_at(descriptor, place + done, target + done, size - done);
+        if (got > 0) {
+            done += std::size_t(got);
+        } else if (got == 0) {
+            *why = Result::EndOfFile;
+            return done;
+        } else if (errno != EINTR || ++interruptions > most_interruptions) {
+            last_error = errno;
+            *why = Result::Failed;
+            return done;
+        }
+    }
+    return done;
+}
+
+// Reads exactly `size` bytes.
+MsClassicBytes::Result MsClassicBytes::fetch(quint64 place, std::size_t size, unsigned char *target)
+{
+    Result why = Result::Read;
+    return fill(place, size, target, &why) == size ? Result::Read : why;
+}
+
+// Has the bytes from `place` on in the block: at least `least` of them, and up to `most` where they come
+// without more ado.
+MsClassicBytes::Result MsClassicBytes::ask_block(quint64 place, std::size_t least, std::size_t most)
+{
+    if (place >= block_begin && place - block_begin <= block_size
+        && least <= block_size - std::size_t(place - block_begin))
+        return Result::Read;
+    block.resize(std::max(block.size(), most));
+    block_begin = place;
+    block_size = 0;
+    Result why = Result::Read;
+    const std::size_t got = fill(place, most, block.data(), &why);
+    block_size = got;
+    if (got >= least)
+        return Result::Read;
+    // What failed may lie behind what is asked for.
+    return why == Result::Failed && least < most ? ask_block(place, least, least) : why;
+}
+
+MsClassicBytes::Result MsClassicBytes::read(const MsClassicRun &run, qint32 type, void *target)
+{
+    MsFileStamp now;
+    changed = changed || !ask_stamp(descriptor, &now) || !(now == opened);
+    if (run.stride == width_of(run.type))
+        return read_side_by_side(run, type, target);
+    return run.stride <= widest_record ? read_records(run, type, target)
+                                       : read_far_apart(run, type, target);
+}
+
+// Numbers that are as wide in the file are turned where they end up.
+MsClassicBytes::Result MsClassicBytes::read_side_by_side(const MsClassicRun &run, qint32 type,
+                                                         void *target)
+{
+    const std::size_t width = width_of(run.type);
+    if (width == ms_type_width(type)) {
+        auto *bytes = static_cast<unsigned char *>(target);
+        const Result result = fetch(run.begin, run.count * width, bytes);
+        return result == Result::Read ? convert_all(run.type, bytes, width, run.count, type, target)
+                                      : result;
+    }
+    const std::size_t at_once = most_bytes_at_once / width;
+    bool held = true;
+    for (std::size_t done = 0; done < run.count;) {
+        const std::size_t count = std::min(at_once, run.count - done);
+        const Result result = ask_block(run.begin + done * width, count * width, count * width);
+        if (result != Result::Read)
+            return result;
+        const unsigned char *bytes = block.data() + (run.begin + done * width - block_begin);
+        held =
+            convert_all(run.type, bytes, width, count, type, behind(target, done, type)) == Result::Read
+            && held;
+        done += count;
+    }
+    return held ? Result::Read : Result::OutOfRange;
+}
+
+// Whole records, as another variable's numbers of the same records are likely to be asked for next.
+MsClassicBytes::Result MsClassicBytes::read_records(const MsClassicRun &run, qint32 type, void *target)
+{
+    const std::size_t width = width_of(run.type);
+    const std::size_t stride = std::size_t(run.stride);
+    const std::size_t at_once = most_bytes_at_once / stride;
+    bool held = true;
+    for (std::size_t done = 0; done < run.count;) {
+        const std::size_t count = std::min(at_once, run.count - done);
+        const quint64 place = run.begin + done * stride;
+        const std::size_t least = (count - 1) * stride + width;
+        const Result result = ask_block(place - run.lead, std::size_t(run.lead) + least, count * stride);
+        if (result != Result::Read)
+            return result;
+        const unsigned char *bytes = block.data() + (place - block_begin);
+        held =
+            convert_all(run.type, bytes, stride, count, type, behind(target, done, type)) == Result::Read
+            && held;
+        done += count;
+    }
+    return held ? Result::Read : Result::OutOfRange;
+}
+
+MsClassicBytes::Result MsClassicBytes::read_far_apart(const MsClassicRun &run, qint32 type, void *target)
+{
+    const std::size_t width = width_of(run.type);
+    bool held = true;
+    for (std::size_t i = 0; i < run.count; ++i) {
+        unsigned char bytes[8];
+        const Result result = fetch(run.begin + i * run.stride, width, bytes);
+        if (result != Result::Read)
+            return result;
+        held =
+            convert_all(run.type, bytes, width, 1, type, behind(target, i, type)) == Result::Read && held;
+    }
+    return held ? Result::Read : Result::OutOfRange;
+}
