@@ -6,6 +6,7 @@
 #include "tmath.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -22,7 +23,7 @@ class Census
 {
 public:
     Census(QSet<qint32> *keys, qint32 *decimalCount)
-        : masses(keys), decimals(decimalCount), marks(marked_keys, 0),
+        : masses(keys), decimals(decimalCount), marks(marked_keys + 1, 0),
           is_full(keys->size() >= most_masses)
     {
         scale_to_decimals();
@@ -38,9 +39,23 @@ public:
     }
 
 private:
+    // In blocks: nearly all masses are known ones, and a whole block of them is told in two plain loops.
     template <class Stored> void take_all(const Stored *stored, qint32 count, double scale)
     {
-        for (qint32 i = 0; i < count && !has_stopped; ++i) {
+        constexpr qint32 block_size = 512;
+        std::array<qint32, block_size> keys;
+        for (qint32 first = 0; first < count && !has_stopped; first += block_size) {
+            const qint32 size = std::min(block_size, count - first);
+            for (qint32 i = 0; i < size; ++i)
+                keys[std::size_t(i)] = TMath::round(double(stored[first + i]) * scale * power);
+            if (is_full || !are_marked(keys.data(), size))
+                take_each(stored + first, size, scale);
+        }
+    }
+
+    template <class Stored> void take_each(const Stored *stored, qint32 count, double scale)
+    {
+        for (qint32 i = 0; i < count; ++i) {
             const double mass = double(stored[i]) * scale;
             // Before the mass's own key, and one decimal a mass, however full the set stays.
             if (is_full && !lose_a_decimal())
@@ -51,9 +66,19 @@ private:
         }
     }
 
-    static constexpr std::size_t marked_keys = 1 << 18; // two decimals up to a mass of 2,621
+    static constexpr quint32 marked_keys = 1 << 18; // two decimals up to a mass of 2,621
 
-    bool is_marked(qint32 key) const { return quint32(key) < marked_keys && marks[std::size_t(key)]; }
+    // One mark more than there are keys stands for all others and is never set.
+    bool is_marked(qint32 key) const { return marks[std::min(quint32(key), marked_keys)] != 0; }
+
+    bool are_marked(const qint32 *keys, qint32 count) const
+    {
+        const char *const first = marks.data();
+        char all = 1;
+        for (qint32 i = 0; i < count; ++i)
+            all &= first[std::min(quint32(keys[i]), marked_keys)];
+        return all != 0;
+    }
 
     void insert(qint32 key)
     {

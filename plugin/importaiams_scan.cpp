@@ -7,6 +7,8 @@
 #include "tmath.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace {
 
@@ -23,28 +25,50 @@ struct ImportAiaMs::Placement {
     unsigned short *positions;
 };
 
-// Gives the sum of all intensities, those of unknown masses, too. The numbers that the loops need are
-// copied from the object once.
+// Returns the sum of all intensities, those of unknown masses, too. In blocks, and one step after
+// another, so that each loop has what it needs in the processor's registers.
 template <class Mass, class Intensity>
 double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
                                 const Placement &place)
 {
+    constexpr int blockSize = 512;
+    std::array<int, blockSize> keys;
+    std::array<double, blockSize> values;
     const double massScale = raw.mass_scale_factor;
     const double factor = massFactor;
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
+    const MassPositions::Finder finder = massPositions.finder(place.table, place.tableSize);
     double total = 0.0;
-    for (int i = 0; i < count; ++i) {
-        const double mass = double(masses[i]) * massScale;
-        const double intensity = double(intensities[i]) * scale + offset;
-        const int key = TMath::round(mass * factor);
-        int position = massPositions.find(key, place.table, place.tableSize);
-        bool found = position != -1;
-        if (!found)
-            position = findTablePosition(tableMass(key, factor), place.table, place.tableSize, &found);
-        place.abundances[i] = found ? float(intensity) : 0.0f;
-        place.positions[i] = found ? static_cast<unsigned short>(position) : 0;
-        total += intensity;
+    for (int first = 0; first < count; first += blockSize) {
+        const int size = std::min(blockSize, count - first);
+        for (int i = 0; i < size; ++i)
+            keys[std::size_t(i)] = TMath::round(double(masses[first + i]) * massScale * factor);
+        for (int i = 0; i < size; ++i)
+            values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;
+
+        float *const abundances = place.abundances + first;
+        unsigned short *const positions = place.positions + first;
+        int unknown = 0;
+        for (int i = 0; i < size; ++i) {
+            const double value = values[std::size_t(i)];
+            const int position = finder.find(keys[std::size_t(i)]);
+            abundances[i] = float(value);
+            positions[i] = static_cast<unsigned short>(position);
+            unknown += position == -1;
+            total += value;
+        }
+        for (int i = 0; unknown > 0 && i < size; ++i) {
+            if (finder.find(keys[std::size_t(i)]) != -1)
+                continue;
+            --unknown;
+            bool found = false;
+            const float mass = tableMass(keys[std::size_t(i)], factor);
+            const int position = findTablePosition(mass, place.table, place.tableSize, &found);
+            positions[i] = found ? static_cast<unsigned short>(position) : 0;
+            if (!found)
+                abundances[i] = 0.0f;
+        }
     }
     return total;
 }

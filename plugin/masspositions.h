@@ -9,6 +9,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -21,15 +22,40 @@ public:
 
     void clear();
 
-    // The position of a key's mass in a table of `size` masses. -1 if it isn't known.
-    int find(qint32 key, const float *table, int size) const
+    // Finds positions in one table, with all that it needs at hand: for the length of a loop over points.
+    class Finder
     {
-        if (quint32(key) >= positions.size())
-            return -1;
-        const quint16 position = positions[quint32(key)];
-        return position < size && position < masses.size() && table[position] == masses[position]
-            ? position
-            : -1;
+    public:
+        // Returns the position of a key's mass. -1 if it isn't known.
+        int find(qint32 key) const
+        {
+            if (quint32(key) >= keyCount)
+                return -1;
+            const int position = positions[quint32(key)];
+            return position < size && table[position] == masses[position] ? position : -1;
+        }
+
+    private:
+        friend class MassPositions;
+        Finder() = default;
+
+        const quint16 *positions;
+        std::size_t keyCount;
+        const float *masses;
+        const float *table;
+        int size; // masses that both tables have
+    };
+
+    // Returns a finder for a table of `size` masses. Both have to outlive it.
+    Finder finder(const float *table, int size) const
+    {
+        Finder finder;
+        finder.positions = positions.data();
+        finder.keyCount = positions.size();
+        finder.masses = masses.data();
+        finder.table = table;
+        finder.size = std::min(size, int(masses.size()));
+        return finder;
     }
 
 private:
