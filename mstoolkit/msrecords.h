@@ -290,14 +290,13 @@ class MsTrace
 {
 public:
     // Reads the trace of a file with so many scans.
-    MsTrace(int ncid, qint32 scanCount)
+    MsTrace(int ncid, qint32 scanCount) : count_(scanCount)
     {
         double *totals = nullptr;
         double *times = nullptr;
         isRead_ = ms_read_total_intensity(ncid, scanCount, &totals, &times) != -1;
         totals_.reset(totals);
         times_.reset(times);
-        count_ = isRead_ ? scanCount : 0;
     }
 
     // Whether both could be read; both are empty otherwise.
@@ -314,7 +313,7 @@ private:
 
     std::unique_ptr<double[], Free> totals_;
     std::unique_ptr<double[], Free> times_;
-    qint32 count_ = 0;
+    qint32 count_;
     bool isRead_ = false;
 };
 

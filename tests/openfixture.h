@@ -3,10 +3,12 @@
 #define OPENFIXTURE_H
 
 #include "messageloggerinterface.h"
-#include "mstoolkit.h"
+#include "msfile.h"
 #include "program.h"
 
 #include <QtTest>
+
+#include <type_traits>
 
 // For a test class to have as a second base; a call at the beginning and the end of each test.
 class OpenFixture
@@ -25,30 +27,23 @@ protected:
     void end()
     {
         MessageLoggerInterface::setReceiver({});
-        close();
-    }
-
-    void close()
-    {
-        if (id != -1)
-            QCOMPARE(ms_close(id), 0);
-        id = -1;
+        file.close();
     }
 
     // In place of the one that is open.
     void openPath(const QString &path)
     {
-        close();
-        id = ms_open_read(path.toLatin1().constData());
+        file.close(); // first: it may be the same one, which is being written
+        file = MsFile(path);
     }
 
     void open(const QString &name)
     {
         openPath(fixture(name));
-        QVERIFY2(id != -1, qPrintable(name));
+        QVERIFY2(file, qPrintable(name));
     }
 
-    int id = -1;
+    MsFile file;
     QStringList messages; // level and text
 };
 
@@ -65,12 +60,12 @@ template <class Number> QString shownAll(const void *vector, int count)
     return vector ? numbers.join(QLatin1Char(',')) : QStringLiteral("-");
 }
 
-inline QString shownAll(int format, const void *vector, int count)
+inline QString shownAll(const MsNumbers &numbers)
 {
-    return format == MsShortFormat ? shownAll<qint16>(vector, count)
-        : format == MsLongFormat   ? shownAll<qint32>(vector, count)
-        : format == MsFloatFormat  ? shownAll<float>(vector, count)
-                                   : shownAll<double>(vector, count);
+    QString text = QStringLiteral("-");
+    numbers.visit(
+        [&text](const auto *first, qint32 count) { text = shownAll<std::decay_t<decltype(*first)>>(first, count); });
+    return text;
 }
 
 #endif // OPENFIXTURE_H

@@ -46,12 +46,12 @@ class TestDamaged : public QObject, private OpenFixture
     // In place of the open file.
     void openBytes(const QByteArray &bytes)
     {
-        QFile file(folder.filePath(QStringLiteral("damaged.cdf")));
-        file.remove(); // a file that is cut to nothing and written again is flushed to a disk that may be busy
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        file.close();
+        QFile damaged(folder.filePath(QStringLiteral("damaged.cdf")));
+        damaged.remove(); // a file that is cut to nothing and written again is flushed to a disk that may be busy
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(bytes) == bytes.size());
+        damaged.close();
         messages.clear();
-        openPath(file.fileName());
+        openPath(damaged.fileName());
     }
 
     QTemporaryDir folder;
@@ -95,22 +95,22 @@ private slots:
         const auto [isFixed, missing, whole] = Cut::row();
         const QByteArray &bytes = isFixed ? fixed : unlimited;
         openBytes(bytes.left(bytes.size() - missing));
-        QVERIFY(id != -1);
+        QVERIFY(file);
         QCOMPARE(messages.size(), missing == 0 ? 0 : 1);
         for (const QString &part : {QStringLiteral("W "), QStringLiteral("damaged.cdf"), QString::number(missing),
                                     QString::number(bytes.size())})
             QVERIFY2(missing == 0 || messages.first().contains(part), qPrintable(messages.join(QLatin1Char('\n'))));
         for (int number = 0; number < scanCount; ++number) {
-            OwnedScan scan(number);
-            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < whole ? 0 : -1);
+            const MsScan scan = file.scan(number);
+            QCOMPARE(scan.isRead(), number < whole);
             if (number < whole)
-                QCOMPARE(static_cast<qint32 *>(scan.intensity_values)[pointCount - 1], (number + 1) * pointCount - 1);
+                QCOMPARE(scan.intensities()[pointCount - 1], double((number + 1) * pointCount - 1));
         }
         int masses = missing < 4 ? scanCount : whole + missing % (pointCount * pointBytes);
         if (isFixed)
             masses = missing < instrumentBytes + scanCount * pointCount * 4 ? scanCount : 2;
-        const Census census(id);
-        QCOMPARE(census.status, masses == 0 ? -1 : 0);
+        const MsCensus census = file.census(2, 1.0);
+        QCOMPARE(census.isRead(), masses > 0);
         QVERIFY(!census.keys.contains(0));
         QCOMPARE(census.keys.size(), masses);
     }
@@ -130,11 +130,9 @@ private slots:
         QVERIFY(writeRun(path, points));
         openPath(path);
         QVERIFY(QFile::resize(path, QFileInfo(path).size() - missing));
-        for (int number = 0; number < scanCount; ++number) {
-            OwnedScan scan(number);
-            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
-        }
-        QCOMPARE(ms_missing_bytes(id), quint64(missing));
+        for (const MsScan &scan : file)
+            QCOMPARE(scan.isRead(), scan.scan_number < scanCount - 1);
+        QCOMPARE(file.missingBytes(), quint64(missing));
     }
 
     // All ones: the file's length tells the number.
@@ -143,12 +141,10 @@ private slots:
         QByteArray bytes = unlimited.left(unlimited.size() - pointCount * pointBytes);
         qToBigEndian(0xffffffffu, bytes.data() + 4);
         openBytes(bytes);
-        QCOMPARE(ms_file_record(id)->dimensions[MsDim_point_number].size, (scanCount - 1) * pointCount);
-        for (int number = 0; number < scanCount; ++number) {
-            OwnedScan scan(number);
-            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), number < scanCount - 1 ? 0 : -1);
-        }
-        QCOMPARE(Census(id).keys, (QSet<qint32>{100, 200, 300}));
+        QCOMPARE(file.record()->dimensions[MsDim_point_number].size, (scanCount - 1) * pointCount);
+        for (const MsScan &scan : file)
+            QCOMPARE(scan.isRead(), scan.scan_number < scanCount - 1);
+        QCOMPARE(file.census(2, 1.0).keys, (QSet<qint32>{100, 200, 300}));
     }
 
     // The library takes such a file for one of as many scans as can be.
@@ -178,13 +174,13 @@ private slots:
         QCOMPARE(nc_close(writing), NC_NOERR);
         openBytes(content(path).replace(4, row.countBytes, QByteArray(row.countBytes, '\xff')));
 
-        const OwnedTrace trace(id, 3);
-        QCOMPARE(trace.status, 0);
-        QCOMPARE(shownAll<double>(trace.totals, 3), QStringLiteral("60,90,120"));
-        QCOMPARE(shownAll<double>(trace.times, 3), QStringLiteral("60,90,120"));
+        const MsTrace trace = file.trace();
+        QVERIFY(trace.isRead());
+        QCOMPARE(shownAll(trace.totalIntensities()), QStringLiteral("60,90,120"));
+        QCOMPARE(shownAll(trace.times()), QStringLiteral("60,90,120"));
         for (const int number : {2, 3, 2000000000}) {
-            OwnedScan scan(number);
-            QCOMPARE(ms_read_scan_header(id, &scan), number == 2 ? 0 : -1);
+            const MsScanHeader scan = file.scanHeader(number);
+            QCOMPARE(scan.isRead(), number == 2);
             QCOMPARE(scan.scan_acquisition_time, number == 2 ? 120.0 : -9999.0);
         }
     }
@@ -193,7 +189,7 @@ private slots:
     {
         for (int size = 0; size < headerSize; ++size) {
             openBytes(unlimited.left(size));
-            QVERIFY2(id == -1, qPrintable(QString::number(size)));
+            QVERIFY2(!file, qPrintable(QString::number(size)));
             if (size >= 4)
                 QVERIFY(messages.size() == 1 && messages.first().startsWith(QLatin1String("E "))
                         && messages.first().contains(QLatin1String("damaged.cdf")));
@@ -209,13 +205,13 @@ private slots:
                 QByteArray bytes = unlimited;
                 qToBigEndian(word, bytes.data() + at);
                 openBytes(bytes);
-                if (id == -1) {
+                if (!file) {
                     ++refused;
                     continue;
                 }
-                for (const MsDimension &dimension : ms_file_record(id)->dimensions)
+                for (const MsDimension &dimension : file.record()->dimensions)
                     QVERIFY(dimension.size >= 0);
-                QVERIFY2(readAll(id, scanCount + 1) >= 0, qPrintable(QStringLiteral("%1 at %2").arg(word).arg(at)));
+                QVERIFY2(readAll(file, scanCount + 1) >= 0, qPrintable(QStringLiteral("%1 at %2").arg(word).arg(at)));
             }
             QVERIFY(refused > 100 || word == 0 || word == 2 || word == 11);
         }
@@ -228,11 +224,11 @@ private slots:
         const int begin =
             unlimited.indexOf(QByteArray(reinterpret_cast<const char *>(totals), sizeof totals), headerSize);
         openBytes(unlimited.left(begin + 16));
-        const OwnedTrace trace(id, scanCount);
-        QCOMPARE(trace.status, 0);
-        QCOMPARE(shownAll<double>(trace.totals, scanCount), QStringLiteral("0,1,-9999,-9999"));
-        OwnedScan scan(3);
-        QCOMPARE(ms_read_scan_header(id, &scan), 0);
+        const MsTrace trace = file.trace();
+        QVERIFY(trace.isRead());
+        QCOMPARE(shownAll(trace.totalIntensities()), QStringLiteral("0,1,-9999,-9999"));
+        const MsScanHeader scan = file.scanHeader(3);
+        QVERIFY(scan.isRead());
         QCOMPARE(scan.total_intensity, -9999.0);
     }
 };

@@ -56,10 +56,8 @@ class TestFailures : public QObject, private Plugin
     // How many routines reported a failure.
     int readFile()
     {
-        const int id = ms_open_read(good.toLatin1().constData());
-        const int failures = id == -1 ? 100 : readAll(id, scanCount);
-        ms_close(id);
-        return failures;
+        const MsFile file(good);
+        return file ? readAll(file, scanCount) : 100;
     }
 
     bool importAll(Counts *counts)
@@ -120,7 +118,7 @@ private slots:
     void reading_data() { eachKind_data(); }
     void reading()
     {
-        ms_close(ms_open_read(good.toLatin1().constData()));
+        MsFile{good};
         const int opening = netcdfCalls.made;
         failCall(0);
         const int absent = readFile();
@@ -146,29 +144,28 @@ private slots:
     void exhaustingMemory_data() { eachKind_data(); }
     void exhaustingMemory()
     {
-        const QByteArray path = good.toLatin1();
         const QByteArray written = folder.filePath(QStringLiteral("written.cdf")).toLatin1();
         int id = -1;
         const std::pair<const char *, std::function<void()>> uses[] = {
-            {"open_read", [&] { id = ms_open_read(path.constData()); }},
-            {"open_write", [&] { id = ms_open_write(written.constData(), 2, 1, 1, 76, 76, 76, 1, 1); }},
+            {"open_read", [&] { id = MsFile(good).id(); }},
+            {"open_write",
+             [&] {
+                 id = MsFile::create(written.constData(), {2, 1, 1, 76, 76, 76, true, true}).id();
+             }},
             {"all readers", [&] {
-                 id = ms_open_read(path.constData());
-                 readAll(id, scanCount);
+                 const MsFile file(good);
+                 id = file.id();
+                 readAll(file, scanCount);
              }}};
         const int before = openFiles();
         for (const auto &[name, use] : uses) {
             use();
-            QCOMPARE(ms_close(id), 0);
-            const int free = std::exchange(id, -1); // the next file's id, if this one isn't lost
+            const int free = id; // the next file's id, if this one isn't lost
             int n = 1;
-            for (; !survivesAllocation(n, use); ++n) {
-                ms_close(std::exchange(id, -1));
+            for (; !survivesAllocation(n, use); ++n)
                 QVERIFY2(!ms_file_record(free) && openFiles() == before, name);
-            }
             QVERIFY2(n > 1, name);
             QCOMPARE(id, free);
-            QCOMPARE(ms_close(id), 0);
         }
     }
 
@@ -180,22 +177,18 @@ private slots:
         std::vector<double> numbers(width, 5.0);
         const MsGroupRecord written = {0, width, 0, numbers.data(), numbers.data(), numbers.data()};
         for (int n = 1;; ++n) {
-            int id = ms_open_write(path.toLatin1().constData(), 0, 1, 0, 76, 76, 76, 1, 0);
-            QVERIFY(ms_define_groups(id, 1, width) == 0 && ms_write_group(id, &written) == 0 && ms_close(id) == 0);
-            id = ms_open_read(path.toLatin1().constData());
-            int groups = 0;
-            int masses = 0;
-            QCOMPARE(ms_inquire_groups(id, &groups, &masses), 0);
-            OwnedGroup group(0);
+            MsFile file = MsFile::create(path.toLatin1().constData(), MsFileLayout());
+            QVERIFY(file.defineGroups(1, width) && file.write(written) && file.finish());
+            file = MsFile(path);
+            QCOMPARE(file.groupCount(), 1);
             interruptCall(n, [&] { QFile::resize(path, QFileInfo(path).size() - width * 4); });
-            const int status = ms_read_group(id, &group);
+            const MsGroup group(file.id(), 0);
             const bool isCut = netcdfCalls.made >= n;
             failCall(0);
-            QCOMPARE(ms_close(id), 0);
-            QVERIFY(status == 0 ? std::equal(numbers.begin(), numbers.end(), group.group_delay_times)
-                                : status == -1 && isCut && !group.group_masses);
+            QVERIFY(group.isRead() ? std::equal(numbers.begin(), numbers.end(), group.group_delay_times)
+                                   : isCut && !group.group_masses);
             if (!isCut) {
-                QVERIFY(n > 5 && status == 0);
+                QVERIFY(n > 5 && group.isRead());
                 break;
             }
         }
@@ -223,11 +216,10 @@ private slots:
         QCOMPARE(nc_close(id), NC_NOERR);
         QVERIFY(QFile::resize(path, qint64(count * sizeof(double)) + 4096));
 
-        id = ms_open_read(path.toLatin1().constData());
+        const MsFile file(path);
         failCall(0);
-        const Census census(id, 0);
-        QCOMPARE(ms_close(id), 0);
-        QCOMPARE(census.status, 0);
+        const MsCensus census = file.census(0, 1.0);
+        QVERIFY(census.isRead());
         QCOMPARE(census.decimals, -1);
         QVERIFY2(netcdfCalls.made < 20, "reads on when no further mass counts");
     }

@@ -17,12 +17,12 @@ using Codes = Table<QVector<int>>;
 using Groups = Table<int, int, QString>; // groups; status of the first, its content
 
 // Each value in its own way.
-struct NamedGlobals : OwnedGlobals {
-    explicit NamedGlobals(int id) : status(read(id)) { }
+struct NamedGlobals : MsGlobals {
+    using MsGlobals::MsGlobals;
     QString value(const QString &name) const
     {
         const QHash<QString, QString> values = {
-            {"status", QString::number(status)},
+            {"status", QString::number(isRead() ? 0 : -1)},
             {"title", shown(admin.experiment_title)},
             {"device", shown(admin.source_file_format)},
             {"operator", shown(admin.operator_name)},
@@ -48,8 +48,6 @@ struct NamedGlobals : OwnedGlobals {
         };
         return values.value(name, QStringLiteral("no such name"));
     }
-
-    int status;
 };
 
 } // namespace
@@ -96,7 +94,7 @@ private slots:
     {
         const auto [values] = Values::row();
         open(QTest::currentDataTag());
-        const NamedGlobals globals(id);
+        const NamedGlobals globals(file.id());
         for (const QString &value : values.split(QLatin1Char(' '))) {
             const QString name = value.section(QLatin1Char('='), 0, 0);
             QCOMPARE(name + '=' + globals.value(name).replace(QLatin1Char(' '), QLatin1Char('~')), value);
@@ -106,18 +104,18 @@ private slots:
     void warnsOfMandatoryAttributes()
     {
         open("no-attributes");
-        OwnedGlobals().read(id);
+        file.globals();
         const QString missing = QStringLiteral("W Mandatory attribute %1 is missing from file");
         QCOMPARE(messages,
                  QStringList({missing.arg("dataset-completeness"), missing.arg("ms-template-revision"),
                               missing.arg("netcdf-revision"), missing.arg("netcdf-file-date-time-stamp"),
                               missing.arg("experiment-date-time-stamp")}));
         open("error-log-rank-1");
-        OwnedGlobals().read(id);
+        file.globals();
         QCOMPARE(messages.last(), QStringLiteral("E Size type mismatch while loading error_log"));
         open("wrong-attribute-types");
         messages.clear();
-        OwnedGlobals().read(id);
+        file.globals();
         QCOMPARE(messages.filter(QStringLiteral("W Data type mismatch for attribute ")).size(), 12);
         QCOMPARE(messages.at(3), QStringLiteral("W Data type mismatch for attribute dataset_owner"));
     }
@@ -127,20 +125,20 @@ private slots:
     {
         const QStringList files = QDir(QStringLiteral(AIA_FIXTURES)).entryList({QStringLiteral("*.cdf")});
         QVERIFY(files.size() > 60);
-        for (const QString &file : files)
-            open(file.section(QLatin1Char('.'), 0, 0));
+        for (const QString &name : files)
+            open(name.section(QLatin1Char('.'), 0, 0));
         QCOMPARE(messages, QStringList());
     }
 
     void findsDashedNamesAndOthersAfterwards()
     {
         open("dashes");
-        QVERIFY(ms_file_record(id)->dimensions[MsDim_point_number].id != -1);
-        QVERIFY(ms_file_record(id)->variables[MsVar_scan_acquisition_time] != -1);
+        QVERIFY(file.record()->dimensions[MsDim_point_number].id != -1);
+        QVERIFY(file.record()->variables[MsVar_scan_acquisition_time] != -1);
         open("no-attributes");
-        QVERIFY(ms_file_record(id)->variables[MsVar_scan_acquisition_time] != -1);
+        QVERIFY(file.record()->variables[MsVar_scan_acquisition_time] != -1);
         open("scan-number-dashed-only");
-        QVERIFY(ms_file_record(id)->dimensions[MsDim_scan_number].id != -1);
+        QVERIFY(file.record()->dimensions[MsDim_scan_number].id != -1);
     }
 
     void knowsWhatAFileHas_data()
@@ -163,12 +161,12 @@ private slots:
     {
         const auto [codes] = Codes::row();
         open(QTest::currentDataTag());
-        const MsFileRecord &file = *ms_file_record(id);
-        QVector<int> read = {file.experiment_type,  file.mass_format,     file.time_format,
-                             file.intensity_format, file.has_mass_values, file.has_time_values};
+        const MsFileRecord &record = *file.record();
+        QVector<int> read = {record.experiment_type,  record.mass_format,     record.time_format,
+                             record.intensity_format, record.has_mass_values, record.has_time_values};
         for (const int slot : {MsDim_32_byte_string, MsDim_128_byte_string, MsDim_error_number, MsDim_scan_number,
                                MsDim_instrument_number})
-            read += file.dimensions[slot].size;
+            read += record.dimensions[slot].size;
         QCOMPARE(read, codes);
     }
 
@@ -184,16 +182,16 @@ private slots:
         nc_def_dim(writing, "instrument_number", 2147483648, &dimension);
         QCOMPARE(nc_close(writing), NC_NOERR);
         openPath(path);
-        QCOMPARE(ms_file_record(id)->dimensions[MsDim_scan_number].size, 3);
-        QCOMPARE(ms_file_record(id)->dimensions[MsDim_instrument_number].size, 2147483647);
+        QCOMPARE(file.record()->dimensions[MsDim_scan_number].size, 3);
+        QCOMPARE(file.record()->dimensions[MsDim_instrument_number].size, 2147483647);
     }
 
     void readsTexts()
     {
         open("instruments");
-        const int name = ms_file_record(id)->variables[MsVar_instrument_name];
+        const int name = file.record()->variables[MsVar_instrument_name];
         const auto text = [&](int row, int column, int width) {
-            char *read = ms_read_string_variable(id, name, row, column, width);
+            char *read = ms_read_string_variable(file.id(), name, row, column, width);
             const QString result = shown(read);
             ms_free(read);
             return result;
@@ -203,9 +201,9 @@ private slots:
         // No byte, none, beyond the width, beyond the rows, and a row that two dimensions want.
         QCOMPARE(text(0, -1, 1) + text(0, -1, 0) + text(0, -1, 41) + text(0, 30, 11), QStringLiteral("----"));
         QCOMPARE(text(2, -1, 40) + text(-1, -1, 40), QStringLiteral("--"));
-        QVERIFY(!ms_read_string_variable(id, ms_file_record(id)->variables[MsVar_mass_values], -1, -1, 2));
-        QCOMPARE(ms_write_string_variable(id, name, 0, -1, 0, "x"), -1);
-        QCOMPARE(ms_read_enum_attribute(id, NC_GLOBAL, nullptr), -1);
+        QVERIFY(!ms_read_string_variable(file.id(), file.record()->variables[MsVar_mass_values], -1, -1, 2));
+        QCOMPARE(ms_write_string_variable(file.id(), name, 0, -1, 0, "x"), -1);
+        QCOMPARE(ms_read_enum_attribute(file.id(), NC_GLOBAL, nullptr), -1);
     }
 
     void readsGroups_data()
@@ -224,10 +222,10 @@ private slots:
         open(QTest::currentDataTag());
         int count = -1;
         int width = -1;
-        QCOMPARE(ms_inquire_groups(id, &count, &width), 0);
+        QCOMPARE(ms_inquire_groups(file.id(), &count, &width), 0);
         QCOMPARE(count, groups);
-        OwnedGroup group(0);
-        QCOMPARE(ms_read_group(id, &group), status);
+        const MsGroup group(file.id(), 0);
+        QCOMPARE(group.isRead(), status == 0);
         const QStringList read = {QStringLiteral("%1 %2").arg(group.group_mass_count).arg(group.group_starting_scan),
                                   shownAll<double>(group.group_masses, width),
                                   shownAll<double>(group.group_sampling_times, width),
@@ -239,11 +237,11 @@ private slots:
     void refusesGiganticGroups()
     {
         const QTemporaryDir folder;
-        id = ms_open_write(folder.filePath(QStringLiteral("x.cdf")).toLatin1().constData(), 0, 1, 0, 76, 76, 76, 1, 0);
-        ms_file_record(id)->dimensions[MsDim_group_number].size = 1;
-        ms_file_record(id)->dimensions[MsDim_group_max_masses].size = 1 << 29;
-        OwnedGroup group(0);
-        QCOMPARE(ms_read_group(id, &group), -1);
+        file = MsFile::create(folder.filePath(QStringLiteral("x.cdf")).toLatin1().constData(), MsFileLayout());
+        ms_file_record(file.id())->dimensions[MsDim_group_number].size = 1;
+        ms_file_record(file.id())->dimensions[MsDim_group_max_masses].size = 1 << 29;
+        const MsGroup group(file.id(), 0);
+        QVERIFY(!group.isRead());
         QVERIFY(!group.group_masses && group.group_mass_count == 0);
     }
 
@@ -252,19 +250,18 @@ private slots:
         open("instruments");
         QStringList seen;
         for (int i = -1; i < 3; ++i) {
-            OwnedInstrument read(i);
-            seen += QString::number(ms_read_instrument(id, &read));
+            const MsInstrument read = file.instrument(i);
+            seen += QString::number(read.isRead() ? 0 : -1);
             seen.last() += shown(read.instrument_name) + shown(read.instrument_id) + shown(read.instrument_mfr);
         }
         QCOMPARE(seen.join(QLatin1Char(' ')),
                  R"(-1--- 0"Detector""123456789012345678901234567890123456789"- 0"Pump"-- -1---)");
         open("instrument-rank-1");
         messages.clear();
-        OwnedInstrument none(0);
-        QCOMPARE(ms_read_instrument(id, &none), -1);
+        QVERIFY(!file.instrument(0).isRead());
         QCOMPARE(messages.size(), 1);
         open("no-attributes");
-        QCOMPARE(ms_read_instrument(id, &none), -1);
+        QVERIFY(!file.instrument(0).isRead());
     }
 
     void readsLibraryEntries()
@@ -272,8 +269,8 @@ private slots:
         open("library");
         QStringList seen;
         for (int i = -1; i < 4; ++i) {
-            OwnedEntry entry(i);
-            seen += QString::number(ms_read_per_scan(id, nullptr, &entry));
+            const MsLibraryEntry entry = file.entry(i);
+            seen += QString::number(entry.isRead() ? 0 : -1);
             seen += QStringLiteral("%1 %2 %3 %4")
                         .arg(shown(entry.entry_name))
                         .arg(entry.entry_number)
@@ -285,14 +282,13 @@ private slots:
                                 "0 \"Toluene\" 9 108883 110.6 -1 - -9999 -9999 -9999"));
         open("library-rank-1");
         messages.clear();
-        OwnedEntry flat(0);
-        QCOMPARE(ms_read_per_scan(id, nullptr, &flat), -1);
+        QVERIFY(!file.entry(0).isRead());
         QCOMPARE(messages, QStringList{QStringLiteral("E Size type mismatch while loading entry_name")});
         // Other kinds of files leave the record alone.
         open("no-attributes");
-        OwnedEntry entry(99);
+        MsLibraryDraft entry(99);
         entry.CAS_number = 5;
-        QCOMPARE(ms_read_per_scan(id, nullptr, &entry), 0);
+        QCOMPARE(ms_read_per_scan(file.id(), nullptr, &entry), 0);
         QCOMPARE(entry.CAS_number, 5);
     }
 };

@@ -77,17 +77,16 @@ private slots:
     {
         const auto [fixture, number, status, content] = OneScan::row();
         open(fixture);
-        const MsFileRecord &file = *ms_file_record(id);
-        OwnedScan scan(number);
-        QCOMPARE(ms_read_per_scan(id, &scan, nullptr), status);
+        MsScan scan = file.scan(number);
+        QCOMPARE(scan.isRead(), status == 0);
         const int points = scan.point_count;
         const QStringList read = {
             QStringLiteral("%1 %2 %3").arg(points).arg(scan.flag_count).arg(double(float(scan.scan_acquisition_time))),
-            shownAll(file.mass_format, scan.mass_values, points),
-            shownAll(file.time_format, scan.time_values, points),
-            shownAll(file.intensity_format, scan.intensity_values, points),
-            shownAll<qint32>(scan.flagged_peaks, scan.flag_count),
-            shownAll<qint16>(scan.flag_values, scan.flag_count)};
+            shownAll(scan.masses()),
+            shownAll(scan.times()),
+            shownAll(scan.intensities()),
+            shownAll(scan.flaggedPeaks()),
+            shownAll(scan.flagValues())};
         QCOMPARE(read.join(QLatin1Char(';')), content);
         ms_init_per_scan(1, &scan, nullptr);
         QVERIFY(!scan.mass_values && scan.point_count == 0 && scan.scan_number == -1);
@@ -96,10 +95,10 @@ private slots:
     void readsNumbersOfOtherTypes()
     {
         open("float-times");
-        Scan scan(1);
+        MsScanDraft scan(1);
         for (int round = 0; round < 2; ++round) { // each reading warns anew
             messages.clear();
-            QCOMPARE(ms_read_scan_header(id, &scan), 0);
+            QCOMPARE(ms_read_scan_header(file.id(), &scan), 0);
             QCOMPARE(messages.size(), 5);
             QCOMPARE(messages.first(), QStringLiteral("W Data type mismatch while loading a_d_coaddition_factor"));
             QCOMPARE(messages.last(), QStringLiteral("W Data type mismatch while loading actual_scan_number"));
@@ -109,7 +108,7 @@ private slots:
         QCOMPARE(scan.scan_duration, -9999.0); // characters
         for (const int number : {2, 1, 0}) {   // a NaN and 3e10 have no 32-bit number
             scan.scan_number = number;
-            QCOMPARE(ms_read_scan_header(id, &scan), 0);
+            QCOMPARE(ms_read_scan_header(file.id(), &scan), 0);
             QCOMPARE(scan.actual_scan_number, number == 0 ? 1 : -9999);
         }
         QCOMPARE(int(scan.a_d_coaddition_factor), 4);
@@ -118,15 +117,15 @@ private slots:
         open("string-total");
         for (int number = 0; number < 2; ++number) {
             scan.scan_number = number;
-            QCOMPARE(ms_read_scan_header(id, &scan), -number);
+            QCOMPARE(ms_read_scan_header(file.id(), &scan), -number);
         }
 
         messages.clear();
         open("total-ion-rank-2");
         scan.scan_number = 0;
-        QCOMPARE(ms_read_scan_header(id, &scan), -1);
+        QCOMPARE(ms_read_scan_header(file.id(), &scan), -1);
         QCOMPARE(messages, QStringList{QStringLiteral("E Size type mismatch while loading total_intensity")});
-        QCOMPARE(ms_read_scan_header(id, nullptr), 0);
+        QCOMPARE(ms_read_scan_header(file.id(), nullptr), 0);
     }
 
     void takesTheCensus_data()
@@ -149,8 +148,8 @@ private slots:
     {
         const auto [fixture, scale, status, expected] = Masses::row();
         open(fixture);
-        const Census census(id, 2, scale);
-        QCOMPARE(census.status, status);
+        const MsCensus census = file.census(2, scale);
+        QCOMPARE(census.isRead(), status == 0);
         QVector<int> keys(census.keys.cbegin(), census.keys.cend());
         std::sort(keys.begin(), keys.end());
         QCOMPARE(keys, expected);
@@ -175,8 +174,8 @@ private slots:
         masses.push_back(step);
         masses.push_back(100000 * step); // has an earlier one's key at a decimal less
         openRun(masses, 1);
-        const Census census(id, wanted);
-        QCOMPARE(census.status, 0);
+        const MsCensus census = file.census(wanted, 1.0);
+        QVERIFY(census.isRead());
         QCOMPARE(census.decimals, decimals);
         QCOMPARE(census.keys.size(), keys);
     }
@@ -190,15 +189,15 @@ private slots:
             masses[i] = double(i) / 100.0;
         openRun(masses, 5);
         for (const int number : {0, 1, 2, 3, 4, 3, 0, 0, 2, 4, 1}) {
-            OwnedScan scan(number);
-            QCOMPARE(ms_read_per_scan(id, &scan, nullptr), 0);
+            const MsScan scan = file.scan(number);
+            QVERIFY(scan.isRead());
             const double *first = masses.data() + number * points;
             QVERIFY(std::equal(first, first + points, static_cast<double *>(scan.mass_values)));
             for (int i = 0; i < points; ++i)
                 QCOMPARE(static_cast<qint32 *>(scan.intensity_values)[i], number * points + i);
         }
-        const Census census(id);
-        QCOMPARE(census.status, 0);
+        const MsCensus census = file.census(2, 1.0);
+        QVERIFY(census.isRead());
         QCOMPARE(census.keys.size(), int(masses.size()));
     }
 
@@ -217,25 +216,25 @@ private slots:
     {
         const auto [fixture, count, status, times] = Totals::row();
         open(fixture);
-        const OwnedTrace trace(id, count);
-        QCOMPARE(trace.status, status);
-        QCOMPARE(trace.totals != nullptr, status == 0);
-        QCOMPARE(shownAll<double>(trace.times, 3), times);
+        const MsTrace trace(file.id(), count);
+        QCOMPARE(trace.isRead(), status == 0);
+        QCOMPARE(trace.totalIntensities().isEmpty(), status == -1);
+        QCOMPARE(shownAll(trace.times()), times);
     }
 
     // An id that netCDF gives again, while a record of an earlier file stands under it.
     void forgetsAFileClosedBehindItsBack()
     {
         open("no-attributes");
-        Scan scan(0);
-        QCOMPARE(ms_read_scan_header(id, &scan), 0);
-        nc_close(id);
-        const int before = id;
-        id = ms_open_read(fixture("float-times").toLatin1().constData()); // the longer one
-        QCOMPARE(id, before);
-        QCOMPARE(ms_read_scan_header(id, &scan), 0);
-        QCOMPARE(Census(id).status, 0); // looks at the length
-        QCOMPARE(ms_missing_bytes(id), quint64(0));
+        MsScanDraft scan(0);
+        QCOMPARE(ms_read_scan_header(file.id(), &scan), 0);
+        nc_close(file.id());
+        const int before = file.release();
+        file = MsFile(fixture("float-times")); // the longer one
+        QCOMPARE(file.id(), before);
+        QCOMPARE(ms_read_scan_header(file.id(), &scan), 0);
+        QVERIFY(file.census(2, 1.0).isRead()); // looks at the length
+        QCOMPARE(file.missingBytes(), quint64(0));
         QCOMPARE(float(scan.scan_acquisition_time), 60.1f);
     }
 };
