@@ -12,7 +12,7 @@
 
 namespace {
 
-// Names up to this length fit in a line, and are shown untouched.
+// A name up to this length fits in a line and is shown as it is.
 constexpr int lineLength = 40;
 
 // A label wraps between words only, so a long name without blanks would make the dialog wider than the
@@ -32,7 +32,7 @@ QString breakableName(const QString &name)
 
 } // namespace
 
-// The calls of translate stand in full, as lupdate finds them only so.
+// The calls of translate are written out, because lupdate finds no others.
 DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
     : QDialog(parent, Qt::WindowTitleHint | Qt::WindowSystemMenuHint), modulationSpin(new QDoubleSpinBox),
       applyCheck(new QCheckBox(QCoreApplication::translate(
@@ -75,8 +75,8 @@ DVImportGCGCDialog::DVImportGCGCDialog(QWidget *parent, const QString &fileName)
 
 DVImportGCGCDialog::~DVImportGCGCDialog() = default;
 
-// Selects the 0.00, so that typing replaces it. Not earlier, as a spin box that is shown selects nothing,
-// and not again, as a length that is half typed by then would be replaced, too.
+// Selects the 0.00, so that typing replaces it. A spin box that isn't shown yet would lose the selection,
+// and a second one would let the next key replace a length that is half typed.
 void DVImportGCGCDialog::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);

@@ -16,14 +16,14 @@ public:
     DVImportGCGCDialog(QWidget *parent, const QString &fileName);
     ~DVImportGCGCDialog() override;
 
-    // The answer. Only a button writes it: a dialog closed in another way says 0.0, true and false, a
-    // GCxGC analysis of length 0, which is none.
+    // The answer, once a button was pressed. A dialog that was closed in another way returns 0.0, true
+    // and false: a modulation of length 0, which counts as no GCxGC.
     double modulationLength() const { return modulationLength_; }
     bool isGCxGC() const { return isGCxGC_; }
     bool applyToAll() const { return applyToAll_; }
 
 public slots:
-    // Both buttons end here; the sender tells them apart.
+    // Called by both buttons; the sender says which.
     void accept() override;
 
 protected:

@@ -1,4 +1,4 @@
-// The plugin's life: making, recognising and opening a file, moving it to a working copy.
+// How the plugin recognises and opens a file, moves it to a working copy, and closes it.
 
 #include "importaiams.h"
 
@@ -108,7 +108,7 @@ ImportAiaMs *ImportAiaMs::clone()
     copy->fileId = std::exchange(fileId, -1);
     copy->timeDivisor = timeDivisor;
 
-    // The text blocks go with the pointers, so they aren't freed here.
+    // The copy takes over the texts with the pointers, so they aren't freed here.
     copy->admin = admin;
     copy->sample = sample;
     copy->test = test;

@@ -26,7 +26,8 @@ public:
     double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
                       float *abundances, unsigned short *positions) override;
 
-    // Moves the open file and the answers to the copy; this object is closed afterwards.
+    // Moves the open file and the answers to the copy, which the caller deletes. This object has no open
+    // file afterwards.
     ImportAiaMs *clone() override;
 
     int pluginKind() override;
@@ -42,13 +43,14 @@ private:
     void releaseTotalIon();
     quint32 parseTimeStamp(const QString &text);
     void importTotalIon();
-    // The mass of a census key as the table has it. Table and scans get it in this one way, so that a
-    // look-up hits exactly.
+    // Returns the mass of a census key. Table and scans compute it here, so that they are equal to the
+    // last bit and a look-up finds it.
     static float tableMass(int key, double factor) { return static_cast<float>(key / factor); }
     template <class Mass, class Intensity>
     double placePoints(const Mass *masses, const Intensity *intensities, int count,
                        const Placement &place);
-    // Reads a global text attribute into a buffer of `size` bytes, cut to fit. 1 on success, else 0.
+    // Reads a global text attribute into a buffer of `size` bytes, cut to fit. Returns 1 on success, else
+    // 0.
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 
     int fileId = -1;               // netCDF id; -1 means that no file is open

@@ -1,4 +1,4 @@
-// Reading of a single global text attribute, outside the records.
+// Reads a single global text attribute, apart from the records.
 
 #include "importaiams.h"
 
@@ -16,7 +16,7 @@ int ImportAiaMs::readGlobalTextAttribute(const char *name, char *buffer, int siz
     if (!name)
         return 0;
 
-    // nc_get_att_text gives bytes of text attributes only; all others it refuses.
+    // nc_get_att_text refuses attributes that aren't text, so `length` is their number of bytes.
     std::size_t length = 0;
     if (nc_inq_attlen(fileId, NC_GLOBAL, name, &length) != NC_NOERR)
         return 0;

@@ -21,7 +21,7 @@ void account(const char *text)
     testingMessageOutput(2, nullptr, QString::fromUtf8(text));
 }
 
-// `name` is that of the last file that was open; empty where none was.
+// `name` is that of the last file that was open; empty if none was.
 void reportNoFile(const QString &name)
 {
     MessageLoggerInterface::Error(
@@ -31,7 +31,7 @@ void reportNoFile(const QString &name)
         nullptr);
 }
 
-// The stored time of a scan, divided; `fallback` if it is missing or can't be read.
+// Returns the time of a scan in the header's unit; `fallback` if it is missing or can't be read.
 double scanTime(int fileId, qint32 scanNumber, double timeDivisor, double fallback)
 {
     const MsScanHeader scan(fileId, scanNumber);
@@ -64,7 +64,7 @@ bool ImportAiaMs::importHeader()
 
     if (raw.time_units == MsSeconds)
         header->setRetentionUnit(QStringLiteral("seconds"));
-    // The header's own unit counts too: a header may be born with one of these.
+    // The unit is read back, because a new header may have one of these texts by itself.
     const QByteArray unit = header->getRetentionUnit().toLatin1().toLower();
     if (unit == "seconds" || unit == "time in seconds") {
         account("Passage de seconds en minutes");
@@ -72,7 +72,7 @@ bool ImportAiaMs::importHeader()
         header->setRetentionUnit(QStringLiteral("minutes"));
     }
 
-    // Without a last time, its place is taken by the index of the last scan, undivided.
+    // If the last time is missing, the index of the last scan stands for it, in whatever unit.
     const double firstTime = scanTime(fileId, 0, timeDivisor, 0.0);
     const qint32 lastScan = raw.scan_count - 1;
     const double lastTime = scanTime(fileId, lastScan, timeDivisor, double(lastScan));
@@ -88,7 +88,8 @@ bool ImportAiaMs::importHeader()
     return true;
 }
 
-// The host's own sum: the epoch in local time, the zone's hours added, one hour taken off.
+// Computes the date as the host does: from the epoch in local time, with the hours of the zone added and
+// one hour subtracted.
 quint32 ImportAiaMs::parseTimeStamp(const QString &text)
 {
     const int year = text.mid(0, 4).toInt();

@@ -12,7 +12,7 @@
 
 namespace {
 
-// What the 16-bit positions of a table can reach.
+// A table has 16-bit positions.
 constexpr std::size_t mostMasses = 65535;
 
 } // namespace
@@ -33,13 +33,13 @@ unsigned short ImportAiaMs::importMassTable(float **table)
 
     std::vector<qint32> keys(census.cbegin(), census.cend());
     std::sort(keys.begin(), keys.end());
-    // A census that gave up a decimal without merging any masses can be longer. Masses beyond the table
-    // are then unknown masses.
+    // The census can be longer, where giving up a decimal merged no masses. The table lacks the masses
+    // beyond its end then.
     const std::size_t count = std::min(keys.size(), mostMasses);
     std::unique_ptr<float[]> masses(new float[count]);
     for (std::size_t i = 0; i < count; ++i)
         masses[i] = tableMass(keys[i], massFactor);
-    massPositions.lay(keys.data(), masses.get(), count);
+    massPositions.remember(keys.data(), masses.get(), count);
     *table = masses.release();
 
     header->setNbBitsAbund(28);

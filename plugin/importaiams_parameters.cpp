@@ -1,4 +1,4 @@
-// The parameters that a file doesn't hold and the user is asked for.
+// The parameters that no file holds, so that the user is asked for them.
 #include "importaiams.h"
 
 #include "dvimportgcgcdialog.h"

@@ -25,8 +25,8 @@ struct ImportAiaMs::Placement {
     unsigned short *positions;
 };
 
-// Returns the sum of all intensities, those of unknown masses, too. In blocks, and one step after
-// another, so that each loop has what it needs in the processor's registers.
+// Returns the sum of all intensities, also of those whose masses the table lacks. Works in blocks and in
+// one step after another, so that each loop has what it needs in the processor's registers.
 template <class Mass, class Intensity>
 double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
                                 const Placement &place)
@@ -84,7 +84,7 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     }
 
     const MsScan record(fileId, scan);
-    // A file without masses makes no table, but the caller may bring one from elsewhere.
+    // A file without masses has no table, but the caller may bring one from elsewhere.
     const bool hasMasses = record.point_count < 1 || record.mass_values;
     if (!record.isRead() || !hasMasses || record.point_count > mostPoints) {
         *time = interpolated + header->getDelay();
@@ -94,7 +94,7 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     *pointCount = std::max(record.point_count, 0);
     double total = 0.0;
     const Placement place = {table, tableSize, abundances, positions};
-    // In the stored formats: the attributes that name a format needn't agree with the data.
+    // The formats are those of the stored numbers: the attributes that name a format may say another.
     record.masses().visit([&](const auto *masses, qint32 count) {
         record.intensities().visit([&](const auto *intensities, qint32) {
             total = placePoints(masses, intensities, count, place);

@@ -4,14 +4,14 @@
 
 namespace {
 
-// Two decimals up to a mass of 10,485. Far beyond, neighbouring keys have the same mass as a float, and
-// which of its positions counts is up to the host.
+// Enough for masses up to 10,485 with two decimals. Much larger masses of neighbouring keys can be the
+// same float; the host's own look-up then decides which position counts.
 constexpr qint64 mostKeys = 1 << 20;
 constexpr quint16 unknown = 65535; // no table is as long
 
 } // namespace
 
-void MassPositions::lay(const qint32 *keys, const float *table, std::size_t count)
+void MassPositions::remember(const qint32 *keys, const float *table, std::size_t count)
 {
     clear();
     if (count == 0)

@@ -1,9 +1,9 @@
-// Where the masses of a run's table stand, by their census keys.
+// The positions of masses in a run's table, by their census keys.
 //
-// A scan looks each of its points up, and a binary search mispredicts at each step, so that it costs more
-// than all else that a point needs. The key of a point says where its mass was when the table was made.
-// This is believed only after a look at the table itself, so that it can't be wrong, whatever ascending
-// table the caller hands in.
+// Each point of a scan is looked up. A binary search costs more than all else that a point needs, because
+// the processor mispredicts each of its steps. Instead, the key of a point says where its mass was when
+// the table was made. The table that the caller passes may be another one, so a position counts only if
+// that table has the mass there.
 #ifndef MASSPOSITIONS_H
 #define MASSPOSITIONS_H
 
@@ -16,17 +16,16 @@
 class MassPositions
 {
 public:
-    // Takes note of a table of `count` masses, up to 65535, in ascending order, with the keys of its
-    // masses.
-    void lay(const qint32 *keys, const float *table, std::size_t count);
+    // Remembers a table of `count` masses, at most 65535, in ascending order, and their keys.
+    void remember(const qint32 *keys, const float *table, std::size_t count);
 
     void clear();
 
-    // Finds positions in one table, with all that it needs at hand: for the length of a loop over points.
+    // Finds positions in one table. It holds all that this needs, for the length of a loop over points.
     class Finder
     {
     public:
-        // Returns the position of a key's mass. -1 if it isn't known.
+        // Returns the position of a key's mass; -1 if it isn't known.
         int find(qint32 key) const
         {
             if (quint32(key) >= keyCount)

@@ -2,7 +2,7 @@
 
 namespace {
 
-// A null text stays null, an empty one empty: the two read back differently.
+// A null text is returned as null, an empty one as empty.
 const char *textOf(const QByteArray &text)
 {
     return text.isNull() ? nullptr : text.constData();

@@ -21,11 +21,11 @@ public:
         DetectorType = 1 << 8
     };
 
-    // All numbers are 0 and unset, the texts absent, the retention unit is "minutes".
+    // A new header has no number set (each reads as 0), no texts, and "minutes" as its retention unit.
     DVHeader() = default;
     virtual ~DVHeader();
 
-    // Whether a number's setter was ever called.
+    // Returns whether the number's setter was called.
     bool isSet(Value value) const;
 
     // Length of a modulation of a GCxGC run; 0 for other runs.
@@ -45,7 +45,7 @@ public:
     void setDate(quint32 seconds);
     quint32 getDate() const { return date; }
 
-    // The setters copy their Latin-1 text; null is an absent text, which reads back as null.
+    // The setters copy their Latin-1 text. Null stands for an absent text and is returned as null.
     void setDevice(char *text);
     const char *getDevice() const;
     void setExpName(char *text);
@@ -63,7 +63,7 @@ public:
     void setSamplingInterval(double interval);
     double getSamplingInterval() const { return samplingInterval; }
 
-    // 256 total ion, 512 mass spectra, 1792 and 2048 the same of a GCxGC run.
+    // 256 for total ion, 512 for mass spectra; 1792 and 2048 for the same in a GCxGC run.
     void setDetectorType(int code);
     int getDetectorType() const { return detectorType; }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Receives what nobody wants.
+// Stands in where the caller has no receiver.
 class NoReceiver : public DVImportReceiver
 {
 public:
@@ -44,7 +44,7 @@ bool DVImportAnalysisInterface::run()
 {
     resetCanceled(); // a Cancel before the run isn't meant for it
     header = nullptr;
-    // Whatever way the run ends.
+    // Frees the header whatever way the run ends.
     struct Ending {
         DVHeader *&header;
         ~Ending() { delete std::exchange(header, nullptr); }
@@ -60,7 +60,7 @@ bool DVImportAnalysisInterface::run()
     DVImportReceiver &target = receiver ? *receiver : nobody;
     target.analysisStarted(*header, table.get(), tableSize);
 
-    // Room for any scan, uncleared: of memory that nobody touches the system makes no pages.
+    // Room for any scan. It isn't cleared, as the system takes no memory for pages that nobody touches.
     const std::unique_ptr<float[]> abundances(new float[scanCapacity]);
     const std::unique_ptr<unsigned short[]> positions(new unsigned short[scanCapacity]);
     const int count = header->getNbScans();

@@ -30,11 +30,11 @@ public:
     // Length of a modulation of a GCxGC run; 0 for other runs.
     virtual float modulationPeriod();
 
-    // Makes `header`.
+    // Makes `header`. Returns false if there is nothing to import.
     virtual bool importHeader() = 0;
 
-    // Gives the number of masses, and in `*table` their ascending array from new[], now the caller's;
-    // 0 and null for a run without a table.
+    // Returns the number of masses and sets `*table` to their ascending array, which the caller frees
+    // with delete[]; 0 and null for a run without a table.
     virtual unsigned short importMassTable(float **table) = 0;
 
     // Returns the total abundance of scan `scan`, from 0. Fills `*time`, in the header's retention unit,
@@ -47,18 +47,20 @@ public:
 
     DVImportAnalysisInterface *clone() override = 0;
 
-    // Who gets what `import` reads; null for nobody. It stays the caller's and must outlive the run.
+    // Sets the receiver of what `import` reads; null for none. The caller keeps it and lets it live until
+    // the run ends.
     void setReceiver(DVImportReceiver *receiver);
 
-    // The modulation length that the driving program knows from elsewhere than the plugin's own
-    // question; 0 for a plain run. Call it before `clone`.
+    // Sets the modulation length, for a program that needn't ask the user; 0 for a plain run. Call it
+    // before `clone`.
     void setModulation(float length);
 
 protected:
     void copyInterface(PluginInterface *source) override;
 
-    // Looks `mass` up in the ascending `table`. On a hit sets `*found` to true and gives the index of
-    // the first entry that equals it; on a miss sets `*found` to false and gives 0.
+    // Looks `mass` up in the ascending `table` of `size` entries. On a hit it sets `*found` to true and
+    // returns the index of the first entry that equals `mass`; on a miss it sets `*found` to false and
+    // returns 0.
     unsigned short findTablePosition(float mass, float *table, int size, bool *found);
 
     DVHeader *header = nullptr; // of the current run

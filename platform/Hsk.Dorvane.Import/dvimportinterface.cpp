@@ -6,7 +6,7 @@
 
 namespace {
 
-// Why a file can't be read at all, with %1 for its name; null if it can.
+// Returns why a file can't be read at all, with %1 for its name; null if it can.
 const char *obstacle(const QFileInfo &file)
 {
     if (!file.exists())

@@ -20,9 +20,9 @@ public:
     virtual bool import(const QString &fileName, const QString &title, const QString &path,
                         TFileBuffer *buffer) = 0;
 
-    // Whether `fileName` can be imported. This first test asks that the file is a readable regular file
-    // with one of the plugin's extensions; if not, `text` receives one sentence that says why.
-    // A plugin adds tests of its own, and answers for the file that it has open, if any.
+    // Returns whether `fileName` can be imported. Here it has to be a readable regular file with one of
+    // the plugin's extensions; if it isn't, `text` receives a sentence that says why. A plugin adds tests
+    // of its own, and answers for the file that it has open, if any.
     virtual bool canImport(TFileBuffer *buffer, const QString &fileName, QString &text);
 
     virtual int importQueryValue() = 0;
@@ -31,11 +31,12 @@ public:
     virtual bool isEnabled() const;
 
 public slots:
-    // The user pressed Cancel on the progress bar: the run of `import` stops before its next scan.
+    // The user pressed Cancel on the progress bar: the active run of `import` stops before its next scan.
+    // Nothing happens if no run is active.
     virtual void pBarCanceledSlot();
 
 public:
-    // Whether the name ends in one of the plugin's extensions, in any case.
+    // Returns whether the name ends in one of the plugin's extensions, in upper or lower case.
     bool matchExtension(const QString &fileName) const;
 
     QList<QString> getExtension() const override;

@@ -14,19 +14,19 @@ public:
     explicit DVImportParamType(const QString &typeText);
     virtual ~DVImportParamType();
 
-    // The choice that stands before the user is asked; none.
+    // Returns the choice before the user is asked: none.
     virtual QVector<int> getDefaultChoice(int parameter) const;
 
-    // Closes the file that is open and opens `fileName` in its place; false if that can't be opened, and
-    // then none is open.
+    // Closes the file that is open and opens `fileName` in its place. Returns false if that can't be
+    // opened; no file is open then.
     virtual bool reopenForFile(const QString &fileName) = 0;
 
     virtual int pluginKind() = 0;
 
-    // Asks for the parameters of the open file, in a modal dialog over `parent`. The result is always 0.
+    // Asks for the parameters of the open file, in a modal dialog over `parent`. Returns 0 in every case.
     virtual int askParameters(QWidget *parent) = 0;
 
-    // Whether the plugin has parameters to ask for.
+    // Returns whether the plugin has parameters to ask for.
     virtual bool paramTypeFlag() = 0;
 
 protected:

@@ -18,7 +18,7 @@ public:
     virtual void scanImported(int scan, double time, double total, int pointCount,
                               const float *abundances, const unsigned short *positions) = 0;
 
-    // `done` of `count` scans have been handed on. Called a hundred times in a run at the most.
+    // `done` of `count` scans have been handed on. Called at most a hundred times in a run.
     virtual void progressChanged(int done, int count) = 0;
 };
 

@@ -12,7 +12,7 @@ class PluginInterface
 public:
     virtual ~PluginInterface();
 
-    // A working copy of the plugin, the caller's to delete. It takes over what the plugin has open.
+    // Returns a working copy, which the caller deletes. It takes over the file that the plugin has open.
     virtual PluginInterface *clone() = 0;
 
     virtual QList<QString> getExtension() const = 0;

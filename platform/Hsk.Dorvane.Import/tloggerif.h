@@ -1,4 +1,4 @@
-// Base of the host's classes that can be given a logger. Nothing here makes use of it.
+// Base of the host's classes that can be given a logger. Nothing here uses it.
 #ifndef TLOGGERIF_H
 #define TLOGGERIF_H
 

@@ -17,8 +17,8 @@ public:
     static void Warning(const QString &text, MessageLoggerInterface *logger);
     static void Error(const QString &text, MessageLoggerInterface *logger);
 
-    // Where messages go from now on; gives the receiver so far. An empty one stands for the default,
-    // a line on standard error for each message.
+    // Sends all messages to `receiver` from now on and returns the one before. An empty receiver stands
+    // for the default, which writes each message to standard error as a line.
     static Receiver setReceiver(Receiver receiver);
 };
 

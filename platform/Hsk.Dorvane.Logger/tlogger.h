@@ -7,11 +7,13 @@
 class TLogger
 {
 public:
-    // `level` grows with gravity: 100 debug, 200 plain, 300 warning, 500 fatal.
+    // `level` is higher for what is more serious: 100 debug, 200 plain, 300 warning, 500 fatal. `file`
+    // and `line` say where the message comes from.
     virtual void logEntry(int level, const QString &file, int line, const QString &message) = 0;
     virtual void flushEntries() = 0;
 
-    // The process's logger, or null until a program installs one. It stays its owner's.
+    // The logger of the process; null until a program sets one. The program keeps it, and sets null
+    // before it destroys it.
     static TLogger *getDefaultInstance();
     static void setDefaultInstance(TLogger *logger);
 

@@ -1,6 +1,6 @@
 #include "tmath.h"
 
-// The library has the routine, too, for programs that were built to call it. Another source could read
-// this address, so no compiler leaves the routine out.
+// Programs that were built to call the routine find it in the library: its address stands in a variable
+// that other sources could read, so no compiler leaves it out.
 extern int (*const exportedRound)(double);
 int (*const exportedRound)(double) = &TMath::round;

@@ -7,13 +7,13 @@
 class TMath
 {
 public:
-    // The nearest whole number: halves go away from zero, NaN gives 0, and what lies beyond 32 bits
-    // gives the nearest end of the range. In the header, and without the library's rounding routines,
-    // because it runs once for each point of a run.
+    // Returns the nearest whole number. Halves are rounded away from zero; NaN becomes 0, and a number
+    // beyond 32 bits the nearest one within. It is in the header, and does without the library's rounding
+    // routines, because it runs once for each point of a run.
     static int round(double value)
     {
-        // The largest number below a half, and the cast that cuts toward zero: exact, and without a
-        // branch on the fraction, which no processor could foresee.
+        // Add the largest number below a half, and let the cast cut toward zero. This is exact, and it
+        // has no branch on the fraction, which no processor could predict.
         constexpr double half = 0.49999999999999994;
         if (value >= 0.0) {
             return value < 2147483647.5 ? static_cast<int>(value + half)
@@ -21,7 +21,7 @@ public:
         }
         if (value > -2147483648.5)
             return static_cast<int>(value - half);
-        return value < 0.0 ? std::numeric_limits<int>::min() : 0; // NaN isn't
+        return value < 0.0 ? std::numeric_limits<int>::min() : 0; // 0 for NaN
     }
 };
 
