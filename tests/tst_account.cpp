@@ -2,9 +2,9 @@
 
 #include "debugger.h"
 #include "importaiams.h"
+#include "logger.h"
 #include "program.h"
 #include "rows.h"
-#include "tlogger.h"
 #include "ttestingmacros.h"
 
 #include <QTemporaryFile>
@@ -25,32 +25,6 @@ template struct Opened<&ImportAiaMs::readGlobalTextAttribute>;
 int readGlobalTextAttribute(ImportAiaMs &plugin, const char *name, char *buffer, int size);
 
 namespace {
-
-// The process's logger for the length of a block.
-class Logger : public TLogger
-{
-public:
-    Logger() { setDefaultInstance(this); }
-    ~Logger() { setDefaultInstance(nullptr); }
-
-    void logEntry(int entryLevel, const QString &entryFile, int entryLine, const QString &message) override
-    {
-        level = entryLevel;
-        file = entryFile;
-        line = entryLine;
-        messages += message;
-    }
-    void flushEntries() override { flushed = messages.size(); }
-
-    int level = 0;
-    QString file;
-    int line = 0;
-    QStringList messages;
-    int flushed = 0; // messages
-
-private:
-    Q_DISABLE_COPY(Logger)
-};
 
 // Returns what `write` sends to standard error.
 template <class Write> QByteArray standardError(Write write)

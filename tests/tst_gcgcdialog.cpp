@@ -1,9 +1,10 @@
 // The question for the modulation length, driven by mouse and keyboard as a user does it, through the
 // plugin as the host loads it.
 
+#include "messageredirection.h"
 #include "plugin.h"
 #include "program.h"
-#include "table.h"
+#include "rows.h"
 
 #include <QtWidgets>
 
@@ -43,8 +44,17 @@ void answer(QDialog *dialog, const QString &length, bool tick, const QString &en
     }
 }
 
-using Outcome = Table<QString, bool, QString, float, bool>; // length, tick, end; modulation, whether it holds
-using FileName = Table<QString>;
+struct Outcome {
+    QString length;
+    bool tick = false;
+    QString end;          // as answer() takes it
+    float modulation = 0; // of the copy
+    bool holds = false;   // for all files that follow
+};
+
+struct FileName {
+    QString name;
+};
 
 } // namespace
 
@@ -52,7 +62,9 @@ class TestGcgcDialog : public QObject, private Plugin
 {
     Q_OBJECT
 
-    // Asks about `path`, or once more about the open file; `user` gets the dialog. Gives the number of
+    const Silence silence;
+
+    // Asks about `path`, or once more about the open file; `user` gets the dialog. Returns the number of
     // dialogs that opened.
     int ask(const QString &path, const std::function<void(QDialog *)> &user)
     {
@@ -79,31 +91,29 @@ private slots:
 
     void outcomes_data()
     {
-        const Outcome row;
-        row("yes", "4.5", false, "Yes", 4.5f, false);
-        row("yes to all", "0.1", true, "Yes", 0.1f, true);
-        row("yes without a length", "", true, "Yes", 0.0f, true);
-        row("no writes no length", "4.5", false, "No", 0.0f, false);
-        row("no to all", "4.5", true, "No", 0.0f, true);
-        row("Return in length is yes", "4.5", false, "Return", 4.5f, false);
-        row("Return on the box is yes", "4.5", true, "Return", 4.5f, true);
-        row("Escape answers nothing", "4.5", true, "Escape", 0.0f, false);
-        row("close answers nothing", "4.5", true, "close", 0.0f, false);
-        row("slot without a button", "4.5", true, "accept", 0.0f, true);
-        row("above the range", "100.01", false, "Yes", 100.0f, false);
-        row("below the range", "-3", false, "Yes", 0.0f, false);
+        const Rows<Outcome> row;
+        row("yes") = {"4.5", false, "Yes", 4.5f, false};
+        row("yes to all") = {"0.1", true, "Yes", 0.1f, true};
+        row("yes without a length") = {"", true, "Yes", 0.0f, true};
+        row("no writes no length") = {"4.5", false, "No", 0.0f, false};
+        row("no to all") = {"4.5", true, "No", 0.0f, true};
+        row("Return in length is yes") = {"4.5", false, "Return", 4.5f, false};
+        row("Return on the box is yes") = {"4.5", true, "Return", 4.5f, true};
+        row("Escape answers nothing") = {"4.5", true, "Escape", 0.0f, false};
+        row("close answers nothing") = {"4.5", true, "close", 0.0f, false};
+        row("slot without a button") = {"4.5", true, "accept", 0.0f, true};
+        row("above the range") = {"100.01", false, "Yes", 100.0f, false};
+        row("below the range") = {"-3", false, "Yes", 0.0f, false};
     }
     void outcomes()
     {
-        const auto [length, tick, end, modulation, holds] = Outcome::row();
-        const auto user = [length = length, tick = tick, end = end](QDialog *dialog) {
-            answer(dialog, length, tick, end);
-        };
+        const Outcome &row = Rows<Outcome>::current();
+        const auto user = [&](QDialog *dialog) { answer(dialog, row.length, row.tick, row.end); };
         QCOMPARE(ask(fixture("gcgc"), user), 1);
-        QCOMPARE(clone()->modulationPeriod(), modulation);
-        QCOMPARE(prototype()->modulationPeriod(), holds ? modulation : 0.0f);
-        QCOMPARE(ask(fixture("gcgc"), user), holds ? 0 : 1);
-        QCOMPARE(clone()->modulationPeriod(), modulation);
+        QCOMPARE(clone()->modulationPeriod(), row.modulation);
+        QCOMPARE(prototype()->modulationPeriod(), row.holds ? row.modulation : 0.0f);
+        QCOMPARE(ask(fixture("gcgc"), user), row.holds ? 0 : 1);
+        QCOMPARE(clone()->modulationPeriod(), row.modulation);
     }
 
     void noLeavesAnEarlierLength()
@@ -128,15 +138,15 @@ private slots:
 
     void showsFileName_data()
     {
-        const FileName row;
-        row("without its folder", "run 12-b_3.cdf");
-        row("markup", "a<b>&c<i>&amp;d.cdf");
-        row("places", "%1 %2 %L1.cdf");
-        row("long", QString("W").repeated(251) + ".cdf");
+        const Rows<FileName> row;
+        row("without its folder") = {"run 12-b_3.cdf"};
+        row("markup") = {"a<b>&c<i>&amp;d.cdf"};
+        row("places") = {"%1 %2 %L1.cdf"};
+        row("long") = {QString("W").repeated(251) + ".cdf"};
     }
     void showsFileName()
     {
-        const auto [name] = FileName::row();
+        const QString name = Rows<FileName>::current().name;
         QTemporaryDir folder;
         QVERIFY(QFile::copy(fixture("gcgc"), folder.filePath(name)));
         QTextDocument question;
@@ -153,20 +163,19 @@ private slots:
     {
         FrenchTranslator french;
         QCoreApplication::installTranslator(&french);
-        QStringList texts;
         ask(fixture("gcgc"), [&](QDialog *dialog) {
-            texts.append(dialog->windowTitle());
-            for (const auto *label : dialog->findChildren<QLabel *>())
-                texts.append(label->text());
-            for (const auto *button : dialog->findChildren<QAbstractButton *>())
-                texts.append(button->text());
+            QCOMPARE(dialog->windowTitle(), QStringLiteral("Paramètres d'importation du format CDF"));
+            const auto labels = dialog->findChildren<QLabel *>();
+            QCOMPARE(labels.size(), 2);
+            QCOMPARE(labels[0]->text(), QStringLiteral("Le fichier <b>gcgc.cdf</b> est-il une analyse de GCxGC ?"));
+            QCOMPARE(labels[1]->text(), QStringLiteral("Période de modulation :"));
+            QCOMPARE(dialog->findChild<QCheckBox *>()->text(),
+                     QStringLiteral("Appliquer ce paramètrage à tous les fichiers de ce type"));
+            const auto buttons = dialog->findChildren<QPushButton *>();
+            QCOMPARE(buttons.size(), 2);
+            QCOMPARE(buttons[0]->text(), QStringLiteral("Oui"));
+            QCOMPARE(buttons[1]->text(), QStringLiteral("Non"));
         });
-        QCOMPARE(texts.join('\n'), R"(Paramètres d'importation du format CDF
-Le fichier <b>gcgc.cdf</b> est-il une analyse de GCxGC ?
-Période de modulation :
-Appliquer ce paramètrage à tous les fichiers de ce type
-Oui
-Non)");
     }
 };
 

@@ -3,8 +3,8 @@
 #include "dvheader.h"
 #include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
-#include "messageloggerinterface.h"
-#include "table.h"
+#include "messageredirection.h"
+#include "rows.h"
 #include "tmath.h"
 
 #include <QLibrary>
@@ -73,8 +73,24 @@ public:
     int lastDone = 0;
 };
 
-using Rounded = Table<double, int>;
-using Imported = Table<int, int, bool, int, int>; // scans, cancelled after; result, scans, messages
+struct Rounded {
+    double value = 0;
+    int result = 0;
+};
+
+struct LookUp {
+    float mass = 0;
+    int size = 4; // of the table
+    int place = -1;
+};
+
+struct Imported {
+    int scans = 0;
+    int cancelAfter = -1; // number of a scan
+    bool result = true;
+    int received = 0;
+    int messages = 0;
+};
 
 } // namespace
 
@@ -88,26 +104,26 @@ private slots:
         const int top = std::numeric_limits<int>::max();
         const int bottom = std::numeric_limits<int>::min();
         const double infinity = std::numeric_limits<double>::infinity();
-        const Rounded row;
-        row("half", 0.5, 1);
-        row("half below", -2.5, -3);
-        row("just under a half", 0.49999999999999994, 0);
-        row("just over minus a half", -0.49999999999999994, 0);
-        row("just under two and a half", 2.4999999999999996, 2);
-        row("large half", 1073741824.5, 1073741825);
-        row("just under a large half", 1073741824.4999998, 1073741824);
-        row("NaN", std::nan(""), 0);
-        row("top", 2147483646.6, top);
-        row("one below the top", 2147483646.4, top - 1);
-        row("beyond the top", infinity, top);
-        row("bottom", -2147483647.5, bottom);
-        row("one above the bottom", -2147483647.4, bottom + 1);
-        row("beyond the bottom", -infinity, bottom);
+        const Rows<Rounded> row;
+        row("half") = {0.5, 1};
+        row("half below") = {-2.5, -3};
+        row("just under a half") = {0.49999999999999994, 0};
+        row("just over minus a half") = {-0.49999999999999994, 0};
+        row("just under two and a half") = {2.4999999999999996, 2};
+        row("large half") = {1073741824.5, 1073741825};
+        row("just under a large half") = {1073741824.4999998, 1073741824};
+        row("NaN") = {std::nan(""), 0};
+        row("top") = {2147483646.6, top};
+        row("one below the top") = {2147483646.4, top - 1};
+        row("beyond the top") = {infinity, top};
+        row("bottom") = {-2147483647.5, bottom};
+        row("one above the bottom") = {-2147483647.4, bottom + 1};
+        row("beyond the bottom") = {-infinity, bottom};
     }
     void rounds()
     {
-        const auto [value, result] = Rounded::row();
-        QCOMPARE(TMath::round(value), result);
+        const Rounded &row = Rows<Rounded>::current();
+        QCOMPARE(TMath::round(row.value), row.result);
     }
 
     // For programs that were built to call it.
@@ -119,56 +135,60 @@ private slots:
         QCOMPARE(round(-2.5), -3);
     }
 
+    void findsMasses_data()
+    {
+        const Rows<LookUp> row;
+        row("first") = {1.0f, 4, 0};
+        row("twice there") = {2.5f, 4, 1};
+        row("last") = {4.0f, 4, 3};
+        row("behind the last") = {4.0f, 3};
+        row("no table") = {1.0f, 0};
+        row("below all") = {0.5f};
+        row("just above one") = {std::nextafter(2.5f, 3.0f)};
+        row("above all") = {5.0f};
+        row("NaN") = {std::nanf("")};
+    }
     void findsMasses()
     {
-        TestImport import(0);
+        const LookUp &row = Rows<LookUp>::current();
         float table[] = {1.0f, 2.5f, 2.5f, 4.0f};
-        const auto place = [&](float mass, int size) {
-            bool found = mass != 2.5f; // the opposite
-            const int position = import.findTablePosition(mass, table, size, &found);
-            return found ? position : -1 - position;
-        };
-        QCOMPARE(place(1.0f, 4), 0);
-        QCOMPARE(place(2.5f, 4), 1);
-        QCOMPARE(place(4.0f, 4), 3);
-        QCOMPARE(place(4.0f, 3), -1);
-        QCOMPARE(place(1.0f, 0), -1);
-        for (const float mass : {0.5f, std::nextafter(2.5f, 3.0f), 5.0f, std::nanf("")})
-            QCOMPARE(place(mass, 4), -1);
+        bool found = row.place == -1; // the opposite of what comes
+        const int place = TestImport(0).findTablePosition(row.mass, table, row.size, &found);
+        QCOMPARE(found, row.place != -1);
+        QCOMPARE(place, found ? row.place : 0);
     }
 
     void runs_data()
     {
-        const Imported row;
-        row("whole", 900, -1, true, 900, 0);
-        row("not quite two scans a step", 199, -1, true, 199, 0);
-        row("no scans", 0, -1, true, 0, 0);
-        row("cancelled", 900, 4, false, 5, 0);
-        row("no header", -1, -1, false, 0, 0);
-        row("out of memory", 2000, -1, false, 1000, 1);
+        const Rows<Imported> row;
+        row("whole") = {900, -1, true, 900};
+        row("not quite two scans a step") = {199, -1, true, 199};
+        row("no scans") = {0};
+        row("cancelled") = {900, 4, false, 5};
+        row("no header") = {-1, -1, false};
+        row("out of memory") = {2000, -1, false, 1000, 1};
     }
     void runs()
     {
-        const auto [scans, cancelAfter, result, received, messages] = Imported::row();
+        const Imported &row = Rows<Imported>::current();
         QStringList said;
-        MessageLoggerInterface::setReceiver([&](MessageLoggerInterface::Level level, const QString &text) {
+        const MessageRedirection redirection([&](MessageLoggerInterface::Level level, const QString &text) {
             QCOMPARE(level, MessageLoggerInterface::Level::Error);
             said += text;
         });
-        TestImport import(scans, cancelAfter);
+        TestImport import(row.scans, row.cancelAfter);
         import.pBarCanceledSlot(); // no run is active, so nothing is cancelled
-        QCOMPARE(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), result);
-        QCOMPARE(import.received, received);
-        QCOMPARE(import.sum, received * (received - 1.0) / 2.0);
-        QCOMPARE(said.filter(QStringLiteral("x.cdf")).size(), messages);
+        QCOMPARE(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), row.result);
+        QCOMPARE(import.received, row.received);
+        QCOMPARE(import.sum, row.received * (row.received - 1.0) / 2.0);
+        QCOMPARE(said.filter(QStringLiteral("x.cdf")).size(), row.messages);
         QVERIFY(import.progress <= 100);
-        if (received == scans)
-            QCOMPARE(import.lastDone, scans);
+        if (row.result)
+            QCOMPARE(import.lastDone, row.scans);
         QVERIFY(!import.hasHeader());
         // A later run begins afresh.
-        QCOMPARE(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), result);
-        MessageLoggerInterface::setReceiver({});
-        QCOMPARE(import.received, 2 * received);
+        QCOMPARE(import.import(QStringLiteral("x.cdf"), QString(), QString(), nullptr), row.result);
+        QCOMPARE(import.received, 2 * row.received);
     }
 
     void tellsNullFromEmpty()
