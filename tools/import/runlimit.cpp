@@ -29,7 +29,7 @@ bool isClassic(const MsFile &file)
         && (kind == NC_FORMAT_CLASSIC || kind == NC_FORMAT_64BIT_OFFSET || kind == NC_FORMAT_64BIT_DATA);
 }
 
-// The points that a classic file holds. A header can claim any number, but each point takes a byte.
+// Returns how many points a classic file can hold. A header can claim any number, but each takes a byte.
 qint64 pointsOf(const MsFile &file, qint64 bytes)
 {
     const MsDimension &points = file.record()->dimensions[MsDim_point_number];

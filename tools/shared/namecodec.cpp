@@ -14,7 +14,7 @@ QTextCodec *terminalCodec = nullptr; // null: the locale's
 
 constexpr ushort escape = 0xDC00; // for the byte 0; half a pair that no decoded text has alone
 
-// Whether the unit at place i stands for a byte.
+// Returns whether the unit at place i stands for a byte.
 bool isKeptByte(const QChar *units, int i)
 {
     const ushort unit = units[i].unicode();
@@ -58,7 +58,7 @@ protected:
     }
 
 private:
-    // False where the bytes aren't whole characters of UTF-8.
+    // Decodes bytes of UTF-8. Returns false if they aren't whole characters.
     bool decode(const char *bytes, int size, QString *text) const
     {
         ConverterState state(IgnoreHeader); // a byte order mark is part of the name

@@ -8,17 +8,18 @@
 
 // Makes Qt take names of files, and the arguments of the command line, for UTF-8 in every locale, and
 // keep each byte that isn't UTF-8: it becomes the code unit U+DC00 + byte, and that byte again when the
-// name is encoded. So any name that comes in leads back to the very file. To be called before an
+// name is encoded. So any name that comes in leads back to the very file. Call this before an
 // application object is made.
 void keepBytesOfNames();
 
-// The names of the files that ms_path_of finds; a name under which it finds none stays as it is.
+// Returns the names of the files that ms_path_of finds. A name under which it finds none stays as it is.
 QStringList namesOfFiles(const QStringList &names);
 
-// A name as a text of any kind may have it: U+FFFD for each byte that was kept.
+// Returns the name for messages and documents, with U+FFFD for each byte that was kept.
 QString shownName(const QString &name);
 
-// A text in the coding of the terminal, which is the locale's. What it lacks becomes a question mark.
+// Returns the text in the coding of the terminal, which is the locale's. A character that the coding
+// lacks becomes a question mark.
 QByteArray terminalBytes(const QString &text);
 
 #endif // NAMECODEC_H
