@@ -131,7 +131,7 @@ void readWithToolkit(const QString &path)
     look(trace.times());
     InfoOptions options;
     options.scan = 1;
-    const InfoResult info = gatherInfo(file.id(), path, options);
+    const InfoResult info = gatherInfo(file, path, options);
     infoText(info.report);
     infoJson(info.report);
 }

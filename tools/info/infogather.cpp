@@ -101,8 +101,8 @@ QString storedType(int ncid, int varid)
 class Gatherer
 {
 public:
-    Gatherer(int openFile, const InfoOptions &wanted)
-        : ncid(openFile), options(wanted), file(*ms_file_record(openFile))
+    Gatherer(const MsFile &openFile, const InfoOptions &wanted)
+        : file(openFile), options(wanted), record(*openFile.record())
     {
     }
 
@@ -123,14 +123,13 @@ private:
     void addLibrary(InfoNode *report);
     void addScan(qint32 number, InfoNode *report);
 
-    qint32 size(int slot) const { return file.dimensions[slot].size; }
-    bool hasDimension(int slot) const { return file.dimensions[slot].id != -1; }
-    bool hasVariable(int slot) const { return file.variables[slot] != -1; }
-    bool isLibrary() const { return file.experiment_type == MsLibrarySpectrum; }
+    qint32 size(int slot) const { return record.dimensions[slot].size; }
+    bool hasDimension(int slot) const { return record.dimensions[slot].id != -1; }
+    bool hasVariable(int slot) const { return record.variables[slot] != -1; }
 
-    int ncid;
+    const MsFile &file;
     InfoOptions options;
-    MsFileRecord file;
+    MsFileRecord record;
     std::vector<QString> problems;
 };
 
@@ -170,7 +169,7 @@ void Gatherer::addTemplate(InfoNode *report) const
     const bool isOurs = hasDimension(MsDim_scan_number) && hasVariable(MsVar_intensity_values);
     int unused = 0;
     const bool isChromatogram =
-        !isOurs && nc_inq_attid(ncid, NC_GLOBAL, "aia_template_revision", &unused) == NC_NOERR;
+        !isOurs && nc_inq_attid(file.id(), NC_GLOBAL, "aia_template_revision", &unused) == NC_NOERR;
     report->addValue(QStringLiteral("template"),
                      isOurs               ? QStringLiteral("AIA MS")
                          : isChromatogram ? QStringLiteral("not AIA MS, but AIA for chromatography")
@@ -204,13 +203,13 @@ void Gatherer::addStoredTypes(InfoNode *report) const
     for (const NamedSlot &vector : vectors) {
         if (hasVariable(vector.slot))
             section.addValue(QString::fromLatin1(vector.name),
-                             storedType(ncid, file.variables[vector.slot]));
+                             storedType(file.id(), record.variables[vector.slot]));
     }
 }
 
 void Gatherer::addGlobals(InfoNode *report)
 {
-    const MsGlobals records(ncid);
+    const MsGlobals records = file.globals();
     if (!records.isRead() && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
         problem(QStringLiteral("The global information can't be read whole."));
 
@@ -231,7 +230,7 @@ void Gatherer::addInstruments(InfoNode *report)
     InfoNode &list = report->add(Kind::List, QStringLiteral("instruments"));
     const qint64 shown = listed(size(MsDim_instrument_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        const MsInstrument instrument(ncid, i);
+        const MsInstrument instrument = file.instrument(i);
         if (!instrument.isRead())
             return problem(QStringLiteral("Component %1 of the instrument can't be read.").arg(i));
         addVariables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
@@ -252,7 +251,7 @@ void Gatherer::addGroups(InfoNode *report)
 {
     qint32 count = 0;
     qint32 width = 0;
-    if (ms_inquire_groups(ncid, &count, &width) == -1 || count < 1)
+    if (ms_inquire_groups(file.id(), &count, &width) == -1 || count < 1)
         return;
 
     InfoNode &list = report->add(Kind::List, QStringLiteral("groups"));
@@ -260,7 +259,7 @@ void Gatherer::addGroups(InfoNode *report)
     const qint64 shown = std::min(listed(count, &list), affordable);
     list.omitted = count - shown;
     for (qint32 i = 0; i < shown; ++i) {
-        const MsGroup group(ncid, i);
+        const MsGroup group(file.id(), i);
         if (!group.isRead())
             return problem(QStringLiteral("Group %1 can't be read.").arg(i));
         addGroup(group, &list);
@@ -269,12 +268,12 @@ void Gatherer::addGroups(InfoNode *report)
 
 void Gatherer::addLibrary(InfoNode *report)
 {
-    if (!isLibrary())
+    if (!file.isLibrary())
         return;
     InfoNode &list = report->add(Kind::List, QStringLiteral("library"));
     const qint64 shown = listed(size(MsDim_scan_number), &list);
     for (qint32 i = 0; i < shown; ++i) {
-        const MsLibraryEntry entry(ncid, i);
+        const MsLibraryEntry entry = file.entry(i);
         if (!entry.isRead())
             return problem(QStringLiteral("Library entry %1 can't be read.").arg(i));
         addVariables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
@@ -290,9 +289,9 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
         return problem(QStringLiteral("There is no scan %1: the file has %2.").arg(number).arg(there));
     }
 
-    const MsScan scan(ncid, number);
-    const MsLibraryEntry entry = isLibrary() ? MsLibraryEntry(ncid, number) : MsLibraryEntry();
-    if (!scan.isRead() || (isLibrary() && !entry.isRead()))
+    const MsScan scan = file.scan(number);
+    const MsLibraryEntry entry = file.isLibrary() ? file.entry(number) : MsLibraryEntry();
+    if (!scan.isRead() || (file.isLibrary() && !entry.isRead()))
         problem(QStringLiteral("Scan %1 can't be read whole.").arg(number));
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
@@ -300,7 +299,7 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
     addVariables(ms_per_scan_table, &scan, &section);
     section.addValue(QStringLiteral("point_count"), scan.point_count);
     section.addValue(QStringLiteral("flag_count"), scan.flag_count);
-    if (isLibrary())
+    if (file.isLibrary())
         addVariables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
              {{"mass", scan.masses()}, {"time", scan.times()}, {"intensity", scan.intensities()}});
@@ -312,7 +311,7 @@ InfoResult Gatherer::gather(const QString &path)
     InfoResult result;
     InfoNode &report = result.report;
     report.addValue(QStringLiteral("file"), shownName(path));
-    report.addValue(QStringLiteral("kind"), kindOfFile(ncid));
+    report.addValue(QStringLiteral("kind"), kindOfFile(file.id()));
     addTemplate(&report);
     addDimensions(&report);
     addStoredTypes(&report);
@@ -334,7 +333,7 @@ InfoResult Gatherer::gather(const QString &path)
 
 } // namespace
 
-InfoResult gatherInfo(int ncid, const QString &path, const InfoOptions &options)
+InfoResult gatherInfo(const MsFile &file, const QString &path, const InfoOptions &options)
 {
-    return Gatherer(ncid, options).gather(path);
+    return Gatherer(file, options).gather(path);
 }

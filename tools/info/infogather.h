@@ -6,6 +6,8 @@
 
 #include <optional>
 
+class MsFile;
+
 struct InfoOptions {
     std::optional<qint32> scan; // the scan to show
     bool everything = false;    // show long lists whole, up to 10000 items
@@ -17,6 +19,6 @@ struct InfoResult {
 };
 
 // Returns the report of an open file. `path` is the name to show.
-InfoResult gatherInfo(int ncid, const QString &path, const InfoOptions &options);
+InfoResult gatherInfo(const MsFile &file, const QString &path, const InfoOptions &options);
 
 #endif // INFOGATHER_H

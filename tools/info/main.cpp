@@ -54,7 +54,7 @@ int show(const QString &path, const CommandLine &line)
         return fail(QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut "
                                    "off.")
                         .arg(path));
-    const InfoResult result = gatherInfo(file.id(), path, line.info);
+    const InfoResult result = gatherInfo(file, path, line.info);
     return print(result.report, line.format) && result.complete ? Success : Failure;
 }
 
