@@ -3,10 +3,10 @@
 #include "define_p.h"
 #include "filestate_p.h"
 #include "inquire_p.h"
+#include "path_p.h"
 
 #include "messageloggerinterface.h"
 
-#include <QFile>
 #include <QGlobalStatic>
 #include <QHash>
 
@@ -34,32 +34,25 @@ std::string exact_path(const char *path)
     return exact;
 }
 
-// A path of the file system's coding, or of Latin-1 where that can't be.
-QString shown_name(const char *path)
-{
-    const QString name = QFile::decodeName(path);
-    return (name.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(path) : name)
-        .toHtmlEscaped();
-}
-
 void report_damage(const char *path)
 {
     MessageLoggerInterface::Error(
-        QStringLiteral("File <b>%1</b> is damaged: its header can't be right").arg(shown_name(path)),
+        QStringLiteral("File <b>%1</b> is damaged: its header can't be right").arg(ms_shown_name(path)),
         nullptr);
 }
 
 void report_change(const char *path)
 {
     MessageLoggerInterface::Error(
-        QStringLiteral("File <b>%1</b> was changed while it was opened").arg(shown_name(path)), nullptr);
+        QStringLiteral("File <b>%1</b> was changed while it was opened").arg(ms_shown_name(path)),
+        nullptr);
 }
 
 void report_missing_data(const char *path, const MsFileData &data)
 {
     MessageLoggerInterface::Warning(
         QStringLiteral("File <b>%1</b> is cut off: %2 of %3 bytes are missing")
-            .arg(shown_name(path), QString::number(data.missing_bytes()),
+            .arg(ms_shown_name(path), QString::number(data.missing_bytes()),
                  QString::number(data.classic_layout()->needed)),
         nullptr);
 }

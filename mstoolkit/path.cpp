@@ -1,4 +1,6 @@
-// The way from a file's name to the path that the system knows it by.
+// The way from a file's name to the path that the system knows it by, and back.
+
+#include "path_p.h"
 
 #include "mstoolkit.h"
 
@@ -19,4 +21,11 @@ QByteArray ms_path_of(const QString &name)
         return path;
     const QByteArray latin1 = name.toLatin1();
     return QString::fromLatin1(latin1) == name && exists(latin1) ? latin1 : QByteArray();
+}
+
+QString ms_shown_name(const char *path)
+{
+    const QString name = QFile::decodeName(path);
+    return (name.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(path) : name)
+        .toHtmlEscaped();
 }

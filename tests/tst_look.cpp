@@ -1,0 +1,209 @@
+// The first look at files of the newer kinds: which files get one, and what comes of each way in which it can
+// end. Shell scripts stand in for the program; the real one is there too, and files that it has to refuse.
+
+#include "damagednewer.h"
+#include "mslook.h"
+#include "openfixture.h"
+#include "rows.h"
+
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <filesystem>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+const QByteArray hdf5 = QByteArray::fromHex("894844460d0a1a0a");
+
+struct Kind {
+    QByteArray bytes;
+    bool isLookedAt = false;
+};
+
+struct Ending {
+    QByteArray script; // of the program; null: there is none
+    QString said{};    // null for a file that may be opened
+    int milliseconds = longestWait;
+};
+
+// Writes a file with a scan of 3 x 10^8 points, none of which was ever written, and two mebibytes of something
+// else, so that its length doesn't give the claim away.
+void writeLargeScan(const QByteArray &path)
+{
+    constexpr std::size_t points = 300000000;
+    const std::vector<signed char> content(2 << 20, 1);
+    int file = -1;
+    int dims[3] = {-1, -1, -1};
+    int vars[4] = {-1, -1, -1, -1};
+    QCOMPARE(nc_create(path.constData(), NC_NETCDF4, &file), NC_NOERR);
+    nc_def_dim(file, "scan_number", 1, &dims[0]);
+    nc_def_dim(file, "point_number", points, &dims[1]);
+    nc_def_dim(file, "content", content.size(), &dims[2]);
+    nc_def_var(file, "content", NC_BYTE, 1, &dims[2], &vars[0]);
+    nc_def_var(file, "point_count", NC_INT, 1, &dims[0], &vars[1]);
+    nc_def_var(file, "scan_index", NC_INT, 1, &dims[0], &vars[2]);
+    nc_def_var(file, "intensity_values", NC_FLOAT, 1, &dims[1], &vars[3]);
+    const int count = int(points);
+    const int index = 0;
+    nc_put_var_schar(file, vars[0], content.data());
+    nc_put_var_int(file, vars[1], &count);
+    nc_put_var_int(file, vars[2], &index);
+    QCOMPARE(nc_close(file), NC_NOERR);
+}
+
+} // namespace
+
+class TestLook : public QObject, private OpenFixture
+{
+    Q_OBJECT
+
+    QString write(const QString &name, const QByteArray &bytes)
+    {
+        const QString path = folder.filePath(name);
+        QFile written(path);
+        if (!written.open(QIODevice::WriteOnly) || written.write(bytes) != bytes.size())
+            qFatal("%s can't be written", qPrintable(path));
+        return path;
+    }
+    QString writeProgram(const QByteArray &script)
+    {
+        const QString path = write(QStringLiteral("program"), "#!/bin/sh\n" + script + '\n');
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
+        return path;
+    }
+    static int look(const QString &path, const QString &program, int milliseconds = longestWait)
+    {
+        return ms_look_first(QFile::encodeName(path).constData(), program, milliseconds);
+    }
+
+    QTemporaryDir folder;
+    const QString realProgram = QStringLiteral(AIA_LOOK);
+
+private slots:
+    void initTestCase() { QVERIFY(folder.isValid()); }
+    void init() { begin(); }
+    void cleanup() { end(); }
+
+    // By the places where netCDF searches for the signature.
+    void kind_data()
+    {
+        const auto behind = [](int size) { return QByteArray(size, 'x') + hdf5; };
+        const QByteArray classic = QByteArray("CDF\x01", 4);
+        const Rows<Kind> row;
+        row("at the beginning") = {hdf5, true};
+        row("behind 512 bytes") = {behind(512), true};
+        row("behind 1024 bytes") = {behind(1024), true};
+        row("behind 8192 bytes") = {behind(8192), true};
+        row("behind 1536 bytes") = {behind(1536)};
+        row("cut off") = {hdf5.left(7)};
+        row("empty") = {};
+        row("classic") = {classic + QByteArray(508, 'x') + hdf5};
+        row("CDF of no kind") = {"CDF\x03" + QByteArray(508, 'x') + hdf5, true};
+    }
+    void kind()
+    {
+        const Kind &row = Rows<Kind>::current();
+        const QString failing = writeProgram("exit 1");
+        QCOMPARE(look(write("kind.cdf", row.bytes), failing), row.isLookedAt ? -1 : 0);
+        QCOMPARE(messages.size(), row.isLookedAt ? 1 : 0);
+    }
+
+    void neverWaitsForWhatIsNoFile()
+    {
+        const QString pipe = folder.filePath("pipe.cdf");
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        for (const QString &path : {pipe, folder.path(), folder.filePath("missing.cdf"), QString()})
+            QCOMPARE(look(path, writeProgram("exit 1")), 0);
+        QCOMPARE(ms_look_first(nullptr, QString()), 0);
+    }
+
+    void ending_data()
+    {
+        const Rows<Ending> row;
+        row("well") = {"exit 0"};
+        row("crash") = {"kill -SEGV $$", "a first look at it crashed; it is most likely damaged"};
+        row("memory") = {"exit 4", "a first look at it took too much memory; it is most likely damaged"};
+        row("time of the processor") = {"exit 3", "a first look at it came to no end; it is most likely damaged"};
+        row("time by the clock") = {"exec sleep 1000", "a first look at it took more than 0.2 s", 200};
+        row("failure") = {"exit 1", "a first look at it failed with status 1"};
+        row("one argument") = {"test $# = 1", {}};
+        row("no such program") = {{}, "program is missing, which looks at such files first"};
+        row("program that can't be run") = {"", "can't be run: "};
+    }
+    void ending()
+    {
+        const Ending &row = Rows<Ending>::current();
+        const QString path = write("ending<1>.cdf", hdf5 + QTest::currentDataTag());
+        const QString program = writeProgram(row.script);
+        if (row.script.isNull())
+            QFile::remove(program);
+        if (row.script.isEmpty())
+            QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner);
+        const int before = openFiles();
+        QCOMPARE(look(path, program, row.milliseconds), row.said.isNull() ? 0 : -1);
+        QCOMPARE(openFiles(), before);
+        QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1);
+        QCOMPARE(errno, ECHILD);
+        QCOMPARE(messages.size(), row.said.isNull() ? 0 : 1);
+        const QString start = "E File " + path.toHtmlEscaped() + " was not opened: ";
+        const QString message = messages.join('\n');
+        QVERIFY2(row.said.isNull() || (message.startsWith(start) && message.contains(row.said)), qPrintable(message));
+    }
+
+    void readsAWellFileOnce()
+    {
+        const QString path = write("once.cdf", hdf5);
+        const auto lookAt = [&](const QString &name, int status) {
+            return look(name, writeProgram("exit " + QByteArray::number(status)));
+        };
+        QCOMPARE(lookAt(path, 1), -1);
+        QCOMPARE(lookAt(path, 1), -1); // a refusal isn't kept
+        QCOMPARE(lookAt(path, 0), 0);
+        QCOMPARE(lookAt(path, 1), 0);
+        write("once.cdf", hdf5 + "longer");
+        QCOMPARE(lookAt(path, 1), -1);
+        QCOMPARE(lookAt(path, 0), 0);
+        QFile changed(path);
+        QVERIFY(changed.open(QIODevice::ReadWrite));
+        QVERIFY(changed.setFileTime(QDateTime::fromSecsSinceEpoch(1), QFileDevice::FileModificationTime));
+        QCOMPARE(lookAt(path, 1), -1);
+        QCOMPARE(lookAt(path, 0), 0);
+        QCOMPARE(lookAt(write("other.cdf", hdf5 + "longer"), 1), -1);
+    }
+
+    // Not the odd ones either, nor those that claim what they don't have.
+    void takesRightFiles()
+    {
+        int count = 0;
+        for (const QString &name : QDir(QStringLiteral(AIA_FIXTURES)).entryList({"*.cdf"})) {
+            const QString path = QStringLiteral(AIA_FIXTURES "/") + name;
+            QVERIFY2(look(path, realProgram) == 0, qPrintable(name + messages.join('\n')));
+            count += content(path).startsWith(hdf5);
+        }
+        QVERIFY(count >= 5);
+    }
+
+    // In a folder whose name has to reach the program as it is.
+    void refusesToFillTheMemory()
+    {
+        const QByteArray odd = QFile::encodeName(folder.path()) + "/\xe4 %41&\"$x";
+        QCOMPARE(mkdir(odd.constData(), 0700), 0);
+        const QByteArray path = odd + "/large.cdf";
+        writeLargeScan(path);
+        QCOMPARE(ms_look_first(path.constData(), realProgram, longestWait), -1);
+        QVERIFY2(messages.join('\n').contains("took too much memory"), qPrintable(messages.join('\n')));
+        std::filesystem::remove_all(odd.toStdString()); // Qt can't spell that name
+    }
+
+    void endsItselfWhenTheLibraryHangs()
+    {
+        const QString path = write("hanging.cdf", damagedNewer(hangingPlace));
+        QCOMPARE(runProgram(realProgram, {path}).code, int(MsLookTooLong));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLook)
+#include "tst_look.moc"
