@@ -2,6 +2,9 @@
 
 #include "importaiams.h"
 
+#include "lookprogram.h"
+#include "mslook.h"
+
 #include "messageloggerinterface.h"
 #include "msfile.h"
 
@@ -13,6 +16,13 @@ void replaceMissing(double *value, double substitute)
 {
     if (*value == MsMissingDouble)
         *value = substitute;
+}
+
+// No file where a first look at it goes wrong.
+MsFile openAfterLook(const QString &name)
+{
+    const QByteArray path = ms_path_of(name);
+    return ms_look_first(path.constData(), lookProgram()) == 0 ? MsFile(path.constData()) : MsFile();
 }
 
 } // namespace
@@ -68,7 +78,7 @@ bool ImportAiaMs::openFile(const QString &name)
     if (fileId != -1)
         return true;
 
-    MsFile file(name);
+    MsFile file = openAfterLook(name);
     if (!file) {
         MessageLoggerInterface::Debug(QStringLiteral("ms_open_read failed!"), nullptr);
         return false;

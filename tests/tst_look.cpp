@@ -4,6 +4,7 @@
 #include "damagednewer.h"
 #include "mslook.h"
 #include "openfixture.h"
+#include "plugin.h"
 #include "rows.h"
 
 #include <QTemporaryDir>
@@ -202,6 +203,39 @@ private slots:
     {
         const QString path = write("hanging.cdf", damagedNewer(hangingPlace));
         QCOMPARE(runProgram(realProgram, {path}).code, int(MsLookTooLong));
+    }
+
+    // The damaged file would end this process.
+    void keepsTheHostAlive()
+    {
+        Plugin plugin;
+        const int before = openFiles();
+        QVERIFY(!plugin.canImport(write("damaged.cdf", damagedNewer(crashingPlace))));
+        QCOMPARE(openFiles(), before);
+        QCOMPARE(messages.size(), 2);
+        QVERIFY2(messages.first().contains("damaged.cdf was not opened: a first look at it "),
+                 qPrintable(messages.first()));
+        QCOMPARE(messages.last(), QStringLiteral("W ms_open_read failed!"));
+        const Plugin::Copy copy = plugin.copyFor(fixture("wide-values"));
+        QVERIFY(copy && Plugin::import(copy.get(), nullptr));
+    }
+
+    void findsTheProgramBesideThePlugin()
+    {
+        const QString path = write("right.cdf", content(fixture("wide-values")));
+        const QString moved = folder.filePath("moved.so");
+        QVERIFY(QFile::copy(QStringLiteral(AIA_PLUGIN), moved));
+        Plugin plugin;
+        plugin.loader.setFileName(moved);
+        QVERIFY(!plugin.canImport(path));
+        const QString program = folder.filePath(QFileInfo(realProgram).fileName());
+        QVERIFY2(messages.first().contains(program + " is missing"), qPrintable(messages.first()));
+        QVERIFY(plugin.canImport(fixture("two-scans")));
+        delete plugin.prototype()->clone();
+
+        QVERIFY(QFile::copy(realProgram, program));
+        QVERIFY(plugin.canImport(path));
+        delete plugin.prototype();
     }
 };
 
