@@ -1,5 +1,6 @@
 // aia-import as a person or a script meets it: output, messages and exit code.
 
+#include "damagednewer.h"
 #include "program.h"
 #include "rows.h"
 
@@ -74,6 +75,7 @@ private slots:
         write("text.cdf", "not netCDF");
         write("empty.cdf", QByteArray());
         write("cut.cdf", gcgc.left(100));
+        write("newer.cdf", damagedNewer(crashingPlace));
         write("run.txt", gcgc);
         write("B.CDF", gcgc);
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
@@ -89,7 +91,7 @@ private slots:
         row("empty") = {"empty.cdf", "The file \"FILE\" is empty."};
         row("folder") = {"folder.cdf", "\"FILE\" is a folder, not a file."};
         row("missing") = {"missing.cdf", "The file \"FILE\" doesn't exist."};
-        row("header cut off") = {"cut.cdf", noNetcdf + " (File \"FILE\" is damaged: its header can't be right)."};
+        row("header cut off") = {"cut.cdf", "File \"FILE\" is damaged: its header can't be right."};
         row("extension") = {"run.txt",
                             "The name of the file \"FILE\" doesn't end in an extension that this import takes."};
         row("no scans") = {fixture("chromatogram"),
@@ -111,6 +113,15 @@ private slots:
             "aia-import: " + QByteArray(row.sentence).replace("FILE", row.file.toLocal8Bit()) + '\n';
         QCOMPARE(result.err.left(said.size()), said);
         QCOMPARE(result.err.count("aia-import: "), 1 + result.err.count("aia-import: Warning for the file "));
+    }
+
+    void firstLook()
+    {
+        const Run result = run({"--quiet", "newer.cdf"});
+        QCOMPARE(result.code, 1);
+        QVERIFY2(result.err.startsWith("aia-import: File \"newer.cdf\" was not opened: a first look at it "),
+                 result.err);
+        QCOMPARE(result.err.count('\n'), 1);
     }
 
     void usage_data()

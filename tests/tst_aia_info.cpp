@@ -1,11 +1,13 @@
 // aia-info as a person or a script meets it: output, messages and exit code.
 
+#include "damagednewer.h"
 #include "program.h"
 #include "rows.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -175,6 +177,21 @@ private slots:
         const Run result = runProgram("/bin/sh", {"-c", "exec \"$0\" \"$@\" 1</dev/null", tool, file, file});
         QCOMPARE(result.code, 1);
         QCOMPARE(result.err.count("aia-info: Standard output can't be written: Bad file descriptor.\n"), 1);
+    }
+
+    // Of a file that a first look refuses, nothing is read, though the damage lies where nobody would have come.
+    void firstLook()
+    {
+        const QTemporaryDir folder;
+        QFile file(folder.filePath("newer.cdf"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(damagedNewer(crashingPlace));
+        file.close();
+        const Run result = run({file.fileName()});
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.out, QByteArray());
+        QCOMPARE(result.err.count('\n'), 1);
+        QVERIFY2(result.err.contains("newer.cdf\" was not opened: a first look at it "), result.err);
     }
 
     void claimsStayBounded()

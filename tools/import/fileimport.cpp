@@ -4,7 +4,6 @@
 #include "dvimportparamtype.h"
 #include "inputfile.h"
 #include "messageredirection.h"
-#include "msfile.h"
 #include "terminaltext.h"
 
 #include <QFileInfo>
@@ -21,7 +20,7 @@ volatile std::sig_atomic_t interrupted = 0;
 bool hasScans(const QString &name)
 {
     const Silence silence;
-    const MsFile file(name);
+    const MsFile file = openInput(name);
     int dimension = -1;
     return nc_inq_dimid(file.id(), "scan_number", &dimension) == NC_NOERR;
 }
@@ -165,6 +164,8 @@ QString FileImport::refusal(const QString &hostText)
 
     QString reason;
     if (traces.contains(QStringLiteral("ms_open_read failed!"))) {
+        if (!errors.isEmpty())
+            return errors.join(QLatin1String("; ")) + QLatin1Char('.');
         reason =
             QStringLiteral("netCDF can't open it: it isn't a netCDF file, or its header is damaged or "
                            "cut off");

@@ -3,6 +3,7 @@
 #include "fileimport.h"
 #include "importjson.h"
 #include "importoptions.h"
+#include "inputfile.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
 
@@ -66,8 +67,7 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
 
 int runProgram(const ImportOptions &options)
 {
-    QPluginLoader loader(QCoreApplication::applicationDirPath()
-                         + QStringLiteral("/" AIA_PLUGIN_DIR "/Hsk.Dorvane.ImportAiaMs.so"));
+    QPluginLoader loader(pluginFolder() + QStringLiteral("/Hsk.Dorvane.ImportAiaMs.so"));
     auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
     if (!prototype) {
         report(loader.isLoaded()

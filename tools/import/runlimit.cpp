@@ -1,7 +1,7 @@
 #include "runlimit.h"
 
+#include "inputfile.h"
 #include "messageredirection.h"
-#include "msfile.h"
 
 #include <QFileInfo>
 
@@ -42,7 +42,7 @@ void RunLimit::start(const QString &fileName)
 {
     const qint64 bytes = std::min(QFileInfo(fileName).size(), longest);
     const Silence silence; // the import has sent the messages already
-    const MsFile file(fileName);
+    const MsFile file = openInput(fileName);
     // A scan takes a byte, too: a file that has more scans than this only claims them.
     if (isClassic(file)) {
         pointsLeft = mostUses * pointsOf(file, bytes) + leastPoints;

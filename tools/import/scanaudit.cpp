@@ -1,6 +1,7 @@
 #include "scanaudit.h"
 
 #include "dvheader.h"
+#include "inputfile.h"
 #include "messageredirection.h"
 
 #include <algorithm>
@@ -63,7 +64,7 @@ const MsFile &ScanAudit::openFile()
 {
     if (!opened) {
         opened = true;
-        file = MsFile(fileName);
+        file = openInput(fileName);
     }
     return file;
 }

@@ -9,8 +9,6 @@
 #include "standardoptions.h"
 #include "terminaltext.h"
 
-#include "msfile.h"
-
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -44,12 +42,14 @@ int fail(const QString &sentence)
 }
 
 // Returns what the program has to tell the shell about the file.
-int show(const QString &path, const CommandLine &line)
+int show(const QString &path, const CommandLine &line, const MessageList &messages)
 {
     const QString obstacle = whyUnreadable(path);
     if (!obstacle.isEmpty())
         return fail(obstacle);
-    const MsFile file(path);
+    const MsFile file = openInput(path);
+    if (!file && messages.has(MessageList::Level::Error))
+        return Failure; // the error says more
     if (!file)
         return fail(QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut "
                                    "off.")
@@ -65,7 +65,7 @@ int showWithMessages(const QString &path, const CommandLine &line)
         [&](MessageList::Level level, const QString &text) { messages.add(level, text); });
     int code = Failure;
     try {
-        code = show(path, line);
+        code = show(path, line, messages);
     } catch (const std::bad_alloc &) {
         report(QStringLiteral("There isn't enough memory to show the file \"%1\".").arg(path));
     }

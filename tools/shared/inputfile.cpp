@@ -1,5 +1,8 @@
 #include "inputfile.h"
 
+#include "mslook.h"
+
+#include <QCoreApplication>
 #include <QFileInfo>
 
 QString whyUnreadable(const QString &name)
@@ -16,4 +19,16 @@ QString whyUnreadable(const QString &name)
     if (file.size() == 0)
         return QStringLiteral("The file \"%1\" is empty.").arg(name);
     return QString();
+}
+
+QString pluginFolder()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/" AIA_PLUGIN_DIR);
+}
+
+MsFile openInput(const QString &name)
+{
+    const QByteArray path = ms_path_of(name);
+    const QString program = pluginFolder() + QStringLiteral("/" AIA_LOOK);
+    return ms_look_first(path.constData(), program) == 0 ? MsFile(path.constData()) : MsFile();
 }

@@ -35,6 +35,12 @@ void MessageList::add(Level level, const QString &text)
     entries.push_back({level, text, 1});
 }
 
+bool MessageList::has(Level level) const
+{
+    return std::any_of(entries.begin(), entries.end(),
+                       [level](const Entry &entry) { return entry.level == level; });
+}
+
 QStringList MessageList::take(Level level)
 {
     QStringList taken;

@@ -19,6 +19,9 @@ public:
 
     void add(Level level, const QString &text);
 
+    // Returns whether there is a message of that level.
+    bool has(Level level) const;
+
     // Takes the texts of a level out of the list and returns them, as plain text.
     QStringList take(Level level);
 
