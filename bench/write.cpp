@@ -1,6 +1,6 @@
 // ms_write_per_scan beside bare nc_put_vara of the same vectors and counters.
 
-#include "mstoolkit.h"
+#include "msfile.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,18 +12,17 @@ namespace {
 constexpr int scans = 20000;
 constexpr int points = 300;
 
-int openWrite()
+MsFile openWrite()
 {
     std::filesystem::create_directories(BENCH_FILES);
-    return ms_open_write(BENCH_FILES "/written.cdf", MsCentroidedSpectrum, scans, 0, MsFloatFormat,
-                         MsFloatFormat, MsFloatFormat, 1, 0);
+    MsFileLayout layout;
+    layout.scan_count = scans;
+    return MsFile::create(BENCH_FILES "/written.cdf", layout);
 }
 
-MsScanRecord scanOf(int number, float *masses, float *intensities)
+MsScanDraft scanOf(int number, float *masses, float *intensities)
 {
-    MsScanRecord scan;
-    ms_init_per_scan(0, &scan, nullptr);
-    scan.scan_number = number;
+    MsScanDraft scan(number);
     scan.point_count = points;
     scan.mass_values = masses;
     scan.intensity_values = intensities;
@@ -34,15 +33,13 @@ void writeWithToolkit(benchmark::State &state)
 {
     std::vector<float> vector(points, 1.5f);
     for (auto _ : state) {
-        const int id = openWrite();
-        if (id == -1)
+        MsFile file = openWrite();
+        if (!file)
             return state.SkipWithError("can't be created");
         for (int number = 0; number < scans; ++number) {
-            const MsScanRecord scan = scanOf(number, vector.data(), vector.data());
-            if (ms_write_per_scan(id, &scan, nullptr) == -1)
+            if (!file.write(scanOf(number, vector.data(), vector.data())))
                 state.SkipWithError("not written");
         }
-        ms_close(id);
     }
 }
 
@@ -51,13 +48,14 @@ void writeBare(benchmark::State &state)
 {
     std::vector<float> vector(points, 1.5f);
     for (auto _ : state) {
-        const int id = openWrite();
-        if (id == -1)
+        const MsFile opened = openWrite();
+        if (!opened)
             return state.SkipWithError("can't be created");
-        const MsFileRecord &file = *ms_file_record(id);
+        const int id = opened.id();
+        const MsFileRecord &file = *opened.record();
         std::size_t start = 0;
         for (int number = 0; number < scans; ++number) {
-            const MsScanRecord scan = scanOf(number, vector.data(), vector.data());
+            const MsScanDraft scan = scanOf(number, vector.data(), vector.data());
             const std::size_t at = std::size_t(number);
             const std::size_t one = 1;
             for (const MsVariableRow &row : ms_per_scan_table)
@@ -73,7 +71,6 @@ void writeBare(benchmark::State &state)
             nc_put_vara(id, file.variables[MsVar_mass_values], &start, &count, scan.mass_values);
             start += count;
         }
-        ms_close(id);
     }
 }
 
