@@ -67,8 +67,9 @@ public:
     Iterator end() const { return Iterator(*this, size_); }
 
     // Calls `use` once, with the first number as a pointer of the stored type (const qint16 *,
-    // const qint32 *, const float * or const double *) and their count. A long loop in `use` is faster
-    // than one from outside, since the format is looked at once. An empty view makes no call.
+    // const qint32 *, const float * or const double *) and their count. An empty view makes no call.
+    // For loops that have to be fast: the format is looked at once. Keep a sum in a local variable of
+    // `use`; one that is captured by reference costs more than that saves.
     template <class Use> void visit(Use &&use) const
     {
         if (size_ > 0)
