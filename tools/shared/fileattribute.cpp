@@ -1,0 +1,60 @@
+#include "fileattribute.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t longestText = 1 << 20;
+
+// The place of an attribute in a file, as ms_read_global looks for it.
+struct Place {
+    int holder = NC_GLOBAL;
+    QByteArray name{};
+    std::size_t length = 0;
+    bool isStated = false;
+};
+
+Place placeOf(int ncid, const MsAttributeRow &row)
+{
+    Place place;
+    const MsFileRecord *file = ms_file_record(ncid);
+    if (row.variable != -1 && file)
+        place.holder = file->variables[row.variable];
+    nc_type type = NC_NAT;
+    for (const QByteArray &name : {QByteArray(row.name), ms_dash_name(row.name)}) {
+        if (nc_inq_att(ncid, place.holder, name.constData(), &type, &place.length) != NC_NOERR)
+            continue;
+        place.name = name;
+        // A text isn't taken from a number, nor a number from an attribute without a value.
+        place.isStated = row.nc_type == NC_CHAR ? type == NC_CHAR : place.length > 0;
+        break;
+    }
+    return place;
+}
+
+} // namespace
+
+bool isStated(int ncid, const MsAttributeRow &row)
+{
+    return placeOf(ncid, row).isStated;
+}
+
+QString statedText(int ncid, const MsAttributeRow &row)
+{
+    const Place place = placeOf(ncid, row);
+    if (row.nc_type != NC_CHAR || !place.isStated || place.length > longestText)
+        return QString();
+    std::vector<char> text(place.length + 1, '\0');
+    if (nc_get_att_text(ncid, place.holder, place.name.constData(), text.data()) != NC_NOERR)
+        return QString();
+    const QString trimmed = QString::fromLatin1(text.data()).trimmed();
+    return trimmed.isEmpty() ? QString() : trimmed;
+}
+
+const MsAttributeRow &attributeRow(const MsTable<MsAttributeRow> &table, std::size_t field)
+{
+    return *std::find_if(table.begin(), table.end(),
+                         [field](const MsAttributeRow &row) { return row.field == field; });
+}
