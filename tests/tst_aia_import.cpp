@@ -1,5 +1,6 @@
 // aia-import as a person or a script meets it: output, messages and exit code.
 
+#include "acquisitiontime.h"
 #include "damagednewer.h"
 #include "program.h"
 #include "rows.h"
@@ -28,8 +29,20 @@ struct Usage {
 };
 
 struct SummaryLine {
-    QString file; // imported with modulations of 60 s
+    QString file; // imported with modulations of 60 s, and verbosely
     QString line; // a regular expression
+};
+
+struct Stamp {
+    QString stamp;
+    QString utc{}; // null: without a zone
+};
+
+struct Talk {
+    QStringList arguments; // in which FILE stands for a file that isn't quite right
+    QByteArray said{};     // a line on standard error
+    int lines = 0;         // on standard error
+    bool summary = true;
 };
 
 struct CutFile {
@@ -139,6 +152,8 @@ private slots:
         row("text") = {{"--gcxgc", "6s", "FILE"}, 2, noLength("6s")};
         row("answer and question") = {
             {"--gcxgc", "6", "--ask", "FILE"}, 2, "The options --ask and --gcxgc exclude each other."};
+        row("loud and quiet") = {
+            {"--quiet", "--verbose", "FILE"}, 2, "The options --quiet and --verbose exclude each other."};
         row("unknown option") = {{"--no-such-option", "FILE"}, 2, "Unknown option 'no-such-option'."};
         row("JSON nowhere") = {{"--json", "", "FILE"}, 2, "The file name after --json is empty."};
         row("JSON over data") = {
@@ -180,7 +195,27 @@ private slots:
     {
         const Rows<SummaryLine> row;
         row("title") = {"import-odd-scans", "Title: +Caf. \"5\\\\6\"\\?<1>"}; // with a control character
-        row("date") = {"import-odd-scans", "Date: +2007-09-23T05:08:00Z"};
+        row("blank title") = {"run-facts", "Title: +not given"};
+        row("stamp") = {"import-odd-scans", "Acquired: .*\\(2007-09-23 02:08:00 UTC\\)"};
+        row("no stamp") = {"gcgc-total-ion", "Acquired: +not given"}; // the header has the present
+        row("operator") = {"run-facts", "Operator: +A. Nobody"};
+        row("instrument") = {"run-facts", "Instrument: +GC \\(Maker 7\\), Maker 8, MS, ..."};
+        row("method") = {"run-facts", "Method: +RTL.M .*"};
+        row("spelled otherwise") = {"run-facts", "Separation: +Gas-Liquid Chromatography"};
+        row("beyond the vocabulary") = {"run-facts", "Inlet: +\"Fused silica\""};
+        row("number for a text") = {"run-facts", "Ionisation: +not given"}; // the record has a default
+        row("polarity") = {"run-facts", "Polarity: +negative"};
+        row("no polarity") = {"gcgc", "Polarity: +not given"};
+        row("profile") = {"run-facts", "Spectra: +profile"};
+        row("selected ions") = {"run-facts", "Scan function: +selected ions, in 2 groups of ions"};
+        row("start") = {"run-facts", "Start: +1 minutes"};
+        row("end") = {"run-facts", "End: +2 minutes"};
+        row("rate") = {"run-facts", "Scan rate: +0.0333333 scans per second"};
+        row("other unit of time") = {"time-units", "End: +120 in Arbitrary Time Units"};
+        row("no first time") = {"missing-first-time", "Start: +not given"}; // the header has 0
+        row("no last time") = {"missing-times", "End: +not given"};         // the header has the scan's number
+        row("rate without times") = {"missing-times", "Scan rate: +not known"};
+        row("maximum") = {"run-facts", "Trace maximum: +48 at 1.5 minutes, in scan 1"};
         row("masses") = {"import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1"};
         row("points") = {"import-odd-scans", "Points read: +4"};
         row("unread scan") = {"import-odd-scans", "Scans not read: +1 \\(.* 3\\)"}; // the empty one isn't meant
@@ -190,15 +225,64 @@ private slots:
         row("scans of one") = {"gcgc", "Scans in a modulation: +2"};
         row("modulations") = {"gcgc", "Modulations: +2"};
         row("second dimension") = {"gcgc", "Second-dimension step: +30 s"};
-        row("spectra") = {"gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)"};
-        row("total ion") = {"gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)"};
+        row("host's date") = {"import-odd-scans", "Date: +2007-09-23T05:08:00Z"};
+        row("present for the host") = {"gcgc-total-ion", "Date: +the present, as the file has none"};
+        row("spectra for the host") = {"gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)"};
+        row("total ion for the host") = {"gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)"};
     }
     void summary()
     {
         const SummaryLine &row = Rows<SummaryLine>::current();
-        const QString printed = QString::fromUtf8(run({"--gcxgc", "60", fixture(row.file)}).out);
+        const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", "60", fixture(row.file)}).out);
         const QRegularExpression line('^' + row.line + '$', QRegularExpression::MultilineOption);
         QVERIFY2(line.match(printed).hasMatch(), qPrintable(printed));
+    }
+
+    void stamp_data()
+    {
+        const Rows<Stamp> row;
+        row("template") = {"20070923040800+0200", "2007-09-23 02:08:00"};
+        row("template, west") = {"20070923223800-0530", "2007-09-24 04:08:00"};
+        row("template, no seconds") = {"200709230408-0200", "2007-09-23 06:08:00"};
+        row("template, no zone") = {"20070923040800"};
+        row("ISO") = {"2007-09-23T04:08:00Z", "2007-09-23 04:08:00"};
+        row("ISO, fraction") = {"2007-09-23 04:08:00.5+02:00", "2007-09-23 02:08:00"};
+        row("ISO, no zone") = {"2007-09-23T04:08:00"};
+        row("commas") = {"2007,09,23,04:08:00+0200", "2007-09-23 02:08:00"};
+        row("commas only") = {"2007,9,23,4,08,00"};
+        row("midnight of another year") = {"20080101003000+0100", "2007-12-31 23:30:00"};
+        row("no such day") = {"20070230040800+0200", "not understood"};
+        row("no such zone") = {"20070923040800+2500", "not understood"};
+        row("day or month first") = {"09/10/2007 04:08:00", "not understood"};
+        row("words") = {"yesterday", "not understood"};
+    }
+    void stamp()
+    {
+        const Stamp &row = Rows<Stamp>::current();
+        const QString what = row.utc.isNull() ? "without a time zone" : row.utc + (row.utc[0] == '2' ? " UTC" : "");
+        QCOMPARE(acquisitionTime(row.stamp), row.stamp + " (" + what + ')');
+    }
+
+    void talk_data()
+    {
+        const QString other = fixture("gcgc");
+        const QByteArray warning = "Warning for the file \"FILE\": Mandatory attribute \"netcdf-revision\" is missing";
+        const Rows<Talk> row;
+        row("summary and warnings") = {{"FILE"}, warning, 6};
+        row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 27, false};
+        row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 13};
+        row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 24};
+        row("errors") = {{"--quiet", "FILE"}, "The file \"FILE\" was not imported in full", 1, false};
+    }
+    void talk()
+    {
+        const Talk &row = Rows<Talk>::current();
+        const QString file = fixture("import-odd-scans");
+        const Run result = run(QStringList(row.arguments).replaceInStrings("FILE", file));
+        const QByteArray said = QByteArray(row.said).replace("FILE", file.toLocal8Bit());
+        QVERIFY2(result.err.contains(said), result.err);
+        QCOMPARE(result.err.count('\n'), row.lines);
+        QCOMPARE(result.out.contains("Title:  "), row.summary);
     }
 
     void interruptedCopy_data()
@@ -254,7 +338,7 @@ private slots:
                   + QByteArray::fromHex("7735940000000000000000000000000000000000"));
         QProcess program;
         program.setWorkingDirectory(folder.path());
-        program.start(importer, {"--json", "-", "long.cdf", fixture("gcgc")});
+        program.start(importer, {"--verbose", "--json", "-", "long.cdf", fixture("gcgc")});
         QByteArray err;
         while (!err.contains("*** fin") && program.waitForReadyRead(longestWait))
             err += program.readAllStandardError();
@@ -262,6 +346,7 @@ private slots:
         const Run result = finish(program);
         QCOMPARE(result.code, 1);
         QVERIFY2(result.err.contains("of 2000000000 scans"), result.err);
+        QVERIFY(result.err.contains(" of 2000000000, as the import stopped before them\n"));
         QVERIFY(!result.err.contains("given up"));
         QVERIFY(result.err.contains("aia-import: The program stopped before it looked at 1 of 2 files.\n"));
         QVERIFY(result.out.endsWith("]}]}\n"));
@@ -313,8 +398,7 @@ private slots:
 
     void messages()
     {
-        const Run result = run({"--quiet", fixture("import-odd-scans")});
-        QCOMPARE(result.out, QByteArray());
+        const Run result = run({fixture("import-odd-scans")});
         // First and last time for the header, then each scan; not the second look at two of them.
         const QByteArray start =
             "\naia-import: Warning for the file \"" + fixture("import-odd-scans").toLocal8Bit() + "\": ";

@@ -1,5 +1,6 @@
 #include "fileimport.h"
 
+#include "debugger.h"
 #include "dvheader.h"
 #include "dvimportparamtype.h"
 #include "inputfile.h"
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -24,6 +26,22 @@ bool hasScans(const QString &name)
     int dimension = -1;
     return nc_inq_dimid(file.id(), "scan_number", &dimension) == NC_NOERR;
 }
+
+// Hands the running account of an import, which goes to standard error otherwise, to a receiver.
+class AccountRedirection
+{
+public:
+    explicit AccountRedirection(Debugger::Receiver receiver)
+        : previous(Debugger::setReceiver(std::move(receiver)))
+    {
+    }
+    ~AccountRedirection() { Debugger::setReceiver(std::move(previous)); }
+
+private:
+    Q_DISABLE_COPY(AccountRedirection)
+
+    Debugger::Receiver previous;
+};
 
 } // namespace
 
@@ -48,6 +66,7 @@ bool FileImport::run()
 {
     const MessageRedirection collection(
         [this](MessageLoggerInterface::Level level, const QString &text) { messages.add(level, text); });
+    const AccountRedirection account([this](const QString &line) { showAccount(line); });
     bool imported = false;
     try {
         imported = importIfPossible();
@@ -55,8 +74,18 @@ bool FileImport::run()
         report(QStringLiteral("There isn't enough memory to import the file \"%1\".").arg(fileName));
         closePrototype();
     }
-    messages.reportAll(options.quiet ? MessageList::Level::Warning : MessageList::Level::Debug);
+    messages.reportAll(options.quiet         ? MessageList::Level::Error
+                           : options.verbose ? MessageList::Level::Debug
+                                             : MessageList::Level::Warning);
     return imported;
+}
+
+void FileImport::showAccount(const QString &line) const
+{
+    if (!options.verbose)
+        return;
+    const QString text = line.trimmed();
+    report(options.files.size() > 1 ? QStringLiteral("\"%1\": %2").arg(fileName, text) : text);
 }
 
 bool FileImport::importIfPossible()
@@ -108,7 +137,7 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
     }
     if (started && !options.quiet)
-        summary.write(options.json == QLatin1String("-") ? stderr : stdout, audit.unreadScans());
+        writeSummary(complete);
     if (!complete)
         return false;
     const QStringList losses = audit.losses();
@@ -119,13 +148,33 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
     return losses.isEmpty();
 }
 
+void FileImport::writeSummary(bool complete)
+{
+    std::FILE *stream = options.json == QLatin1String("-") ? stderr : stdout;
+    const int left = scanCount - scansDone;
+    const int largest = summary.largestScan();
+    summary.write(stream,
+                  largest == -1 ? std::nullopt : timeOfScan(file, largest, facts && facts->inMinutes),
+                  complete ? audit.unreadScans()
+                           : QStringLiteral("%1 of %2, as the import stopped before them")
+                                 .arg(QString::number(left), QString::number(scanCount)));
+    if (options.verbose)
+        summary.writeHeader(stream);
+}
+
 void FileImport::analysisStarted(const DVHeader &header, const float *table, int tableSize)
 {
     started = true;
     scanCount = header.getNbScans();
-    summary.start(fileName, header, table, tableSize);
+    {
+        const Silence silence; // the import has sent the messages already
+        file = openInput(fileName);
+    }
+    if (file)
+        facts = readRunFacts(file);
+    summary.start(fileName, facts, header, table, tableSize);
     audit.start(header, tableSize);
-    limit.start(fileName);
+    limit.start(file, QFileInfo(fileName).size());
     if (json)
         json->beginFile(fileName, header, table, tableSize);
 }
@@ -137,7 +186,7 @@ void FileImport::scanImported(int scan, double time, double total, int pointCoun
     if (!complaint.isNull())
         return working->pBarCanceledSlot();
     ++scansDone;
-    summary.addPoints(pointCount);
+    summary.addScan(scan, total, pointCount);
     audit.check(scan, pointCount, total);
     if (json)
         json->addScan(time, total, pointCount, abundances, positions);

@@ -9,9 +9,13 @@
 #include "importoptions.h"
 #include "importsummary.h"
 #include "messagelist.h"
+#include "msfile.h"
 #include "progressbar.h"
+#include "runfacts.h"
 #include "runlimit.h"
 #include "scanaudit.h"
+
+#include <optional>
 
 class FileImport : private DVImportReceiver
 {
@@ -37,6 +41,8 @@ private:
     void closePrototype();
     void askParameters();
     bool importOn(DVImportAnalysisInterface &copy);
+    void showAccount(const QString &line) const;
+    void writeSummary(bool complete);
     QString refusal(const QString &hostText);
 
     DVImportAnalysisInterface &prototype;
@@ -45,6 +51,8 @@ private:
     const QString fileName;
     DVImportAnalysisInterface *working = nullptr; // during the run
     MessageList messages;
+    MsFile file; // the same file, for what the import doesn't hand over
+    std::optional<RunFacts> facts;
     ImportSummary summary;
     ScanAudit audit;
     RunLimit limit;

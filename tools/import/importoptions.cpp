@@ -43,8 +43,11 @@ CommandLine parseCommandLine(const QStringList &arguments)
                                   QStringLiteral("Write all that is imported to FILE, - for standard "
                                                  "output, as JSON: an object for each file, on a line."),
                                   QStringLiteral("FILE"));
-    const QCommandLineOption quiet(QStringLiteral("quiet"),
-                                   QStringLiteral("Show warnings and errors only."));
+    const QCommandLineOption quiet(QStringLiteral("quiet"), QStringLiteral("Show errors only."));
+    const QCommandLineOption verbose(
+        QStringLiteral("verbose"),
+        QStringLiteral("Show also the running account of the import, which is in French, and the header "
+                       "as the host gets it."));
     const QCommandLineOption gcxgc(
         QStringLiteral("gcxgc"),
         QStringLiteral("Import GCxGC runs, with modulations of LENGTH seconds: "
@@ -54,7 +57,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
                                  QStringLiteral("Ask for the parameters of each file in a dialog."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Imports .cdf files of the AIA MS template."));
-    parser.addOptions({json, quiet, gcxgc, ask});
+    parser.addOptions({json, quiet, verbose, gcxgc, ask});
     const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
                                  QStringLiteral("FILE..."));
@@ -68,6 +71,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
     options.files = namesOfFiles(parser.positionalArguments());
     options.json = parser.value(json);
     options.quiet = parser.isSet(quiet);
+    options.verbose = parser.isSet(verbose);
     options.ask = parser.isSet(ask);
     if (options.files.isEmpty())
         return refused(QStringLiteral("No file is named."));
@@ -76,6 +80,8 @@ CommandLine parseCommandLine(const QStringList &arguments)
     if (isOneOf(options.json, options.files))
         return refused(
             QStringLiteral("The file \"%1\" can't be read and written at once.").arg(options.json));
+    if (options.quiet && options.verbose)
+        return refused(QStringLiteral("The options --quiet and --verbose exclude each other."));
     if (options.ask && parser.isSet(gcxgc))
         return refused(QStringLiteral("The options --ask and --gcxgc exclude each other."));
     if (parser.isSet(gcxgc)) {

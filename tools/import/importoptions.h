@@ -8,8 +8,9 @@
 
 struct ImportOptions {
     QStringList files;
-    QString json; // the file to write, - for standard output; empty for none
-    bool quiet = false;
+    QString json;                    // the file to write, - for standard output; empty for none
+    bool quiet = false;              // show errors only
+    bool verbose = false;            // show the running account and the header, too
     bool ask = false;                // show the dialog for each file
     std::optional<float> modulation; // seconds
 };

@@ -13,14 +13,34 @@ namespace {
 
 const QString absent = QStringLiteral("-");
 
-QString number(double value)
+QString number(double value, int digits = 6)
 {
-    return QString::number(value, 'g', 6);
+    return QString::number(value, 'g', digits);
 }
 
 QString latin1(const char *text)
 {
     return text ? QString::fromLatin1(text) : absent;
+}
+
+QString told(const QString &fact)
+{
+    return fact.isNull() ? QStringLiteral("not given") : fact;
+}
+
+QString timeText(std::optional<double> time, const QString &unit)
+{
+    return time ? QStringLiteral("%1 %2").arg(number(*time), unit) : told(QString());
+}
+
+// Returns how fast scans follow each other. The times of fewer than two scans don't tell.
+QString rateText(const RunFacts &facts, int scanCount)
+{
+    if (scanCount < 2 || !facts.start || !facts.end || !(*facts.end > *facts.start))
+        return QStringLiteral("not known");
+    const double rate = (scanCount - 1) / (*facts.end - *facts.start);
+    return facts.inMinutes ? QStringLiteral("%1 scans per second").arg(number(rate / 60.0))
+                           : QStringLiteral("%1 scans per unit of time").arg(number(rate));
 }
 
 bool liesOnGrid(float mass, double step)
@@ -89,31 +109,53 @@ QString abundanceCoding(const DVHeader &header)
         .arg(QString::number(header.getNbBitsAbund()), coefficient);
 }
 
-} // namespace
-
-void ImportSummary::add(const char *label, const QString &value)
+void writeFields(std::FILE *stream, const std::vector<std::pair<QString, QString>> &fields)
 {
-    lines.emplace_back(QLatin1String(label), value);
+    constexpr int labelWidth = 24;
+    for (const auto &[label, value] : fields)
+        writeLine(stream, (label + QLatin1Char(':')).leftJustified(labelWidth) + value);
 }
 
-void ImportSummary::start(const QString &fileName, const DVHeader &header, const float *table,
-                          int tableSize)
+} // namespace
+
+void ImportSummary::start(const QString &fileName, const std::optional<RunFacts> &runFacts,
+                          const DVHeader &header, const float *table, int tableSize)
 {
-    const QString unit = QLatin1Char(' ') + header.getRetentionUnit();
-    add("File", fileName);
-    add("Title", latin1(header.getExpName()));
-    add("Device", latin1(header.getDevice()));
-    add("Date", date(header.getDate()));
-    add("Scans", QString::number(header.getNbScans()));
-    add("Retention unit", header.getRetentionUnit());
-    add("Delay", number(header.getDelay()) + unit);
-    add("Run length", number(header.getRunTimeLength()) + unit);
-    add("Sampling interval", number(header.getSamplingInterval()) + unit);
+    facts = runFacts;
+    lines.emplace_back("File", fileName);
+    if (facts)
+        addFacts(*facts);
+    lines.emplace_back("Scans", QString::number(header.getNbScans()));
+    if (facts)
+        addTimes(*facts, header.getNbScans());
     if (header.getModulation() > 0.0f)
         addModulation(header);
-    add("Masses", masses(table, tableSize));
-    add("Detector type", detector(header));
-    add("Abundance coding", abundanceCoding(header));
+    lines.emplace_back("Masses", masses(table, tableSize));
+    addHeader(header);
+}
+
+void ImportSummary::addFacts(const RunFacts &said)
+{
+    lines.insert(lines.end(),
+                 {{"Title", told(said.title)},
+                  {"Acquired", told(said.acquired)},
+                  {"Operator", told(said.operatorName)},
+                  {"Instrument", told(said.instrument)},
+                  {"Method", told(said.method)},
+                  {"Separation", told(said.separation)},
+                  {"Inlet", told(said.inlet)},
+                  {"Ionisation", told(said.ionisation)},
+                  {"Polarity", told(said.polarity)},
+                  {"Spectra", told(said.spectra)},
+                  {"Scan function", told(said.scanFunction)}});
+}
+
+void ImportSummary::addTimes(const RunFacts &said, int scanCount)
+{
+    lines.insert(lines.end(),
+                 {{"Start", timeText(said.start, said.timeUnit)},
+                  {"End", timeText(said.end, said.timeUnit)},
+                  {"Scan rate", rateText(said, scanCount)}});
 }
 
 // Modulation lengths are in seconds, as usual in the field, whatever the unit of the header.
@@ -124,21 +166,64 @@ void ImportSummary::addModulation(const DVHeader &header)
     const double step = header.getSamplingInterval() * (inMinutes ? 60.0 : 1.0);
     const double scansInOne = modulation / step;
     const bool known = step > 0.0 && std::isfinite(step);
-    add("Modulation length", number(modulation) + QStringLiteral(" s"));
-    add("Scans in a modulation", known ? number(scansInOne) : absent);
-    add("Modulations", known ? number(header.getNbScans() / scansInOne) : absent);
-    add("Second-dimension step", known ? number(step) + QStringLiteral(" s") : absent);
+    lines.emplace_back("Modulation length", number(modulation) + QStringLiteral(" s"));
+    lines.emplace_back("Scans in a modulation", known ? number(scansInOne) : absent);
+    lines.emplace_back("Modulations", known ? number(header.getNbScans() / scansInOne) : absent);
+    lines.emplace_back("Second-dimension step", known ? number(step) + QStringLiteral(" s") : absent);
 }
 
-void ImportSummary::write(std::FILE *stream, const QString &unreadScans) const
+void ImportSummary::addHeader(const DVHeader &header)
 {
-    constexpr int labelWidth = 24;
-    const auto writeField = [&](const QString &label, const QString &value) {
-        writeLine(stream, (label + QLatin1Char(':')).leftJustified(labelWidth) + value);
+    const QString unit = QLatin1Char(' ') + header.getRetentionUnit();
+    const bool isPresent = facts && facts->acquired.isNull();
+    headerLines = {
+        {"Experiment name", latin1(header.getExpName())},
+        {"Device", latin1(header.getDevice())},
+        {"Date",
+         isPresent ? QStringLiteral("the present, as the file has none") : date(header.getDate())},
+        {"Scans", QString::number(header.getNbScans())},
+        {"Modulation", number(double(header.getModulation()))},
+        {"Retention unit", header.getRetentionUnit()},
+        {"Delay", number(header.getDelay()) + unit},
+        {"Run length", number(header.getRunTimeLength()) + unit},
+        {"Sampling interval", number(header.getSamplingInterval()) + unit},
+        {"Detector type", detector(header)},
+        {"Abundance coding", abundanceCoding(header)},
     };
-    for (const auto &[label, value] : lines)
-        writeField(label, value);
-    writeField(QStringLiteral("Points read"), QString::number(points));
-    writeField(QStringLiteral("Scans not read"), unreadScans);
+}
+
+void ImportSummary::addScan(int scan, double total, int pointCount)
+{
+    points += pointCount;
+    const bool isTold = std::isfinite(total) && total != MsMissingDouble;
+    if (isTold && (largest.scan == -1 || total > largest.total))
+        largest = {scan, total};
+}
+
+void ImportSummary::write(std::FILE *stream, std::optional<double> largestTime,
+                          const QString &unreadScans) const
+{
+    Lines all = lines;
+    all.emplace_back("Points read", QString::number(points));
+    if (largest.scan == -1)
+        all.emplace_back("Trace maximum", "none");
+    else if (facts && largestTime)
+        all.emplace_back("Trace maximum",
+                         QStringLiteral("%1 at %2, in scan %3")
+                             .arg(number(largest.total, 8), timeText(largestTime, facts->timeUnit),
+                                  QString::number(largest.scan)));
+    else
+        all.emplace_back(
+            "Trace maximum",
+            QStringLiteral("%1 in scan %2").arg(number(largest.total, 8), QString::number(largest.scan)));
+    all.emplace_back("Scans not read", unreadScans);
+    writeFields(stream, all);
+    writeLine(stream, QString());
+}
+
+void ImportSummary::writeHeader(std::FILE *stream) const
+{
+    writeLine(stream, QStringLiteral("Header as the host gets it"));
+    writeFields(stream, headerLines);
     writeLine(stream, QString());
 }

@@ -1,9 +1,6 @@
 #include "runlimit.h"
 
-#include "inputfile.h"
-#include "messageredirection.h"
-
-#include <QFileInfo>
+#include "msfile.h"
 
 #include <algorithm>
 
@@ -38,11 +35,9 @@ qint64 pointsOf(const MsFile &file, qint64 bytes)
 
 } // namespace
 
-void RunLimit::start(const QString &fileName)
+void RunLimit::start(const MsFile &file, qint64 length)
 {
-    const qint64 bytes = std::min(QFileInfo(fileName).size(), longest);
-    const Silence silence; // the import has sent the messages already
-    const MsFile file = openInput(fileName);
+    const qint64 bytes = std::min(length, longest);
     // A scan takes a byte, too: a file that has more scans than this only claims them.
     if (isClassic(file)) {
         pointsLeft = mostUses * pointsOf(file, bytes) + leastPoints;

@@ -6,11 +6,13 @@
 
 #include <QString>
 
+class MsFile;
+
 class RunLimit
 {
 public:
-    // Takes the limit from the file's length, its kind and the points that it holds.
-    void start(const QString &fileName);
+    // Takes the limit from the length of the file, its kind and the points that it holds.
+    void start(const MsFile &file, qint64 bytes);
 
     // Counts a scan. Returns why the run has to be given up, as a part of a sentence; null if it may go
     // on.
