@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QThread>
 #include <QVariant>
 
 #include <algorithm>
@@ -20,20 +21,31 @@
 #include <fstream>
 #include <system_error>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#endif
+
 namespace {
 
 constexpr char property_of_the_last[] = "ms_file_found_well";
 
+// The application object, where it can be written to: it belongs to one thread.
+QCoreApplication *own_application()
+{
+    QCoreApplication *application = QCoreApplication::instance();
+    return application && application->thread() == QThread::currentThread() ? application : nullptr;
+}
+
 // A property of the application, since each plugin and program has a toolkit of its own.
 QString last_found_well()
 {
-    const QCoreApplication *application = QCoreApplication::instance();
+    const QCoreApplication *application = own_application();
     return application ? application->property(property_of_the_last).toString() : QString();
 }
 
 void remember_as_well(const QString &fingerprint)
 {
-    if (QCoreApplication *application = QCoreApplication::instance())
+    if (QCoreApplication *application = own_application())
         application->setProperty(property_of_the_last, fingerprint);
 }
 
@@ -77,6 +89,38 @@ bool is_hdf5(const char *path)
     }
     return false;
 }
+
+#ifdef Q_OS_UNIX
+// In a process that ignores the ends of its children these leave no exit status. While such an object
+// lives, they do.
+class ChildStatus
+{
+public:
+    ChildStatus()
+    {
+        sigaction(SIGCHLD, nullptr, &before);
+        ignores = before.sa_handler == SIG_IGN || (before.sa_flags & SA_NOCLDWAIT) != 0;
+        if (ignores)
+            std::signal(SIGCHLD, SIG_DFL);
+    }
+    ~ChildStatus()
+    {
+        struct sigaction now = {};
+        sigaction(SIGCHLD, nullptr, &now);
+        if (ignores
+            && now.sa_handler == SIG_DFL) // Qt may have set a handler, which it needs from then on
+            sigaction(SIGCHLD, &before, nullptr);
+    }
+    Q_DISABLE_COPY(ChildStatus)
+
+private:
+    struct sigaction before = {};
+    bool ignores = false;
+};
+#else
+struct ChildStatus {
+};
+#endif
 
 // The second half of the sentence that says why a file isn't opened; null for a look that ended well.
 QString complaint(const QProcess &look, bool has_ended, int milliseconds)
@@ -136,6 +180,8 @@ int ms_look_first(const char *path, const QString &program, int milliseconds)
         return 0;
 
     const int most = milliseconds >= 0 ? milliseconds : ms_look_limits(path).seconds * 1000;
+    const ChildStatus kept;
+    Q_UNUSED(kept)
     QProcess look;
     look.setStandardInputFile(QProcess::nullDevice());
     look.setStandardOutputFile(QProcess::nullDevice());

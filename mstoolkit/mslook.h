@@ -33,7 +33,7 @@ enum MsLookStatus {
 // The program is started with one argument, `path` percent-encoded (QByteArray::toPercentEncoding), as
 // no other spelling of a path's bytes reaches a program unchanged everywhere. Its output is thrown away.
 // A file that was found well and didn't change since isn't read anew as long as no other was looked at;
-// that is kept with the QCoreApplication, if there is one, so plugins and program share it.
+// that is kept with the QCoreApplication, in its thread, so plugins and program share it.
 int ms_look_first(const char *path, const QString &program, int milliseconds = -1);
 
 // The limits of a look at `path`, from the file's length.

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -152,6 +153,15 @@ private slots:
         const QString start = "E File " + path.toHtmlEscaped() + " was not opened: ";
         const QString message = messages.join('\n');
         QVERIFY2(row.said.isNull() || (message.startsWith(start) && message.contains(row.said)), qPrintable(message));
+    }
+
+    void worksInAProcessThatIgnoresItsChildren()
+    {
+        const auto before = std::signal(SIGCHLD, SIG_IGN);
+        const int well = look(write("ignored.cdf", hdf5), writeProgram("exit 0"));
+        const auto after = std::signal(SIGCHLD, before);
+        QCOMPARE(well, 0);
+        QVERIFY(after == SIG_IGN);
     }
 
     void readsAWellFileOnce()
