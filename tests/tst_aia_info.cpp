@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 
 namespace {
 
@@ -65,8 +66,10 @@ private slots:
         row("administration/number_of_times_processed") = {3}; // stored as a short
         row("administration/number_of_times_calibrated") = {};
         row("test/test_ms_inlet_temperature") = {70.1}; // a float
-        row("raw_data/mass_units") = {"(not in the vocabulary)"};
-        row("raw_data/intensity_units") = {"Arbitrary Intensity Units"}; // a default
+        row("raw_data/mass_units") = {"Furlongs (not in the vocabulary)"};
+        row("raw_data/mass_units_is_default") = {};
+        row("raw_data/intensity_units") = {"Arbitrary Intensity Units"};
+        row("raw_data/intensity_units_is_default") = {true};
         row("raw_data/mass_scale_factor") = {0.5};
         row("raw_data/time_scale_factor") = {};
         row("raw_data/raw_data_mass_format") = {"Short"};
@@ -80,6 +83,18 @@ private slots:
         row("groups/0/masses/1") = {QJsonObject{{"mass", 78}, {"sampling_time", {}}, {"delay_time", 0.2}}};
         row("groups/0/masses/2") = {}; // beyond the group's own count
         row("groups/1/group_starting_scan") = {};
+        // Of the numbers as they are meant; NaN doesn't count.
+        row("ranges/0") = {QJsonObject{{"quantity", "mass"},
+                                       {"claimed_min", 25},
+                                       {"claimed_max", 35},
+                                       {"measured_min", 25.05},
+                                       {"measured_max", 35}}};
+        row("ranges/1") = {QJsonObject{{"quantity", "intensity"},
+                                       {"claimed_min", {}},
+                                       {"claimed_max", {}},
+                                       {"measured_min", 10},
+                                       {"measured_max", 30}}};
+        row("library/2") = {QJsonObject()}; // never written
         row("library/1") = {QJsonObject{{"entry_name", "Toluene"}}};
         row("scan/scan_acquisition_time") = {1.5};
         row("scan/resolution") = {};
@@ -87,8 +102,12 @@ private slots:
         row("scan/points/0") = {QJsonObject{{"mass", 50.1}, {"intensity", 10}}};
         row("scan/points/1") = {QJsonObject{{"mass", 60}, {"intensity", {}}}}; // NaN
         row("scan/points/3") = {};
+        row("scan/ranges/0/measured_max") = {35};
         row("scan/flags/1") = {QJsonObject{{"peak", 2}, {"flag", 8}}};
         row("problems") = {};
+        row("doubts") = {};
+        row("complete") = {true};
+        row("version") = {1};
     }
     void json() { QCOMPARE(at(library, QString::fromLatin1(QTest::currentDataTag())), Rows<Value>::current().value); }
 
@@ -98,6 +117,7 @@ private slots:
         row("control characters") = {"info-library", "experiment_title: Café \\x1b[31m\\nred\n"};
         row("table") = {"info-library", "    mass  intensity\n    50.1         10\n      60        nan\n"};
         row("missing number") = {"info-library", "        77              -         0.1\n"};
+        row("default") = {"info-library", "  test_scan_law: Linear (default: the file doesn't say)\n"};
         row("other template") = {"info-chromatogram", "not AIA MS, but AIA for chromatography\n"};
         row("nothing") = {"info-chromatogram", "stored_as: (nothing)\n"};
         row("lack") = {"info-chromatogram", "  - dimension scan_number: there are no scans\n"};
@@ -124,7 +144,7 @@ private slots:
     {
         const QString file = fixture("info-library");
         const QByteArray text = run({file}).out;
-        QVERIFY(text.contains("\n  19:\n") && !text.contains("\n  20:\n"));
+        QVERIFY(text.contains("\n  19: ") && !text.contains("\n  20: "));
         QVERIFY(text.contains("\n  ... and 2 more\n"));
         const QJsonObject cut = QJsonDocument::fromJson(run({"--json", file}).out).object();
         QCOMPARE(cut.value("library").toArray().size(), 20);
@@ -168,6 +188,25 @@ private slots:
         QCOMPARE(result.code, row.code);
         QVERIFY2(result.out.contains(row.part), result.out);
         QVERIFY2(row.sentence.isEmpty() || result.err.contains("aia-info: " + row.sentence + '\n'), result.err);
+    }
+
+    void saysFirstWhatIsLost()
+    {
+        QTemporaryFile cut;
+        QVERIFY(cut.open());
+        const QByteArray bytes = content(fixture("plain"));
+        cut.write(bytes.left(bytes.size() - 1));
+        cut.close();
+        const Run result = run({cut.fileName()});
+        QCOMPARE(result.code, 1);
+        const QByteArray name = cut.fileName().toUtf8();
+        const QByteArray start = "file: " + name + "\ncomplete: false\ndoubts:\n  - \"" + name + "\" is cut off: ";
+        QCOMPARE(result.out.left(start.size()), start);
+        const QJsonObject json = QJsonDocument::fromJson(run({"--json", cut.fileName()}).out).object();
+        QCOMPARE(at(json, "complete"), QJsonValue(false));
+        QCOMPARE(at(json, "doubts/0/code"), QJsonValue("cut-off"));
+        QCOMPARE(at(json, "doubts/0/count"), QJsonValue(1));
+        QCOMPARE(at(json, "doubts/0/loss"), QJsonValue(true));
     }
 
     // Said once, as the next file can't be shown either.

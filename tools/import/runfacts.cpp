@@ -2,6 +2,7 @@
 
 #include "acquisitiontime.h"
 #include "fileattribute.h"
+#include "fillvalue.h"
 #include "messageredirection.h"
 
 #include <QStringList>
@@ -121,8 +122,7 @@ std::optional<double> timeOfScan(const MsFile &file, qint32 scan, bool inMinutes
     const Silence silence;
     const MsScanHeader header = file.scanHeader(scan);
     const double time = header.scan_acquisition_time;
-    if (!header.isRead() || time == MsMissingDouble || !std::isfinite(time) || time == NC_FILL_DOUBLE
-        || time == double(NC_FILL_FLOAT))
+    if (!header.isRead() || time == MsMissingDouble || !std::isfinite(time) || isFillValue(time))
         return std::nullopt;
     return inMinutes ? time / 60.0 : time;
 }

@@ -1,5 +1,7 @@
 #include "infofields.h"
 
+#include "fileattribute.h"
+#include "fillvalue.h"
 #include "msformat.h"
 
 #include <algorithm>
@@ -13,9 +15,8 @@ namespace {
 constexpr int longestAttribute = 1000;
 constexpr int longestLine = 255; // of a text variable: the widest in the template
 
-QVariant shortened(const char *text, int longest)
+QString shortened(const QString &whole, int longest)
 {
-    const QString whole = QString::fromLatin1(text);
     if (whole.size() <= longest)
         return whole;
     return QStringLiteral("%1... (%2 characters)").arg(whole.left(longest)).arg(whole.size());
@@ -46,16 +47,18 @@ template <class Number> QVariant variantOf(Number number)
         return number;
 }
 
-// Returns the value of a field of a record; an invalid one for a null text and a missing number.
-QVariant fieldValue(const void *record, std::size_t offset, qint32 type, int longestText)
+// Returns the value of a field of a record; an invalid one for a null text, and for a number that is
+// missing or was never written. `type` is the field's, `stored` the file's.
+QVariant fieldValue(const void *record, std::size_t offset, qint32 type, nc_type stored, int longestText)
 {
     if (type == NC_CHAR) {
         const char *text = fieldOf<const char *>(record, offset);
-        return text ? shortened(text, longestText) : QVariant();
+        return text ? QVariant(shortened(QString::fromLatin1(text), longestText)) : QVariant();
     }
     const void *field = static_cast<const char *>(record) + offset;
-    return ms_with_format(ms_format_of_nc_type(type, 0), field, [](const auto *number) {
-        return double(*number) == MsMissingDouble ? QVariant() : variantOf(*number);
+    return ms_with_format(ms_format_of_nc_type(type, 0), field, [stored](const auto *number) {
+        const bool isThere = double(*number) != MsMissingDouble && !isFillValue(double(*number), stored);
+        return isThere ? variantOf(*number) : QVariant();
     });
 }
 
@@ -87,31 +90,46 @@ QString attributeName(const MsAttributeRow &row)
 
 QVariant textValue(const char *text)
 {
-    return shortened(text, longestLine);
+    return shortened(QString::fromLatin1(text), longestLine);
+}
+
+double shortest(double number, qint32 format)
+{
+    return format == MsFloatFormat ? widened(float(number)) : number;
 }
 
 QString phraseOf(qint32 code)
 {
     const char *phrase = ms_enum_text(code);
-    return phrase ? QString::fromLatin1(phrase) : QStringLiteral("(not in the vocabulary)");
+    return QString::fromLatin1(phrase);
 }
 
-void addAttributes(const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
+void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
 {
     for (const MsAttributeRow &row : table) {
-        const QVariant value = row.enumerated
-            ? phraseOf(fieldOf<qint32>(record, row.field))
-            : fieldValue(record, row.field, row.nc_type, longestAttribute);
-        addIfThere(section, attributeName(row), value);
+        if (!row.enumerated) {
+            addIfThere(section, attributeName(row),
+                       fieldValue(record, row.field, row.nc_type, row.nc_type, longestAttribute));
+            continue;
+        }
+        QString phrase = phraseOf(fieldOf<qint32>(record, row.field));
+        if (phrase.isNull())
+            phrase = QStringLiteral("%1 (not in the vocabulary)")
+                         .arg(shortened(statedText(ncid, row), longestLine));
+        section->addValue(attributeName(row), phrase).isDefault = !isStated(ncid, row);
     }
 }
 
-void addVariables(const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
+void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
 {
+    const MsFileRecord *file = ms_file_record(ncid);
     for (const MsVariableRow &row : table) {
+        nc_type stored = row.nc_type;
+        if (file)
+            nc_inq_vartype(ncid, file->variables[row.slot], &stored); // stays for an absent variable
         if (row.ndims == 1 || row.nc_type == NC_CHAR)
             addIfThere(section, QString::fromLatin1(row.name),
-                       fieldValue(record, row.field, row.nc_type, longestLine));
+                       fieldValue(record, row.field, row.nc_type, stored, longestLine));
     }
 }
 
@@ -120,8 +138,9 @@ std::vector<QVariant> numberValues(const MsNumbers &numbers, qint64 count)
     std::vector<QVariant> values;
     numbers.visit([&](const auto *first, qint32 size) {
         for (const auto *number = first; number < first + std::min<qint64>(size, count); ++number) {
-            const bool isMissing =
-                std::is_same_v<decltype(*number), const double &> && double(*number) == MsMissingDouble;
+            const bool isMissing = isFillValue(*number)
+                || (std::is_same_v<decltype(*number),
+                                   const double &> && double(*number) == MsMissingDouble);
             values.push_back(isMissing ? QVariant() : variantOf(*number));
         }
     });

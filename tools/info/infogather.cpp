@@ -1,7 +1,14 @@
 #include "infogather.h"
 
+#include "fillvalue.h"
 #include "infofields.h"
+#include "inforanges.h"
+#include "messageredirection.h"
+#include "msdoubts.h"
 #include "namecodec.h"
+#include "runlimit.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <iterator>
@@ -98,6 +105,41 @@ QString storedType(int ncid, int varid)
     return QString::fromUtf8(name) + QLatin1String(" (no data format of the template)");
 }
 
+// The table of ranges: those that the file claims beside those of its data.
+class RangeTable
+{
+public:
+    void add(const char *quantity, double claimedMin, double claimedMax, const Range &measured)
+    {
+        const QVariant min = claimed(claimedMin);
+        const QVariant max = claimed(claimedMax);
+        if (!min.isValid() && !max.isValid() && measured.isEmpty())
+            return;
+        const auto end = [&](double number) { return measured.isEmpty() ? QVariant() : number; };
+        rows.push_back(
+            {QString::fromLatin1(quantity), min, max, end(measured.min()), end(measured.max())});
+    }
+
+    // Adds the table to a section, unless it is empty.
+    void addTo(InfoNode *section)
+    {
+        if (rows.empty())
+            return;
+        InfoNode &table = section->add(Kind::Table, QStringLiteral("ranges"));
+        table.columns =
+            QStringList{"quantity", "claimed_min", "claimed_max", "measured_min", "measured_max"};
+        table.rows = std::move(rows);
+    }
+
+private:
+    static QVariant claimed(double number)
+    {
+        return number == MsMissingDouble || isFillValue(number) ? QVariant() : number;
+    }
+
+    std::vector<std::vector<QVariant>> rows;
+};
+
 class Gatherer
 {
 public:
@@ -110,6 +152,7 @@ public:
 
 private:
     void problem(const QString &text);
+    void readScans(const QString &path);
     qint64 listed(qint64 count, InfoNode *list) const;
     void addTable(InfoNode *section, const char *name, const std::vector<Column> &columns) const;
 
@@ -117,6 +160,8 @@ private:
     void addDimensions(InfoNode *report) const;
     void addStoredTypes(InfoNode *report) const;
     void addGlobals(InfoNode *report);
+    Ranges meant(const Ranges &stored) const;
+    void addRanges(InfoNode *report) const;
     void addInstruments(InfoNode *report);
     void addGroups(InfoNode *report);
     void addGroup(const MsGroup &group, InfoNode *groups) const;
@@ -130,12 +175,30 @@ private:
     const MsFile &file;
     InfoOptions options;
     MsFileRecord record;
+    MsGlobals globals;
+    Ranges ranges;
     std::vector<QString> problems;
 };
 
 void Gatherer::problem(const QString &text)
 {
     problems.push_back(text);
+}
+
+// Reads all scans, for their ranges and for the doubts. What is wrong with them is said as a doubt.
+void Gatherer::readScans(const QString &path)
+{
+    const Silence silence;
+    RunLimit limit;
+    limit.start(file, QFileInfo(path).size());
+    for (qint32 i = 0; i < file.scanCount(); ++i) {
+        const MsScan scan = file.scan(i);
+        const QString complaint = limit.add(scan.isRead() ? std::max(scan.point_count, 0) : 0, 0.0);
+        if (!complaint.isNull())
+            return problem(QStringLiteral("Only the first %1 of %2 scans were read: %3.")
+                               .arg(QString::number(i), QString::number(file.scanCount()), complaint));
+        ranges.add(scan);
+    }
 }
 
 // Returns how many of `count` items the list gets. The others are counted in it.
@@ -209,18 +272,20 @@ void Gatherer::addStoredTypes(InfoNode *report) const
 
 void Gatherer::addGlobals(InfoNode *report)
 {
-    const MsGlobals records = file.globals();
-    if (!records.isRead() && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
+    globals = file.globals();
+    if (!globals.isRead() && (hasDimension(MsDim_scan_number) || hasDimension(MsDim_point_number)))
         problem(QStringLiteral("The global information can't be read whole."));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
-    addAttributes(ms_admin_table, &records.admin, &admin);
-    if (records.admin.error_log)
-        admin.addValue(QStringLiteral("error_log"), textValue(records.admin.error_log));
-    addAttributes(ms_sample_table, &records.sample,
+    addAttributes(file.id(), ms_admin_table, &globals.admin, &admin);
+    if (globals.admin.error_log)
+        admin.addValue(QStringLiteral("error_log"), textValue(globals.admin.error_log));
+    addAttributes(file.id(), ms_sample_table, &globals.sample,
                   &report->add(Kind::Section, QStringLiteral("sample")));
-    addAttributes(ms_test_table, &records.test, &report->add(Kind::Section, QStringLiteral("test")));
-    addAttributes(ms_raw_table, &records.raw, &report->add(Kind::Section, QStringLiteral("raw_data")));
+    addAttributes(file.id(), ms_test_table, &globals.test,
+                  &report->add(Kind::Section, QStringLiteral("test")));
+    addAttributes(file.id(), ms_raw_table, &globals.raw,
+                  &report->add(Kind::Section, QStringLiteral("raw_data")));
 }
 
 void Gatherer::addInstruments(InfoNode *report)
@@ -233,14 +298,15 @@ void Gatherer::addInstruments(InfoNode *report)
         const MsInstrument instrument = file.instrument(i);
         if (!instrument.isRead())
             return problem(QStringLiteral("Component %1 of the instrument can't be read.").arg(i));
-        addVariables(ms_instrument_table, &instrument, &list.add(Kind::Section, QString::number(i)));
+        addVariables(file.id(), ms_instrument_table, &instrument,
+                     &list.add(Kind::Section, QString::number(i)));
     }
 }
 
 void Gatherer::addGroup(const MsGroup &group, InfoNode *groups) const
 {
     InfoNode &section = groups->add(Kind::Section, QString::number(group.group_number));
-    addVariables(ms_group_table, &group, &section);
+    addVariables(file.id(), ms_group_table, &group, &section);
     addTable(&section, "masses",
              {{"mass", group.masses()},
               {"sampling_time", group.samplingTimes()},
@@ -276,8 +342,15 @@ void Gatherer::addLibrary(InfoNode *report)
         const MsLibraryEntry entry = file.entry(i);
         if (!entry.isRead())
             return problem(QStringLiteral("Library entry %1 can't be read.").arg(i));
-        addVariables(ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
+        addVariables(file.id(), ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
     }
+}
+
+// Adds a count of a scan, unless it wasn't read or never written.
+void addCount(const char *name, qint32 count, InfoNode *section)
+{
+    if (count != MsMissingLong && !isFillValue(count))
+        section->addValue(QString::fromLatin1(name), count);
 }
 
 void Gatherer::addScan(qint32 number, InfoNode *report)
@@ -296,38 +369,93 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
     section.addValue(QStringLiteral("scan"), number);
-    addVariables(ms_per_scan_table, &scan, &section);
-    section.addValue(QStringLiteral("point_count"), scan.point_count);
-    section.addValue(QStringLiteral("flag_count"), scan.flag_count);
+    addVariables(file.id(), ms_per_scan_table, &scan, &section);
+    addCount("point_count", scan.point_count, &section);
+    addCount("flag_count", scan.flag_count, &section);
+    Ranges stored;
+    stored.add(scan);
+    const Ranges measured = meant(stored);
+    RangeTable table;
+    table.add("mass", scan.mass_range_min, scan.mass_range_max, measured.masses);
+    table.add("time", scan.time_range_min, scan.time_range_max, measured.times);
+    table.add("intensity", MsMissingDouble, MsMissingDouble, measured.intensities);
+    table.addTo(&section);
     if (file.isLibrary())
-        addVariables(ms_library_table, &entry, &section.add(Kind::Section, QStringLiteral("entry")));
+        addVariables(file.id(), ms_library_table, &entry,
+                     &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
              {{"mass", scan.masses()}, {"time", scan.times()}, {"intensity", scan.intensities()}});
     addTable(&section, "flags", {{"peak", scan.flaggedPeaks()}, {"flag", scan.flagValues()}});
 }
 
+// Returns the ranges as the numbers that the stored ones stand for.
+Ranges Gatherer::meant(const Ranges &stored) const
+{
+    Ranges result = stored;
+    result.masses =
+        stored.masses.as([&](double mass) { return globals.mass(shortest(mass, record.mass_format)); });
+    result.times =
+        stored.times.as([&](double time) { return globals.time(shortest(time, record.time_format)); });
+    result.intensities = stored.intensities.as([&](double intensity) {
+        return globals.intensity(shortest(intensity, record.intensity_format));
+    });
+    return result;
+}
+
+void Gatherer::addRanges(InfoNode *report) const
+{
+    const MsRawGlobalRecord &raw = globals.raw;
+    const Ranges measured = meant(ranges);
+    RangeTable table;
+    table.add("mass", raw.global_mass_min, raw.global_mass_max, measured.masses);
+    table.add("time", raw.global_time_min, raw.global_time_max, measured.times);
+    table.add("intensity", raw.global_intensity_min, raw.global_intensity_max, measured.intensities);
+    table.add("scan_acquisition_time", MsMissingDouble, MsMissingDouble, measured.acquisitionTimes);
+    table.addTo(report);
+}
+
+void addDoubts(const QList<MsDoubt> &doubts, InfoNode *report)
+{
+    InfoNode &list = report->add(Kind::Remarks, QStringLiteral("doubts"));
+    list.columns = QStringList{"code", "count", "example", "text", "loss"};
+    for (const MsDoubt &doubt : doubts)
+        list.rows.push_back(
+            {QString::fromLatin1(doubt.code), doubt.count, doubt.example, doubt.text, doubt.isLoss});
+}
+
 InfoResult Gatherer::gather(const QString &path)
 {
+    InfoNode content;
+    addTemplate(&content);
+    addDimensions(&content);
+    addStoredTypes(&content);
+    addGlobals(&content);
+    readScans(path);
+    addRanges(&content);
+    addInstruments(&content);
+    addGroups(&content);
+    addLibrary(&content);
+    if (options.scan)
+        addScan(*options.scan, &content);
+
+    // What is wrong comes first, though it is known last.
+    const QList<MsDoubt> doubts = ms_list_doubts(file.id(), shownName(path));
+    const bool lacksNothing =
+        std::none_of(doubts.begin(), doubts.end(), [](const MsDoubt &doubt) { return doubt.isLoss; });
     InfoResult result;
+    result.complete = problems.empty() && lacksNothing;
     InfoNode &report = result.report;
     report.addValue(QStringLiteral("file"), shownName(path));
-    report.addValue(QStringLiteral("kind"), kindOfFile(file.id()));
-    addTemplate(&report);
-    addDimensions(&report);
-    addStoredTypes(&report);
-    addGlobals(&report);
-    addInstruments(&report);
-    addGroups(&report);
-    addLibrary(&report);
-    if (options.scan)
-        addScan(*options.scan, &report);
-
-    result.complete = problems.empty();
-    if (!result.complete) {
+    report.addValue(QStringLiteral("complete"), result.complete);
+    if (!doubts.isEmpty())
+        addDoubts(doubts, &report);
+    if (!problems.empty()) {
         InfoNode &list = report.add(Kind::List, QStringLiteral("problems"));
         for (const QString &text : problems)
             list.addValue(QString::number(list.children.size()), text);
     }
+    report.addValue(QStringLiteral("kind"), kindOfFile(file.id()));
+    std::move(content.children.begin(), content.children.end(), std::back_inserter(report.children));
     return result;
 }
 

@@ -85,15 +85,28 @@ QString listText(const InfoNode &list, int depth)
     return text + omissionText(list, depth);
 }
 
+QString remarksText(const InfoNode &remarks, int depth)
+{
+    const auto column = std::size_t(remarks.columns.indexOf(QStringLiteral("text")));
+    QString text;
+    for (const std::vector<QVariant> &row : remarks.rows)
+        text += indented(depth, QLatin1String("- ") + valueText(row[column]));
+    return text;
+}
+
 QString nodeText(const InfoNode &node, int depth)
 {
     switch (node.kind) {
     case InfoNode::Kind::Value:
-        return indented(depth, node.name + QLatin1String(": ") + valueText(node.value));
+        return indented(depth,
+                        node.name + QLatin1String(": ") + valueText(node.value)
+                            + QLatin1String(node.isDefault ? " (default: the file doesn't say)" : ""));
     case InfoNode::Kind::Table:
         return indented(depth, node.name + QLatin1Char(':')) + tableText(node, depth + 1);
     case InfoNode::Kind::List:
         return indented(depth, node.name + QLatin1Char(':')) + listText(node, depth + 1);
+    case InfoNode::Kind::Remarks:
+        return indented(depth, node.name + QLatin1Char(':')) + remarksText(node, depth + 1);
     case InfoNode::Kind::Section:
         break;
     }
@@ -122,6 +135,7 @@ QJsonValue nodeJson(const InfoNode &node)
     case InfoNode::Kind::Section:
         return infoJson(node);
     case InfoNode::Kind::Table:
+    case InfoNode::Kind::Remarks:
         return tableJson(node);
     case InfoNode::Kind::List:
         break;
@@ -143,9 +157,11 @@ InfoNode &InfoNode::add(Kind childKind, const QString &childName)
     return children.back();
 }
 
-void InfoNode::addValue(const QString &childName, const QVariant &childValue)
+InfoNode &InfoNode::addValue(const QString &childName, const QVariant &childValue)
 {
-    add(Kind::Value, childName).value = childValue;
+    InfoNode &child = add(Kind::Value, childName);
+    child.value = childValue;
+    return child;
 }
 
 QString infoText(const InfoNode &section, int depth)
@@ -163,6 +179,8 @@ QJsonObject infoJson(const InfoNode &section)
         object.insert(child.name, nodeJson(child));
         if (child.omitted > 0)
             object.insert(child.name + QLatin1String("_omitted"), double(child.omitted));
+        if (child.isDefault)
+            object.insert(child.name + QLatin1String("_is_default"), true);
     }
     return object;
 }

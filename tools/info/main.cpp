@@ -27,9 +27,18 @@ struct CommandLine {
     InfoOptions info;
 };
 
+constexpr int jsonVersion = 1; // docs/json.md
+
+QJsonObject jsonOf(const InfoNode &report)
+{
+    QJsonObject object = infoJson(report);
+    object.insert(QStringLiteral("version"), jsonVersion);
+    return object;
+}
+
 bool print(const InfoNode &report, Format format)
 {
-    const QByteArray bytes = format == Format::Json ? QJsonDocument(infoJson(report)).toJson()
+    const QByteArray bytes = format == Format::Json ? QJsonDocument(jsonOf(report)).toJson()
                                                     : infoText(report).toUtf8() + '\n';
     std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
     return flushOutput();
@@ -79,8 +88,8 @@ int parse(const QStringList &arguments, CommandLine *line)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Shows what is in .cdf files with mass spectra, as UTF-8 text or JSON. Exit code: "
-        "0, or 1 where a file, or a part of it that was asked for, can't be read, or 2 for "
-        "wrong usage."));
+        "0, or 1 where a file is cut off or can't be read in full, or a part that was asked for "
+        "isn't there, or 2 for wrong usage."));
     const QCommandLineOption json(
         QStringLiteral("json"),
         QStringLiteral("Print a JSON object for each file, one after the other."));
