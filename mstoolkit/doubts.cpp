@@ -2,8 +2,10 @@
 
 #include "msdoubts.h"
 
-#include "doubts_p.h"
+#include "columnwalk_p.h"
 #include "filestate_p.h"
+#include "msrecords.h"
+#include "tally_p.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <system_error>
 
 namespace {
 
@@ -19,8 +22,8 @@ struct DoubtRow {
     const char *code;
     bool is_loss;
     bool is_settled; // whether further reading of points leaves it as it is
-    // %1 is the file's name, %2 the count, %3 a total or another detail, %4 the example. Of [one|many]
-    // the count takes its part.
+    // %1 is the file's name, %2 the count, %3 a total or another detail, %4 the example,
+    // %5 a reason. Of [one|many] the count takes its part.
     const char *sentence;
 };
 
@@ -29,15 +32,19 @@ constexpr DoubtRow doubt_rows[] = {
     {MsDoubtKind::CutOff, "cut-off", true, true,
      "\"%1\" is cut off: %2 of %3 bytes are missing at its end."},
     {MsDoubtKind::Unfinished, "unfinished", true, true,
-     "\"%1\" is longer than its header says, which counts %3 records and leaves out the last %2: its writer was interrupted."},
+     "\"%1\" is longer than its header says, which counts %3 [record|records] and leaves out %2 behind them: its writer was interrupted."},
     {MsDoubtKind::TrailingBytes, "trailing-bytes", false, true,
      "\"%1\" has %2 [byte|bytes] behind the end that its header gives."},
+    {MsDoubtKind::ReadFailed, "read-failed", true, false,
+     "The system couldn't read \"%1\" %2 [time|times]: %3."},
+    {MsDoubtKind::ChangedFile, "changed-file", false, false,
+     "\"%1\" was changed while it was open: what was read may be of two versions of it."},
     {MsDoubtKind::UnwrittenScans, "unwritten-scans", true, true,
      "In \"%1\", %2 of %3 scans [was|were] never written: [its|their] point_count or time is the fill value; the first is %4."},
     {MsDoubtKind::BadCounts, "bad-counts", true, true,
      "In \"%1\", %2 of %3 scans [has|have] a point_count below 0 or none; the first is %4."},
     {MsDoubtKind::BadFlagCounts, "bad-flag-counts", false, true,
-     "In \"%1\", %2 of %3 scans [has|have] a flag_count below 0; the first is %4."},
+     "In \"%1\", %2 of %3 scans [has|have] a flag_count below 0 or none; the first is %4."},
     {MsDoubtKind::NoScanIndex, "no-scan-index", true, true,
      "In \"%1\", the points of %2 [scan|scans] can't be found: scan_index is missing or unusable, though point_count adds up to all points."},
     {MsDoubtKind::FallingScanIndex, "falling-scan-index", false, true,
@@ -48,6 +55,10 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 of %3 scans [begins|begin] before the first point or [ends|end] behind the last one; the first is %4."},
     {MsDoubtKind::UnownedPoints, "unowned-points", false, true,
      "In \"%1\", %2 [position|positions] of the point axis [holds|hold] data that no scan has; the first is %4."},
+    {MsDoubtKind::UnreadableScans, "unreadable-scans", true, false,
+     "In \"%1\", %2 of %3 scans can't be read; the first is %4: %5."},
+    {MsDoubtKind::UnreadableMasses, "unreadable-masses", true, true,
+     "In \"%1\", the masses can't be read, so that only the total intensity of %2 [scan|scans] is left."},
     {MsDoubtKind::NoIntensities, "no-intensities", true, true,
      "\"%1\" has neither masses nor a total intensity for its %2 [scan|scans]."},
     {MsDoubtKind::BadTotals, "bad-totals", true, true,
@@ -58,6 +69,26 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", the scale_factor of intensity_values is %4, which can't be right."},
     {MsDoubtKind::IntensityOffset, "intensity-offset", false, true,
      "In \"%1\", the add_offset of intensity_values is %4, which can't be right."},
+    {MsDoubtKind::MergedMasses, "merged-masses", false, true,
+     "In \"%1\", the scale_factor of mass_values, %4, leaves fewer than two masses, though those stored go from %3."},
+    {MsDoubtKind::WrongTotals, "wrong-totals", false, false,
+     "In \"%1\", the total intensity of %2 of %3 scans isn't the sum of [its|their] intensities; the first is %4."},
+    {MsDoubtKind::BadMasses, "bad-masses", false, false,
+     "In \"%1\", %2 [mass is|masses are] infinite or no number; the first is in %4."},
+    {MsDoubtKind::FillMasses, "fill-masses", false, false,
+     "In \"%1\", %2 [mass was|masses were] never written: they are the fill value; the first is in %4."},
+    {MsDoubtKind::NegativeMasses, "negative-masses", false, false,
+     "In \"%1\", %2 [mass is|masses are] below 0; the first is in %4."},
+    {MsDoubtKind::ZeroMasses, "zero-masses", false, false,
+     "In \"%1\", %2 [mass is|masses are] 0; the first is in %4."},
+    {MsDoubtKind::UnorderedMasses, "unordered-masses", false, false,
+     "In \"%1\", the masses of %2 of %3 scans don't rise, as those of the others do; the first is %4."},
+    {MsDoubtKind::BadIntensities, "bad-intensities", false, false,
+     "In \"%1\", %2 [intensity is|intensities are] infinite or no number; the first is in %4."},
+    {MsDoubtKind::FillIntensities, "fill-intensities", false, false,
+     "In \"%1\", %2 [intensity was|intensities were] never written: they are the fill value; the first is in %4."},
+    {MsDoubtKind::UnplacedPoints, "unplaced-points", false, false,
+     "In \"%1\", %2 [point has a mass|points have masses] without a place in the table of masses; the first is in %4."},
     {MsDoubtKind::MissingTimes, "missing-times", false, true,
      "In \"%1\", %2 of %3 scans [has|have] no time; the first is %4."},
     {MsDoubtKind::BadTimes, "bad-times", false, true,
@@ -76,6 +107,20 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", raw_data_mass_format says %4, though the masses are stored as %3."},
     {MsDoubtKind::IntensityFormat, "intensity-format", false, true,
      "In \"%1\", raw_data_intensity_format says %4, though the intensities are stored as %3."},
+    {MsDoubtKind::TimeRange, "time-range", false, true,
+     "In \"%1\", the times of the scans go from %3, beyond global_time_min and global_time_max, which say %4."},
+    {MsDoubtKind::StartingScan, "starting-scan", false, true,
+     "In \"%1\", starting_scan_number says %4, though the actual_scan_number of the first scan is %3."},
+    {MsDoubtKind::GroupCounts, "group-counts", false, true,
+     "In \"%1\", %2 of %3 groups [has|have] more masses than there is room for, or [begins|begin] at a scan that isn't there; the first is %4."},
+    {MsDoubtKind::MassRange, "mass-range", false, false,
+     "In \"%1\", %2 of %3 scans [has|have] masses beyond global_mass_min and global_mass_max; the first is %4."},
+    {MsDoubtKind::IntensityRange, "intensity-range", false, false,
+     "In \"%1\", %2 of %3 scans [has|have] intensities beyond global_intensity_min and global_intensity_max; the first is %4."},
+    {MsDoubtKind::ScanMassRange, "scan-mass-range", false, false,
+     "In \"%1\", the masses of %2 of %3 scans aren't those that mass_range_min and mass_range_max say; the first is %4."},
+    {MsDoubtKind::ScanTimeRange, "scan-time-range", false, false,
+     "In \"%1\", the point times of %2 of %3 scans aren't those that time_range_min and time_range_max say; the first is %4."},
 };
 // clang-format on
 static_assert(std::size(doubt_rows) == std::size_t(MsDoubtKind::Count), "a row for each kind");
@@ -117,42 +162,132 @@ bool is_given_text(int ncid, const QByteArray &name)
     return nc_inq_atttype(ncid, NC_GLOBAL, name.constData(), &type) == NC_NOERR && type == NC_CHAR;
 }
 
+// Whether scans are the odd ones, of so many.
+bool is_exception(qint64 count, qint64 of)
+{
+    constexpr qint64 enough = 5;
+    constexpr qint64 rare = 20; // one of so many
+    return of >= enough && count <= std::max<qint64>(of / rare, 1);
+}
+
+bool is_given(double number)
+{
+    return std::isfinite(number) && !ms_is_missing(number) && !ms_is_fill(NC_DOUBLE, number);
+}
+
+bool is_near(double one, double other)
+{
+    constexpr double tolerance = 1e-3;
+    return std::abs(one - other) <= tolerance * std::max(std::abs(one), std::abs(other));
+}
+
+QString system_text(int error)
+{
+    return QString::fromStdString(std::generic_category().message(error));
+}
+
+QString range_text(double least, double most)
+{
+    return QStringLiteral("%1 to %2").arg(least).arg(most);
+}
+
 class List
 {
 public:
     List(MsFileState &state, const QString &file_name, const MsDoubtOptions &wanted)
-        : file(state), name(file_name), options(wanted)
+        : file(state), tally(state.tally), scans(state.dimensions[MsDim_scan_number].size),
+          name(file_name), options(wanted)
     {
     }
 
     QList<MsDoubt> make()
     {
+        ms_look_at_scans(file);
+        if (!file.has_mass_values || (tally.census.is_done && tally.census.keys < 2))
+            ms_look_at_totals(file);
+        found = tally.found;
+        judge();
+        for (const DoubtRow &row : doubt_rows) {
+            const MsFinding &finding = found[row.kind];
+            if (finding.count > 0)
+                add(row.kind, finding.count, QString::number(scans), place_of(row.kind, finding.first));
+        }
         list_length();
-        list_scans();
-        if (file.tally.knows_globals)
-            list_attributes(file.tally.raw);
-        std::stable_sort(found.begin(), found.end(), [](const Found &one, const Found &other) {
+        list_failed_reads();
+        list_census();
+        list_groups();
+        if (tally.knows_globals)
+            list_attributes(tally.raw);
+        std::stable_sort(listed.begin(), listed.end(), [](const Listed &one, const Listed &other) {
             return one.row->kind < other.row->kind;
         });
         QList<MsDoubt> doubts;
-        for (const Found &each : found)
+        for (const Listed &each : listed)
             doubts.append(each.doubt);
         return doubts;
     }
 
 private:
-    struct Found {
+    struct Listed {
         const DoubtRow *row;
         MsDoubt doubt;
     };
 
-    void add(MsDoubtKind kind, qint64 count, const QString &detail, const QString &example)
+    static QString place_of(MsDoubtKind kind, qint64 place)
+    {
+        const char *what = kind == MsDoubtKind::UnownedPoints ? "position %1" : "scan %1";
+        return QString::fromLatin1(what).arg(place);
+    }
+
+    void add(MsDoubtKind kind, qint64 count, const QString &detail, const QString &example,
+             bool is_system_error = false)
     {
         const DoubtRow &row = doubt_rows[std::size_t(kind)];
         if (options.settledOnly && !row.is_settled)
             return;
-        const QString text = fill(row.sentence, count, {name, QString::number(count), detail, example});
-        found.append({&row, {row.code, count, example, text, row.is_loss, false}});
+        const QString text = fill(row.sentence, count,
+                                  {name, QString::number(count), detail, example, tally.first_failure});
+        listed.append({&row, {row.code, count, example, text, row.is_loss, is_system_error}});
+    }
+
+    // What of the findings is doubtful, and what hangs on several of them.
+    void judge()
+    {
+        if (!(options.modulation > 0.0))
+            found[MsDoubtKind::UnevenTimes] = {};
+        if (options.unplacedPoints > 0)
+            found[MsDoubtKind::UnplacedPoints] = {options.unplacedPoints, options.firstUnplacedScan};
+        if (!is_exception(found[MsDoubtKind::UnorderedMasses].count, tally.scans_with_order))
+            found[MsDoubtKind::UnorderedMasses] = {};
+        judge_totals();
+        // Of a trace the scans need no points.
+        const auto is_absent = [this](int slot) { return file.variables[slot] == -1; };
+        if (!file.has_mass_values
+            && (is_absent(MsVar_scan_index) || is_absent(MsVar_point_count)
+                || is_absent(MsVar_intensity_values)))
+            found[MsDoubtKind::UnreadableScans] = {};
+
+        MsFinding &mass_range = found[MsDoubtKind::ScanMassRange];
+        for (const MsAgreement *each : {&tally.least_masses, &tally.most_masses}) {
+            const MsFinding odd = each->odd_ones_out();
+            if (odd.count > mass_range.count)
+                mass_range = odd;
+        }
+        // Some writers take the range of the totals for that of the intensities.
+        const MsRawGlobalRecord &raw = tally.raw;
+        if (tally.knows_globals && is_near(raw.global_intensity_max, tally.most_total)
+            && is_near(raw.global_intensity_min, tally.least_total))
+            found[MsDoubtKind::IntensityRange] = {};
+    }
+
+    void judge_totals()
+    {
+        MsFinding &wrong = found[MsDoubtKind::WrongTotals];
+        wrong = tally.totals.disagreeing();
+        if (wrong.count == 0)
+            wrong = tally.totals.odd_ones_out();
+        if (wrong.count == 0)
+            wrong = tally.totals.far_off();
     }
 
     void list_length()
@@ -160,8 +295,8 @@ private:
         const MsClassicLayout *layout = file.data.classic_layout();
         if (!layout)
             return;
-        if (const quint64 lacking = file.data.missing_bytes()) {
-            add(MsDoubtKind::CutOff, qint64(lacking), QString::number(layout->needed), QString());
+        if (const quint64 missing = file.data.missing_bytes()) {
+            add(MsDoubtKind::CutOff, qint64(missing), QString::number(layout->needed), QString());
             return;
         }
         constexpr quint64 padding = 3;
@@ -173,19 +308,42 @@ private:
             add(MsDoubtKind::TrailingBytes, qint64(extra), QString(), QString());
     }
 
-    void list_scans()
+    void list_failed_reads()
     {
-        ms_look_at_scans(file);
-        const qint32 scans = file.dimensions[MsDim_scan_number].size;
-        for (const DoubtRow &row : doubt_rows) {
-            const MsFinding &finding = file.tally.scans[row.kind];
-            if (finding.count == 0
-                || (row.kind == MsDoubtKind::UnevenTimes && !(options.modulation > 0.0)))
-                continue;
-            const char *what = row.kind == MsDoubtKind::UnownedPoints ? "position %1" : "scan %1";
-            add(row.kind, finding.count, QString::number(scans),
-                QString::fromLatin1(what).arg(finding.first));
+        if (const quint64 refused = file.data.refused_reads())
+            add(MsDoubtKind::ReadFailed, qint64(refused), system_text(file.data.first_error()), QString(),
+                true);
+        if (file.data.has_changed())
+            add(MsDoubtKind::ChangedFile, 1, QString(), QString());
+    }
+
+    void list_census()
+    {
+        const MsCensusTally &census = tally.census;
+        if (!census.is_done || census.keys > 1)
+            return;
+        if (!census.is_read) {
+            add(MsDoubtKind::UnreadableMasses, scans, QString(), QString());
+            return;
         }
+        if (census.least < census.most)
+            add(MsDoubtKind::MergedMasses, 1, range_text(census.least, census.most),
+                QString::number(tally.knows_globals ? ms_given(tally.raw.mass_scale_factor, 1.0) : 1.0));
+        // Masses that no scan has needn't be any.
+        for (const MsDoubtKind kind :
+             {MsDoubtKind::BadMasses, MsDoubtKind::FillMasses, MsDoubtKind::ZeroMasses}) {
+            const MsFinding &finding = census.found[kind];
+            if (finding.count > 0 && tally.points_of_scans > 0 && found[kind].count == 0)
+                add(kind, finding.count, QString(), QStringLiteral("position %1").arg(finding.first));
+        }
+    }
+
+    void list_groups()
+    {
+        const auto [finding, groups] = ms_look_at_groups(file);
+        if (finding.count > 0)
+            add(MsDoubtKind::GroupCounts, finding.count, QString::number(groups),
+                QStringLiteral("group %1").arg(finding.first));
     }
 
     void list_attributes(const MsRawGlobalRecord &raw)
@@ -200,12 +358,14 @@ private:
                     MsVar_mass_values);
         list_format(MsDoubtKind::IntensityFormat, "raw_data_intensity_format",
                     raw.raw_data_intensity_format, MsVar_intensity_values);
+        list_times(raw.global_time_min, raw.global_time_max);
+        list_first_scan(raw.starting_scan_number);
     }
 
     void list_format(MsDoubtKind kind, const char *attribute, qint32 claimed, int slot)
     {
-        const MsShape *shape = file.column(slot).shape();
         const char *text = ms_enum_text(claimed);
+        const MsShape *shape = file.column(slot).shape();
         if (!text || !shape
             || (!is_given_text(file.ncid, attribute)
                 && !is_given_text(file.ncid, ms_dash_name(attribute))))
@@ -215,10 +375,39 @@ private:
             add(kind, 1, quoted(stored), quoted(text));
     }
 
+    // The template leaves open whether the range is that of the points' times, where they are in use.
+    void list_times(double claimed_least, double claimed_most)
+    {
+        constexpr double slack = 0.01; // of the range
+        double point_time = 0.0;
+        MsColumnWalk point_times(file, MsVar_time_values);
+        const bool has_point_times = point_times.get(0, &point_time) && is_given(point_time);
+        if (has_point_times || !is_given(claimed_least) || !is_given(claimed_most)
+            || claimed_most <= claimed_least)
+            return;
+        const double room = slack * (claimed_most - claimed_least) + 1.0;
+        if (tally.least_time < claimed_least - room || tally.most_time > claimed_most + room)
+            add(MsDoubtKind::TimeRange, 1, range_text(tally.least_time, tally.most_time),
+                range_text(claimed_least, claimed_most));
+    }
+
+    // Some count from 0, others from 1.
+    void list_first_scan(qint32 claimed)
+    {
+        double number = 0.0;
+        MsColumnWalk numbers(file, MsVar_actual_scan_number);
+        if (claimed != MsMissingLong && numbers.get(0, &number) && !ms_is_missing(number)
+            && !numbers.is_fill(number) && std::abs(number - claimed) > 1.0)
+            add(MsDoubtKind::StartingScan, 1, QString::number(number), QString::number(claimed));
+    }
+
     MsFileState &file;
+    const MsTally &tally;
+    const qint32 scans;
     const QString name;
     const MsDoubtOptions options;
-    QList<Found> found;
+    MsFindings found;
+    QList<Listed> listed;
 };
 
 } // namespace
@@ -226,8 +415,41 @@ private:
 QList<MsDoubt> ms_list_doubts(int ncid, const QString &name, const MsDoubtOptions &options)
 {
     MsFileState *file = ms_file_state(ncid);
+    return file ? List(*file, name, options).make() : QList<MsDoubt>();
+}
+
+QString ms_scan_failure(int ncid)
+{
+    MsFileState *file = ms_file_state(ncid);
+    return file && file->tally.has_failure ? ms_describe_failure(*file, file->tally.failed_scan)
+                                           : QString();
+}
+
+qint32 ms_count_unread_scans(int ncid)
+{
+    const MsFileState *file = ms_file_state(ncid);
+    return file ? file->dimensions[MsDim_scan_number].size - qint32(file->tally.scans_seen) : 0;
+}
+
+int ms_read_other_scans(int ncid)
+{
+    MsFileState *file = ms_file_state(ncid);
     if (!file)
-        return {};
-    file->data.look_at_length();
-    return List(*file, name, options).make();
+        return -1;
+    // A file may claim scans without end, and they may share their points.
+    constexpr qint32 most_unread = 1 << 20; // in a row
+    qint32 unread = 0;
+    quint64 points = 0;
+    const qint32 scans = file->dimensions[MsDim_scan_number].size;
+    for (qint32 i = 0; i < scans; ++i) {
+        if (std::size_t(i) < file->tally.seen.size() && file->tally.seen[std::size_t(i)])
+            continue;
+        const MsScan scan(ncid, i);
+        const qint32 count = scan.isRead() ? std::max(scan.point_count, 0) : 0;
+        unread = count > 0 ? 0 : unread + 1;
+        points += quint64(count);
+        if (unread > most_unread || !file->data.can_hold(points))
+            return -1;
+    }
+    return 0;
 }

@@ -1,7 +1,8 @@
 // What the numbers of all scans say about a run: where points lie, and when they were taken.
 
-#include "doubts_p.h"
+#include "columnwalk_p.h"
 #include "filestate_p.h"
+#include "tally_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,67 +11,14 @@
 
 namespace {
 
-constexpr std::size_t numbers_at_once = 1024;
-
-// A variable of one dimension, number by number, read in stretches.
-class Numbers
-{
-public:
-    Numbers(MsFileState &state, int slot_) : file(state), slot(slot_)
-    {
-        const MsShape *shape = file.column(slot).shape();
-        if (!shape || shape->rank() != 1 || !ms_is_number(shape->type))
-            return;
-        kind = shape->type;
-        claimed = shape->length[0];
-        stored = file.data.count_stored(file.variables[slot], claimed);
-    }
-
-    bool exists() const { return kind != NC_NAT; }
-    std::size_t length() const { return claimed; }
-    bool is_fill(double number) const { return ms_is_fill(kind, number); }
-
-    // False for a number that the file lacks or that can't be read.
-    bool get(std::size_t place, double *number)
-    {
-        if (place >= stored)
-            return false;
-        if (place < first || place - first >= numbers.size()) {
-            first = place / numbers_at_once * numbers_at_once;
-            const std::size_t count = std::min(numbers_at_once, stored - first);
-            numbers.resize(count);
-            if (file.data.read({file.variables[slot], 1, &first, &count}, NC_DOUBLE, numbers.data())
-                != MsFetch::Read) {
-                stored = 0;
-                return false;
-            }
-        }
-        *number = numbers[place - first];
-        return true;
-    }
-
-private:
-    MsFileState &file;
-    int slot;
-    nc_type kind = NC_NAT;
-    std::size_t claimed = 0;
-    std::size_t stored = 0;
-    std::size_t first = 0;
-    std::vector<double> numbers;
-};
-
-bool is_missing(double number)
-{
-    return number == MsMissingDouble;
-}
-
 // How many scans are looked at. A file of the newer kinds may claim any number that was never written.
 std::size_t scans_looked_at(const MsFileState &file)
 {
-    constexpr quint64 always = 1 << 22;
+    constexpr qint32 always = 1 << 22;
+    constexpr quint64 bytes_each = 1100; // that a byte of the file can hold
     const MsDimension &scans = file.dimensions[MsDim_scan_number];
-    const quint64 count = scans.id == -1 ? 0 : quint64(std::max(scans.size, 0));
-    return std::size_t(std::min(count, std::max(always, file.data.most_bytes() / 1000)));
+    const qint32 count = scans.id == -1 ? 0 : std::max(scans.size, 0);
+    return std::size_t(file.data.can_hold(quint64(count) * bytes_each) ? count : std::min(count, always));
 }
 
 // The positions of the points of a scan, and of the flags behind them.
@@ -85,24 +33,24 @@ struct Extent {
 class PointsOfScans
 {
 public:
-    PointsOfScans(MsFileState &state, std::size_t scan_count, MsFindings *found)
-        : file(state), scans(scan_count), findings(*found)
+    PointsOfScans(MsFileState &state, std::size_t scan_count)
+        : file(state), scans(scan_count), tally(state.tally), findings(tally.found)
     {
         points = std::numeric_limits<qint64>::max();
         for (const int slot : {MsVar_mass_values, MsVar_time_values, MsVar_intensity_values}) {
-            const Numbers numbers(file, slot);
-            if (numbers.exists())
+            const MsColumnWalk numbers(file, slot);
+            if (numbers.is_usable())
                 points = std::min(points, qint64(numbers.length()));
-            has_points = has_points || numbers.exists();
+            has_points = has_points || numbers.is_usable();
         }
     }
 
     void look()
     {
-        const bool has_counts = Numbers(file, MsVar_point_count).exists();
+        const bool has_counts = MsColumnWalk(file, MsVar_point_count).is_usable();
         if (!has_counts || !has_points)
             return;
-        if (!Numbers(file, MsVar_scan_index).exists()) {
+        if (!MsColumnWalk(file, MsVar_scan_index).is_usable()) {
             look_without_index();
             return;
         }
@@ -118,6 +66,7 @@ public:
             end = extent.end();
             covered += extent.length;
         });
+        tally.points_of_scans = covered;
         if (!in_order || (covered != points && is_whole))
             look_between();
     }
@@ -126,9 +75,9 @@ private:
     // Calls `use` with the extent of each scan that has points, all of them within the axis.
     template <class Use> void walk(Use &&use)
     {
-        Numbers indices(file, MsVar_scan_index);
-        Numbers counts(file, MsVar_point_count);
-        Numbers flags(file, MsVar_flag_count);
+        MsColumnWalk indices(file, MsVar_scan_index);
+        MsColumnWalk counts(file, MsVar_point_count);
+        MsColumnWalk flags(file, MsVar_flag_count);
         MsFinding beyond;
         is_whole = true;
         for (std::size_t i = 0; i < scans; ++i) {
@@ -158,8 +107,8 @@ private:
     // Without an index no scan can be found, though the counts may say how the points are shared out.
     void look_without_index()
     {
-        Numbers counts(file, MsVar_point_count);
-        Numbers flags(file, MsVar_flag_count);
+        MsColumnWalk counts(file, MsVar_point_count);
+        MsColumnWalk flags(file, MsVar_flag_count);
         double sum = 0.0;
         for (std::size_t i = 0; i < scans; ++i) {
             double count = 0.0;
@@ -207,10 +156,10 @@ private:
 
     bool holds_data(std::size_t position)
     {
-        for (Numbers *numbers : {&masses, &intensities}) {
+        for (MsColumnWalk *numbers : {&masses, &intensities}) {
             double number = 0.0;
             if (numbers->get(position, &number) && number != 0.0 && !numbers->is_fill(number)
-                && !is_missing(number))
+                && !ms_is_missing(number))
                 return true;
         }
         return false;
@@ -218,21 +167,22 @@ private:
 
     MsFileState &file;
     std::size_t scans;
+    MsTally &tally;
     MsFindings &findings;
     bool has_points = false;
     bool is_whole = true;
     qint64 points = 0;
-    Numbers masses{file, MsVar_mass_values};
-    Numbers intensities{file, MsVar_intensity_values};
+    MsColumnWalk masses{file, MsVar_mass_values};
+    MsColumnWalk intensities{file, MsVar_intensity_values};
     qint64 left_to_look_at = std::max<qint64>(1 << 20, points / 20);
 };
 
 // Counts that can't be, and numbers of scans that were never written.
 void look_at_counts(MsFileState &file, std::size_t scans, MsFindings &findings)
 {
-    Numbers counts(file, MsVar_point_count);
-    Numbers flags(file, MsVar_flag_count);
-    Numbers times(file, MsVar_scan_acquisition_time);
+    MsColumnWalk counts(file, MsVar_point_count);
+    MsColumnWalk flags(file, MsVar_flag_count);
+    MsColumnWalk times(file, MsVar_scan_acquisition_time);
     for (std::size_t i = 0; i < scans; ++i) {
         double count = 0.0;
         double flag_count = 0.0;
@@ -253,8 +203,9 @@ void look_at_counts(MsFileState &file, std::size_t scans, MsFindings &findings)
 class TimesOfScans
 {
 public:
-    TimesOfScans(MsFileState &state, std::size_t scan_count, MsFindings *found)
-        : scans(scan_count), findings(*found), times(state, MsVar_scan_acquisition_time)
+    TimesOfScans(MsFileState &state, std::size_t scan_count)
+        : scans(scan_count), tally(state.tally), findings(tally.found),
+          times(state, MsVar_scan_acquisition_time)
     {
     }
 
@@ -262,7 +213,7 @@ public:
     {
         if (scans == 0)
             return;
-        if (!times.exists()) {
+        if (!times.is_usable()) {
             findings[MsDoubtKind::MissingTimes] = {qint64(scans), 0};
             return;
         }
@@ -289,7 +240,7 @@ private:
     // Only times that can be.
     bool get(std::size_t scan, double *time)
     {
-        return times.get(scan, time) && std::isfinite(*time) && !is_missing(*time)
+        return times.get(scan, time) && std::isfinite(*time) && !ms_is_missing(*time)
             && !times.is_fill(*time);
     }
 
@@ -298,7 +249,7 @@ private:
         double time = 0.0;
         if (!times.get(scan, &time))
             return; // a file that is cut off
-        if (is_missing(time))
+        if (ms_is_missing(time))
             findings[MsDoubtKind::MissingTimes].add(qint64(scan));
         else if (!std::isfinite(time))
             findings[MsDoubtKind::BadTimes].add(qint64(scan));
@@ -311,6 +262,8 @@ private:
         else
             earliest = time;
         before = time;
+        tally.least_time = std::min(tally.least_time, time);
+        tally.most_time = std::max(tally.most_time, time);
         if (has_ends && std::isfinite(interval)
             && std::abs(time - first_time - double(scan) * interval) > std::abs(interval) / 2.0)
             findings[MsDoubtKind::UnevenTimes].add(qint64(scan));
@@ -340,8 +293,9 @@ private:
     }
 
     std::size_t scans;
+    MsTally &tally;
     MsFindings &findings;
-    Numbers times;
+    MsColumnWalk times;
     bool has_ends = false;
     double first_time = 0.0;
     double interval = 0.0;
@@ -352,40 +306,7 @@ private:
     qint64 longest_at = -1;
 };
 
-// The trace of a run without masses is all that a reader gets of it.
-void look_at_totals(MsFileState &file, std::size_t scans, MsFindings &findings)
-{
-    if (file.has_mass_values || scans == 0)
-        return;
-    Numbers totals(file, MsVar_total_intensity);
-    if (file.variables[MsVar_total_intensity] == -1) {
-        findings[MsDoubtKind::NoIntensities] = {qint64(scans), 0};
-        return;
-    }
-    double total = 0.0;
-    for (std::size_t i = 0; i < scans && totals.get(i, &total); ++i) {
-        if (!std::isfinite(total) || is_missing(total) || totals.is_fill(total))
-            findings[MsDoubtKind::BadTotals].add(qint64(i));
-    }
-}
-
 } // namespace
-
-bool ms_is_fill(nc_type type, double number)
-{
-    constexpr double tolerance = 1e-5; // for the rounded number of the manuals
-    switch (type) {
-    case NC_SHORT:
-        return number == NC_FILL_SHORT;
-    case NC_INT:
-        return number == NC_FILL_INT;
-    case NC_FLOAT:
-    case NC_DOUBLE:
-        return std::abs(number - NC_FILL_DOUBLE) <= tolerance * NC_FILL_DOUBLE;
-    default:
-        return false;
-    }
-}
 
 void ms_look_at_scans(MsFileState &file)
 {
@@ -393,11 +314,57 @@ void ms_look_at_scans(MsFileState &file)
         return;
     file.tally.knows_scans = true;
     const std::size_t scans = scans_looked_at(file);
-    MsFindings &findings = file.tally.scans;
-    look_at_counts(file, scans, findings);
-    PointsOfScans(file, scans, &findings).look();
+    look_at_counts(file, scans, file.tally.found);
+    PointsOfScans(file, scans).look();
     // The spectra of a library come in any order.
     if (file.experiment_type != MsLibrarySpectrum)
-        TimesOfScans(file, scans, &findings).look();
-    look_at_totals(file, scans, findings);
+        TimesOfScans(file, scans).look();
+}
+
+void ms_look_at_totals(MsFileState &file)
+{
+    if (file.tally.knows_totals)
+        return;
+    file.tally.knows_totals = true;
+    MsFindings &findings = file.tally.found;
+    const std::size_t scans = scans_looked_at(file);
+    if (file.variables[MsVar_total_intensity] == -1 && scans > 0) {
+        findings[MsDoubtKind::NoIntensities] = {qint64(scans), 0};
+        return;
+    }
+    MsColumnWalk totals(file, MsVar_total_intensity);
+    double total = 0.0;
+    for (std::size_t i = 0; i < scans && totals.get(i, &total); ++i) {
+        if (!std::isfinite(total) || ms_is_missing(total) || totals.is_fill(total))
+            findings[MsDoubtKind::BadTotals].add(qint64(i));
+    }
+}
+
+std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file)
+{
+    MsFinding finding;
+    qint32 groups = 0;
+    qint32 width = 0;
+    const MsFileRecord before = file;
+    if (ms_inquire_groups(file.ncid, &groups, &width) == -1 || groups == 0)
+        return {};
+    MsColumnWalk counts(file, MsVar_group_mass_count);
+    MsColumnWalk starts(file, MsVar_group_starting_scan);
+    const qint32 scans = file.dimensions[MsDim_scan_number].size;
+    const auto is_odd = [](double number, double most) {
+        return !ms_is_missing(number) && !(number >= 0.0 && number <= most);
+    };
+    for (std::size_t i = 0; i < std::max(counts.length(), starts.length()); ++i) {
+        double count = 0.0;
+        double start = 0.0;
+        const bool is_known = counts.get(i, &count);
+        if (!starts.get(i, &start) && !is_known)
+            break;
+        if (is_odd(count, width) || is_odd(start, scans))
+            finding.add(qint64(i));
+    }
+    // Who reads groups looks their variables up first; until then they stay unknown.
+    for (const MsVariableRow &row : ms_group_table)
+        file.variables[row.slot] = before.variables[row.slot];
+    return {finding, groups};
 }

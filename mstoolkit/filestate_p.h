@@ -3,9 +3,9 @@
 #define FILESTATE_P_H
 
 #include "column_p.h"
-#include "doubts_p.h"
 #include "filedata_p.h"
 #include "mstoolkit.h"
+#include "tally_p.h"
 
 #include <array>
 #include <cstddef>

@@ -116,8 +116,12 @@ int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library)
     MsFileState *file = ms_file_state(ncid);
     if (!file)
         return -1;
-    if (scan && read_scan(*file, scan) == -1)
+    if (scan && read_scan(*file, scan) == -1) {
+        ms_tally_failure(*file, scan->scan_number);
         return -1;
+    }
+    if (scan)
+        ms_tally_scan(*file, *scan);
     if (!library || file->experiment_type != MsLibrarySpectrum)
         return 0;
     return ms_read_rows(*file, ms_library_table, library->entry_index, library);

@@ -156,29 +156,23 @@ MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
     return file.data.read(rest, NC_DOUBLE, trace.get()) == MsFetch::Read ? std::move(trace) : nullptr;
 }
 
-} // namespace
-
-int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
+int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, double scale)
 {
-    MsFileState *file = ms_file_state(ncid);
-    if (!file)
-        return -1;
-
-    const MsDimension &points = file->dimensions[MsDim_point_number];
+    const MsDimension &points = file.dimensions[MsDim_point_number];
     const qint32 count = points.id != -1 ? points.size : 0;
-    if (!file->has_mass_values || count < 1)
+    if (!file.has_mass_values || count < 1)
         return 0;
 
-    MsColumn &column = file->column(MsVar_mass_values);
+    MsColumn &column = file.column(MsVar_mass_values);
     const MsShape *shape = column.shape();
     if (!shape || shape->rank() != 1 || shape->length[0] != std::size_t(count))
         return -1;
-    const qint32 type = ms_nc_type_of_format(file->mass_format, NC_SHORT);
+    const qint32 type = ms_nc_type_of_format(file.mass_format, NC_SHORT);
     const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
     const auto stored =
-        qint64(file->data.count_stored(file->variables[MsVar_mass_values], shape->length[0]));
+        qint64(file.data.count_stored(file.variables[MsVar_mass_values], shape->length[0]));
     // Elements that were claimed and never written would be counted for hours.
-    if (stored < 1 || !file->data.can_hold(quint64(stored) * ms_type_width(type)))
+    if (stored < 1 || !file.data.can_hold(quint64(stored) * ms_type_width(type)))
         return -1;
     QSet<qint32> keys = masses;
     qint32 key_decimals = *decimals;
@@ -190,10 +184,28 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
         if (!vector)
             return -1;
         census.take(vector.get(), format, size, scale);
+        if (keys.size() < 2)
+            ms_tally_masses(file.tally.census, vector.get(), format, size);
     }
     masses = keys;
     *decimals = key_decimals;
     return 0;
+}
+
+} // namespace
+
+int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
+{
+    MsFileState *file = ms_file_state(ncid);
+    if (!file)
+        return -1;
+    MsCensusTally &census = file->tally.census;
+    census = MsCensusTally();
+    const int status = read_census(*file, masses, decimals, scale);
+    census.is_done = true;
+    census.is_read = status == 0;
+    census.keys = masses.size();
+    return status;
 }
 
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times)

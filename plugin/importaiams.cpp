@@ -36,6 +36,7 @@ ImportAiaMs::ImportAiaMs() : DVImportParamType(QString())
 
 ImportAiaMs::~ImportAiaMs()
 {
+    tellRemainingDoubts();
     releaseRecords();
     ms_close(fileId);
     releaseTotalIon();
@@ -104,6 +105,8 @@ bool ImportAiaMs::reopenForFile(const QString &name)
 {
     if (!matchExtension(name))
         return false;
+    tellRemainingDoubts();
+    forgetDoubts();
     releaseRecords();
     ms_close(fileId);
     fileId = -1;

@@ -7,6 +7,10 @@
 #include "masspositions.h"
 #include "mstoolkit.h"
 
+#include <QSet>
+
+class MsScan;
+
 class ImportAiaMs : public DVImportAnalysisInterface, public DVImportParamType
 {
     Q_OBJECT
@@ -37,6 +41,7 @@ public:
 
 private:
     struct Placement;
+    enum class DoubtStage { NotBegun, TableMade, AllRead };
 
     bool openFile(const QString &fileName);
     void releaseRecords();
@@ -47,8 +52,16 @@ private:
     // last bit and a look-up finds it.
     static float tableMass(int key, double factor) { return static_cast<float>(key / factor); }
     template <class Mass, class Intensity>
-    double placePoints(const Mass *masses, const Intensity *intensities, int count,
-                       const Placement &place);
+    double placePoints(const Mass *masses, const Intensity *intensities, int count, Placement &place);
+    QString traceFailure(int scan) const;
+    QString scanFailure(const MsScan &scan) const;
+    // Tells the host what is known by now to be doubtful, each doubt once for a file, and puts all of
+    // them into the dynamic property "doubts": a list of maps with code, count, example, text and loss.
+    void tellDoubts(DoubtStage stage);
+    void tellRemainingDoubts() noexcept;
+    void forgetDoubts();
+    // After each scan. Why one couldn't be read, else null, is the dynamic property "scanFailure".
+    void noteScan(const QString &failure);
     // Reads a global text attribute into a buffer of `size` bytes, cut to fit. Returns 1 on success, else
     // 0.
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
@@ -65,6 +78,12 @@ private:
     MsTestRecord test;
     MsRawGlobalRecord raw;
     MassPositions massPositions; // of the table's masses
+    QSet<QByteArray> toldDoubts; // codes
+    DoubtStage doubtStage = DoubtStage::NotBegun;
+    qint32 scansImported = 0;
+    qint64 unplacedPoints = 0; // whose masses the table lacks
+    int firstUnplacedScan = -1;
+    bool hasScanFailure = false;
 };
 
 #endif // IMPORTAIAMS_H

@@ -28,6 +28,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     massPositions.clear();
     if (census.size() < 2) {
         importTotalIon();
+        tellDoubts(DoubtStage::AllRead); // no scan is read any more
         return 0;
     }
 
@@ -40,10 +41,11 @@ unsigned short ImportAiaMs::importMassTable(float **table)
     for (std::size_t i = 0; i < count; ++i)
         masses[i] = tableMass(keys[i], massFactor);
     massPositions.remember(keys.data(), masses.get(), count);
-    *table = masses.release();
 
     header->setNbBitsAbund(28);
     header->setDetectorType(header->getModulation() > 0.0f ? 2048 : 512);
+    tellDoubts(DoubtStage::TableMade);
+    *table = masses.release();
     return static_cast<unsigned short>(count);
 }
 

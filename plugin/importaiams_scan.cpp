@@ -3,6 +3,7 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
+#include "msdoubts.h"
 #include "msrecords.h"
 #include "tmath.h"
 
@@ -23,13 +24,14 @@ struct ImportAiaMs::Placement {
     int tableSize;
     float *abundances;
     unsigned short *positions;
+    qint64 unplaced = 0; // points whose masses the table lacks
 };
 
 // Returns the sum of all intensities, also of those whose masses the table lacks. Works in blocks and in
 // one step after another, so that each loop has what it needs in the processor's registers.
 template <class Mass, class Intensity>
 double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
-                                const Placement &place)
+                                Placement &place)
 {
     constexpr int blockSize = 512;
     std::array<int, blockSize> keys;
@@ -66,11 +68,32 @@ double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities
             const float mass = tableMass(keys[std::size_t(i)], factor);
             const int position = findTablePosition(mass, place.table, place.tableSize, &found);
             positions[i] = found ? static_cast<unsigned short>(position) : 0;
-            if (!found)
+            if (!found) {
                 abundances[i] = 0.0f;
+                ++place.unplaced;
+            }
         }
     }
     return total;
+}
+
+// Why a scan of a trace has no total; null for one that has.
+QString ImportAiaMs::traceFailure(int scan) const
+{
+    if (!ticValues)
+        return QStringLiteral(
+            "the file has neither masses nor a total intensity and a time for each scan");
+    return ticValues[scan] == MsMissingDouble ? QStringLiteral("its total intensity is missing")
+                                              : QString();
+}
+
+// Why a scan's points can't be had.
+QString ImportAiaMs::scanFailure(const MsScan &scan) const
+{
+    if (!scan.isRead())
+        return ms_scan_failure(fileId);
+    return scan.mass_values ? QStringLiteral("it has more points than a scan can have here")
+                            : QStringLiteral("the file has no masses");
 }
 
 double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
@@ -80,6 +103,7 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     const double interpolated = scan * samplingInterval;
     if (tableSize < 1) {
         *time = ticTimes ? ticTimes[scan] / timeDivisor : interpolated + header->getDelay();
+        noteScan(traceFailure(scan));
         return ticValues ? ticValues[scan] : 0.0;
     }
 
@@ -88,18 +112,24 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     const bool hasMasses = record.point_count < 1 || record.mass_values;
     if (!record.isRead() || !hasMasses || record.point_count > mostPoints) {
         *time = interpolated + header->getDelay();
+        noteScan(scanFailure(record));
         return 0.0;
     }
 
     *pointCount = std::max(record.point_count, 0);
     double total = 0.0;
-    const Placement place = {table, tableSize, abundances, positions};
+    Placement place = {table, tableSize, abundances, positions};
     // The formats are those of the stored numbers: the attributes that name a format may say another.
     record.masses().visit([&](const auto *masses, qint32 count) {
         record.intensities().visit([&](const auto *intensities, qint32) {
             total = placePoints(masses, intensities, count, place);
         });
     });
+
+    if (place.unplaced > 0 && unplacedPoints == 0)
+        firstUnplacedScan = scan;
+    unplacedPoints += place.unplaced;
+    noteScan(QString());
 
     if (header->getModulation() > 0.0f)
         *time = interpolated;

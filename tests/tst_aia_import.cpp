@@ -268,10 +268,10 @@ private slots:
         const QString other = fixture("gcgc");
         const QByteArray warning = "Warning for the file \"FILE\": Mandatory attribute \"netcdf-revision\" is missing";
         const Rows<Talk> row;
-        row("summary and warnings") = {{"FILE"}, warning, 6};
-        row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 27, false};
-        row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 13};
-        row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 24};
+        row("summary and warnings") = {{"FILE"}, warning, 9};
+        row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 30, false};
+        row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 16};
+        row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 27};
         row("errors") = {{"--quiet", "FILE"}, "The file \"FILE\" was not imported in full", 1, false};
     }
     void talk()

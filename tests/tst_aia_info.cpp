@@ -105,7 +105,7 @@ private slots:
         row("scan/ranges/0/measured_max") = {35};
         row("scan/flags/1") = {QJsonObject{{"peak", 2}, {"flag", 8}}};
         row("problems") = {};
-        row("doubts") = {};
+        row("doubts/0/code") = {"bad-intensities"};
         row("complete") = {true};
         row("version") = {1};
     }

@@ -1,18 +1,37 @@
 // What can't be right about a run is said, and nothing of a right one.
 
+#include "messageredirection.h"
 #include "msdoubts.h"
 #include "msfile.h"
-#include "openfixture.h"
+#include "plugin.h"
+#include "program.h"
 #include "rows.h"
 
 #include <QTemporaryDir>
 
+#include <array>
+#include <cerrno>
+#include <dlfcn.h>
 #include <functional>
 #include <limits>
+#include <sys/types.h>
 #include <utility>
+
+// What reads a file's bytes meets with, in place of the file; 0: nothing.
+static int readError = 0;
+
+extern "C" ssize_t pread(int descriptor, void *target, std::size_t size, off_t place)
+{
+    static auto *const real = reinterpret_cast<ssize_t (*)(int, void *, std::size_t, off_t)>(dlsym(RTLD_NEXT, "pread"));
+    if (readError == 0)
+        return real(descriptor, target, size, place);
+    errno = readError;
+    return -1;
+}
 
 namespace {
 
+constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 using Change = std::function<void(int id)>; // of a file that is open for writing
@@ -69,6 +88,55 @@ Change rename(const char *name)
     };
 }
 
+// The plugin's working copy, driven by a loop that isn't the host's own.
+class HostRun
+{
+public:
+    HostRun(Plugin &plugin, const QString &path) : copy(plugin.copyFor(path)) { }
+
+    int makeTable()
+    {
+        copy->importHeader();
+        float *masses = nullptr;
+        size = copy->importMassTable(&masses);
+        table.reset(masses);
+        return size;
+    }
+
+    void importScan(int scan)
+    {
+        double time = 0.0;
+        int points = 0;
+        copy->importScan(scan, &time, size, table.get(), &points, abundances.data(), positions.data());
+    }
+
+    void importScans(int first, int last)
+    {
+        for (int scan = first; scan <= last; ++scan)
+            importScan(scan);
+    }
+
+    QByteArray property() const
+    {
+        QByteArrayList found;
+        for (const QVariant &each : copy->property("doubts").toList()) {
+            const QVariantMap doubt = each.toMap();
+            found += doubt[QStringLiteral("code")].toByteArray() + ' ' + doubt[QStringLiteral("count")].toByteArray();
+        }
+        return found.join(", ");
+    }
+
+    void end() { copy.reset(); }
+
+    Plugin::Copy copy;
+    int size = 0;
+
+private:
+    std::unique_ptr<float[]> table;
+    std::array<float, 1000> abundances;
+    std::array<unsigned short, 1000> positions;
+};
+
 using ByteChange = std::function<void(QByteArray *bytes)>;
 
 struct Doubted {
@@ -97,17 +165,40 @@ class TestDoubts : public QObject
         QByteArrayList found;
         const MsFile file(path);
         const MsGlobals globals = file.globals();
+        const MsCensus census = file.census(2, globals.mass(1.0));
+        ms_read_other_scans(file.id());
         for (const MsDoubt &doubt : ms_list_doubts(file.id(), QStringLiteral("x.cdf"), options))
             found += QByteArray(doubt.code) + ' ' + QByteArray::number(doubt.count);
         return found.join(", ");
     }
 
+    // Of a sample, with these changes made to it.
+    QString changedCopy(const QString &name, const QList<Change> &changes) const
+    {
+        const QString copy = folder.filePath(QStringLiteral("copy.cdf"));
+        QFile::remove(copy);
+        QFile::copy(path(name), copy);
+        int id = -1;
+        nc_open(QFile::encodeName(copy).constData(), NC_WRITE, &id);
+        for (const Change &change : changes)
+            change(id);
+        nc_close(id);
+        return copy;
+    }
+
+    // Since the last call.
+    QByteArray newMessages() { return std::exchange(messages, {}).join("; "); }
+
     QTemporaryDir folder;
+    Plugin plugin;
+    QByteArrayList messages;
 
 private slots:
     void initTestCase()
     {
-        MessageLoggerInterface::setReceiver([](MessageLoggerInterface::Level, const QString &) {});
+        MessageLoggerInterface::setReceiver([this](MessageLoggerInterface::Level level, const QString &text) {
+            messages += (level == MessageLoggerInterface::Level::Error ? "E " : "W ") + text.toLatin1();
+        });
         const auto make = [this](const char *kind, const QStringList &options) {
             const QString file = folder.filePath(QLatin1String(kind) + QStringLiteral(".cdf"));
             return runProgram(QStringLiteral(AIA_TOOLS "/aia-sample"), options + QStringList{QLatin1String(kind), file})
@@ -127,26 +218,36 @@ private slots:
             row(name) = {gcms, std::move(change), said};
         };
         // 20 scans of 30 points, 600 ms apart
-        changed("index of one scan too low", "overlapping-scans 1, unowned-points 1", add("scan_index", 5, -1));
-        changed("index of one scan too high", "overlapping-scans 1, unowned-points 1", add("scan_index", 5, 1));
-        changed("all indices too high", "scans-beyond-end 1, unowned-points 30", add("scan_index", 0, 1, 20));
-        changed("an index far off", "falling-scan-index 1, overlapping-scans 2, unowned-points 30",
+        changed("index of one scan too low",
+                "overlapping-scans 1, unowned-points 1, wrong-totals 1, unordered-masses 1, scan-mass-range 1",
+                add("scan_index", 5, -1));
+        changed("index of one scan too high",
+                "overlapping-scans 1, unowned-points 1, wrong-totals 1, unordered-masses 1", add("scan_index", 5, 1));
+        changed("all indices too high", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1, wrong-totals 15",
+                add("scan_index", 0, 1, 20));
+        changed("an index far off",
+                "falling-scan-index 1, overlapping-scans 2, unowned-points 30, wrong-totals 1, unordered-masses 1, "
+                "scan-mass-range 1",
                 put("scan_index", 5, 400));
-        changed("an index below 0", "scans-beyond-end 1, unowned-points 30", put("scan_index", 5, -1));
-        changed("indices swapped", "falling-scan-index 1", [](int id) {
+        changed("an index below 0", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1",
+                put("scan_index", 5, -1));
+        changed("indices swapped", "falling-scan-index 1, wrong-totals 2", [](int id) {
             put("scan_index", 5, 180)(id);
             put("scan_index", 6, 150)(id);
         });
-        changed("no index", "no-scan-index 20", rename("scan_index"));
-        changed("a point too few", "unowned-points 1", put("point_count", 5, 29));
-        changed("a point too many", "overlapping-scans 1", put("point_count", 5, 31));
-        changed("a point too many at the end", "scans-beyond-end 1, unowned-points 30", put("point_count", 19, 31));
-        changed("a missing count", "bad-counts 1, unowned-points 30", put("point_count", 5, -9999));
-        changed("a count never written", "unwritten-scans 1, unowned-points 30", put("point_count", 5, NC_FILL_INT));
+        changed("no index", "no-scan-index 20, unreadable-scans 20", rename("scan_index"));
+        changed("a point too few", "unowned-points 1, wrong-totals 1, scan-mass-range 1", put("point_count", 5, 29));
+        changed("a point too many", "overlapping-scans 1, wrong-totals 1, unordered-masses 1",
+                put("point_count", 5, 31));
+        changed("a point too many at the end", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1",
+                put("point_count", 19, 31));
+        changed("a missing count", "bad-counts 1, unowned-points 30, wrong-totals 1", put("point_count", 5, -9999));
+        changed("a count never written", "unwritten-scans 1, unowned-points 30, wrong-totals 1",
+                put("point_count", 5, NC_FILL_INT));
         changed("a flag that isn't there", "overlapping-scans 1", put("flag_count", 5, 1));
         changed("a missing flag count", "bad-flag-counts 1", put("flag_count", 5, -9999));
         changed("no flag counts at all", "", put("flag_count", 0, -9999, 20));
-        changed("a time of 0", "falling-times 1", put("scan_acquisition_time", 5, 0));
+        changed("a time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 5, 0));
         changed("a time that isn't there", "missing-times 1", put("scan_acquisition_time", 5, -9999));
         changed("a time twice", "equal-times 1", add("scan_acquisition_time", 5, -0.6));
         changed("a time that is no number", "bad-times 1", put("scan_acquisition_time", 5, notANumber));
@@ -155,14 +256,38 @@ private slots:
             for (std::size_t i = 10; i < 20; ++i)
                 put("scan_acquisition_time", i, 179.0 + double(i - 10))(id);
         });
-        changed("a last time far off", "time-gap 1", put("scan_acquisition_time", 19, 1e6));
-        changed("a last time of 0", "falling-times 1", put("scan_acquisition_time", 19, 0));
+        changed("a last time far off", "time-gap 1, time-range 1", put("scan_acquisition_time", 19, 1e6));
+        changed("a last time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 19, 0));
         changed("no times", "missing-times 20", rename("scan_acquisition_time"));
-        changed("mass scale 0", "mass-scale 1", putAttribute("mass_values", "scale_factor", 0.0));
+        changed("mass scale 0", "mass-scale 1, merged-masses 1", putAttribute("mass_values", "scale_factor", 0.0));
         changed("mass scale below 0", "mass-scale 1", putAttribute("mass_values", "scale_factor", -1.0));
         changed("intensity scale NaN", "intensity-scale 1",
                 putAttribute("intensity_values", "scale_factor", notANumber));
         changed("offset NaN", "intensity-offset 1", putAttribute("intensity_values", "add_offset", notANumber));
+        changed("mass scale that merges", "merged-masses 1, mass-range 20, scan-mass-range 20",
+                putAttribute("mass_values", "scale_factor", 1e-9));
+        changed("masses 0", "zero-masses 3", put("mass_values", 155, 0, 3));
+        changed("a mass below 0", "negative-masses 1", put("mass_values", 155, -50));
+        changed("a mass NaN", "bad-masses 1", put("mass_values", 155, notANumber));
+        changed("a mass infinite", "bad-masses 1", put("mass_values", 155, infinity));
+        changed("a mass never written", "fill-masses 1", put("mass_values", 155, 9.96921e36));
+        changed("a mass out of order", "unordered-masses 1, scan-mass-range 1", put("mass_values", 155, 200));
+        changed("a mass far off", "unordered-masses 1, mass-range 1, scan-mass-range 1", put("mass_values", 155, 1e30));
+        changed("a last mass off", "scan-mass-range 1", add("mass_values", 179, 0.1));
+        changed("all masses NaN", "bad-masses 600", put("mass_values", 0, notANumber, 600));
+        changed("all masses 0", "zero-masses 600", put("mass_values", 0, 0, 600));
+        changed("an intensity NaN", "bad-intensities 1", put("intensity_values", 155, notANumber));
+        changed("an intensity never written", "fill-intensities 1", put("intensity_values", 155, NC_FILL_FLOAT));
+        changed("one intensity", "wrong-totals 1", add("intensity_values", 155, 500));
+        changed("intensities 0", "wrong-totals 1", put("intensity_values", 150, 0, 30));
+        changed("one total", "wrong-totals 1", put("total_intensity", 5, 1));
+        changed("no totals", "", put("total_intensity", 0, -9999, 20));
+        changed("an intensity scale of 2", "wrong-totals 20", putAttribute("intensity_values", "scale_factor", 2.0));
+        changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
+        changed("intensity range", "intensity-range 20", putAttribute(nullptr, "global_intensity_max", 1.0));
+        changed("time range", "time-range 1", putAttribute(nullptr, "global_time_max", 181.0));
+        changed("a scan's mass range", "scan-mass-range 1", put("mass_range_max", 5, 100));
+        changed("first scan", "starting-scan 1", putAttribute(nullptr, "starting_scan_number", 7));
         changed("another mass format", "mass-format 1", putAttribute("raw_data_mass_format", "Short"));
         changed("another intensity format", "intensity-format 1", putAttribute("raw_data_intensity_format", "Long"));
         changed("an unknown format", "", putAttribute("raw_data_mass_format", "REAL*4"));
@@ -170,33 +295,33 @@ private slots:
         row("a trace with one total missing") = {QStringLiteral("tic"), put("total_intensity", 5, -9999),
                                                  "bad-totals 1"};
         row("GCxGC, evenly spaced") = {QStringLiteral("gcxgc"), {}, "", {}, 4.0};
-        row("GCxGC, a pause") = {
-            QStringLiteral("gcxgc"), add("scan_acquisition_time", 10, 5, 10), "time-gap 1, uneven-times 18", {}, 4.0};
+        row("GCxGC, a pause") = {QStringLiteral("gcxgc"),
+                                 add("scan_acquisition_time", 10, 5, 10),
+                                 "time-gap 1, uneven-times 18, time-range 1",
+                                 {},
+                                 4.0};
         row("GCxGC, a last time that is off") = {
             QStringLiteral("gcxgc"), add("scan_acquisition_time", 19, 0.1), "uneven-times 17", {}, 4.0};
         row("the same without a modulation") = {QStringLiteral("gcxgc"), add("scan_acquisition_time", 19, 0.1)};
+        row("a scan's point times") = {QStringLiteral("tic"), put("time_range_min", 5, 185), "scan-time-range 1"};
+        row("too many masses in a group") = {QStringLiteral("sim"), put("group_mass_count", 0, 99), "group-counts 1"};
+        row("masses of two dimensions") = {
+            QStringLiteral("mass-values-rank-2"), {}, "unreadable-scans 3, unreadable-masses 3"};
+        row("no scan can be found") = {QStringLiteral("scan-index-rank-2"), {}, "no-scan-index 3, unreadable-scans 3"};
         row("a library in any order") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 0)};
 
         const auto bytes = [&](const char *name, const QByteArray &said, ByteChange change) {
             row(name) = {gcms, {}, said, std::move(change)};
         };
-        bytes("the last byte lost", "cut-off 1", [](QByteArray *file) { file->chop(1); });
+        bytes("the last byte lost", "cut-off 1, unreadable-scans 1", [](QByteArray *file) { file->chop(1); });
         bytes("bytes behind", "trailing-bytes 5", [](QByteArray *file) { file->append("abcde"); });
-        bytes("no records counted", "unfinished 600, scans-beyond-end 20",
+        bytes("no records counted", "unfinished 600, scans-beyond-end 20, unreadable-scans 20",
               [](QByteArray *file) { file->replace(4, 4, QByteArray(4, '\0')); });
     }
     void isSaid()
     {
         const Doubted &row = Rows<Doubted>::current();
-        const QString copy = folder.filePath(QStringLiteral("copy.cdf"));
-        QFile::remove(copy);
-        QVERIFY(QFile::copy(path(row.file), copy));
-        int id = -1;
-        if (row.change) {
-            QCOMPARE(nc_open(QFile::encodeName(copy).constData(), NC_WRITE, &id), NC_NOERR);
-            row.change(id);
-            QCOMPARE(nc_close(id), NC_NOERR);
-        }
+        const QString copy = changedCopy(row.file, row.change ? QList<Change>{row.change} : QList<Change>());
         if (row.changeBytes) {
             QByteArray bytes = content(copy);
             row.changeBytes(&bytes);
@@ -217,7 +342,7 @@ private slots:
                                  "tic",
                                  "library",
                                  "sim",
-                                 "byte-values",
+
                                  "dashes",
                                  "double-masses",
                                  "empty-attributes",
@@ -236,8 +361,7 @@ private slots:
                                  "two-masses",
                                  "two-scans",
                                  "unlimited-scans",
-                                 "unsigned-values",
-                                 "wide-values",
+
                                  "chromatogram",
                                  "no-scan-number",
                                  "units-numeric"})
@@ -250,6 +374,130 @@ private slots:
     {
         QFETCH(QString, file);
         QCOMPARE(doubtsOf(file, {}), QByteArray());
+    }
+
+    // What is known at the table, and the rest after the last scan, whichever it is; each of them once.
+    void theHostIsTold()
+    {
+        HostRun run(
+            plugin,
+            changedCopy(QStringLiteral("gcms"), {put("scan_acquisition_time", 7, -9999), put("mass_values", 95, -50)}));
+        messages.clear();
+        QVERIFY(run.makeTable() > 20);
+        QCOMPARE(newMessages(),
+                 QByteArray("W In &quot;copy.cdf&quot;, 1 of 20 scans has no time; the first is scan 7."));
+        QCOMPARE(run.property(), QByteArray("missing-times 1"));
+        run.importScans(1, 19);
+        QCOMPARE(newMessages(), QByteArray());
+        run.importScan(0);
+        QCOMPARE(newMessages(), QByteArray("W In &quot;copy.cdf&quot;, 1 mass is below 0; the first is in scan 3."));
+        QCOMPARE(run.property(), QByteArray("negative-masses 1, missing-times 1"));
+        run.makeTable();
+        run.importScans(0, 19);
+        run.end();
+        QCOMPARE(newMessages(), QByteArray());
+    }
+
+    // A host may give up, or never begin.
+    void theRestIsToldAtTheEnd()
+    {
+        const QString file = changedCopy(QStringLiteral("gcms"), {put("mass_values", 95, -50)});
+        for (const int last : {-1, 3, 18}) {
+            HostRun run(plugin, file);
+            messages.clear();
+            run.makeTable();
+            run.importScans(0, last);
+            QCOMPARE(messages.size(), 0);
+            run.end();
+            QCOMPARE(messages.size(), last < 3 ? 0 : 1);
+        }
+        HostRun run(plugin, file);
+        run.end();
+        QCOMPARE(messages.size(), 1);
+    }
+
+    void ofPointsWithoutAPlace()
+    {
+        HostRun run(plugin, path(QStringLiteral("gcms")));
+        messages.clear();
+        QVERIFY(run.makeTable() > 20);
+        run.size = 20; // the host's table may be another
+        run.importScans(0, 19);
+        QVERIFY(run.property().startsWith("unplaced-points "));
+        QCOMPARE(messages.size(), 1);
+    }
+
+    void ofARightRunTheHostIsToldNothing_data()
+    {
+        QTest::addColumn<double>("modulation");
+        QTest::newRow("gcms") << 0.0;
+        QTest::newRow("gcxgc") << 4.0;
+        QTest::newRow("tic") << 0.0;
+        QTest::newRow("library") << 0.0;
+        QTest::newRow("sim") << 0.0;
+    }
+    void ofARightRunTheHostIsToldNothing()
+    {
+        QFETCH(double, modulation);
+        HostRun run(plugin, path(QLatin1String(QTest::currentDataTag())));
+        run.copy->setModulation(float(modulation));
+        messages.clear();
+        run.makeTable();
+        run.importScans(0, 19);
+        run.end();
+        QCOMPARE(newMessages(), QByteArray());
+    }
+
+    // GCxGC counts by the modulation that the user gave.
+    void ofAGcxgcRun()
+    {
+        HostRun run(plugin, changedCopy(QStringLiteral("gcxgc"), {add("scan_acquisition_time", 19, 0.1)}));
+        run.copy->setModulation(4.0f);
+        run.makeTable();
+        QCOMPARE(run.property(), QByteArray("uneven-times 17"));
+    }
+
+    void ofATraceAllIsToldAtTheTable()
+    {
+        HostRun run(plugin,
+                    changedCopy(QStringLiteral("gcms"),
+                                {put("mass_values", 0, notANumber, 600), put("total_intensity", 4, -9999)}));
+        messages.clear();
+        QCOMPARE(run.makeTable(), 0);
+        QCOMPARE(run.property(), QByteArray("bad-totals 1, bad-masses 600"));
+        run.importScan(4);
+        QCOMPARE(run.copy->property("scanFailure").toString(), QStringLiteral("its total intensity is missing"));
+        run.end();
+        QCOMPARE(messages.size(), 2);
+    }
+
+    void whyAScanCantBeRead()
+    {
+        HostRun run(plugin, changedCopy(QStringLiteral("gcms"), {put("scan_index", 5, 590)}));
+        run.makeTable();
+        run.importScan(4);
+        QVERIFY(run.copy->dynamicPropertyNames() == QByteArrayList{"doubts"});
+        run.importScan(5);
+        QCOMPARE(run.copy->property("scanFailure").toString(),
+                 QStringLiteral("its positions, 590 up to 619, lie outside the 600 of mass_values"));
+        run.importScan(6);
+        QVERIFY(!run.copy->property("scanFailure").isValid());
+    }
+
+    // It would be taken for a trace.
+    void aRefusedReadIsAnError()
+    {
+        HostRun run(plugin, path(QStringLiteral("gcms")));
+        messages.clear();
+        readError = EIO;
+        const int size = run.makeTable();
+        readError = 0;
+        QCOMPARE(size, 0);
+        const QByteArray told = newMessages();
+        QVERIFY2(told.contains("E The system couldn't read &quot;gcms.cdf&quot;")
+                     && told.contains(": Input/output error."),
+                 told.constData());
+        QVERIFY2(told.contains("W In &quot;gcms.cdf&quot;, the masses can't be read"), told.constData());
     }
 };
 

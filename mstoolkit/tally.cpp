@@ -1,0 +1,360 @@
+// What the points of a scan say as they pass. All of it is one look at numbers that are still near the
+// processor.
+
+#include "tally_p.h"
+
+#include "columnwalk_p.h"
+#include "filestate_p.h"
+#include "msformat.h"
+
+#include <algorithm>
+#include <cmath>
+#include <type_traits>
+
+namespace {
+
+// No whole array is as large, but a fill value in it.
+constexpr double huge = 1e36;
+
+// A whole number as wide as the elements: the compiler makes a loop of many elements at once of it.
+template <class Stored>
+using Flag = std::conditional_t<sizeof(Stored) == 8, qint64,
+                                std::conditional_t<sizeof(Stored) == 2, qint16, qint32>>;
+
+// In several sums, which don't wait for each other.
+template <class Stored> double sum_of(const Stored *numbers, qint32 count)
+{
+    constexpr qint32 lanes = 8;
+    double sums[lanes] = {};
+    qint32 i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        for (qint32 lane = 0; lane < lanes; ++lane)
+            sums[lane] += double(numbers[i + lane]);
+    }
+    double sum = 0.0;
+    for (const double each : sums)
+        sum += each;
+    for (; i < count; ++i)
+        sum += double(numbers[i]);
+    return sum;
+}
+
+// Whether none is below the one before, and none but the last ones NaN.
+template <class Stored> bool rises(const Stored *numbers, qint32 count)
+{
+    Flag<Stored> falls = 0;
+    for (qint32 i = 1; i < count; ++i)
+        falls |= Flag<Stored>(numbers[i - 1] <= numbers[i] ? 0 : 1);
+    return falls == 0;
+}
+
+template <class Stored> bool lies_within(const Stored *numbers, qint32 count, Stored least, Stored most)
+{
+    Flag<Stored> outside = 0;
+    for (qint32 i = 0; i < count; ++i)
+        outside |= Flag<Stored>(bool(int(numbers[i] >= least) & int(numbers[i] <= most)) ? 0 : 1);
+    return outside == 0;
+}
+
+template <class Stored> Stored clamp_to(double number)
+{
+    using Limits = std::numeric_limits<Stored>;
+    return Stored(std::clamp(number, double(Limits::lowest()), double(Limits::max())));
+}
+
+struct Range {
+    double least = std::numeric_limits<double>::infinity();
+    double most = -std::numeric_limits<double>::infinity();
+
+    void add(double number)
+    {
+        least = std::min(least, number);
+        most = std::max(most, number);
+    }
+    bool is_known() const { return least <= most; }
+};
+
+// A range that two numbers of the file claim, from either end. None where both are 0: some writers leave
+// them so.
+Range claimed_range(double one, double other)
+{
+    const auto is_number = [](double number) {
+        return std::isfinite(number) && !ms_is_missing(number) && std::abs(number) < huge;
+    };
+    Range range;
+    if (is_number(one) && is_number(other) && (one != 0.0 || other != 0.0))
+        range = {std::min(one, other), std::max(one, other)};
+    return range;
+}
+
+// What can't be right about a mass as it is stored; Count for nothing.
+MsDoubtKind oddity_of_mass(nc_type type, double mass)
+{
+    if (!std::isfinite(mass))
+        return MsDoubtKind::BadMasses;
+    if (ms_is_fill(type, mass))
+        return MsDoubtKind::FillMasses;
+    if (mass < 0.0)
+        return MsDoubtKind::NegativeMasses;
+    return mass == 0.0 ? MsDoubtKind::ZeroMasses : MsDoubtKind::Count;
+}
+
+class ScanTally
+{
+public:
+    ScanTally(MsFileState &state, const MsScanRecord &record)
+        : file(state), tally(state.tally), scan(record), place(record.scan_number)
+    {
+        if (!tally.knows_globals)
+            return;
+        mass_scale = ms_given(tally.raw.mass_scale_factor, 1.0);
+        scale = ms_given(tally.raw.intensity_scale_factor, 1.0);
+        offset = ms_given(tally.raw.intensity_add_offset, 0.0);
+    }
+
+    void take()
+    {
+        if (scan.intensity_values) {
+            ms_with_format(file.intensity_format, scan.intensity_values,
+                           [this](const auto *numbers) { take_intensities(numbers); });
+        } else if (scan.point_count < 1) {
+            compare_total(0.0);
+        }
+        if (scan.mass_values) {
+            ms_with_format(file.mass_format, scan.mass_values,
+                           [this](const auto *numbers) { take_masses(numbers); });
+        }
+        if (scan.time_values && claimed_range(scan.time_range_min, scan.time_range_max).is_known()) {
+            ms_with_format(file.time_format, scan.time_values,
+                           [this](const auto *numbers) { take_times(numbers); });
+        }
+    }
+
+private:
+    template <class Stored> void take_intensities(const Stored *numbers)
+    {
+        const double sum = sum_of(numbers, scan.point_count);
+        // A fill value of whole numbers is far below 0.
+        const bool is_odd = std::is_floating_point_v<Stored>
+            ? !(std::abs(sum) < huge)
+            : sum <= double(std::numeric_limits<qint16>::lowest());
+        if (is_odd && count_odd_intensities(numbers) > 0)
+            return;
+        if (std::isfinite(scale) && std::isfinite(offset))
+            compare_total(sum * scale + scan.point_count * offset);
+        if (tally.knows_globals && !lies_in_global_range(numbers))
+            tally.found[MsDoubtKind::IntensityRange].add(place);
+    }
+
+    template <class Stored> qint32 count_odd_intensities(const Stored *numbers)
+    {
+        const nc_type type = ms_nc_type_of_format(file.intensity_format, NC_NAT);
+        qint32 odd = 0;
+        for (qint32 i = 0; i < scan.point_count; ++i) {
+            const double number = double(numbers[i]);
+            if (std::isfinite(number) && !ms_is_fill(type, number))
+                continue;
+            tally
+                .found[std::isfinite(number) ? MsDoubtKind::FillIntensities : MsDoubtKind::BadIntensities]
+                .add(place);
+            ++odd;
+        }
+        return odd;
+    }
+
+    // Beyond rounding, and as stored or as scaled: the template doesn't say which of them the range is
+    // of.
+    template <class Stored> bool lies_in_global_range(const Stored *numbers)
+    {
+        constexpr double slack = 1e-3;
+        const Range claimed =
+            claimed_range(tally.raw.global_intensity_min, tally.raw.global_intensity_max);
+        if (!claimed.is_known() || !(scale > 0.0) || !std::isfinite(scale) || !std::isfinite(offset))
+            return true;
+        const double room = slack * std::max(std::abs(claimed.least), std::abs(claimed.most));
+        const double least = claimed.least - room;
+        const double most = claimed.most + room;
+        return lies_within(numbers, scan.point_count,
+                           clamp_to<Stored>(std::min(least, (least - offset) / scale)),
+                           clamp_to<Stored>(std::max(most, (most - offset) / scale)));
+    }
+
+    void compare_total(double sum)
+    {
+        const double total = scan.total_intensity;
+        if (ms_is_missing(total) || ms_is_fill(NC_DOUBLE, total))
+            return;
+        tally.totals.compare(place, total, sum);
+        tally.least_total = std::min(tally.least_total, total);
+        tally.most_total = std::max(tally.most_total, total);
+    }
+
+    template <class Stored> void take_masses(const Stored *numbers)
+    {
+        const qint32 count = scan.point_count;
+        const bool is_ordered = rises(numbers, count);
+        const double first = double(numbers[0]);
+        const double last = double(numbers[count - 1]);
+        Range range;
+        qint32 odd = 0;
+        if (is_ordered && first > 0.0 && last < huge)
+            range = {first, last};
+        else
+            odd = look_at_masses(numbers, &range);
+        tally.scans_with_order += count > 1;
+        if (!is_ordered && odd == 0)
+            tally.found[MsDoubtKind::UnorderedMasses].add(place);
+        if (range.is_known() && mass_scale > 0.0 && std::isfinite(mass_scale))
+            compare_masses({range.least * mass_scale, range.most * mass_scale});
+    }
+
+    // Returns how many can't be right; the others are in the range.
+    template <class Stored> qint32 look_at_masses(const Stored *numbers, Range *range)
+    {
+        const nc_type type = ms_nc_type_of_format(file.mass_format, NC_NAT);
+        qint32 odd = 0;
+        for (qint32 i = 0; i < scan.point_count; ++i) {
+            const double mass = double(numbers[i]);
+            const MsDoubtKind oddity = oddity_of_mass(type, mass);
+            if (oddity == MsDoubtKind::Count) {
+                range->add(mass);
+                continue;
+            }
+            tally.found[oddity].add(place);
+            ++odd;
+        }
+        return odd;
+    }
+
+    void compare_masses(const Range &measured)
+    {
+        // Claims are often whole masses, or those of the scan's nominal window.
+        constexpr double slack = 1.0;
+        const auto is_beyond = [&measured](const Range &claimed) {
+            return claimed.is_known()
+                && (measured.least < claimed.least - slack || measured.most > claimed.most + slack);
+        };
+        const Range claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
+        if (claimed.is_known()) {
+            tally.least_masses.compare(place, claimed.least, measured.least);
+            tally.most_masses.compare(place, claimed.most, measured.most);
+        }
+        if (is_beyond(claimed))
+            tally.found[MsDoubtKind::ScanMassRange].add(place);
+        if (tally.knows_globals
+            && is_beyond(claimed_range(tally.raw.global_mass_min, tally.raw.global_mass_max)))
+            tally.found[MsDoubtKind::MassRange].add(place);
+    }
+
+    template <class Stored> void take_times(const Stored *numbers)
+    {
+        Range range;
+        for (qint32 i = 0; i < scan.point_count; ++i) {
+            const double number = double(numbers[i]);
+            if (!ms_is_missing(number) && std::abs(number) < huge)
+                range.add(number);
+        }
+        // Beyond rounding, and as stored or as scaled, as above.
+        constexpr double slack = 0.01;
+        const Range claimed = claimed_range(scan.time_range_min, scan.time_range_max);
+        const double room = slack * (claimed.most - claimed.least) + slack;
+        const auto is_inside = [&](double factor) {
+            return range.least * factor >= claimed.least - room
+                && range.most * factor <= claimed.most + room;
+        };
+        const double time_scale = tally.knows_globals ? ms_given(tally.raw.time_scale_factor, 1.0) : 1.0;
+        if (range.is_known() && !is_inside(time_scale) && !is_inside(1.0))
+            tally.found[MsDoubtKind::ScanTimeRange].add(place);
+    }
+
+    MsFileState &file;
+    MsTally &tally;
+    const MsScanRecord &scan;
+    const qint64 place;
+    double mass_scale = 1.0;
+    double scale = 1.0;
+    double offset = 0.0;
+};
+
+// Whether a scan is one of the file's, and passes for the first time.
+bool is_new(MsFileState &file, qint32 scan)
+{
+    MsTally &tally = file.tally;
+    if (scan < 0 || scan >= file.dimensions[MsDim_scan_number].size)
+        return false;
+    const auto place = std::size_t(scan);
+    if (place >= tally.seen.size())
+        tally.seen.resize(place + 1); // as a reader goes on, in steps that grow
+    if (tally.seen[place])
+        return false;
+    tally.seen[place] = true;
+    ++tally.scans_seen;
+    return true;
+}
+
+} // namespace
+
+void MsAgreement::compare(qint64 scan, double claimed, double measured)
+{
+    constexpr std::array<double, LimitCount> limits = {1e-9, 1e-5, 1e-4, 1e-3, 1e-2};
+    ++compared;
+    if (claimed == measured)
+        return;
+    const double difference = std::abs(claimed - measured);
+    const double larger = std::max(std::abs(claimed), std::abs(measured));
+    for (std::size_t i = 0; i < limits.size(); ++i) {
+        if (!(difference <= limits[i] * larger)) // a NaN, too
+            off[i].add(scan);
+    }
+}
+
+MsFinding MsAgreement::disagreeing() const
+{
+    return off[Thousandth].count * 100 > compared ? off[Thousandth] : MsFinding();
+}
+
+MsFinding MsAgreement::odd_ones_out() const
+{
+    constexpr qint64 enough = 5;
+    const auto nearly_all_are_within = [this](Limit limit) {
+        return compared >= enough && off[limit].count * 100 <= std::max<qint64>(compared, 100);
+    };
+    // A sum in single precision is off by its rounding where it is large, and exact where it is small.
+    if (nearly_all_are_within(Exact))
+        return off[Rounding];
+    return nearly_all_are_within(Rounding) ? off[Little] : MsFinding();
+}
+
+void ms_tally_scan(MsFileState &file, const MsScanRecord &scan)
+{
+    if (is_new(file, scan.scan_number))
+        ScanTally(file, scan).take();
+}
+
+void ms_tally_failure(MsFileState &file, qint32 scan)
+{
+    MsTally &tally = file.tally;
+    tally.has_failure = true;
+    tally.failed_scan = scan;
+    if (!is_new(file, scan))
+        return;
+    MsFinding &unreadable = tally.found[MsDoubtKind::UnreadableScans];
+    if (unreadable.count == 0)
+        tally.first_failure = ms_describe_failure(file, scan);
+    unreadable.add(scan);
+}
+
+void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, qint32 count)
+{
+    const nc_type type = ms_nc_type_of_format(format, NC_NAT);
+    ms_with_format(format, masses, [&](const auto *numbers) {
+        for (qint32 i = 0; i < count; ++i, ++census.seen) {
+            const double mass = double(numbers[i]);
+            const MsDoubtKind oddity = oddity_of_mass(type, mass);
+            if (oddity != MsDoubtKind::Count)
+                census.found[oddity].add(census.seen);
+            census.least = std::min(census.least, mass);
+            census.most = std::max(census.most, mass);
+        }
+    });
+}
