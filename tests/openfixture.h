@@ -1,4 +1,4 @@
-// A file that is open, the messages of its reading, and what was read as text.
+// A file that is open, the messages of its reading, and numbers that were read.
 #ifndef OPENFIXTURE_H
 #define OPENFIXTURE_H
 
@@ -7,8 +7,6 @@
 #include "program.h"
 
 #include <QtTest>
-
-#include <type_traits>
 
 // For a test class to have as a second base; a call at the beginning and the end of each test.
 class OpenFixture
@@ -47,25 +45,13 @@ protected:
     QStringList messages; // level and text
 };
 
-inline QString shown(const char *text)
+// None for null.
+inline QVector<double> numbersOf(const MsNumbers &numbers)
 {
-    return text ? QLatin1Char('"') + QString::fromLatin1(text) + QLatin1Char('"') : QStringLiteral("-");
-}
-
-template <class Number> QString shownAll(const void *vector, int count)
-{
-    QStringList numbers;
-    for (int i = 0; vector && i < count; ++i)
-        numbers += QString::number(static_cast<const Number *>(vector)[i]);
-    return vector ? numbers.join(QLatin1Char(',')) : QStringLiteral("-");
-}
-
-inline QString shownAll(const MsNumbers &numbers)
-{
-    QString text = QStringLiteral("-");
-    numbers.visit(
-        [&text](const auto *first, qint32 count) { text = shownAll<std::decay_t<decltype(*first)>>(first, count); });
-    return text;
+    QVector<double> result;
+    for (const double number : numbers)
+        result += number;
+    return result;
 }
 
 #endif // OPENFIXTURE_H

@@ -2,7 +2,7 @@
 
 #include "openfixture.h"
 #include "records.h"
-#include "table.h"
+#include "rows.h"
 
 #include <QTemporaryDir>
 
@@ -15,7 +15,16 @@
 
 namespace {
 
-using Formats = Table<int, int, int, int>; // of the axes, the intensities; axes (1 mass, 2 time); flags
+struct Formats {
+    MsDataFormat axes;
+    MsDataFormat intensities;
+    bool hasMasses;
+    bool hasTimes;
+    int flags; // of each scan
+};
+
+const MsVocabularyRow formats[] = {
+    {"short", MsShortFormat}, {"long", MsLongFormat}, {"float", MsFloatFormat}, {"double", MsDoubleFormat}};
 
 // The numbers first, first + 1, ... in a format; whole in the whole formats.
 std::vector<double> vectorOf(int format, int count, double first)
@@ -23,7 +32,7 @@ std::vector<double> vectorOf(int format, int count, double first)
     std::vector<double> numbers(std::size_t(count), 0.0);
     std::iota(numbers.begin(), numbers.end(), first);
     std::vector<double> result(numbers.size());
-    ms_transcode_vector(numbers.data(), 77, count, result.data(), format, 0);
+    ms_transcode_vector(numbers.data(), MsDoubleFormat, count, result.data(), format, 0);
     return result;
 }
 
@@ -51,7 +60,7 @@ template <class Row> void fill(const MsTable<Row> &table, void *record, std::vec
             *reinterpret_cast<qint32 *>(field) = number % 90;
         } else {
             const double value = number + 0.123456789;
-            ms_transcode_vector(&value, 77, 1, field, ms_format_of_nc_type(row.nc_type, 0), 0);
+            ms_transcode_vector(&value, MsDoubleFormat, 1, field, ms_format_of_nc_type(row.nc_type, 0), 0);
         }
     }
 }
@@ -75,11 +84,11 @@ class TestRoundTrip : public QObject, private OpenFixture
 {
     Q_OBJECT
 
-    bool write(qint32 type, qint32 scans, qint32 instruments, qint32 axes, qint32 intensity, bool hasMass, bool hasTime)
+    // In place of the open file.
+    bool create(const MsFileLayout &layout = MsFileLayout())
     {
         file.close();
-        file = MsFile::create(path.toLatin1().constData(),
-                              {type, scans, instruments, axes, axes, intensity, hasMass, hasTime});
+        file = MsFile::create(path.toLatin1().constData(), layout);
         return file.isOpen();
     }
     void readBack()
@@ -97,61 +106,69 @@ private slots:
 
     void keepsScans_data()
     {
-        const Formats row;
-        for (int axis = 74; axis <= 77; ++axis) {
-            for (int intensity = 74; intensity <= 77; ++intensity)
-                row(QByteArray::number(100 * axis + intensity), axis, intensity, 1 + (axis + intensity) % 3,
-                    axis % 2 * 2);
+        const Rows<Formats> row;
+        int i = 0; // goes round the other fields
+        for (const MsVocabularyRow &axes : formats) {
+            for (const MsVocabularyRow &intensities : formats) {
+                row(QByteArray(axes.text) + ' ' + intensities.text) = {
+                    MsDataFormat(axes.code), MsDataFormat(intensities.code), i % 3 != 1, i % 3 != 0, i % 2 * 2};
+                ++i;
+            }
         }
     }
     void keepsScans()
     {
-        const auto [axisFormat, intensityFormat, axes, flags] = Formats::row();
-        const bool hasMass = axes & 1;
-        const bool hasTime = axes & 2;
-        QVERIFY(write(0, 3, 0, axisFormat, intensityFormat, hasMass, hasTime));
+        const Formats &row = Rows<Formats>::current();
+        MsFileLayout layout;
+        layout.scan_count = 3;
+        layout.mass_format = layout.time_format = row.axes;
+        layout.intensity_format = row.intensities;
+        layout.has_mass_values = row.hasMasses;
+        layout.has_time_values = row.hasTimes;
+        QVERIFY(create(layout));
         std::vector<double> masses[3], times[3], intensities[3];
         qint32 peaks[] = {12, -3};
         qint16 values[] = {-7, 300};
         for (const int number : {1, 0, 2}) { // in any order
             MsScanDraft scan(number);
             scan.point_count = number == 2 ? 0 : 5 + number;
-            scan.flag_count = flags;
-            masses[number] = vectorOf(axisFormat, scan.point_count, 1.25 + number);
-            times[number] = vectorOf(axisFormat, scan.point_count, -10.5);
-            intensities[number] = vectorOf(intensityFormat, scan.point_count, 100.75);
-            scan.mass_values = hasMass ? masses[number].data() : nullptr;
-            scan.time_values = hasTime ? times[number].data() : nullptr;
+            scan.flag_count = row.flags;
+            masses[number] = vectorOf(row.axes, scan.point_count, 1.25 + number);
+            times[number] = vectorOf(row.axes, scan.point_count, -10.5);
+            intensities[number] = vectorOf(row.intensities, scan.point_count, 100.75);
+            scan.mass_values = row.hasMasses ? masses[number].data() : nullptr;
+            scan.time_values = row.hasTimes ? times[number].data() : nullptr;
             scan.intensity_values = intensities[number].data();
             scan.flagged_peaks = peaks;
             scan.flag_values = values;
             QCOMPARE(ms_write_per_scan(file.id(), &scan, nullptr), 0);
         }
-        QCOMPARE(file.record()->next_point_index, 11 + 2 * flags); // an empty scan's flags aren't written
+        QCOMPARE(file.record()->next_point_index, 11 + 2 * row.flags); // an empty scan's flags aren't written
 
         readBack();
         for (int number = 0; number < 3; ++number) {
             const MsScan scan = file.scan(number);
             QVERIFY(scan.isRead());
             const int points = number == 2 ? 0 : 5 + number;
-            const auto same = [points](int format, const void *read, const std::vector<double> &written) {
-                const int width = format == 74 ? 2 : format == 77 ? 8 : 4;
-                return read && std::memcmp(read, written.data(), std::size_t(points * width)) == 0;
-            };
             QCOMPARE(scan.point_count, points);
-            QCOMPARE(scan.flag_count, flags);
-            QCOMPARE(same(axisFormat, scan.mass_values, masses[number]), hasMass && points > 0);
-            QCOMPARE(same(axisFormat, scan.time_values, times[number]), hasTime && points > 0);
-            QCOMPARE(same(intensityFormat, scan.intensity_values, intensities[number]), points > 0);
-            const bool isFlagged = points > 0 && flags > 0;
-            QCOMPARE(shownAll<qint32>(scan.flagged_peaks, flags), QString(isFlagged ? "12,-3" : "-"));
-            QCOMPARE(shownAll<qint16>(scan.flag_values, flags), QString(isFlagged ? "-7,300" : "-"));
+            QCOMPARE(scan.flag_count, row.flags);
+            const auto written = [points](bool isThere, const std::vector<double> &vector, int format) {
+                return numbersOf({isThere ? vector.data() : nullptr, format, points});
+            };
+            QCOMPARE(numbersOf(scan.masses()), written(row.hasMasses, masses[number], row.axes));
+            QCOMPARE(numbersOf(scan.times()), written(row.hasTimes, times[number], row.axes));
+            QCOMPARE(numbersOf(scan.intensities()), written(true, intensities[number], row.intensities));
+            const bool isFlagged = points > 0 && row.flags > 0;
+            QCOMPARE(numbersOf(scan.flaggedPeaks()), isFlagged ? QVector<double>({12, -3}) : QVector<double>());
+            QCOMPARE(numbersOf(scan.flagValues()), isFlagged ? QVector<double>({-7, 300}) : QVector<double>());
         }
     }
 
     void refusesScans()
     {
-        QVERIFY(write(0, 2, 0, 76, 76, true, false));
+        MsFileLayout layout;
+        layout.scan_count = 2;
+        QVERIFY(create(layout));
         float points[] = {1, 2};
         qint32 peaks[] = {1};
         const auto status = [&](int number, void *masses, void *intensities, int flags, qint32 *flagged) {
@@ -180,7 +197,10 @@ private slots:
     void keepsFlagsOfAWriterWithoutMasses()
     {
         for (const bool hasTime : {false, true}) {
-            QVERIFY(write(0, 1, 0, 74, 74, true, hasTime));
+            MsFileLayout layout;
+            layout.mass_format = layout.time_format = layout.intensity_format = MsShortFormat;
+            layout.has_time_values = hasTime;
+            QVERIFY(create(layout));
             MsScanDraft scan(0);
             qint16 points[] = {1, 2};
             qint32 peaks[] = {70000};
@@ -196,7 +216,7 @@ private slots:
         readBack();
         short times[3];
         QCOMPARE(nc_get_var_short(file.id(), file.record()->variables[MsVar_time_values], times), NC_NOERR);
-        QCOMPARE(shownAll<short>(times, 3), QStringLiteral("1,2,4464"));
+        QCOMPARE(numbersOf({times, MsShortFormat, 3}), (QVector<double>{1, 2, 4464}));
     }
 
     void keepsGlobalRecords()
@@ -210,7 +230,9 @@ private slots:
         char log[] = "a line that is longer than the sixty-three characters that it can have.";
         written.admin.error_log = log;
 
-        QVERIFY(write(0, 1, 0, 76, 76, true, true));
+        MsFileLayout layout;
+        layout.has_time_values = true;
+        QVERIFY(create(layout));
         QCOMPARE(ms_write_global(file.id(), &written.admin, &written.sample, &written.test, &written.raw), 0);
         readBack();
         MsGlobals read = file.globals();
@@ -236,7 +258,7 @@ private slots:
         QCOMPARE(shownRecord(ms_raw_table, &read.raw), shownRecord(ms_raw_table, &written.raw));
         ms_free(std::exchange(read.admin.error_log, nullptr));
         ms_init_global(1, &read.admin, &read.sample, &read.test, &read.raw);
-        QCOMPARE(read.raw.time_units, 81); // and the end of the block frees nothing twice
+        QCOMPARE(read.raw.time_units, MsSeconds); // and the end of the block frees nothing twice
     }
 
     void leavesOutWhatIsMissing()
@@ -249,7 +271,7 @@ private slots:
         globals.raw.global_mass_max = -10000.0;
         char comments[] = "text";
         globals.test.test_comments = comments;
-        QVERIFY(write(0, 1, 0, 76, 76, true, false));
+        QVERIFY(create());
         QVERIFY(file.write(globals));
         const auto length = [this](int holder, const char *name) {
             std::size_t result = 0;
@@ -277,7 +299,7 @@ private slots:
 
     void keepsNumbersAndEntries()
     {
-        QVERIFY(write(MsLibrarySpectrum, 2, 0, 76, 76, true, false));
+        QVERIFY(create({MsLibrarySpectrum, 2}));
         MsGlobalsDraft globals;
         globals.admin.experiment_type = MsLibrarySpectrum; // a reader goes by the attribute
         QVERIFY(file.write(globals));
@@ -313,7 +335,7 @@ private slots:
     void keepsInstruments()
     {
         for (const int count : {1, 2}) {
-            QVERIFY(write(0, 1, count, 76, 76, true, false));
+            QVERIFY(create({MsCentroidedSpectrum, 1, count}));
             std::vector<QByteArray> texts[2];
             MsInstrumentRecord written[2];
             for (int i = 0; i < count; ++i) {
@@ -362,7 +384,7 @@ private slots:
 
     void refusesUnknownFilesAndNullRecords()
     {
-        QVERIFY(write(MsLibrarySpectrum, 1, 1, 76, 76, true, false));
+        QVERIFY(create({MsLibrarySpectrum, 1, 1}));
         QCOMPARE(ms_define_groups(file.id(), 1, 1), 0);
         MsGlobalsDraft all;
         MsScanDraft scan(0);
@@ -390,7 +412,7 @@ private slots:
             ms_read_mass_census(none, masses, &count, 1.0),
             ms_read_total_intensity(none, 1, &totals, nullptr),
             ms_define_dimensions(none, 1, 1),
-            ms_define_variables(none, 0, 76, 76, 76, 1, 1),
+            ms_define_variables(none, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 1),
             ms_inquire_dimensions(none),
             ms_inquire_variables(none),
         };
@@ -421,7 +443,7 @@ private slots:
 
     void keepsGroups()
     {
-        QVERIFY(write(0, 1, 0, 76, 76, true, false));
+        QVERIFY(create());
         QCOMPARE(ms_define_groups(file.id(), 2, 0), -1);
         QCOMPARE(ms_define_groups(file.id(), 2, 3), 0);
         double masses[] = {50.25, 60.5, 70.75};
@@ -444,8 +466,8 @@ private slots:
         QVERIFY(read.isRead());
         QCOMPARE(read.group_mass_count, 2);
         QCOMPARE(read.group_starting_scan, 17);
-        QCOMPARE(shownAll<double>(read.group_masses, 3), QStringLiteral("50.25,60.5,-9999"));
-        QCOMPARE(shownAll<double>(read.group_delay_times, 3), QStringLiteral("0.1,0.2,-9999"));
+        QCOMPARE(numbersOf({read.group_masses, MsDoubleFormat, 3}), (QVector<double>{50.25, 60.5, -9999}));
+        QCOMPARE(numbersOf({read.group_delay_times, MsDoubleFormat, 3}), (QVector<double>{0.1, 0.2, -9999}));
         ms_init_group(1, &read);
         QCOMPARE(read.group_number, -9999);
     }

@@ -1,7 +1,7 @@
 // The toolkit's routines that work on memory: types, vectors, vocabulary, time stamps; and its registry.
 
 #include "mstoolkit.h"
-#include "table.h"
+#include "rows.h"
 
 #include <QTemporaryDir>
 
@@ -13,9 +13,23 @@
 
 namespace {
 
-using Transcoded = Table<int, int, int, double, double>; // from, to, rounding, value; result
-using Marks = Table<int, QByteArray>;                    // type; the element, in little-endian order
-using Stamps = Table<QVector<int>, QByteArray>;          // year to zone; the same as written
+struct Transcoded {
+    MsDataFormat from;
+    MsDataFormat to;
+    bool rounded;
+    double value;
+    double result;
+};
+
+struct Marked {
+    int type;
+    QByteArray element; // in little-endian order
+};
+
+struct Stamp {
+    int year, month, day, hour, minute, second, zone;
+    QByteArray written;
+};
 
 // A vector of two equal elements of a format, and the marked place of a third.
 QByteArray vectorOf(int format, double value)
@@ -41,30 +55,30 @@ private slots:
     {
         const double big = 3e9;
         const double low = std::numeric_limits<qint32>::min();
-        const Transcoded row;
-        row("cut", 77, 75, 0, -2.9, -2.0);
-        row("half up", 77, 75, 1, 2.5, 3.0);
-        row("below half", 76, 75, 1, 2.4, 2.0);
-        row("negative moves to zero", 77, 75, 1, -1.7, -1.0);
-        row("negative near zero", 77, 74, 1, -0.4, 0.0);
-        row("low bits of a long", 75, 74, 1, 70000.0, 4464.0);
-        row("low bits of a double", 77, 74, 0, 70000.0, 4464.0);
-        row("beyond a long", 77, 75, 0, big, low);
-        row("beyond, in a short", 76, 74, 0, big, 0.0);
-        row("NaN", 77, 75, 1, std::nan(""), low);
-        row("rounded out of range", 77, 75, 1, 2147483647.5, low);
-        row("one beyond", 77, 75, 0, 2147483648.0, low);
-        row("last in range", 77, 75, 0, 2147483647.9, 2147483647.0);
-        row("nearest float", 75, 76, 0, 16777217.0, 16777216.0);
-        row("sign of a short", 74, 75, 0, -7.0, -7.0);
-        row("short to double", 74, 77, 0, -32768.0, -32768.0);
+        const Rows<Transcoded> row;
+        row("cut") = {MsDoubleFormat, MsLongFormat, false, -2.9, -2.0};
+        row("half up") = {MsDoubleFormat, MsLongFormat, true, 2.5, 3.0};
+        row("below half") = {MsFloatFormat, MsLongFormat, true, 2.4, 2.0};
+        row("negative moves to zero") = {MsDoubleFormat, MsLongFormat, true, -1.7, -1.0};
+        row("negative near zero") = {MsDoubleFormat, MsShortFormat, true, -0.4, 0.0};
+        row("low bits of a long") = {MsLongFormat, MsShortFormat, true, 70000.0, 4464.0};
+        row("low bits of a double") = {MsDoubleFormat, MsShortFormat, false, 70000.0, 4464.0};
+        row("beyond a long") = {MsDoubleFormat, MsLongFormat, false, big, low};
+        row("beyond, in a short") = {MsFloatFormat, MsShortFormat, false, big, 0.0};
+        row("NaN") = {MsDoubleFormat, MsLongFormat, true, std::nan(""), low};
+        row("rounded out of range") = {MsDoubleFormat, MsLongFormat, true, 2147483647.5, low};
+        row("one beyond") = {MsDoubleFormat, MsLongFormat, false, 2147483648.0, low};
+        row("last in range") = {MsDoubleFormat, MsLongFormat, false, 2147483647.9, 2147483647.0};
+        row("nearest float") = {MsLongFormat, MsFloatFormat, false, 16777217.0, 16777216.0};
+        row("sign of a short") = {MsShortFormat, MsLongFormat, false, -7.0, -7.0};
+        row("short to double") = {MsShortFormat, MsDoubleFormat, false, -32768.0, -32768.0};
     }
     void transcodes()
     {
-        const auto [from, to, rounding, value, result] = Transcoded::row();
-        const QByteArray expected = vectorOf(to, result);
+        const Transcoded &row = Rows<Transcoded>::current();
+        const QByteArray expected = vectorOf(row.to, row.result);
         QByteArray target(expected.size(), 0x55);
-        ms_transcode_vector(vectorOf(from, value).constData(), from, 2, target.data(), to, rounding);
+        ms_transcode_vector(vectorOf(row.from, row.value).constData(), row.from, 2, target.data(), row.to, row.rounded);
         QCOMPARE(target.toHex(), expected.toHex());
     }
 
@@ -74,35 +88,35 @@ private slots:
         float source;
         std::memcpy(&source, &bits, sizeof source);
         qint32 target = 1;
-        ms_transcode_vector(&source, 76, 0, &target, 76, 0);
-        ms_transcode_vector(&source, 73, 1, &target, 76, 0);
-        ms_transcode_vector(&source, 76, 1, &target, 78, 0);
-        ms_transcode_vector(nullptr, 76, 1, &target, 76, 0);
-        ms_transcode_vector(&source, 76, 1, nullptr, 76, 0);
+        ms_transcode_vector(&source, MsFloatFormat, 0, &target, MsFloatFormat, 0);
+        ms_transcode_vector(&source, 73, 1, &target, MsFloatFormat, 0);
+        ms_transcode_vector(&source, MsFloatFormat, 1, &target, 78, 0);
+        ms_transcode_vector(nullptr, MsFloatFormat, 1, &target, MsFloatFormat, 0);
+        ms_transcode_vector(&source, MsFloatFormat, 1, nullptr, MsFloatFormat, 0);
         QCOMPARE(target, 1);
-        ms_transcode_vector(&source, 76, 1, &target, 76, 1);
+        ms_transcode_vector(&source, MsFloatFormat, 1, &target, MsFloatFormat, 1);
         QCOMPARE(target, bits);
     }
 
     void marksMissing_data()
     {
-        const Marks row;
-        row("byte", NC_BYTE, "\xff");
-        row("char", NC_CHAR, "");
-        row("short", NC_SHORT, "\xf1\xd8");
-        row("long", NC_LONG, "\xf1\xd8\xff\xff");
-        row("float", NC_FLOAT, QByteArray::fromHex("003c1cc6"));
-        row("double", NC_DOUBLE, QByteArray::fromHex("000000008087c3c0"));
-        row("unknown", 12, "");
+        const Rows<Marked> row;
+        row("byte") = {NC_BYTE, "\xff"};
+        row("char") = {NC_CHAR, ""};
+        row("short") = {NC_SHORT, "\xf1\xd8"};
+        row("long") = {NC_LONG, "\xf1\xd8\xff\xff"};
+        row("float") = {NC_FLOAT, QByteArray::fromHex("003c1cc6")};
+        row("double") = {NC_DOUBLE, QByteArray::fromHex("000000008087c3c0")};
+        row("unknown") = {12, ""};
     }
     void marksMissing()
     {
-        const auto [type, bytes] = Marks::row();
+        const Marked &row = Rows<Marked>::current();
         alignas(8) char array[32];
         std::memset(array, 0x55, sizeof array);
-        ms_set_missing(type, array, 2);
+        ms_set_missing(row.type, array, 2);
         QByteArray expected(sizeof array, 0x55);
-        expected.replace(2 * bytes.size(), bytes.size(), bytes);
+        expected.replace(2 * row.element.size(), row.element.size(), row.element);
         QCOMPARE(QByteArray(array, sizeof array), expected);
     }
 
@@ -115,10 +129,10 @@ private slots:
         auto *array = static_cast<double *>(ms_alloc_array(5, NC_DOUBLE));
         array[4] = 1.0; // the sanitizer's to judge
         ms_free(array);
-        QCOMPARE(ms_format_of_nc_type(NC_CHAR, 75), 75);
-        QCOMPARE(ms_format_of_nc_type(NC_DOUBLE, 75), 77);
+        QCOMPARE(ms_format_of_nc_type(NC_CHAR, MsLongFormat), int(MsLongFormat));
+        QCOMPARE(ms_format_of_nc_type(NC_DOUBLE, MsLongFormat), int(MsDoubleFormat));
         QCOMPARE(ms_nc_type_of_format(73, 3), 3);
-        QCOMPARE(ms_nc_type_of_format(76, 3), int(NC_FLOAT));
+        QCOMPARE(ms_nc_type_of_format(MsFloatFormat, 3), int(NC_FLOAT));
     }
 
     void knowsItsVocabulary()
@@ -140,24 +154,29 @@ private slots:
 
     void turnsStamps_data()
     {
-        const Stamps row;
-        row("20220426135442-0500", {2022, 4, 26, 13, 54, 42, -500}, "20220426135442-0500");
-        row("19991231235959-0130", {1999, 12, 31, 23, 59, 59, -130}, "19991231235959-0130");
-        row("00010203040506+0000", {1, 2, 3, 4, 5, 6, 0}, "00010203040506+0000");
-        row("20220426135442+0100 and more", {2022, 4, 26, 13, 54, 42, 100}, "20220426135442+0100");
-        row("20220426135442 0100", {2022, 4, 26, 13, 54, 42, 100}, "20220426135442+0100");
-        row("2022042613541a+0100", {2022, 4, 26, 13, 54, 59, 100}, "20220426135459+0100"); // no digit
+        const Rows<Stamp> row;
+        row("20220426135442-0500") = {2022, 4, 26, 13, 54, 42, -500, "20220426135442-0500"};
+        row("19991231235959-0130") = {1999, 12, 31, 23, 59, 59, -130, "19991231235959-0130"};
+        row("00010203040506+0000") = {1, 2, 3, 4, 5, 6, 0, "00010203040506+0000"};
+        row("20220426135442+0100 and more") = {2022, 4, 26, 13, 54, 42, 100, "20220426135442+0100"};
+        row("20220426135442 0100") = {2022, 4, 26, 13, 54, 42, 100, "20220426135442+0100"};
+        row("2022042613541a+0100") = {2022, 4, 26, 13, 54, 59, 100, "20220426135459+0100"}; // no digit
     }
     void turnsStamps()
     {
-        const auto [numbers, written] = Stamps::row();
+        const Stamp &row = Rows<Stamp>::current();
         QByteArray text = QTest::currentDataTag();
         MsTimestamp stamp = {text.data(), 0, 0, 0, 0, 0, 0, 0};
         QCOMPARE(ms_timestamp(0, &stamp), 0);
-        QCOMPARE((QVector<int>{stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second, stamp.zone}),
-                 numbers);
+        QCOMPARE(stamp.year, row.year);
+        QCOMPARE(stamp.month, row.month);
+        QCOMPARE(stamp.day, row.day);
+        QCOMPARE(stamp.hour, row.hour);
+        QCOMPARE(stamp.minute, row.minute);
+        QCOMPARE(stamp.second, row.second);
+        QCOMPARE(stamp.zone, row.zone);
         QCOMPARE(ms_timestamp(1, &stamp), 0);
-        QCOMPARE(QByteArray(stamp.text), written);
+        QCOMPARE(QByteArray(stamp.text), row.written);
         ms_free(stamp.text);
     }
 
@@ -209,23 +228,27 @@ private slots:
         QCOMPARE(ms_close(77), -1);
         QCOMPARE(ms_open_read(nullptr), -1);
         QCOMPARE(ms_open_read(""), -1);
-        QCOMPARE(ms_open_write("", 0, 1, 0, 76, 76, 76, 1, 0), -1);
+        QCOMPARE(ms_open_write("", 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0), -1);
 
         QTemporaryDir folder;
         const QByteArray path = folder.filePath(QStringLiteral("x.cdf")).toLatin1();
         QCOMPARE(mkfifo((path + "p").constData(), 0600), 0);
-        QCOMPARE(ms_open_read((path + "p").constData()), -1);                     // doesn't wait for a writer
-        QCOMPARE(ms_open_write(path.constData(), 0, 0, 0, 76, 76, 76, 1, 0), -1); // no scans
-        QCOMPARE(ms_open_write(path.constData(), 0, 1, 0, 76, 76, 76, 0, 0), -1); // no axis
+        QCOMPARE(ms_open_read((path + "p").constData()), -1); // doesn't wait for a writer
+        QCOMPARE(ms_open_write(path.constData(), 0, 0, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0),
+                 -1); // no scans
+        QCOMPARE(ms_open_write(path.constData(), 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 0, 0),
+                 -1); // no axis
         int id = -1;
         QCOMPARE(nc_create(path.constData(), NC_CLOBBER, &id), NC_NOERR); // the id of the two that failed
         QVERIFY(!ms_file_record(id));
         nc_close(id);
         QVERIFY(QDir::setCurrent(folder.path()));
-        id = ms_open_write(" blank.cdf", 0, 1, 0, 76, 76, 76, 1, 0); // netCDF would leave the blank out
+        id = ms_open_write(" blank.cdf", 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1,
+                           0); // netCDF would leave the blank out
         QVERIFY(id != -1 && QFile::exists(QStringLiteral(" blank.cdf")));
         QCOMPARE(ms_file_record(id)->variables[MsVar_time_values], -1);
-        QCOMPARE(ms_define_variables(id, 0, 76, 76, 76, 1, 0), -1); // not in define mode any more
+        QCOMPARE(ms_define_variables(id, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0),
+                 -1); // not in define mode any more
         QCOMPARE(ms_close(id), 0);
         QCOMPARE(ms_close(id), -1);
     }
