@@ -7,12 +7,11 @@
 #include <cstddef>
 #include <vector>
 
-// Remembers shape and elements of a file that is only read. Neighbouring scans' values of one variable
-// lie side by side there, while those of one scan lie a whole variable apart: asking the library anew for
-// each scan costs several times what the scan's points do. So the shape is asked for once, and numbers
-// over scan_number are read in stretches of many scans. So are points: the library reads a whole block of
-// the file for each request, and masses and intensities of a scan lie far apart. In a file that is
-// written, each request is one of its own.
+// Remembers shape and elements of a file that is only read. The values of neighbouring scans lie side by
+// side in a variable, those of one scan a whole variable apart: to read each by itself costs several
+// times what the scan's points do. So the shape is asked for once, and numbers over scan_number are read
+// in stretches of many scans. Points are read in stretches, too: masses and intensities of a scan lie far
+// apart. In a file that is written, nothing is remembered.
 class MsColumn
 {
 public:

@@ -15,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-// The one mutable state of the process. It owns its records. It gives null once the process has torn it
+// The one mutable state of the process. It owns its records. It is null once the process has torn it
 // down: a host may destroy its plugin objects, which close their files, after that.
 using MsFileRegistry = QHash<qint32, MsFileState *>;
 Q_GLOBAL_STATIC(MsFileRegistry, registry)

@@ -1,4 +1,4 @@
-// The way of the elements of variables out of a file.
+// Reading elements of variables from a file.
 
 #include "filedata_p.h"
 

@@ -4,7 +4,7 @@
 // Conventions that hold for every routine:
 //   * A file is known by its netCDF id, from ms_open_read or ms_open_write. Routines that work with
 //     the template's objects look the id up in the file registry first; an unknown id is a failure.
-//   * Status: 0 is success, -1 is failure. Routines that hand out a text give null on failure.
+//   * Status: 0 is success, -1 is failure. Routines that hand out a text return null on failure.
 //   * What a file lacks is no failure on reading: it shows as an id of -1, a default code or a missing
 //     value (-1 for NC_BYTE, -9999 for the other number types; compare exactly).
 //   * Texts and arrays that the toolkit hands out are heap blocks of the caller's, freed with ms_free.
@@ -207,8 +207,8 @@ QByteArray ms_path_of(const QString &name);
 
 // Opens an existing file for reading and finds the template's objects in it. `path` is NUL-terminated,
 // in the 8-bit coding of the file system. Any file that netCDF opens will do: nothing of the template
-// is required here. Whatever its name looks like, it is looked for among the files only. Gives the netCDF
-// id, or -1 (null or empty path, not a netCDF file, damaged header).
+// is required here. Whatever its name looks like, it is looked for among the files only. Returns the
+// netCDF id, or -1 for a null or empty path, a file that isn't netCDF, and a damaged header.
 int ms_open_read(const char *path);
 
 // Creates a file, over an existing one of that name, with the template's dimensions and variables, and
@@ -218,29 +218,29 @@ int ms_open_read(const char *path);
 //   instrument_count    size of instrument_number; below 1 the file gets no instrument variables
 //   mass_format, time_format, intensity_format   MsDataFormat; another code counts as short, short, long
 //   has_mass_values, has_time_values   which axes the file gets; at least one
-// Gives the netCDF id, or -1; the partly made file then stays on disk, closed. Definitions that the
-// library refuses only as they end (a file too large for its kind) show at the first write.
+// Returns the netCDF id, or -1; the partly made file then stays on disk, closed. The library refuses some
+// definitions only when all are made (a file too large for its kind): then the first write fails.
 int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, qint32 instrument_count,
                   qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
                   qint32 has_time_values);
 
-// Closes the file and drops its record. Any id may be given, also -1. Gives -1 for an id without a
-// record, else 0, whatever netCDF makes of the closing; a writer who must know that all has reached
-// the disk calls nc_sync and looks at its status first.
+// Closes the file and drops its record. Any id may be passed, also -1. Returns -1 for an id without a
+// record, else 0, whether or not netCDF could close the file. A writer who must know that all has reached
+// the disk calls nc_sync first and looks at its status.
 int ms_close(int ncid);
 
-// Bytes that a file of the classic kinds, opened by ms_open_read, lacks at its end by its own header.
-// What lies there can't be read: a number of a scan, an entry or a group is missing then, and a text
-// null; a scan whose counts or vectors lie there fails. 0 for a whole file, another kind of file, and an
-// unknown id.
+// Returns how many bytes a file of the classic kinds, opened by ms_open_read, lacks at its end by its own
+// header. What lies there can't be read: a number of a scan, an entry or a group is then missing, a text
+// is null, and a scan whose counts or vectors lie there fails. Returns 0 for a whole file, another kind
+// of file, and an unknown id.
 quint64 ms_missing_bytes(int ncid);
 
-// The record of an open file, or null for an unknown id. It lives until ms_close; hold the pointer no
-// longer than one call.
+// Returns the record of an open file, or null for an unknown id. It lives until ms_close; hold the
+// pointer no longer than one call.
 MsFileRecord *ms_file_record(int ncid);
 
 // The registry under the routines above. Registering a known id changes nothing; unregistering an
-// unknown one gives -1. All dimensions of a new record have id -1 and size 0, all variables id -1.
+// unknown one returns -1. All dimensions of a new record have id -1 and size 0, all variables id -1.
 int ms_register_file(int ncid);
 int ms_unregister_file(int ncid);
 
@@ -259,12 +259,12 @@ int ms_inquire_variables(int ncid);
 // Types, formats and memory
 // ---------------------------------------------------------------------------------------------------
 
-// The data format code of an nc type, and the reverse; `fallback` for anything outside the four.
+// Return the data format code of an nc type, and the reverse; `fallback` for anything outside the four.
 qint32 ms_format_of_nc_type(qint32 type, qint32 fallback);
 qint32 ms_nc_type_of_format(qint32 format, qint32 fallback);
 
-// A new, uncleared array of `count` elements; null for a type other than NC_SHORT, NC_LONG, NC_FLOAT
-// and NC_DOUBLE, and where the size in bytes doesn't fit in 32 bits. Free with ms_free.
+// Returns a new, uncleared array of `count` elements; null for a type other than NC_SHORT, NC_LONG,
+// NC_FLOAT and NC_DOUBLE, and where the size in bytes doesn't fit in 32 bits. Free with ms_free.
 void *ms_alloc_array(quint32 count, qint32 type);
 
 // Frees a text or array that the toolkit handed out; null is allowed.
@@ -274,9 +274,9 @@ void ms_free(void *block);
 // NC_CHAR and unknown types.
 void ms_set_missing(qint32 type, void *array, qint32 index);
 
-// Converts `count` elements from one data format to another, in separate buffers. Numbers go to whole
-// numbers by truncation toward zero in 32 bits, after adding 0.5 if `round_values` isn't 0; what lies
-// outside 32 bits, and NaN, becomes -2147483648. 32-bit numbers go to short by their low 16 bits.
+// Converts `count` elements from one data format to another, in separate buffers. Whole numbers are made
+// by truncation toward zero in 32 bits, after adding 0.5 if `round_values` isn't 0; what lies outside 32
+// bits, and NaN, becomes -2147483648. A short takes the low 16 bits of a 32-bit number.
 // Nothing happens for a null pointer, a count below 1 or a format outside the four.
 void ms_transcode_vector(const void *source, qint32 source_format, qint32 count, void *target,
                          qint32 target_format, qint32 round_values);
@@ -293,32 +293,33 @@ struct MsVocabularyRow {
 
 extern const MsTable<MsVocabularyRow> ms_vocabulary; // 90 rows, ascending by lower-cased text
 
-// The code of a phrase, in any mixture of case; -1 for null and for a text outside the vocabulary.
+// Returns the code of a phrase, in any mixture of case; -1 for null and for a text outside the
+// vocabulary.
 qint32 ms_enum_code(const char *text);
 
-// The phrase of a code, constant, not to be freed; null for an unknown code.
+// Returns the phrase of a code, constant, not to be freed; null for an unknown code.
 const char *ms_enum_text(qint32 code);
 
-// The code that the text attribute `name` of variable `varid` (-1: global) holds. -1 where the
+// Returns the code that the text attribute `name` of variable `varid` (-1: global) holds; -1 where the
 // attribute is absent, empty, not text, or outside the vocabulary.
 qint32 ms_read_enum_attribute(int ncid, int varid, const char *name);
 
 // Reads one text of a text variable: row `row` of a variable of two dimensions, or a variable of one
 // dimension with `row` -1. `column` is the first byte wanted (-1: 0), `width` the number of bytes, of
-// which the last one counts as terminator. Trailing blanks are cut. Gives a new text, or null where
-// it is blank, where the variable's type isn't one byte wide or its shape another, for a width of more
+// which the last one counts as terminator. Trailing blanks are cut. Returns a new text, or null for a
+// blank one, for a variable of another shape or of a type that isn't one byte wide, for a width of more
 // than 2^20, and where the read fails.
 char *ms_read_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width);
 
 // Writes `text` (null: blanks) to a row of `width` bytes: the text, cut to width - 1, its NUL, blanks,
-// and a NUL as last byte. Rows as above; with a `column` of 0 or more only the first byte of all that is
-// written, at that column. A row beyond the last one of an unlimited dimension is added. -1: a variable
-// whose type isn't one byte wide or whose shape is another, another place that it doesn't have, or a
-// refused write.
+// and a NUL as last byte. Rows as above. With a `column` of 0 or more, only the first of these bytes is
+// written, at that column. A row beyond the last one of an unlimited dimension is added. Returns -1 for a
+// variable of another shape or of a type that isn't one byte wide, for any other place that it doesn't
+// have, and for a refused write.
 int ms_write_string_variable(int ncid, int varid, qint32 row, qint32 column, qint32 width,
                              const char *text);
 
-// The spelling of a template name with dashes in place of underscores, as some writers have it.
+// Returns the spelling of a template name with dashes in place of underscores, as some writers have it.
 QByteArray ms_dash_name(const char *name);
 
 // ---------------------------------------------------------------------------------------------------
@@ -476,26 +477,26 @@ extern const MsTable<MsAttributeRow> ms_raw_table;    // 27 rows, MsRawGlobalRec
 void ms_init_global(char release, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                     MsRawGlobalRecord *raw);
 
-// Fills the records from a file. A missing attribute gets its default, one of another type is
-// converted after a warning; a mandatory one that is missing costs a warning. -1: a null record, an
+// Fills the records from a file. A missing attribute gets its default; a mandatory one costs a warning
+// then. An attribute of another type is converted after a warning. Returns -1 for a null record, an
 // attribute of a type outside NC_BYTE to NC_DOUBLE or one that can't be read, an error_log of another
-// rank, or neither scan_number nor point_number in the file. The records are then partly filled:
-// release them.
+// rank, and a file with neither scan_number nor point_number. The records are then partly filled: release
+// them.
 int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTestRecord *test,
                    MsRawGlobalRecord *raw);
 
 // Writes the records to a file made by ms_open_write, in data mode before and after. A null text, a
-// missing number (here all above -10000 up to -9999) and a code outside the vocabulary leave no
+// missing number (here each one above -10000 and up to -9999) and a code outside the vocabulary leave no
 // attribute; error_log is always written. Texts are written as they are; a reader takes those of
 // attributes as UTF-8. dataset_completeness, ms_template_revision, netcdf_revision and languages get
-// fixed texts whatever `admin` holds, and are null in it afterwards, unfreed. -1: a null record, or the
-// first refused write; the file may then still be in define mode.
+// fixed texts whatever `admin` holds, and are null in it afterwards, unfreed. Returns -1 for a null
+// record and at the first refused write; the file may then still be in define mode.
 int ms_write_global(int ncid, MsAdminRecord *admin, const MsSampleRecord *sample,
                     const MsTestRecord *test, const MsRawGlobalRecord *raw);
 
-// Converts `value` to `type` and stores it in the field at offset `field` of `record`: a number
-// that can't be made of it at all is stored as missing, one that the field is too narrow for is cut as
-// C++ does it, a text becomes a new block in Latin-1. Another type than NC_BYTE to NC_DOUBLE only warns.
+// Converts `value` to `type` and stores it in the field at offset `field` of `record`. A value that makes
+// no number is stored as missing; a number that the field is too narrow for is cut as C++ does it; a text
+// becomes a new block in Latin-1. Another type than NC_BYTE to NC_DOUBLE only warns.
 void ms_store_variant(void *record, std::size_t field, const QVariant &value, qint32 type);
 
 // ---------------------------------------------------------------------------------------------------
@@ -522,13 +523,13 @@ struct MsInstrumentRecord {
 // Clears the texts, after freeing them where `release` isn't 0; component_index stays. Null is allowed.
 void ms_init_instrument(char release, MsInstrumentRecord *instrument);
 
-// Reads component `instrument->component_index`. Absent or blank lines give null. -1: null record, an
-// index beyond instrument_number (nothing is read then), a variable of another rank (after an error
-// message).
+// Reads component `instrument->component_index`. An absent or blank line reads as null. Returns -1 for a
+// null record, an index beyond instrument_number (nothing is read then), and a variable of another rank
+// (after an error message).
 int ms_read_instrument(int ncid, MsInstrumentRecord *instrument);
 
-// Writes the component to a file made with an instrument_count of at least 1. -1 at the first line that
-// can't be written.
+// Writes the component to a file made with an instrument_count of at least 1. Returns -1 for a null
+// record and at the first line that can't be written.
 int ms_write_instrument(int ncid, const MsInstrumentRecord *instrument);
 
 // ---------------------------------------------------------------------------------------------------
@@ -551,21 +552,21 @@ struct MsGroupRecord {
 void ms_init_group(char release, MsGroupRecord *group);
 
 // Looks for the groups of an existing file; needed before ms_read_group. The counts are both 0 where the
-// file has no groups. -1: a null pointer.
+// file has no groups. Returns -1 for a null pointer.
 int ms_inquire_groups(int ncid, qint32 *group_count, qint32 *max_masses);
 
-// Reads group `group->group_number`. -1: null record, a number outside group_number, a variable of
-// another rank (after an error message) or an unreadable one; from the latter two the record holds no
-// arrays and a group_mass_count of 0. A file without group_mass_count gives -9999 there and in all
-// places.
+// Reads group `group->group_number`. In a file without group_mass_count, that and all places are -9999.
+// Returns -1 for a null record, a number outside group_number, a variable of another rank (after an error
+// message) and an unreadable one. After the latter two the record holds no arrays and a group_mass_count
+// of 0.
 int ms_read_group(int ncid, MsGroupRecord *group);
 
-// Adds the dimensions and variables of the groups to a new file, in data mode before and after. -1: a
-// count below 1, or a refused definition, which leaves the file in define mode.
+// Adds the dimensions and variables of the groups to a new file, in data mode before and after. Returns
+// -1 for a count below 1 and for a refused definition, which leaves the file in define mode.
 int ms_define_groups(int ncid, qint32 group_count, qint32 max_masses);
 
-// Writes the group, each array over its whole width. -1: null record, null array, a number outside
-// group_number, a refused write.
+// Writes the group, each array over its whole width. Returns -1 for a null record, a null array, a number
+// outside group_number, and a refused write.
 int ms_write_group(int ncid, const MsGroupRecord *group);
 
 // ---------------------------------------------------------------------------------------------------
@@ -634,24 +635,25 @@ struct MsScanRecord {
 void ms_init_per_scan(char release, MsScanRecord *scan, MsLibraryRecord *library);
 
 // Reads the twelve numbers of scan `scan->scan_number`, without counts and vectors. A variable of
-// another type is converted after a warning (what the field can't hold becomes missing). -1: a
-// negative scan_number, a variable of another rank (after an error message) or an unreadable one. A null
-// scan gives 0.
+// another type is converted after a warning (what the field can't hold becomes missing). Returns -1 for a
+// negative scan_number, one beyond the end of a variable, a variable of another rank (after an error
+// message) and an unreadable one. Returns 0 for a null scan.
 int ms_read_scan_header(int ncid, MsScanRecord *scan);
 
 // Reads a scan whole: the numbers, the counts, the vectors in the file record's formats, the flags,
-// and, in a library file, the entry `library->entry_index`. Either record may be null. -1 as above,
-// and where scan_index, point_count or a vector can't be read as far as the scan needs it. What was
-// loaded by then stays in the records: release them.
+// and, in a library file, the entry `library->entry_index`. Either record may be null. Returns -1 as
+// above, and where scan_index, point_count or a vector can't be read as far as the scan needs it. What
+// was read by then stays in the records: release them.
 int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library);
 
 // Appends a scan to a file made by ms_open_write: numbers and counts at `scan->scan_number`, vectors (in
 // the formats given to ms_open_write) and flags behind the points written so far, and, in a library file,
 // the entry. Either record may be null. Scans may come in any order; one that is written twice appends
 // its data twice. A null mass or time vector leaves its stretch unwritten; without a mass vector the
-// flags go to the time axis. -1 at the first refused write, with what was written so far left in the
-// file; before anything is written for a negative scan_number, for points without intensity_values, flags
-// without flagged_peaks or flag_values, and points that would end beyond position 2^31 - 1.
+// flags go to the time axis. Returns -1 at the first refused write; what was written so far stays in the
+// file. Returns -1 before anything is written for a negative scan_number, points without
+// intensity_values, flags without flagged_peaks or flag_values, and points that would end beyond position
+// 2^31 - 1.
 int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord *library);
 
 // ---------------------------------------------------------------------------------------------------
@@ -659,17 +661,17 @@ int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord 
 // ---------------------------------------------------------------------------------------------------
 
 // Adds the distinct masses of a run to `masses`, as keys: stored value x scale x 10^decimals, rounded.
-// At 65535 keys a decimal is given up: the keys are cut to a tenth, `*decimals` sinks by one; at -1 the
-// census stops. `*decimals` goes in with the number wanted and comes out with that of the keys. A run
-// without masses gives 0 and changes nothing, and of a file that is cut off those count that it has. -1:
-// unknown id, or masses that can't be read; set and `*decimals` are unchanged. Reads in stretches, so
-// memory doesn't grow with the run.
+// At 65535 keys a decimal is given up: the keys are cut to a tenth, and `*decimals` drops by one. At -1
+// the census stops and reads no further. `*decimals` goes in with the number wanted and comes out with
+// that of the keys. A run without masses changes nothing. In a file that is cut off, the masses that it
+// still has count. Returns -1 for masses that can't be read; set and `*decimals` are unchanged then.
+// Reads in stretches: memory doesn't grow with the run, whose masses may have any number of bytes.
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale);
 
 // Hands out total_intensity and, where `times` isn't null, scan_acquisition_time of all scans, as new
-// arrays of `scan_count` numbers; scan_count has to be the size of scan_number. -1: a count below 1,
-// an absent variable or one with another number of elements, or one of which a file that is cut off has
-// nothing; nothing is handed out then. Numbers beyond the end of such a file are missing values.
+// arrays of `scan_count` numbers; scan_count has to be the size of scan_number. Numbers beyond the end of
+// a file that is cut off are missing values. Returns -1 for a count below 1, an absent variable, one with
+// another number of elements, and one of which such a file has nothing; nothing is handed out then.
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times);
 
 // ---------------------------------------------------------------------------------------------------
@@ -690,15 +692,15 @@ struct MsTimestamp {
 
 // With `to_text` other than 0, makes a new text from the numbers; `text` is overwritten unfreed. With 0,
 // takes the text apart; what stands behind its 19th character doesn't count. No number is tested for
-// its range. -1: a null stamp, a null text, or one shorter than 19 characters.
+// its range. Returns -1 for a null stamp, a null text, and one shorter than 19 characters.
 int ms_timestamp(qint32 to_text, MsTimestamp *stamp);
 
-// The number in `count` bytes of `text` from `offset` on, each counting as its distance from "0". -1 for
-// a null text.
+// Returns the number in `count` bytes of `text` from `offset` on, each counting as its distance from "0";
+// -1 for a null text.
 qint32 ms_digits_to_int(const char *text, qint32 offset, qint32 count);
 
 // Writes the absolute value into `count` bytes from `offset` on, filled with zeros on the left. Of a
-// number with more digits the field keeps the low ones. -1 for a null text.
+// number with more digits the field keeps the low ones. Returns -1 for a null text.
 int ms_int_to_digits(char *text, qint32 offset, qint32 count, qint32 value);
 
 #endif // MSTOOLKIT_H

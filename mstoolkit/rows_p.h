@@ -9,12 +9,13 @@
 // warning, another rank an error message.
 bool ms_fits(const MsShape &shape, const MsVariableRow &row);
 
-// Reads a row of one number, or of one text, at `index` along its first dimension. An absent variable,
-// and a number that can't be held or that a file that is cut off lacks, give the missing value or null.
-// -1: a negative index, another rank, a number that can't be read.
+// Reads a row of one number, or of one text, at `index` along its first dimension. The field becomes
+// missing or null where the variable is absent, where the field can't hold the number, and where a file
+// that is cut off lacks it. Returns -1 for a negative index, another rank, and a number that can't be
+// read.
 int ms_read_row(MsFileState &file, const MsVariableRow &row, qint32 index, void *record);
 
-// Writes such a row. -1: a negative index, a refused write.
+// Writes such a row. Returns -1 for a negative index and a refused write.
 int ms_write_row(MsFileState &file, const MsVariableRow &row, qint32 index, const void *record);
 
 // The same for all rows of a table, in their order; the first -1 ends it.

@@ -131,7 +131,7 @@ int ms_write_text(const MsFileData &data, const MsTextPlace &place, const char *
     }
     buffer.back() = '\0';
 
-    // Behind a column only its own byte is written.
+    // With a column, only the byte there is written.
     const long moved = place.row < 0 || place.column < 0 ? place.width : 1;
     const long at[2] = {long(start.at[0]), long(start.at[1])};
     const long count[2] = {start.rank == 1 ? moved : 1, moved};

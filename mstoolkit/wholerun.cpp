@@ -57,7 +57,8 @@ private:
     {
         for (qint32 i = 0; i < count; ++i) {
             const double mass = double(stored[i]) * scale;
-            // Before the mass's own key, and one decimal a mass, however full the set stays.
+            // This comes before the mass's own key. Each mass costs one decimal at most, however full the
+            // set stays.
             if (is_full && !lose_a_decimal())
                 return;
             const qint32 key = TMath::round(mass * power);

@@ -21,8 +21,8 @@ constexpr struct {
 };
 // clang-format on
 
-// The test for missing is one of the whole part: -9999.5 is missing, too. Written as a range, since what
-// lies beyond 32 bits, and NaN, has no whole part to compare.
+// A number is missing by its whole part: -9999.5 is missing, too. The test is a range, since NaN, and
+// what lies beyond 32 bits, has no whole part to compare.
 bool is_missing(double value)
 {
     return value <= MsMissingDouble && value > MsMissingDouble - 1.0;
