@@ -106,7 +106,7 @@ private slots:
         row("missing") = {"missing.cdf", "The file \"FILE\" doesn't exist."};
         row("header cut off") = {"cut.cdf", "File \"FILE\" is damaged: its header can't be right."};
         row("extension") = {"run.txt",
-                            "The name of the file \"FILE\" doesn't end in an extension that this import takes."};
+                            "The name of the file \"FILE\" doesn't end in an extension that this import takes: .cdf."};
         row("no scans") = {fixture("chromatogram"),
                            cannot
                                + "it has no dimension \"scan_number\", so it isn't a mass spectrometry file of the "

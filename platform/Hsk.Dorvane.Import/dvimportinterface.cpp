@@ -24,13 +24,17 @@ const char *obstacle(const QFileInfo &file)
 
 bool DVImportInterface::canImport(TFileBuffer *, const QString &name, QString &text)
 {
-    const char *reason = obstacle(QFileInfo(name));
-    if (!reason && !matchExtension(name))
-        reason = "The name of the file \"%1\" doesn't end in an extension that this import takes.";
-    if (!reason)
-        return true;
-    text = QString::fromLatin1(reason).arg(name);
-    return false;
+    if (const char *reason = obstacle(QFileInfo(name))) {
+        text = QString::fromLatin1(reason).arg(name);
+        return false;
+    }
+    if (!matchExtension(name)) {
+        text = QStringLiteral("The name of the file \"%1\" doesn't end in an extension that this import "
+                              "takes: %2.")
+                   .arg(name, QStringList(extensionList).join(QLatin1String(", ")));
+        return false;
+    }
+    return true;
 }
 
 QString DVImportInterface::getFileName() const
