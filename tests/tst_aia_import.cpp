@@ -51,6 +51,11 @@ struct CutFile {
     QByteArray losses{};
 };
 
+struct Progress {
+    QString terminal; // commands for the shell
+    int length = 0;   // of the last line
+};
+
 struct RefusedOutput {
     QString command; // of the shell, with the program as $0 and the file as $1
     QByteArray sentence;
@@ -405,6 +410,29 @@ private slots:
         QVERIFY2(result.err.contains(start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times).\n"),
                  result.err);
         QVERIFY(result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file.\n"));
+    }
+
+    // A terminal breaks a line that is longer than it is wide.
+    void progress_data()
+    {
+        const Rows<Progress> row;
+        row("wide") = {"stty cols 200", 58};
+        row("narrow") = {"stty cols 30", 29};
+        row("narrow by its own word") = {"stty cols 200; export COLUMNS=30", 29};
+        row("no room for a bar") = {"stty cols 9", 5};
+        row("no room") = {"stty cols 4", 0};
+    }
+    void progress()
+    {
+        const Progress &row = Rows<Progress>::current();
+        const QString command = row.terminal + "; exec " + importer + ' ' + fixture("gcgc") + " 2>&1 >/dev/null";
+        const Run result = runProgram("script", {"-qec", command, "/dev/null"});
+        int longest = 0;
+        for (const QByteArray &line : result.out.split('\r')) {
+            if (line.contains("100 %"))
+                longest = std::max(longest, line.size());
+        }
+        QCOMPARE(longest, row.length);
     }
 
     void refusedOutput_data()

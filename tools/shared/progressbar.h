@@ -1,4 +1,4 @@
-// A progress bar on standard error.
+// A progress bar on standard error, in one line whatever the width of the terminal.
 #ifndef PROGRESSBAR_H
 #define PROGRESSBAR_H
 
@@ -17,7 +17,7 @@ public:
 
 private:
     bool visible;
-    bool shown = false;
+    int shown = 0; // characters on the line
 };
 
 #endif // PROGRESSBAR_H
