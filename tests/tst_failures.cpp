@@ -49,7 +49,7 @@ class TestFailures : public QObject, private Plugin
         options.scans = scanCount;
         options.points = pointCount;
         options.intensityFormat = MsLongFormat; // so that flags have to be converted
-        return writeSample(path, options).isNull();
+        return writeSample(QFile::encodeName(path), options).isNull();
     }
 
     // How many routines reported a failure.
@@ -108,7 +108,6 @@ private slots:
             const bool written = write(path, kind);
             const QByteArray failed = netcdfCalls.failed;
             QVERIFY2(!written || unwatched.contains(failed) || failed.startsWith("nc_inq"), failed);
-            QCOMPARE(QFile::exists(path), written);
             failCall(0);
             QCOMPARE(openFiles(), before);
         }

@@ -68,8 +68,7 @@ private slots:
 
     void sizeLimit_data()
     {
-        const QByteArray noRoom =
-            "The file \"FILE\" can't be written (no such folder, or no room left?). Nothing of it is kept.";
+        const QByteArray noRoom = "The file \"FILE\" can't be written: File too large.";
         const Rows<SizeLimit> row;
         row("not even the head") = {"2", noRoom};
         row("the numbers of the scans don't fit") = {"200", noRoom};

@@ -4,19 +4,17 @@
 #include "dvheader.h"
 #include "dvimportparamtype.h"
 #include "inputfile.h"
+#include "interruption.h"
 #include "messageredirection.h"
 #include "terminaltext.h"
 
 #include <QFileInfo>
 
-#include <csignal>
 #include <memory>
 #include <new>
 #include <utility>
 
 namespace {
-
-volatile std::sig_atomic_t interrupted = 0;
 
 // Whether a file that was refused has scans. It failed another of the plugin's tests then.
 bool hasScans(const QString &name)
@@ -52,16 +50,6 @@ FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &c
 {
 }
 
-void FileImport::interrupt()
-{
-    interrupted = 1;
-}
-
-bool FileImport::isInterrupted()
-{
-    return interrupted != 0;
-}
-
 bool FileImport::run()
 {
     const MessageRedirection collection(
@@ -72,6 +60,8 @@ bool FileImport::run()
         imported = importIfPossible();
     } catch (const std::bad_alloc &) {
         report(QStringLiteral("There isn't enough memory to import the file \"%1\".").arg(fileName));
+        if (json)
+            json->endFile(false);
         closePrototype();
     }
     messages.reportAll(options.quiet         ? MessageList::Level::Error
@@ -127,8 +117,8 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
         copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr) && complaint.isNull();
     working = nullptr;
     progress.clear();
-    if (json && started)
-        json->endFile();
+    if (json)
+        json->endFile(complete);
     if (!complaint.isNull())
         report(
             QStringLiteral("The import of the file \"%1\" was given up: %2.").arg(fileName, complaint));

@@ -24,12 +24,9 @@ public:
     FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine, ImportJson *json,
                const QString &fileName);
 
-    // Imports the file. Returns whether it was imported in full, and has reported why if not.
+    // Imports the file. Returns whether it was imported in full, and has reported why if not. An
+    // interruption, or a failure of the JSON, stops it before its next scan.
     bool run();
-
-    // Makes the present run and all later ones stop before their next scan. A signal handler may call it.
-    static void interrupt();
-    static bool isInterrupted();
 
 private:
     void analysisStarted(const DVHeader &header, const float *table, int tableSize) override;

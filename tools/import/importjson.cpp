@@ -12,7 +12,8 @@ void ImportJson::beginFile(const QString &name, const DVHeader &header, const fl
     put(",\"massTable\":");
     array(table, tableSize, [this](float mass) { real(double(mass)); });
     put(",\"scans\":[");
-    firstScan = true;
+    inFile = firstScan = true;
+    ++fileCount;
 }
 
 void ImportJson::addScan(double time, double total, int pointCount, const float *abundances,
@@ -30,9 +31,11 @@ void ImportJson::addScan(double time, double total, int pointCount, const float 
     put("}");
 }
 
-void ImportJson::endFile()
+void ImportJson::endFile(bool complete)
 {
-    put("]}\n");
+    if (inFile)
+        put(complete ? "],\"complete\":true}\n" : "],\"complete\":false}\n");
+    inFile = false;
 }
 
 void ImportJson::headerRecord(const DVHeader &header)

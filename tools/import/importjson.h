@@ -10,16 +10,23 @@ class DVHeader;
 class ImportJson : public JsonWriter
 {
 public:
-    // The parts of a file, in this order; addScan once for each scan.
+    using JsonWriter::JsonWriter;
+
+    // The parts of a file, in this order; addScan once for each scan. A file that was begun can be ended
+    // at any time, as one that isn't complete; ending none does nothing.
     void beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize);
     void addScan(double time, double total, int pointCount, const float *abundances,
                  const unsigned short *positions);
-    void endFile();
+    void endFile(bool complete);
+
+    bool hasFiles() const { return fileCount > 0; }
 
 private:
     void latin1(const char *text);
     void headerRecord(const DVHeader &header);
 
+    int fileCount = 0;
+    bool inFile = false;
     bool firstScan = true;
 };
 

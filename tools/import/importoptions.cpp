@@ -4,21 +4,21 @@
 #include "standardoptions.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
-
-#include <algorithm>
 
 namespace {
 
 constexpr double longestModulation = 100.0;
 
-// JSON written over a data file would destroy the data.
-bool isOneOf(const QString &name, const QStringList &files)
+// Returns the sentence that says why the JSON mustn't be written, or a null text.
+QString objectionToJson(const ImportOptions &options)
 {
-    const QString path = QFileInfo(name).canonicalFilePath();
-    return !path.isEmpty() && std::any_of(files.cbegin(), files.cend(), [&](const QString &file) {
-        return QFileInfo(file).canonicalFilePath() == path;
-    });
+    const OutputFile output(options.json, options.existing);
+    for (const QString &name : {options.json, output.place()}) {
+        if (name.endsWith(QLatin1String(".cdf"), Qt::CaseInsensitive))
+            return QStringLiteral("\"%1\" is the name of a data file, so no JSON is written to it.")
+                .arg(name);
+    }
+    return output.objection(options.files);
 }
 
 std::optional<float> modulationLength(const QString &text)
@@ -55,9 +55,10 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("LENGTH"));
     const QCommandLineOption ask(QStringLiteral("ask"),
                                  QStringLiteral("Ask for the parameters of each file in a dialog."));
+    const QCommandLineOption force = forceOption();
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Imports .cdf files of the AIA MS template."));
-    parser.addOptions({json, quiet, verbose, gcxgc, ask});
+    parser.addOptions({json, force, quiet, verbose, gcxgc, ask});
     const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
                                  QStringLiteral("FILE..."));
@@ -70,6 +71,10 @@ CommandLine parseCommandLine(const QStringList &arguments)
     ImportOptions options;
     options.files = namesOfFiles(parser.positionalArguments());
     options.json = parser.value(json);
+    if (options.json == QLatin1String("/dev/stdout"))
+        options.json = QStringLiteral("-");
+    if (parser.isSet(force))
+        options.existing = OutputFile::Existing::Replace;
     options.quiet = parser.isSet(quiet);
     options.verbose = parser.isSet(verbose);
     options.ask = parser.isSet(ask);
@@ -77,9 +82,9 @@ CommandLine parseCommandLine(const QStringList &arguments)
         return refused(QStringLiteral("No file is named."));
     if (parser.isSet(json) && options.json.isEmpty())
         return refused(QStringLiteral("The file name after --json is empty."));
-    if (isOneOf(options.json, options.files))
-        return refused(
-            QStringLiteral("The file \"%1\" can't be read and written at once.").arg(options.json));
+    const QString objection = options.json.isEmpty() ? QString() : objectionToJson(options);
+    if (!objection.isNull())
+        return {refuseOutput(objection), {}};
     if (options.quiet && options.verbose)
         return refused(QStringLiteral("The options --quiet and --verbose exclude each other."));
     if (options.ask && parser.isSet(gcxgc))

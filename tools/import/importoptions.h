@@ -2,13 +2,16 @@
 #ifndef IMPORTOPTIONS_H
 #define IMPORTOPTIONS_H
 
+#include "outputfile.h"
+
 #include <QStringList>
 
 #include <optional>
 
 struct ImportOptions {
     QStringList files;
-    QString json;                    // the file to write, - for standard output; empty for none
+    QString json; // the file to write, - for standard output; empty for none
+    OutputFile::Existing existing = OutputFile::Existing::Keep;
     bool quiet = false;              // show errors only
     bool verbose = false;            // show the running account and the header, too
     bool ask = false;                // show the dialog for each file

@@ -4,6 +4,8 @@
 #include "importjson.h"
 #include "importoptions.h"
 #include "inputfile.h"
+#include "interruption.h"
+#include "outputfile.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
 
@@ -11,7 +13,6 @@
 #include <QPluginLoader>
 
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <optional>
 
@@ -29,20 +30,29 @@ bool hasDisplay()
 #endif
 }
 
-void onInterrupt(int signal)
+// Moves the JSON to its place, if there is any. Returns false, after a report, if it can't be.
+bool finishJson(ImportJson &json, OutputFile &output)
 {
-    FileImport::interrupt();
-    std::signal(signal, SIG_DFL); // a second Ctrl-C ends a program that doesn't come to a stop
+    if (!json.hasFiles() && !json.hasFailed() && !output.isDirect()) {
+        report(QStringLiteral("The file \"%1\" was not written, as no file was imported.")
+                   .arg(output.place()));
+        return true;
+    }
+    const bool isWritten = json.finish() && output.commit();
+    if (!isWritten)
+        report(output.errorText());
+    return isWritten;
 }
 
 int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options)
 {
-    ImportJson json;
+    OutputFile output(options.json, options.existing);
+    ImportJson json(output);
     const bool writesJson = !options.json.isEmpty();
-    bool complete = !writesJson || json.open(options.json);
+    bool complete = !writesJson || output.open();
     int done = 0;
     for (const QString &file : options.files) {
-        if (json.hasFailed() || FileImport::isInterrupted())
+        if (json.hasFailed() || isInterrupted())
             break;
         FileImport import(prototype, options, writesJson ? &json : nullptr, file);
         complete = import.run() && complete;
@@ -54,14 +64,8 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
                         QString::number(options.files.size())));
         complete = false;
     }
-    if (writesJson && !json.finish()) {
-        report(withFullStop(QStringLiteral("%1 can't be written: %2")
-                                .arg(options.json == QLatin1String("-")
-                                         ? QStringLiteral("Standard output")
-                                         : QStringLiteral("The file \"%1\"").arg(options.json),
-                                     json.errorText())));
-        complete = false;
-    }
+    if (writesJson)
+        complete = finishJson(json, output) && complete;
     return complete ? Success : Failure;
 }
 
@@ -76,9 +80,9 @@ int runProgram(const ImportOptions &options)
                        QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString())));
         return Failure;
     }
-    std::signal(SIGINT, onInterrupt);
+    watchInterruptions();
     const int status = importAll(*prototype, options);
-    return flushOutput() ? status : Failure;
+    return flushOutput() && !hasLostReports() ? status : Failure;
 }
 
 } // namespace

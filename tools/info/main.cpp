@@ -142,5 +142,5 @@ int main(int argc, char **argv)
         if (std::ferror(stdout) != 0)
             break; // reported already, and nobody would see more
     }
-    return code;
+    return hasLostReports() ? int(Failure) : code;
 }

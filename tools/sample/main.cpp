@@ -1,5 +1,7 @@
 // Makes sample files: what an instrument could have measured, the same for the same seed.
 
+#include "interruption.h"
+#include "outputfile.h"
 #include "samplefile.h"
 #include "sampleoptions.h"
 #include "samplerun.h"
@@ -11,7 +13,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <new>
 
@@ -20,6 +21,7 @@ namespace {
 struct CommandLine {
     SampleOptions sample;
     QString path;
+    OutputFile::Existing existing = OutputFile::Existing::Keep;
 };
 
 // clang-format off
@@ -89,6 +91,7 @@ void addOptions(QCommandLineParser *parser)
                            QStringLiteral("How these numbers are stored: short, long, float or double."),
                            QStringLiteral("FORMAT"), QStringLiteral("float")});
     }
+    parser->addOption(forceOption());
     parser->addPositionalArgument(QStringLiteral("kind"), QStringLiteral("What to make."),
                                   QStringLiteral("KIND"));
     parser->addPositionalArgument(QStringLiteral("output"), QStringLiteral("The file to make."),
@@ -162,21 +165,33 @@ int parse(const QStringList &arguments, CommandLine *line)
     line->sample.kind = kind->kind;
     line->path = words[1];
     const QString wrong = readOptions(parser, &line->sample);
-    return wrong.isNull() ? -1 : refuse(wrong);
+    if (!wrong.isNull())
+        return refuse(wrong);
+    if (parser.isSet(forceOption()))
+        line->existing = OutputFile::Existing::Replace;
+    const OutputFile output(line->path, line->existing);
+    const QString objection = output.isDirect()
+        ? QStringLiteral("\"%1\" is a pipe or a device, which has no room for such a file.")
+              .arg(line->path)
+        : output.objection();
+    return objection.isNull() ? -1 : refuseOutput(objection);
 }
 
 int make(const CommandLine &line)
 {
-    QString wrong;
-    try {
-        wrong = writeSample(line.path, line.sample);
-    } catch (const std::bad_alloc &) {
-        wrong = QStringLiteral("There isn't enough memory to make the file \"%1\", which is incomplete.")
-                    .arg(line.path);
+    OutputFile output(line.path, line.existing);
+    if (output.open()) {
+        try {
+            const QString wrong = writeSample(output.path(), line.sample);
+            if (!wrong.isNull())
+                output.fail(wrong);
+        } catch (const std::bad_alloc &) {
+            output.fail(QStringLiteral("there isn't enough memory"));
+        }
     }
-    if (wrong.isNull())
+    if (output.commit())
         return Success;
-    report(wrong);
+    report(output.errorText());
     return Failure;
 }
 
@@ -185,12 +200,11 @@ int make(const CommandLine &line)
 int main(int argc, char **argv)
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
-#ifdef SIGXFSZ
-    // A write beyond the limit on the size of files shall fail and not end the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
     const QCoreApplication application(argc, argv);
     CommandLine line;
     const int early = parse(QCoreApplication::arguments(), &line);
-    return early != -1 ? early : make(line);
+    if (early != -1)
+        return early;
+    watchInterruptions();
+    return make(line);
 }

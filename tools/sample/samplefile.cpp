@@ -2,16 +2,15 @@
 
 #include "samplefile.h"
 
+#include "interruption.h"
 #include "messageredirection.h"
 #include "samplelibrary.h"
 #include "samplerecords.h"
 #include "samplerun.h"
 #include "samplespectrum.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -115,6 +114,8 @@ public:
         layout.has_mass_values = options.hasMasses();
         layout.has_time_values = options.hasTimes();
         file = MsFile::create(path.constData(), layout);
+        if (file)
+            errno = 0; // from here on, it tells of a write that failed
         // Every number is written, so filling the file first would only take time: several times that of
         // the writing.
         int before = NC_FILL;
@@ -199,7 +200,7 @@ private:
             const bool written = options.isLibrary()
                 ? file.write(record, sampleLibraryEntry(i, &entryTexts))
                 : file.write(record);
-            if (!written)
+            if (!written || isInterrupted())
                 return false;
             entryTexts.clear();
         }
@@ -278,21 +279,13 @@ bool readsBack(const QByteArray &path)
 
 } // namespace
 
-QString writeSample(const QString &path, const SampleOptions &options)
+QString writeSample(const QByteArray &path, const SampleOptions &options)
 {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile())
-        return QStringLiteral("\"%1\" isn't a regular file.").arg(path);
-    if (info.exists() && !info.isWritable())
-        return QStringLiteral("There is no permission to write over the file \"%1\".").arg(path);
-
-    const QByteArray name = QFile::encodeName(info.absoluteFilePath());
-    if (SampleFile(options).write(name) && readsBack(name))
-        return QString();
-    if (QFile::exists(info.absoluteFilePath()) && !QFile::remove(info.absoluteFilePath()))
-        return QStringLiteral("The file \"%1\" can't be written whole. What is there is incomplete.")
-            .arg(path);
-    return QStringLiteral("The file \"%1\" can't be written (no such folder, or no room left?). Nothing "
-                          "of it is kept.")
-        .arg(path);
+    SampleFile file(options);
+    if (!file.write(path)) {
+        if (isInterrupted())
+            return QStringLiteral("it was interrupted");
+        return errno == 0 ? QStringLiteral("netCDF refuses it") : qt_error_string(errno);
+    }
+    return readsBack(path) ? QString() : QStringLiteral("what was written can't be read back");
 }

@@ -4,10 +4,10 @@
 
 #include "sampleoptions.h"
 
+#include <QByteArray>
 #include <QString>
 
-// Makes the file `path`, over one of that name. Returns a null text, or the sentence that says why it
-// couldn't be made. What was written of it is removed then, as far as possible.
-QString writeSample(const QString &path, const SampleOptions &options);
+// Makes the file `path`, over one of that name. Returns a null text, or why it couldn't be written whole.
+QString writeSample(const QByteArray &path, const SampleOptions &options);
 
 #endif // SAMPLEFILE_H

@@ -3,39 +3,18 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 
 namespace {
 
-constexpr std::size_t bufferSize = 1 << 20;
 constexpr std::size_t numberSize = 40; // the longest number has less
 
 } // namespace
 
-JsonWriter::JsonWriter() : buffer(bufferSize)
-{
-}
-
-bool JsonWriter::open(const QString &name)
-{
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
-    file.setFileName(name);
-    const bool isOpen = name == QLatin1String("-") ? file.open(stdout, mode) : file.open(mode);
-    if (!isOpen)
-        fail();
-    return isOpen;
-}
-
 bool JsonWriter::finish()
 {
-    if (!file.isOpen())
-        return !failed;
     flush();
-    file.close();
-    if (!failed && file.error() != QFileDevice::NoError)
-        fail();
-    return !failed;
+    return !hasFailed();
 }
 
 void JsonWriter::put(const char *text)
@@ -92,14 +71,6 @@ void JsonWriter::real(double value)
 
 void JsonWriter::flush()
 {
-    const auto size = qint64(used);
+    output.write(buffer.data(), used);
     used = 0;
-    if (!failed && file.write(buffer.data(), size) != size)
-        fail();
-}
-
-void JsonWriter::fail()
-{
-    failed = true;
-    error = file.errorString();
 }

@@ -2,7 +2,9 @@
 #ifndef JSONWRITER_H
 #define JSONWRITER_H
 
-#include <QFile>
+#include "outputfile.h"
+
+#include <QString>
 
 #include <cstddef>
 #include <vector>
@@ -11,17 +13,14 @@
 class JsonWriter
 {
 public:
-    JsonWriter();
+    // Writes to `output`, which has to be open and to outlive the writer. Its failure stays: nothing more
+    // is written.
+    explicit JsonWriter(OutputFile &file) : output(file), buffer(bufferSize) { }
 
-    // Opens the file `name` over what it holds, "-" for standard output. Returns false where that fails.
-    // A failure stays, here and below: nothing more is written.
-    bool open(const QString &name);
-
-    // Writes out what is left in memory and closes the file. Returns false if anything wasn't written.
+    // Writes out what is left in memory. Returns false if anything wasn't written.
     bool finish();
 
-    bool hasFailed() const { return failed; }
-    QString errorText() const { return error; } // the system's reason for the failure
+    bool hasFailed() const { return output.hasFailed(); }
 
     void put(const char *text); // punctuation and keys, as they are
     void string(const QString &text);
@@ -35,13 +34,12 @@ private:
     void character(char one);
     void room(std::size_t count);
     void flush();
-    void fail();
 
-    QFile file;
+    static constexpr std::size_t bufferSize = 1 << 20;
+
+    OutputFile &output;
     std::vector<char> buffer;
     std::size_t used = 0;
-    bool failed = false;
-    QString error;
 };
 
 template <class Value, class Write> void JsonWriter::array(const Value *values, int count, Write write)

@@ -1,5 +1,6 @@
 #include "standardoptions.h"
 
+#include "interruption.h"
 #include "namecodec.h"
 #include "terminaltext.h"
 
@@ -11,6 +12,7 @@
 void setProgram(const char *name, const char *version)
 {
     keepBytesOfNames();
+    survivePipesAndLimits();
     QCoreApplication::setApplicationName(QLatin1String(name));
     QCoreApplication::setApplicationVersion(QLatin1String(version));
 }
@@ -35,6 +37,18 @@ bool StandardOptions::answer(const QCommandLineParser &parser) const
         return true;
     }
     return false;
+}
+
+QCommandLineOption forceOption()
+{
+    return {QStringLiteral("force"),
+            QStringLiteral("Write over a file that exists; never over one that is read.")};
+}
+
+int refuseOutput(const QString &objection)
+{
+    report(objection);
+    return WrongUsage;
 }
 
 int refuse(const QString &why)

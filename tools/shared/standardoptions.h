@@ -8,8 +8,8 @@ class QCommandLineParser;
 
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
-// Names the program for --version and for reports, and has Qt keep the names of files: see namecodec.h.
-// The first call of main().
+// Names the program for --version and for reports, has Qt keep the names of files (see namecodec.h), and
+// has writes fail that would end the process (see interruption.h). The first call of main().
 void setProgram(const char *name, const char *version);
 
 class StandardOptions
@@ -27,6 +27,12 @@ private:
     QCommandLineOption help;
     QCommandLineOption version;
 };
+
+// --force, for programs that write files.
+QCommandLineOption forceOption();
+
+// Reports an OutputFile's objection. Returns WrongUsage.
+int refuseOutput(const QString &objection);
 
 // Reports why the arguments can't be used. Returns WrongUsage.
 int refuse(const QString &why);

@@ -55,3 +55,8 @@ bool flushOutput()
         report(withFullStop(QStringLiteral("Standard output can't be written") + reason));
     return isFlushed && !failedBefore;
 }
+
+bool hasLostReports()
+{
+    return std::ferror(stderr) != 0;
+}

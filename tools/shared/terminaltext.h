@@ -25,4 +25,7 @@ void report(const QString &sentence);
 // be written, now or before.
 bool flushOutput();
 
+// Whether a report was lost, since standard error didn't take it.
+bool hasLostReports();
+
 #endif // TERMINALTEXT_H

@@ -1,0 +1,59 @@
+#include "interruption.h"
+
+#include "outputfile.h"
+
+#include <QCoreApplication>
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+QByteArray word; // made beforehand: a handler may do next to nothing
+
+void onInterruption(int signal)
+{
+    const int reason = errno;
+    // A lost terminal comes from the system and from the shell; that isn't a second wish.
+    if (interrupted && signal != SIGHUP) {
+        OutputFile::removeUnfinished();
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+    if (!interrupted) {
+        interrupted = 1;
+        // Where this can't be written, there is nobody to read it.
+        [[maybe_unused]] const ssize_t written =
+            write(STDERR_FILENO, word.constData(), std::size_t(word.size()));
+    }
+    errno = reason;
+}
+
+} // namespace
+
+void watchInterruptions()
+{
+    word = QCoreApplication::applicationName().toUtf8()
+        + ": Interrupted; it stops at the next scan. Ctrl-C once more ends it at once.\n";
+    if (isatty(STDERR_FILENO))
+        word.prepend('\n'); // behind the "^C" of the terminal
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // What the program was started to ignore stays ignored.
+        if (std::signal(signal, SIG_IGN) != SIG_IGN)
+            std::signal(signal, onInterruption);
+    }
+}
+
+bool isInterrupted()
+{
+    return interrupted != 0;
+}
+
+void survivePipesAndLimits()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}

@@ -1,0 +1,15 @@
+// What ends a program from outside: Ctrl-C, a request to end, a terminal that is gone.
+#ifndef INTERRUPTION_H
+#define INTERRUPTION_H
+
+// From now on the first interruption is answered with a word and remembered, so that the program can come
+// to an orderly end. Ctrl-C once more ends it at once, without the file that it was writing.
+void watchInterruptions();
+
+bool isInterrupted();
+
+// Makes a failed write of what would end the process: a file beyond the limit on its size, a pipe that
+// nobody reads.
+void survivePipesAndLimits();
+
+#endif // INTERRUPTION_H
