@@ -179,11 +179,14 @@ private slots:
 
     void asksOnADisplayOnly()
     {
-        const Run result = runProgram(
-            "env",
-            {"-u", "QT_QPA_PLATFORM", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", importer, "--ask", fixture("gcgc")});
-        QCOMPARE(result.code, 1);
-        QCOMPARE(result.err, QByteArray("aia-import: The option --ask needs a display for its dialog.\n"));
+        for (const char *setting : {"DISPLAY=", "DISPLAY=:4711", "QT_QPA_PLATFORM=none"}) {
+            const Run result = runProgram(
+                "env", {"-u", "QT_QPA_PLATFORM", "-u", "WAYLAND_DISPLAY", setting, importer, "--ask", fixture("gcgc")});
+            QCOMPARE(result.code, 1);
+            QCOMPARE(
+                result.err,
+                QByteArray("aia-import: The option --ask needs a display for its dialog, and none can be opened.\n"));
+        }
     }
 
     void json()

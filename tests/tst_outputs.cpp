@@ -178,6 +178,21 @@ private slots:
         QCOMPARE(unfinished().isEmpty(), row.isMoved);
     }
 
+    void endsWhileItAsks()
+    {
+        QProcess program;
+        program.start(AIA_TOOLS "/aia-import", {"--ask", "run.cdf"});
+        QVERIFY(program.waitForStarted());
+        const QString status = QStringLiteral("/proc/%1/status").arg(program.processId());
+        const auto handlesSignals = [&] {
+            const QByteArray text = content(status);
+            return text.mid(text.indexOf("SigCgt:") + 7, 17).trimmed().toULongLong(nullptr, 16) >> (SIGTERM - 1) & 1;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(handlesSignals(), 60000);
+        program.terminate();
+        QCOMPARE(finish(program).code, 1);
+    }
+
     void leavesWhatCameMeanwhile()
     {
         QProcess program;

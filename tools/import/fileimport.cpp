@@ -8,7 +8,9 @@
 #include "messageredirection.h"
 #include "terminaltext.h"
 
+#include <QApplication>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <memory>
 #include <new>
@@ -105,8 +107,16 @@ void FileImport::closePrototype()
 void FileImport::askParameters()
 {
     auto *questions = static_cast<DVImportParamType *>(prototype.qt_metacast("DVImportParamType"));
-    if (questions)
-        questions->askParameters(nullptr);
+    if (!questions)
+        return;
+    // A signal's handler can't close the dialog.
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [] {
+        if (isInterrupted())
+            QApplication::closeAllWindows();
+    });
+    watch.start(100); // milliseconds
+    questions->askParameters(nullptr);
 }
 
 bool FileImport::importOn(DVImportAnalysisInterface &copy)

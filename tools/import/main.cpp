@@ -12,22 +12,31 @@
 #include <QApplication>
 #include <QPluginLoader>
 
-#include <algorithm>
-#include <iterator>
+#include <cerrno>
 #include <optional>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
-// Whether a dialog can be shown. Without a display the application object would end the process.
-bool hasDisplay()
+// Whether a dialog can be shown. An application object ends the process where it can't open a display, so
+// another process tries it.
+bool canOpenDisplay(int argc, char **argv)
 {
-#ifdef Q_OS_UNIX
-    const char *variables[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-    return std::any_of(std::begin(variables), std::end(variables),
-                       [](const char *name) { return !qEnvironmentVariableIsEmpty(name); });
-#else
-    return true;
-#endif
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr unsigned patience = 20; // seconds
+        alarm(patience);
+        const rlimit noCore = {0, 0};
+        setrlimit(RLIMIT_CORE, &noCore);
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+        const QApplication application(argc, argv);
+        _exit(0);
+    }
+    int status = 0;
+    while (child != -1 && waitpid(child, &status, 0) == -1 && errno == EINTR) { }
+    return child != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 // Moves the JSON to its place, if there is any. Returns false, after a report, if it can't be.
@@ -100,8 +109,9 @@ int main(int argc, char *argv[])
         if (!commandLine.options.ask)
             return runProgram(commandLine.options);
     }
-    if (!hasDisplay()) {
-        report(QStringLiteral("The option --ask needs a display for its dialog."));
+    if (!canOpenDisplay(argc, argv)) {
+        report(
+            QStringLiteral("The option --ask needs a display for its dialog, and none can be opened."));
         return Failure;
     }
     const QApplication application(argc, argv);
