@@ -1,12 +1,10 @@
 // Readers of a variable over a whole run.
 
 #include "filestate_p.h"
+#include "masskeys.h"
 #include "msformat.h"
 
-#include "tmath.h"
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -42,12 +40,10 @@ private:
     // In blocks: nearly all masses are known ones, and a whole block of them is told in two plain loops.
     template <class Stored> void take_all(const Stored *stored, qint32 count, double scale)
     {
-        constexpr qint32 block_size = 512;
-        std::array<qint32, block_size> keys;
-        for (qint32 first = 0; first < count && !has_stopped; first += block_size) {
-            const qint32 size = std::min(block_size, count - first);
-            for (qint32 i = 0; i < size; ++i)
-                keys[std::size_t(i)] = TMath::round(double(stored[first + i]) * scale * power);
+        MsMassKeys::Block keys;
+        for (qint32 first = 0; first < count && !has_stopped; first += MsMassKeys::block_size) {
+            const qint32 size = std::min(MsMassKeys::block_size, count - first);
+            MsMassKeys(scale, power).compute(stored + first, size, &keys);
             if (is_full || !are_marked(keys.data(), size))
                 take_each(stored + first, size, scale);
         }
@@ -56,12 +52,11 @@ private:
     template <class Stored> void take_each(const Stored *stored, qint32 count, double scale)
     {
         for (qint32 i = 0; i < count; ++i) {
-            const double mass = double(stored[i]) * scale;
             // This comes before the mass's own key. Each mass costs one decimal at most, however full the
             // set stays.
             if (is_full && !lose_a_decimal())
                 return;
-            const qint32 key = TMath::round(mass * power);
+            const qint32 key = MsMassKeys(scale, power).of(double(stored[i]));
             if (!is_marked(key))
                 insert(key);
         }

@@ -51,8 +51,9 @@ private:
     // Returns the mass of a census key. Table and scans compute it here, so that they are equal to the
     // last bit and a look-up finds it.
     static float tableMass(int key, double factor) { return static_cast<float>(key / factor); }
-    template <class Mass, class Intensity>
-    double placePoints(const Mass *masses, const Intensity *intensities, int count, Placement &place);
+    template <class Positions, class Mass, class Intensity>
+    double placePoints(const Positions &known, const Mass *masses, const Intensity *intensities,
+                       int count, Placement &place);
     QString traceFailure(int scan) const;
     QString scanFailure(const MsScan &scan) const;
     // Tells the host what is known by now to be doubtful, each doubt once for a file, and puts all of

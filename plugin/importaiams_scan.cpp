@@ -3,12 +3,11 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
+#include "masskeys.h"
 #include "msdoubts.h"
 #include "msrecords.h"
-#include "tmath.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace {
@@ -27,45 +26,39 @@ struct ImportAiaMs::Placement {
     qint64 unplaced = 0; // points whose masses the table lacks
 };
 
-// Returns the sum of all intensities, also of those whose masses the table lacks. Works in blocks and in
-// one step after another, so that each loop has what it needs in the processor's registers.
-template <class Mass, class Intensity>
-double ImportAiaMs::placePoints(const Mass *masses, const Intensity *intensities, int count,
-                                Placement &place)
+// Returns the sum of all intensities, also of those whose masses the table lacks. Works in blocks, whose
+// keys are computed several at a time. The sum is made from front to back, and the processor looks up
+// positions while it waits for each addition.
+template <class Positions, class Mass, class Intensity>
+double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, const Intensity *intensities,
+                                int count, Placement &place)
 {
-    constexpr int blockSize = 512;
-    std::array<int, blockSize> keys;
-    std::array<double, blockSize> values;
-    const double massScale = raw.mass_scale_factor;
-    const double factor = massFactor;
+    MsMassKeys::Block keys;
+    const MsMassKeys massKeys(raw.mass_scale_factor, massFactor);
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
-    const MassPositions::Finder finder = massPositions.finder(place.table, place.tableSize);
     double total = 0.0;
-    for (int first = 0; first < count; first += blockSize) {
-        const int size = std::min(blockSize, count - first);
-        for (int i = 0; i < size; ++i)
-            keys[std::size_t(i)] = TMath::round(double(masses[first + i]) * massScale * factor);
-        for (int i = 0; i < size; ++i)
-            values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;
+    for (int first = 0; first < count; first += MsMassKeys::block_size) {
+        const int size = std::min(MsMassKeys::block_size, count - first);
+        massKeys.compute(masses + first, size, &keys);
 
         float *const abundances = place.abundances + first;
         unsigned short *const positions = place.positions + first;
         int unknown = 0;
         for (int i = 0; i < size; ++i) {
-            const double value = values[std::size_t(i)];
-            const int position = finder.find(keys[std::size_t(i)]);
+            const double value = double(intensities[first + i]) * scale + offset;
+            const quint16 position = known.find(keys[std::size_t(i)]);
             abundances[i] = float(value);
-            positions[i] = static_cast<unsigned short>(position);
-            unknown += position == -1;
+            positions[i] = position;
+            unknown += position == MassPositions::unknown;
             total += value;
         }
         for (int i = 0; unknown > 0 && i < size; ++i) {
-            if (finder.find(keys[std::size_t(i)]) != -1)
+            if (positions[i] != MassPositions::unknown)
                 continue;
             --unknown;
             bool found = false;
-            const float mass = tableMass(keys[std::size_t(i)], factor);
+            const float mass = tableMass(keys[std::size_t(i)], massFactor);
             const int position = findTablePosition(mass, place.table, place.tableSize, &found);
             positions[i] = found ? static_cast<unsigned short>(position) : 0;
             if (!found) {
@@ -122,7 +115,9 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     // The formats are those of the stored numbers: the attributes that name a format may say another.
     record.masses().visit([&](const auto *masses, qint32 count) {
         record.intensities().visit([&](const auto *intensities, qint32) {
-            total = placePoints(masses, intensities, count, place);
+            massPositions.visit(table, tableSize, count, [&](const auto &known) {
+                total = placePoints(known, masses, intensities, count, place);
+            });
         });
     });
 

@@ -7,7 +7,6 @@ namespace {
 // Enough for masses up to 10,485 with two decimals. Much larger masses of neighbouring keys can be the
 // same float; the host's own look-up then decides which position counts.
 constexpr qint64 mostKeys = 1 << 20;
-constexpr quint16 unknown = 65535; // no table is as long
 
 } // namespace
 
@@ -16,16 +15,17 @@ void MassPositions::remember(const qint32 *keys, const float *table, std::size_t
     clear();
     if (count == 0)
         return;
-    positions.resize(std::size_t(std::clamp<qint64>(qint64(keys[count - 1]) + 1, 0, mostKeys)), unknown);
+    const qint64 keyCount = std::clamp<qint64>(qint64(keys[count - 1]) + 1, 0, mostKeys);
+    positions.assign(std::size_t(keyCount) + 1, unknown);
     masses.assign(table, table + count);
     for (std::size_t i = 0; i < count; ++i) {
-        if (quint32(keys[i]) < positions.size())
+        if (quint32(keys[i]) < keyCount)
             positions[quint32(keys[i])] = quint16(i);
     }
 }
 
 void MassPositions::clear()
 {
-    positions.clear();
+    positions.assign(1, unknown);
     masses.clear();
 }

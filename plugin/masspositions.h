@@ -11,55 +11,77 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 class MassPositions
 {
 public:
+    // Stands for no position: no table is as long.
+    static constexpr quint16 unknown = 65535;
+
     // Remembers a table of `count` masses, at most 65535, in ascending order, and their keys.
     void remember(const qint32 *keys, const float *table, std::size_t count);
 
     void clear();
 
-    // Finds positions in one table. It holds all that this needs, for the length of a loop over points.
-    class Finder
+    // Finds positions in a table that is known to be the remembered one.
+    class Known
     {
     public:
-        // Returns the position of a key's mass; -1 if it isn't known.
-        int find(qint32 key) const
+        // Returns the position of a key's mass, or unknown.
+        quint16 find(qint32 key) const { return positions[std::min(quint32(key), keyCount)]; }
+
+    private:
+        friend class MassPositions;
+        explicit Known(const MassPositions &of)
+            : positions(of.positions.data()), keyCount(quint32(of.positions.size()) - 1)
         {
-            if (quint32(key) >= keyCount)
-                return -1;
-            const int position = positions[quint32(key)];
-            return position < size && table[position] == masses[position] ? position : -1;
+        }
+
+        const quint16 *positions;
+        quint32 keyCount;
+    };
+
+    // Finds positions in any table, of which each has to be compared.
+    class Compared
+    {
+    public:
+        quint16 find(qint32 key) const
+        {
+            const quint16 position = known.find(key);
+            return position < size && table[position] == masses[position] ? position : unknown;
         }
 
     private:
         friend class MassPositions;
-        Finder() = default;
+        Compared(const MassPositions &of, const float *other, int otherSize)
+            : known(of), masses(of.masses.data()), table(other),
+              size(std::min(otherSize, int(of.masses.size())))
+        {
+        }
 
-        const quint16 *positions;
-        std::size_t keyCount;
+        Known known;
         const float *masses;
         const float *table;
         int size; // masses that both tables have
     };
 
-    // Returns a finder for a table of `size` masses. Both have to outlive it.
-    Finder finder(const float *table, int size) const
+    // Calls `use` once, with what finds positions in a table of `size` masses, which has to outlive the
+    // call. To compare the whole table once is faster where it is short beside the `points` to be found.
+    template <class Use> void visit(const float *table, int size, int points, Use &&use) const
     {
-        Finder finder;
-        finder.positions = positions.data();
-        finder.keyCount = positions.size();
-        finder.masses = masses.data();
-        finder.table = table;
-        finder.size = std::min(size, int(masses.size()));
-        return finder;
+        const bool isShort = std::size_t(size) == masses.size() && size / 8 <= points;
+        if (isShort && std::memcmp(table, masses.data(), masses.size() * sizeof(float)) == 0)
+            use(Known(*this));
+        else
+            use(Compared(*this, table, size));
     }
 
 private:
-    std::vector<quint16> positions; // by key
-    std::vector<float> masses;      // of the table as it was made
+    // By key, from 0 on; the last one stands for all keys beyond, and is unknown.
+    std::vector<quint16> positions = {unknown};
+    std::vector<float> masses; // of the table as it was made
 };
 
 #endif // MASSPOSITIONS_H
