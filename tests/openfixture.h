@@ -2,31 +2,26 @@
 #ifndef OPENFIXTURE_H
 #define OPENFIXTURE_H
 
-#include "messageloggerinterface.h"
+#include "messageredirection.h"
 #include "msfile.h"
 #include "program.h"
 
 #include <QtTest>
 
-// For a test class to have as a second base; a call at the beginning and the end of each test.
+// For a test class to have as a second base, which clears the messages before each test.
 class OpenFixture
 {
 protected:
-    void begin()
-    {
-        messages.clear();
-        MessageLoggerInterface::setReceiver([this](MessageLoggerInterface::Level level, const QString &text) {
-            const bool isError = level == MessageLoggerInterface::Level::Error;
-            messages += (isError ? QStringLiteral("E ") : QStringLiteral("W "))
-                + QString(text).remove(QStringLiteral("<b>")).remove(QStringLiteral("</b>"));
-        });
-    }
+    QStringList messages; // level and text, since the test began
 
-    void end()
-    {
-        MessageLoggerInterface::setReceiver({});
-        file.close();
-    }
+private:
+    const MessageRedirection redirection{[this](MessageLoggerInterface::Level level, const QString &text) {
+        const bool isError = level == MessageLoggerInterface::Level::Error;
+        messages += QLatin1String(isError ? "E " : "W ") + QString(text).remove("<b>").remove("</b>");
+    }};
+
+protected:
+    MsFile file;
 
     // In place of the one that is open.
     void openPath(const QString &path)
@@ -40,9 +35,6 @@ protected:
         openPath(fixture(name));
         QVERIFY2(file, qPrintable(name));
     }
-
-    MsFile file;
-    QStringList messages; // level and text
 };
 
 // None for null.

@@ -81,8 +81,7 @@ private slots:
         headerSize = int(qFromBigEndian<quint32>(unlimited.constData() + name + 12 + 4 * 7));
         QVERIFY(headerSize > 1000 && headerSize < 4000);
     }
-    void init() { begin(); }
-    void cleanup() { end(); }
+    void init() { messages.clear(); }
 
     void readsWhatIsLeft_data()
     {

@@ -86,8 +86,7 @@ class TestLook : public QObject, private OpenFixture
 
 private slots:
     void initTestCase() { QVERIFY(folder.isValid()); }
-    void init() { begin(); }
-    void cleanup() { end(); }
+    void init() { messages.clear(); }
 
     // By the places where netCDF searches for the signature.
     void kind_data()

@@ -68,8 +68,7 @@ class TestScans : public QObject, private OpenFixture
     QTemporaryDir folder;
 
 private slots:
-    void init() { begin(); }
-    void cleanup() { end(); }
+    void init() { messages.clear(); }
 
     void readsScans_data()
     {
