@@ -224,31 +224,29 @@ private slots:
     // As the very first call of a process, too: netCDF's older interface would end it.
     void closesWhatNeverWasOpen()
     {
+        const auto openWrite = [](const char *path, int scans, int hasMasses) {
+            return ms_open_write(path, 0, scans, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, hasMasses, 0);
+        };
         QCOMPARE(ms_close(-1), -1);
         QCOMPARE(ms_close(77), -1);
         QCOMPARE(ms_open_read(nullptr), -1);
         QCOMPARE(ms_open_read(""), -1);
-        QCOMPARE(ms_open_write("", 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0), -1);
+        QCOMPARE(openWrite("", 1, 1), -1);
 
-        QTemporaryDir folder;
-        const QByteArray path = folder.filePath(QStringLiteral("x.cdf")).toLatin1();
-        QCOMPARE(mkfifo((path + "p").constData(), 0600), 0);
-        QCOMPARE(ms_open_read((path + "p").constData()), -1); // doesn't wait for a writer
-        QCOMPARE(ms_open_write(path.constData(), 0, 0, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0),
-                 -1); // no scans
-        QCOMPARE(ms_open_write(path.constData(), 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 0, 0),
-                 -1); // no axis
+        const QTemporaryDir folder;
+        QVERIFY(QDir::setCurrent(folder.path()));
+        QCOMPARE(mkfifo("pipe.cdf", 0600), 0);
+        QCOMPARE(ms_open_read("pipe.cdf"), -1); // doesn't wait for a writer
+        QCOMPARE(openWrite("x.cdf", 0, 1), -1); // no scans
+        QCOMPARE(openWrite("x.cdf", 1, 0), -1); // no axis
         int id = -1;
-        QCOMPARE(nc_create(path.constData(), NC_CLOBBER, &id), NC_NOERR); // the id of the two that failed
+        QCOMPARE(nc_create("x.cdf", NC_CLOBBER, &id), NC_NOERR); // the id of the two that failed
         QVERIFY(!ms_file_record(id));
         nc_close(id);
-        QVERIFY(QDir::setCurrent(folder.path()));
-        id = ms_open_write(" blank.cdf", 0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1,
-                           0); // netCDF would leave the blank out
+        id = openWrite(" blank.cdf", 1, 1); // netCDF would leave the blank out
         QVERIFY(id != -1 && QFile::exists(QStringLiteral(" blank.cdf")));
         QCOMPARE(ms_file_record(id)->variables[MsVar_time_values], -1);
-        QCOMPARE(ms_define_variables(id, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0),
-                 -1); // not in define mode any more
+        QCOMPARE(ms_define_variables(id, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 0), -1); // too late
         QCOMPARE(ms_close(id), 0);
         QCOMPARE(ms_close(id), -1);
     }
