@@ -14,17 +14,6 @@
 
 namespace {
 
-struct Formats {
-    MsDataFormat axes;
-    MsDataFormat intensities;
-    bool hasMasses;
-    bool hasTimes;
-    int flags; // of each scan
-};
-
-const MsVocabularyRow formats[] = {
-    {"short", MsShortFormat}, {"long", MsLongFormat}, {"float", MsFloatFormat}, {"double", MsDoubleFormat}};
-
 // The numbers first, first + 1, ... in a format; whole in the whole formats.
 std::vector<double> vectorOf(int format, int count, double first)
 {
@@ -103,63 +92,50 @@ class TestRoundTrip : public QObject, private OpenFixture
 private slots:
     void init() { messages.clear(); }
 
+    // Masses and times in one format, intensities in another.
     void keepsScans_data()
     {
-        const Rows<Formats> row;
-        int i = 0; // goes round the other fields
-        for (const MsVocabularyRow &axes : formats) {
-            for (const MsVocabularyRow &intensities : formats) {
-                row(QByteArray(axes.text) + ' ' + intensities.text) = {
-                    MsDataFormat(axes.code), MsDataFormat(intensities.code), i % 3 != 1, i % 3 != 0, i % 2 * 2};
-                ++i;
-            }
-        }
+        const Rows<std::pair<MsDataFormat, MsDataFormat>> formats;
+        formats("short and double") = {MsShortFormat, MsDoubleFormat};
+        formats("long and short") = {MsLongFormat, MsShortFormat};
+        formats("float and long") = {MsFloatFormat, MsLongFormat};
+        formats("double and float") = {MsDoubleFormat, MsFloatFormat};
     }
     void keepsScans()
     {
-        const Formats &row = Rows<Formats>::current();
-        MsFileLayout layout;
-        layout.scan_count = 3;
-        layout.mass_format = layout.time_format = row.axes;
-        layout.intensity_format = row.intensities;
-        layout.has_mass_values = row.hasMasses;
-        layout.has_time_values = row.hasTimes;
-        QVERIFY(create(layout));
+        const auto [axes, other] = Rows<std::pair<MsDataFormat, MsDataFormat>>::current();
+        QVERIFY(create({MsCentroidedSpectrum, 3, 0, axes, axes, other, true, true}));
         std::vector<double> masses[3], times[3], intensities[3];
         qint32 peaks[] = {12, -3};
         qint16 values[] = {-7, 300};
         for (const int number : {1, 0, 2}) { // in any order
             MsScanDraft scan(number);
             scan.point_count = number == 2 ? 0 : 5 + number;
-            scan.flag_count = row.flags;
-            masses[number] = vectorOf(row.axes, scan.point_count, 1.25 + number);
-            times[number] = vectorOf(row.axes, scan.point_count, -10.5);
-            intensities[number] = vectorOf(row.intensities, scan.point_count, 100.75);
-            scan.mass_values = row.hasMasses ? masses[number].data() : nullptr;
-            scan.time_values = row.hasTimes ? times[number].data() : nullptr;
+            scan.flag_count = 2;
+            masses[number] = vectorOf(axes, scan.point_count, 1.25 + number);
+            times[number] = vectorOf(axes, scan.point_count, -10.5);
+            intensities[number] = vectorOf(other, scan.point_count, 100.75);
+            scan.mass_values = masses[number].data();
+            scan.time_values = times[number].data();
             scan.intensity_values = intensities[number].data();
             scan.flagged_peaks = peaks;
             scan.flag_values = values;
-            QCOMPARE(ms_write_per_scan(file.id(), &scan, nullptr), 0);
+            QVERIFY(file.write(scan));
         }
-        QCOMPARE(file.record()->next_point_index, 11 + 2 * row.flags); // an empty scan's flags aren't written
+        QCOMPARE(file.record()->next_point_index, 15); // an empty scan's flags aren't written
 
         readBack();
-        for (int number = 0; number < 3; ++number) {
-            const MsScan scan = file.scan(number);
+        for (const MsScan &scan : file) {
             QVERIFY(scan.isRead());
+            const int number = scan.scan_number;
             const int points = number == 2 ? 0 : 5 + number;
             QCOMPARE(scan.point_count, points);
-            QCOMPARE(scan.flag_count, row.flags);
-            const auto written = [points](bool isThere, const std::vector<double> &vector, int format) {
-                return numbersOf({isThere ? vector.data() : nullptr, format, points});
-            };
-            QCOMPARE(numbersOf(scan.masses()), written(row.hasMasses, masses[number], row.axes));
-            QCOMPARE(numbersOf(scan.times()), written(row.hasTimes, times[number], row.axes));
-            QCOMPARE(numbersOf(scan.intensities()), written(true, intensities[number], row.intensities));
-            const int flags = points > 0 ? row.flags : 0;
-            QCOMPARE(numbersOf(scan.flaggedPeaks()), numbersOf({peaks, MsLongFormat, flags}));
-            QCOMPARE(numbersOf(scan.flagValues()), numbersOf({values, MsShortFormat, flags}));
+            QCOMPARE(scan.flag_count, 2);
+            QCOMPARE(numbersOf(scan.masses()), numbersOf({masses[number].data(), axes, points}));
+            QCOMPARE(numbersOf(scan.times()), numbersOf({times[number].data(), axes, points}));
+            QCOMPARE(numbersOf(scan.intensities()), numbersOf({intensities[number].data(), other, points}));
+            QCOMPARE(numbersOf(scan.flaggedPeaks()), numbersOf({peaks, MsLongFormat, points > 0 ? 2 : 0}));
+            QCOMPARE(numbersOf(scan.flagValues()), numbersOf({values, MsShortFormat, points > 0 ? 2 : 0}));
         }
     }
 
@@ -312,7 +288,7 @@ private slots:
         library.entry_index = 1;
         QByteArray name(300, 'n');
         library.entry_name = name.data();
-        QCOMPARE(ms_write_per_scan(file.id(), &scan, &library), 0);
+        QVERIFY(file.write(scan, library));
         name.truncate(254);
         library.entry_name = name.data();
 
@@ -342,16 +318,15 @@ private slots:
                 fill(ms_instrument_table, &written[i], &texts[i]);
                 written[i].instrument_id = i == 0 ? nullptr : written[i].instrument_id;
                 written[i].component_index = i;
-                QCOMPARE(ms_write_instrument(file.id(), &written[i]), 0);
+                QVERIFY(file.write(written[i]));
             }
             written[0].component_index = count;
             QCOMPARE(ms_write_instrument(file.id(), &written[0]), -1);
             readBack();
-            for (int i = count == 1 ? -1 : 0; i < count; ++i) {
-                const MsInstrument read = file.instrument(i);
-                QVERIFY(read.isRead());
-                compare(ms_instrument_table, &read, &written[qMax(i, 0)]);
-            }
+            QCOMPARE(file.instruments().size(), count);
+            for (const MsInstrument &read : file.instruments())
+                compare(ms_instrument_table, &read, &written[read.component_index]);
+            QCOMPARE(file.instrument(-1).isRead(), count == 1); // the only one
         }
     }
 
@@ -435,28 +410,26 @@ private slots:
     void keepsGroups()
     {
         QVERIFY(create());
-        QCOMPARE(ms_define_groups(file.id(), 2, 0), -1);
-        QCOMPARE(ms_define_groups(file.id(), 2, 3), 0);
+        QVERIFY(!file.defineGroups(2, 0) && file.defineGroups(2, 3));
         double masses[] = {50.25, 60.5, 70.75};
         double times[] = {0.1, 0.2, 0.3};
-        MsGroupRecord group = {1, 2, 17, masses, times, times};
-        QCOMPARE(ms_write_group(file.id(), &group), 0);
-        group.group_number = 2;
-        QCOMPARE(ms_write_group(file.id(), &group), -1);
-        group = {0, 1, 1, masses, nullptr, times};
-        QCOMPARE(ms_write_group(file.id(), &group), -1);
+        QVERIFY(file.write(MsGroupRecord{1, 2, 17, masses, times, times}));
+        QVERIFY(file.write(MsGroupRecord{0, 1000, 0, masses, times, times})); // more than the arrays have room for
+        QVERIFY(!file.write(MsGroupRecord{2, 2, 17, masses, times, times}));
+        QVERIFY(!file.write(MsGroupRecord{0, 1, 1, masses, nullptr, times}));
 
         readBack();
-        QCOMPARE(file.groupCount(), 2);
+        QCOMPARE(file.groups().size(), 2);
         QCOMPARE(file.record()->dimensions[MsDim_group_max_masses].size, 3);
-        for (const int number : {-1, 2})
-            QVERIFY(!MsGroup(file.id(), number).isRead());
-        MsGroup read(file.id(), 1);
+        QVERIFY(!file.group(-1).isRead() && !file.group(2).isRead() && file.group(2).masses().isEmpty());
+        QCOMPARE(file.group(0).masses().toVector(), std::vector<double>(masses, masses + 3));
+        MsGroup read = file.groups()[1];
         QVERIFY(read.isRead());
         QCOMPARE(read.group_mass_count, 2);
         QCOMPARE(read.group_starting_scan, 17);
         QCOMPARE(numbersOf({read.group_masses, MsDoubleFormat, 3}), (QVector<double>{50.25, 60.5, -9999}));
-        QCOMPARE(numbersOf({read.group_delay_times, MsDoubleFormat, 3}), (QVector<double>{0.1, 0.2, -9999}));
+        QCOMPARE(numbersOf({read.group_sampling_times, MsDoubleFormat, 3}), (QVector<double>{0.1, 0.2, -9999}));
+        QCOMPARE(read.delayTimes().toVector(), std::vector<double>({0.1, 0.2}));
         ms_init_group(1, &read);
         QCOMPARE(read.group_number, -9999);
     }
