@@ -45,6 +45,14 @@ inline QByteArray content(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// Whether all could be written, to a new file.
+inline bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile::remove(path); // one that is cut to nothing and written again is flushed to a disk that may be busy
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
 // Of this process.
 inline int openFiles()
 {

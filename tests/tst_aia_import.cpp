@@ -76,12 +76,7 @@ class TestAiaImport : public QObject
     Q_OBJECT
 
     Run run(const QStringList &arguments) { return runProgram(importer, arguments, folder.path()); }
-    void write(const QString &name, const QByteArray &bytes)
-    {
-        QFile file(folder.filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), qint64(bytes.size()));
-    }
+    void write(const QString &name, const QByteArray &bytes) { QVERIFY(writeFile(folder.filePath(name), bytes)); }
 
     QTemporaryDir folder;
 

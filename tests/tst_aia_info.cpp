@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-#include <QTemporaryFile>
 
 namespace {
 
@@ -192,17 +191,17 @@ private slots:
 
     void saysFirstWhatIsLost()
     {
-        QTemporaryFile cut;
-        QVERIFY(cut.open());
-        const QByteArray bytes = content(fixture("plain"));
-        cut.write(bytes.left(bytes.size() - 1));
-        cut.close();
-        const Run result = run({cut.fileName()});
+        const QTemporaryDir folder;
+        const QString cut = folder.filePath("cut.cdf");
+        QByteArray bytes = content(fixture("plain"));
+        bytes.chop(1);
+        QVERIFY(writeFile(cut, bytes));
+        const Run result = run({cut});
         QCOMPARE(result.code, 1);
-        const QByteArray name = cut.fileName().toUtf8();
+        const QByteArray name = cut.toUtf8();
         const QByteArray start = "file: " + name + "\ncomplete: false\ndoubts:\n  - \"" + name + "\" is cut off: ";
         QCOMPARE(result.out.left(start.size()), start);
-        const QJsonObject json = QJsonDocument::fromJson(run({"--json", cut.fileName()}).out).object();
+        const QJsonObject json = QJsonDocument::fromJson(run({"--json", cut}).out).object();
         QCOMPARE(at(json, "complete"), QJsonValue(false));
         QCOMPARE(at(json, "doubts/0/code"), QJsonValue("cut-off"));
         QCOMPARE(at(json, "doubts/0/count"), QJsonValue(1));
@@ -222,11 +221,9 @@ private slots:
     void firstLook()
     {
         const QTemporaryDir folder;
-        QFile file(folder.filePath("newer.cdf"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(damagedNewer(crashingPlace));
-        file.close();
-        const Run result = run({file.fileName()});
+        const QString file = folder.filePath("newer.cdf");
+        QVERIFY(writeFile(file, damagedNewer(crashingPlace)));
+        const Run result = run({file});
         QCOMPARE(result.code, 1);
         QCOMPARE(result.out, QByteArray());
         QCOMPARE(result.err.count('\n'), 1);

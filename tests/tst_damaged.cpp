@@ -40,11 +40,6 @@ struct CutWhileOpen {
     int missing;
 };
 
-struct OpenCount {
-    int kind; // as nc_create has it
-    int countBytes;
-};
-
 } // namespace
 
 class TestDamaged : public QObject, private OpenFixture
@@ -54,12 +49,10 @@ class TestDamaged : public QObject, private OpenFixture
     // In place of the open file.
     void openBytes(const QByteArray &bytes)
     {
-        QFile damaged(folder.filePath(QStringLiteral("damaged.cdf")));
-        damaged.remove(); // a file that is cut to nothing and written again is flushed to a disk that may be busy
-        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(bytes) == bytes.size());
-        damaged.close();
+        const QString damaged = folder.filePath(QStringLiteral("damaged.cdf"));
+        QVERIFY(writeFile(damaged, bytes));
         messages.clear();
-        openPath(damaged.fileName());
+        openPath(damaged);
     }
 
     QTemporaryDir folder;
@@ -174,30 +167,14 @@ private slots:
     // The library takes such a file for one of as many scans as can be.
     void findsScansThatNobodyCounted_data()
     {
-        const Rows<OpenCount> row;
-        row("CDF-1") = {NC_CLASSIC_MODEL, 4};
-        row("CDF-5") = {NC_64BIT_DATA, 8};
+        const Rows<int> row; // bytes of the count
+        row("record-trace") = 4;
+        row("record-trace-5") = 8;
     }
     void findsScansThatNobodyCounted()
     {
-        const OpenCount &row = Rows<OpenCount>::current();
-        const QString path = folder.filePath(QStringLiteral("trace.cdf"));
-        int writing = -1;
-        int dimension = -1;
-        int variables[2];
-        const double numbers[] = {60, 90, 120};
-        const std::size_t start = 0;
-        const std::size_t count = 3;
-        nc_create(path.toLatin1().constData(), row.kind, &writing);
-        nc_def_dim(writing, "scan_number", NC_UNLIMITED, &dimension);
-        nc_def_var(writing, "total_intensity", NC_DOUBLE, 1, &dimension, &variables[0]);
-        nc_def_var(writing, "scan_acquisition_time", NC_DOUBLE, 1, &dimension, &variables[1]);
-        nc_enddef(writing);
-        for (const int variable : variables)
-            nc_put_vara_double(writing, variable, &start, &count, numbers);
-        QCOMPARE(nc_close(writing), NC_NOERR);
-        openBytes(content(path).replace(4, row.countBytes, QByteArray(row.countBytes, '\xff')));
-
+        const int count = Rows<int>::current();
+        openBytes(content(fixture(QTest::currentDataTag())).replace(4, count, QByteArray(count, '\xff')));
         const MsTrace trace = file.trace();
         QVERIFY(trace.isRead());
         QCOMPARE(numbersOf(trace.totalIntensities()), (QVector<double>{60, 90, 120}));

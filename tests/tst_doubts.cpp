@@ -192,22 +192,17 @@ class TestDoubts : public QObject
     QTemporaryDir folder;
     Plugin plugin;
     QByteArrayList messages;
+    const MessageRedirection redirection{[this](MessageLoggerInterface::Level level, const QString &text) {
+        messages += (level == MessageLoggerInterface::Level::Error ? "E " : "W ") + text.toLatin1();
+    }};
 
 private slots:
     void initTestCase()
     {
-        MessageLoggerInterface::setReceiver([this](MessageLoggerInterface::Level level, const QString &text) {
-            messages += (level == MessageLoggerInterface::Level::Error ? "E " : "W ") + text.toLatin1();
-        });
-        const auto make = [this](const char *kind, const QStringList &options) {
-            const QString file = folder.filePath(QLatin1String(kind) + QStringLiteral(".cdf"));
-            return runProgram(QStringLiteral(AIA_TOOLS "/aia-sample"), options + QStringList{QLatin1String(kind), file})
-                .code;
-        };
-        const QStringList scans = {QStringLiteral("--scans"), QStringLiteral("20"), QStringLiteral("--points"),
-                                   QStringLiteral("30")};
-        for (const char *kind : {"gcms", "gcxgc", "tic", "library", "sim"})
-            QCOMPARE(make(kind, scans), 0);
+        for (const QString kind : {"gcms", "gcxgc", "tic", "library", "sim"}) {
+            const QStringList options = {"--scans", "20", "--points", "30", kind, folder.filePath(kind + ".cdf")};
+            QCOMPARE(runProgram(QStringLiteral(AIA_TOOLS "/aia-sample"), options).code, 0);
+        }
     }
 
     void isSaid_data()
@@ -325,8 +320,7 @@ private slots:
         if (row.changeBytes) {
             QByteArray bytes = content(copy);
             row.changeBytes(&bytes);
-            QFile file(copy);
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+            QVERIFY(writeFile(copy, bytes));
         }
         MsDoubtOptions options;
         options.modulation = row.modulation;
@@ -336,45 +330,19 @@ private slots:
     // Samples, and the fixtures that are odd in what doesn't matter here, or not at all.
     void ofARightFileNothing_data()
     {
-        QTest::addColumn<QString>("file");
-        for (const char *name : {"gcms",
-                                 "gcxgc",
-                                 "tic",
-                                 "library",
-                                 "sim",
-
-                                 "dashes",
-                                 "double-masses",
-                                 "empty-attributes",
-                                 "error-log",
-                                 "experiment-type-of-another-family",
-                                 "flags-on-masses",
-                                 "groups",
-                                 "instruments",
-                                 "no-attributes",
-                                 "one-record-variable",
-                                 "one-scan",
-                                 "plain",
-                                 "scaled-short",
-                                 "text-attributes",
-                                 "time-units",
-                                 "two-masses",
-                                 "two-scans",
-                                 "unlimited-scans",
-
-                                 "chromatogram",
-                                 "no-scan-number",
-                                 "units-numeric"})
-            QTest::newRow(name) << path(QLatin1String(name));
+        const Rows<QString> file;
+        const QByteArray names = "gcms gcxgc tic library sim dashes double-masses empty-attributes error-log "
+                                 "experiment-type-of-another-family flags-on-masses groups instruments "
+                                 "no-attributes one-record-variable one-scan plain scaled-short text-attributes "
+                                 "time-units two-masses two-scans unlimited-scans chromatogram no-scan-number "
+                                 "units-numeric";
+        for (const QByteArray &name : names.split(' '))
+            file(name) = path(QString::fromLatin1(name));
         const QDir data(QStringLiteral(AIA_TEST_SOURCES "/../../shared/data"));
-        for (const QFileInfo &file : data.entryInfoList({QStringLiteral("*.cdf")}))
-            QTest::newRow(qPrintable(file.fileName())) << file.filePath();
+        for (const QFileInfo &real : data.entryInfoList({QStringLiteral("*.cdf")}))
+            file(real.fileName().toLocal8Bit()) = real.filePath();
     }
-    void ofARightFileNothing()
-    {
-        QFETCH(QString, file);
-        QCOMPARE(doubtsOf(file, {}), QByteArray());
-    }
+    void ofARightFileNothing() { QCOMPARE(doubtsOf(Rows<QString>::current(), {}), QByteArray()); }
 
     // What is known at the table, and the rest after the last scan, whichever it is; each of them once.
     void theHostIsTold()
@@ -429,18 +397,15 @@ private slots:
 
     void ofARightRunTheHostIsToldNothing_data()
     {
-        QTest::addColumn<double>("modulation");
-        QTest::newRow("gcms") << 0.0;
-        QTest::newRow("gcxgc") << 4.0;
-        QTest::newRow("tic") << 0.0;
-        QTest::newRow("library") << 0.0;
-        QTest::newRow("sim") << 0.0;
+        const Rows<double> modulation;
+        for (const char *kind : {"gcms", "tic", "library", "sim"})
+            modulation(kind) = 0.0;
+        modulation("gcxgc") = 4.0;
     }
     void ofARightRunTheHostIsToldNothing()
     {
-        QFETCH(double, modulation);
         HostRun run(plugin, path(QLatin1String(QTest::currentDataTag())));
-        run.copy->setModulation(float(modulation));
+        run.copy->setModulation(float(Rows<double>::current()));
         messages.clear();
         run.makeTable();
         run.importScans(0, 19);

@@ -3,7 +3,7 @@
 #include "dvimportreceiver.h"
 #include "failingmemory.h"
 #include "failingnetcdf.h"
-#include "messageloggerinterface.h"
+#include "messageredirection.h"
 #include "plugin.h"
 #include "program.h"
 #include "records.h"
@@ -73,14 +73,11 @@ class TestFailures : public QObject, private Plugin
         row("sim") = SampleKind::Sim;
     }
 
+    const Silence silence;
     const QTemporaryDir folder;
     const QString good = folder.filePath(QStringLiteral("good.cdf"));
 
 private slots:
-    void initTestCase()
-    {
-        MessageLoggerInterface::setReceiver([](MessageLoggerInterface::Level, const QString &) {});
-    }
     void init()
     {
         failCall(0);
@@ -88,7 +85,6 @@ private slots:
             QVERIFY(write(good, Rows<SampleKind>::current()));
         failCall(0);
     }
-    void cleanupTestCase() { MessageLoggerInterface::setReceiver({}); }
 
     void writing_data() { eachKind_data(); }
     void writing()

@@ -65,8 +65,7 @@ class TestLook : public QObject, private OpenFixture
     QString write(const QString &name, const QByteArray &bytes)
     {
         const QString path = folder.filePath(name);
-        QFile written(path);
-        if (!written.open(QIODevice::WriteOnly) || written.write(bytes) != bytes.size())
+        if (!writeFile(path, bytes))
             qFatal("%s can't be written", qPrintable(path));
         return path;
     }
