@@ -34,6 +34,12 @@ void *operator new[](std::size_t size)
     return allocate(size);
 }
 
+// Of std::stable_sort, which can do without.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+{
+    return std::malloc(size);
+}
+
 void operator delete(void *block) noexcept
 {
     std::free(block);

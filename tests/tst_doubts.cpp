@@ -1,5 +1,6 @@
 // What can't be right about a run is said, and nothing of a right one.
 
+#include "dvheader.h"
 #include "messageredirection.h"
 #include "msdoubts.h"
 #include "msfile.h"
@@ -94,8 +95,11 @@ class HostRun
 public:
     HostRun(Plugin &plugin, const QString &path) : copy(plugin.copyFor(path)) { }
 
+    ~HostRun() { end(); }
+
     int makeTable()
     {
+        delete std::exchange(header(), nullptr);
         copy->importHeader();
         float *masses = nullptr;
         size = copy->importMassTable(&masses);
@@ -126,12 +130,22 @@ public:
         return found.join(", ");
     }
 
-    void end() { copy.reset(); }
+    void end()
+    {
+        if (copy)
+            delete std::exchange(header(), nullptr);
+        copy.reset();
+    }
 
     Plugin::Copy copy;
     int size = 0;
 
 private:
+    struct Opened : DVImportAnalysisInterface {
+        using DVImportAnalysisInterface::header;
+    };
+    DVHeader *&header() { return copy.get()->*(&Opened::header); } // the host's to free
+
     std::unique_ptr<float[]> table;
     std::array<float, 1000> abundances;
     std::array<unsigned short, 1000> positions;
