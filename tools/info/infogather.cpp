@@ -408,9 +408,10 @@ void Gatherer::addRanges(InfoNode *report) const
     const Ranges measured = meant(ranges);
     RangeTable table;
     table.add("mass", raw.global_mass_min, raw.global_mass_max, measured.masses);
-    table.add("time", raw.global_time_min, raw.global_time_max, measured.times);
+    table.add("time", MsMissingDouble, MsMissingDouble, measured.times);
     table.add("intensity", raw.global_intensity_min, raw.global_intensity_max, measured.intensities);
-    table.add("scan_acquisition_time", MsMissingDouble, MsMissingDouble, measured.acquisitionTimes);
+    table.add("scan_acquisition_time", raw.global_time_min, raw.global_time_max,
+              measured.acquisitionTimes);
     table.addTo(report);
 }
 
