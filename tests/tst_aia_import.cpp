@@ -47,8 +47,14 @@ struct Talk {
 
 struct CutFile {
     QString file;
-    int missing = 0; // bytes at the end
-    QByteArray losses{};
+    int missing = 0;                  // bytes at the end
+    QString line = "Warnings: +none"; // of the summary, a regular expression
+};
+
+struct Status {
+    QStringList arguments;
+    int code = 0;
+    QByteArray sentence{}; // on standard error
 };
 
 struct Progress {
@@ -68,6 +74,11 @@ struct Limit {
     int claimedPoints = 0; // by the header
     QByteArray reason{};   // why the run was given up
 };
+
+bool hasLine(const QString &text, const QString &expression)
+{
+    return QRegularExpression('^' + expression + '$', QRegularExpression::MultilineOption).match(text).hasMatch();
+}
 
 } // namespace
 
@@ -188,7 +199,7 @@ private slots:
     {
         const Run result = run({"--json", "-", fixture("import-odd-scans")});
         QCOMPARE(result.code, 1); // a scan couldn't be read
-        const QByteArray head = "{\"file\":\"" + fixture("import-odd-scans").toUtf8() + "\",";
+        const QByteArray head = "{\"version\":1,\"file\":\"" + fixture("import-odd-scans").toUtf8() + "\",";
         QCOMPARE(result.out, head + content(QStringLiteral(AIA_TEST_SOURCES "/expected/import-odd-scans.json")));
     }
 
@@ -221,7 +232,10 @@ private slots:
         row("points") = {"import-odd-scans", "Points read: +4"};
         row("unread scan") = {"import-odd-scans", "Scans not read: +1 \\(.* 3\\)"}; // the empty one isn't meant
         row("unread total") = {"total-ion", "Scans not read: +1 \\(.* 2\\)"};
-        row("nothing to read") = {"total-ion-no-intensity", "Scans not read: +3, as .*"};
+        row("no warning") = {"gcgc", "Warnings: +none"};
+        row("warning") = {"import-odd-scans", "Warning: +In \"import-odd-scans.cdf\", 2 intensities are infinite .*"};
+        row("nothing to read") = {"total-ion-no-intensity",
+                                  "Scans not read: +all 3: the file has neither masses nor .*"};
         row("modulation") = {"gcgc", "Modulation length: +60 s"};
         row("scans of one") = {"gcgc", "Scans in a modulation: +2"};
         row("modulations") = {"gcgc", "Modulations: +2"};
@@ -235,8 +249,7 @@ private slots:
     {
         const SummaryLine &row = Rows<SummaryLine>::current();
         const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", "60", fixture(row.file)}).out);
-        const QRegularExpression line('^' + row.line + '$', QRegularExpression::MultilineOption);
-        QVERIFY2(line.match(printed).hasMatch(), qPrintable(printed));
+        QVERIFY2(hasLine(printed, row.line), qPrintable(printed));
     }
 
     void stamp_data()
@@ -269,11 +282,11 @@ private slots:
         const QString other = fixture("gcgc");
         const QByteArray warning = "Warning for the file \"FILE\": Mandatory attribute \"netcdf-revision\" is missing";
         const Rows<Talk> row;
-        row("summary and warnings") = {{"FILE"}, warning, 9};
+        row("summary and warnings") = {{"FILE"}, warning, 6};
         row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 30, false};
-        row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 16};
-        row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 27};
-        row("errors") = {{"--quiet", "FILE"}, "The file \"FILE\" was not imported in full", 1, false};
+        row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 13};
+        row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 24};
+        row("errors") = {{"--quiet", "FILE"}, "The file \"FILE\" was not imported in full", 3, false};
     }
     void talk()
     {
@@ -290,9 +303,9 @@ private slots:
     {
         const Rows<CutFile> row;
         row("whole") = {"plain"};
-        row("last scan") = {"plain", 1, "1 of its scans could not be read (counted from 0: number 4); it is cut off."};
-        row("all masses") = {"plain", 120, "its masses could not be read; it is cut off."};
-        row("no scan") = {"instruments", 1, "it is cut off."};
+        row("last scan") = {"plain", 1, "Scans not read: +1 \\(counted from 0: number 4\\)"};
+        row("all masses") = {"plain", 120, "Warning: +In \"copy.cdf\", the masses can't be read.*"};
+        row("no scan") = {"instruments", 1, "Scans not read: +none"};
     }
     void interruptedCopy()
     {
@@ -301,11 +314,57 @@ private slots:
         bytes.chop(row.missing);
         write("copy.cdf", bytes);
         const Run result = run({"copy.cdf"});
-        QCOMPARE(result.code, row.missing > 0 ? 1 : 0);
-        const QByteArray said = "aia-import: The file \"copy.cdf\" was not imported in full: ";
-        QVERIFY2(row.missing > 0 ? result.err.contains(said + row.losses + '\n') : !result.err.contains(said),
+        const bool isCut = row.missing > 0;
+        QCOMPARE(result.code, isCut ? 1 : 0);
+        QVERIFY2(hasLine(result.out, row.line), result.out);
+        QCOMPARE(hasLine(result.out, "Warning: +\"copy.cdf\" is cut off: .*"), isCut);
+        QCOMPARE(result.err.contains("aia-import: The file \"copy.cdf\" was not imported in full.\n"), isCut);
+    }
+
+    void status_data()
+    {
+        const Rows<Status> row;
+        row("right") = {{"--strict", fixture("plain")}, 0};
+        row("doubted") = {{fixture("overlapping-scans")}, 0};
+        row("doubted, strictly") = {{"--strict", fixture("overlapping-scans")}, 1, "and the option --strict is set.\n"};
+        row("doubted, strictly and quietly") = {
+            {"--strict", "--quiet", fixture("overlapping-scans")}, 1, "\", 2 of 3 scans begin among the points"};
+        row("lossy") = {{fixture("total-ion")}, 1, "was not imported in full.\n"};
+        row("lossy, quietly") = {
+            {"--quiet", fixture("total-ion")}, 1, "the total intensity of 1 of 3 scans is missing"};
+    }
+    void status()
+    {
+        const Status &row = Rows<Status>::current();
+        const Run result = run(QStringList(row.arguments) << "--json"
+                                                          << "-");
+        QCOMPARE(result.code, row.code);
+        QVERIFY2(result.err.contains(row.sentence), result.err);
+        const QJsonObject json = QJsonDocument::fromJson(result.out).object();
+        QCOMPARE(json["complete"].toBool(), !row.arguments.contains(fixture("total-ion")));
+    }
+
+    // Cut while the import waits for someone who reads its JSON.
+    void cutWhileItIsOpen()
+    {
+        const QStringList sample{"gcms", "--scans", "20000", "--points", "100", "open.cdf"};
+        QCOMPARE(runProgram(AIA_TOOLS "/aia-sample", sample, folder.path()).code, 0);
+        const QString path = folder.filePath("open.cdf");
+        const QByteArray length = QByteArray::number(QFileInfo(path).size());
+        QProcess program;
+        program.setWorkingDirectory(folder.path());
+        program.start(importer, {"--json", "-", "open.cdf"});
+        QVERIFY(program.waitForReadyRead(longestWait));
+        QVERIFY(QFile::resize(path, 0));
+        const Run result = finish(program);
+        QCOMPARE(result.code, 1);
+        QVERIFY2(result.err.contains("The import of the file \"open.cdf\" was given up: 16 scans in a row could not be "
+                                     "read, as the file was cut to 0 of "
+                                     + length + " bytes while it was open.\n"),
                  result.err);
-        QCOMPARE(result.err.contains("copy.cdf\" is cut off"), row.missing > 0);
+        QVERIFY2(hasLine(result.err, "Scans not read: +\\d+ of 20000, as the import stopped before them, and 15 more"),
+                 result.err);
+        QVERIFY(result.out.contains("\"complete\":false,\"doubts\":["));
     }
 
     // The length holds for each file, and a refused file leaves nothing behind for the next. Two imports are
@@ -328,7 +387,7 @@ private slots:
             arguments << fixture("chromatogram") << fixture("import-odd-scans");
         const QByteArray err = runProgram("/bin/sh", arguments).err;
         QCOMPARE(err.count("no dimension \"scan_number\""), 40);
-        QCOMPARE(err.count("1 of its scans could not be read"), 40);
+        QCOMPARE(err.count("1 of 4 scans can't be read"), 40);
     }
 
     // Many scans and nothing else; as long as nobody reads the JSON, it can't come to its end.
@@ -347,10 +406,10 @@ private slots:
         const Run result = finish(program);
         QCOMPARE(result.code, 1);
         QVERIFY2(result.err.contains("of 2000000000 scans"), result.err);
-        QVERIFY(result.err.contains(" of 2000000000, as the import stopped before them\n"));
+        QVERIFY(result.err.contains(" of 2000000000, as the import stopped before them"));
         QVERIFY(!result.err.contains("given up"));
         QVERIFY(result.err.contains("aia-import: The program stopped before it looked at 1 of 2 files.\n"));
-        QVERIFY(result.out.endsWith("]}],\"complete\":false}\n"));
+        QVERIFY(result.out.contains("}],\"complete\":false,") && result.out.endsWith("]}\n"));
     }
 
     // A run is given up where it claims more than the file can hold, and not before.

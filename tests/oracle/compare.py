@@ -40,10 +40,17 @@ class Comparison(unittest.TestCase):
                 except Refused:
                     pass
                 if result:
-                    self.assertTrue(result.pop("complete"))
+                    self.check_and_drop_verdicts(result)
                 if result and expected and expected["header"]["date"] is None:
                     result["header"]["date"] = None  # today's
                 self.assertEqual(json.dumps(result, indent=1), json.dumps(expected, indent=1))
+
+    def check_and_drop_verdicts(self, result):
+        """Takes out what aia-import says of the numbers, after a look at whether it agrees with itself."""
+        result.pop("version")
+        reasons = [scan.pop("reason") for scan in result["scans"] if not scan.pop("read", True)]
+        losses = [doubt for doubt in result.pop("doubts") if doubt["loss"]]
+        self.assertEqual(result.pop("complete"), not reasons and not losses)
 
     def test_plain(self):
         self.compare(0)

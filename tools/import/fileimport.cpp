@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <utility>
@@ -48,7 +49,7 @@ private:
 FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine,
                        ImportJson *jsonWriter, const QString &name)
     : prototype(plugin), options(commandLine), json(jsonWriter), fileName(name), messages(name),
-      audit(name), progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
+      progress(commandLine.quiet ? ProgressBar::Mode::Hidden : ProgressBar::Mode::OnTerminal)
 {
 }
 
@@ -63,7 +64,7 @@ bool FileImport::run()
     } catch (const std::bad_alloc &) {
         report(QStringLiteral("There isn't enough memory to import the file \"%1\".").arg(fileName));
         if (json)
-            json->endFile(false);
+            json->endFile(false, {});
         closePrototype();
     }
     messages.reportAll(options.quiet         ? MessageList::Level::Error
@@ -82,6 +83,7 @@ void FileImport::showAccount(const QString &line) const
 
 bool FileImport::importIfPossible()
 {
+    lostFile.start(fileName);
     QString text;
     if (!prototype.canImport(nullptr, fileName, text)) {
         report(refusal(text));
@@ -123,41 +125,50 @@ bool FileImport::importOn(DVImportAnalysisInterface &copy)
 {
     working = &copy;
     copy.setReceiver(this);
-    const bool complete =
+    const bool finished =
         copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr) && complaint.isNull();
     working = nullptr;
     progress.clear();
+    return judge(finished, doubtsOf(copy));
+}
+
+// Says what came of the run, and returns whether that will do.
+bool FileImport::judge(bool finished, const std::vector<RunDoubt> &doubts)
+{
+    const bool isLossy = summary.unreadCount() > 0
+        || std::any_of(doubts.begin(), doubts.end(), [](const RunDoubt &doubt) { return doubt.isLoss; });
     if (json)
-        json->endFile(complete);
+        json->endFile(finished && !isLossy, doubts);
+    for (const RunDoubt &doubt : doubts) {
+        messages.drop(doubt.text); // which is said here
+        if (options.quiet && (doubt.isLoss || options.strict))
+            report(doubt.text);
+    }
+    if (started && !options.quiet)
+        writeSummary(doubts);
+
     if (!complaint.isNull())
         report(
             QStringLiteral("The import of the file \"%1\" was given up: %2.").arg(fileName, complaint));
-    if (!complete) {
+    if (!finished) {
         report(QStringLiteral("The import of the file \"%1\" stopped after %2 of %3 scans.")
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
+    } else if (isLossy) {
+        report(QStringLiteral("The file \"%1\" was not imported in full.").arg(fileName));
+    } else if (options.strict && !doubts.empty()) {
+        report(QStringLiteral("The file \"%1\" has warnings, and the option --strict is set.")
+                   .arg(fileName));
     }
-    if (started && !options.quiet)
-        writeSummary(complete);
-    if (!complete)
-        return false;
-    const QStringList losses = audit.losses();
-    if (!losses.isEmpty()) {
-        report(QStringLiteral("The file \"%1\" was not imported in full: %2.")
-                   .arg(fileName, losses.join(QLatin1String("; "))));
-    }
-    return losses.isEmpty();
+    return finished && !isLossy && !(options.strict && !doubts.empty());
 }
 
-void FileImport::writeSummary(bool complete)
+void FileImport::writeSummary(const std::vector<RunDoubt> &doubts)
 {
     std::FILE *stream = options.json == QLatin1String("-") ? stderr : stdout;
-    const int left = scanCount - scansDone;
     const int largest = summary.largestScan();
     summary.write(stream,
                   largest == -1 ? std::nullopt : timeOfScan(file, largest, facts && facts->inMinutes),
-                  complete ? audit.unreadScans()
-                           : QStringLiteral("%1 of %2, as the import stopped before them")
-                                 .arg(QString::number(left), QString::number(scanCount)));
+                  doubts);
     if (options.verbose)
         summary.writeHeader(stream);
 }
@@ -173,7 +184,6 @@ void FileImport::analysisStarted(const DVHeader &header, const float *table, int
     if (file)
         facts = readRunFacts(file);
     summary.start(fileName, facts, header, table, tableSize);
-    audit.start(header, tableSize);
     limit.start(file, QFileInfo(fileName).size());
     if (json)
         json->beginFile(fileName, header, table, tableSize);
@@ -182,14 +192,18 @@ void FileImport::analysisStarted(const DVHeader &header, const float *table, int
 void FileImport::scanImported(int scan, double time, double total, int pointCount,
                               const float *abundances, const unsigned short *positions)
 {
+    const QString failure = pointCount == 0 ? scanFailureOf(*working) : QString();
     complaint = limit.add(pointCount, total);
+    if (failure.isNull())
+        lostFile.addReadScan();
+    else if (complaint.isNull())
+        complaint = lostFile.addFailure(file, scan);
     if (!complaint.isNull())
         return working->pBarCanceledSlot();
     ++scansDone;
-    summary.addScan(scan, total, pointCount);
-    audit.check(scan, pointCount, total);
+    summary.addScan(scan, total, pointCount, failure);
     if (json)
-        json->addScan(time, total, pointCount, abundances, positions);
+        json->addScan(time, total, pointCount, abundances, positions, failure);
     if (isInterrupted() || (json && json->hasFailed()))
         working->pBarCanceledSlot();
 }

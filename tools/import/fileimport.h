@@ -8,14 +8,15 @@
 #include "importjson.h"
 #include "importoptions.h"
 #include "importsummary.h"
+#include "lostfile.h"
 #include "messagelist.h"
 #include "msfile.h"
 #include "progressbar.h"
 #include "runfacts.h"
 #include "runlimit.h"
-#include "scanaudit.h"
 
 #include <optional>
+#include <vector>
 
 class FileImport : private DVImportReceiver
 {
@@ -39,7 +40,8 @@ private:
     void askParameters();
     bool importOn(DVImportAnalysisInterface &copy);
     void showAccount(const QString &line) const;
-    void writeSummary(bool complete);
+    bool judge(bool finished, const std::vector<RunDoubt> &doubts);
+    void writeSummary(const std::vector<RunDoubt> &doubts);
     QString refusal(const QString &hostText);
 
     DVImportAnalysisInterface &prototype;
@@ -51,8 +53,8 @@ private:
     MsFile file; // the same file, for what the import doesn't hand over
     std::optional<RunFacts> facts;
     ImportSummary summary;
-    ScanAudit audit;
     RunLimit limit;
+    LostFile lostFile;
     QString complaint; // why the run was given up
     ProgressBar progress;
     bool started = false; // header and table have come

@@ -3,9 +3,17 @@
 #include "dvheader.h"
 #include "namecodec.h"
 
+namespace {
+
+constexpr int jsonVersion = 1; // docs/json.md
+
+} // namespace
+
 void ImportJson::beginFile(const QString &name, const DVHeader &header, const float *table, int tableSize)
 {
-    put("{\"file\":");
+    put("{\"version\":");
+    integer(jsonVersion);
+    put(",\"file\":");
     string(shownName(name));
     put(",\"header\":");
     headerRecord(header);
@@ -17,7 +25,7 @@ void ImportJson::beginFile(const QString &name, const DVHeader &header, const fl
 }
 
 void ImportJson::addScan(double time, double total, int pointCount, const float *abundances,
-                         const unsigned short *positions)
+                         const unsigned short *positions, const QString &failure)
 {
     put(firstScan ? "{\"time\":" : ",{\"time\":");
     firstScan = false;
@@ -28,14 +36,34 @@ void ImportJson::addScan(double time, double total, int pointCount, const float 
     array(positions, pointCount, [this](unsigned short position) { integer(position); });
     put(",\"abundances\":");
     array(abundances, pointCount, [this](float abundance) { real(double(abundance)); });
+    if (!failure.isNull()) {
+        put(",\"read\":false,\"reason\":");
+        string(failure);
+    }
     put("}");
 }
 
-void ImportJson::endFile(bool complete)
+void ImportJson::endFile(bool complete, const std::vector<RunDoubt> &doubts)
 {
-    if (inFile)
-        put(complete ? "],\"complete\":true}\n" : "],\"complete\":false}\n");
+    if (!inFile)
+        return;
+    put(complete ? "],\"complete\":true,\"doubts\":" : "],\"complete\":false,\"doubts\":");
+    array(doubts.data(), int(doubts.size()), [this](const RunDoubt &doubt) { doubtRecord(doubt); });
+    put("}\n");
     inFile = false;
+}
+
+void ImportJson::doubtRecord(const RunDoubt &doubt)
+{
+    put("{\"code\":");
+    string(doubt.code);
+    put(",\"count\":");
+    integer(doubt.count);
+    put(",\"example\":");
+    string(doubt.example);
+    put(",\"text\":");
+    string(doubt.text);
+    put(doubt.isLoss ? ",\"loss\":true}" : ",\"loss\":false}");
 }
 
 void ImportJson::headerRecord(const DVHeader &header)

@@ -48,6 +48,11 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("verbose"),
         QStringLiteral("Show also the running account of the import, which is in French, and the header "
                        "as the host gets it."));
+    const QCommandLineOption strict(
+        QStringLiteral("strict"),
+        QStringLiteral(
+            "End with status 1 for a warning about a run, too, not only where something of it is "
+            "lost."));
     const QCommandLineOption gcxgc(
         QStringLiteral("gcxgc"),
         QStringLiteral("Import GCxGC runs, with modulations of LENGTH seconds: "
@@ -57,8 +62,11 @@ CommandLine parseCommandLine(const QStringList &arguments)
                                  QStringLiteral("Ask for the parameters of each file in a dialog."));
     const QCommandLineOption force = forceOption();
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Imports .cdf files of the AIA MS template."));
-    parser.addOptions({json, force, quiet, verbose, gcxgc, ask});
+    parser.setApplicationDescription(
+        QStringLiteral("Imports .cdf files of the AIA MS template. Exit code: 0, or 1 where a file can't "
+                       "be imported, or not "
+                       "in full, or 2 for wrong usage."));
+    parser.addOptions({json, force, quiet, verbose, strict, gcxgc, ask});
     const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
                                  QStringLiteral("FILE..."));
@@ -76,6 +84,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
     if (parser.isSet(force))
         options.existing = OutputFile::Existing::Replace;
     options.quiet = parser.isSet(quiet);
+    options.strict = parser.isSet(strict);
     options.verbose = parser.isSet(verbose);
     options.ask = parser.isSet(ask);
     if (options.files.isEmpty())

@@ -14,6 +14,7 @@ struct ImportOptions {
     OutputFile::Existing existing = OutputFile::Existing::Keep;
     bool quiet = false;              // show errors only
     bool verbose = false;            // show the running account and the header, too
+    bool strict = false;             // fail for doubts, too
     bool ask = false;                // show the dialog for each file
     std::optional<float> modulation; // seconds
 };

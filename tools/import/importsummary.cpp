@@ -122,12 +122,13 @@ void ImportSummary::start(const QString &fileName, const std::optional<RunFacts>
                           const DVHeader &header, const float *table, int tableSize)
 {
     facts = runFacts;
+    scanCount = header.getNbScans();
     lines.emplace_back("File", fileName);
     if (facts)
         addFacts(*facts);
-    lines.emplace_back("Scans", QString::number(header.getNbScans()));
+    lines.emplace_back("Scans", QString::number(scanCount));
     if (facts)
-        addTimes(*facts, header.getNbScans());
+        addTimes(*facts);
     if (header.getModulation() > 0.0f)
         addModulation(header);
     lines.emplace_back("Masses", masses(table, tableSize));
@@ -150,7 +151,7 @@ void ImportSummary::addFacts(const RunFacts &said)
                   {"Scan function", told(said.scanFunction)}});
 }
 
-void ImportSummary::addTimes(const RunFacts &said, int scanCount)
+void ImportSummary::addTimes(const RunFacts &said)
 {
     lines.insert(lines.end(),
                  {{"Start", timeText(said.start, said.timeUnit)},
@@ -192,31 +193,61 @@ void ImportSummary::addHeader(const DVHeader &header)
     };
 }
 
-void ImportSummary::addScan(int scan, double total, int pointCount)
+void ImportSummary::addScan(int scan, double total, int pointCount, const QString &failure)
 {
+    constexpr int named = 10;
+    ++added;
     points += pointCount;
-    const bool isTold = std::isfinite(total) && total != MsMissingDouble;
-    if (isTold && (largest.scan == -1 || total > largest.total))
+    if (!failure.isNull()) {
+        if (++unread.count == 1)
+            unread.reason = failure;
+        if (unread.count <= named)
+            unread.first += QString::number(scan);
+        return;
+    }
+    if (std::isfinite(total) && (largest.scan == -1 || total > largest.total))
         largest = {scan, total};
 }
 
+QString ImportSummary::unreadText() const
+{
+    const int left = scanCount - added;
+    if (left > 0) {
+        const QString stopped = QStringLiteral("%1 of %2, as the import stopped before them")
+                                    .arg(QString::number(left), QString::number(scanCount));
+        return unread.count == 0
+            ? stopped
+            : QStringLiteral("%1, and %2 more").arg(stopped, QString::number(unread.count));
+    }
+    if (unread.count == 0)
+        return QStringLiteral("none");
+    if (unread.count == added)
+        return QStringLiteral("all %1: %2").arg(QString::number(added), unread.reason);
+    return QStringLiteral("%1 (counted from 0: number %2%3)")
+        .arg(QString::number(unread.count), unread.first.join(QLatin1String(", ")),
+             unread.count > unread.first.size() ? QStringLiteral(", ...") : QString());
+}
+
 void ImportSummary::write(std::FILE *stream, std::optional<double> largestTime,
-                          const QString &unreadScans) const
+                          const std::vector<RunDoubt> &doubts) const
 {
     Lines all = lines;
     all.emplace_back("Points read", QString::number(points));
+    const QString value = number(largest.total, 8);
+    const QString scan = QString::number(largest.scan);
     if (largest.scan == -1)
         all.emplace_back("Trace maximum", "none");
     else if (facts && largestTime)
         all.emplace_back("Trace maximum",
                          QStringLiteral("%1 at %2, in scan %3")
-                             .arg(number(largest.total, 8), timeText(largestTime, facts->timeUnit),
-                                  QString::number(largest.scan)));
+                             .arg(value, timeText(largestTime, facts->timeUnit), scan));
     else
-        all.emplace_back(
-            "Trace maximum",
-            QStringLiteral("%1 in scan %2").arg(number(largest.total, 8), QString::number(largest.scan)));
-    all.emplace_back("Scans not read", unreadScans);
+        all.emplace_back("Trace maximum", QStringLiteral("%1 in scan %2").arg(value, scan));
+    all.emplace_back("Scans not read", unreadText());
+    if (doubts.empty())
+        all.emplace_back("Warnings", added < scanCount ? "none so far" : "none");
+    for (const RunDoubt &doubt : doubts)
+        all.emplace_back("Warning", doubt.text);
     writeFields(stream, all);
     writeLine(stream, QString());
 }

@@ -2,6 +2,7 @@
 #ifndef IMPORTSUMMARY_H
 #define IMPORTSUMMARY_H
 
+#include "rundoubt.h"
 #include "runfacts.h"
 
 #include <QString>
@@ -21,14 +22,17 @@ public:
     void start(const QString &fileName, const std::optional<RunFacts> &facts, const DVHeader &header,
                const float *table, int tableSize);
 
-    void addScan(int scan, double total, int pointCount);
+    // `failure` says why the scan couldn't be read, and is null if it could.
+    void addScan(int scan, double total, int pointCount, const QString &failure);
 
-    // After the last scan: the number of the scan with the largest total, -1 for none.
+    // Of the scans that were added: how many couldn't be read, and the one with the largest total, -1 for
+    // none.
+    int unreadCount() const { return unread.count; }
     int largestScan() const { return largest.scan; }
 
-    // Writes the summary. `largestTime` is the time of the scan with the largest total, if it is known;
-    // `unreadScans` is a phrase.
-    void write(std::FILE *stream, std::optional<double> largestTime, const QString &unreadScans) const;
+    // Writes the summary. `largestTime` is the time of the scan with the largest total, if it is known.
+    void write(std::FILE *stream, std::optional<double> largestTime,
+               const std::vector<RunDoubt> &doubts) const;
 
     // Writes the header as the host gets it.
     void writeHeader(std::FILE *stream) const;
@@ -37,14 +41,22 @@ private:
     using Lines = std::vector<std::pair<QString, QString>>;
 
     void addFacts(const RunFacts &facts);
-    void addTimes(const RunFacts &facts, int scanCount);
+    void addTimes(const RunFacts &facts);
     void addModulation(const DVHeader &header);
     void addHeader(const DVHeader &header);
+    QString unreadText() const;
 
     Lines lines;
     Lines headerLines;
     std::optional<RunFacts> facts;
     qint64 points = 0;
+    int scanCount = 0; // that the header tells of
+    int added = 0;
+    struct {
+        int count = 0;
+        QStringList first; // the numbers of the first few
+        QString reason;    // of the first one
+    } unread;
     struct {
         int scan = -1;
         double total = 0.0;

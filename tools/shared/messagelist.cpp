@@ -43,11 +43,21 @@ bool MessageList::has(Level level) const
 
 QStringList MessageList::take(Level level)
 {
+    return takeIf([level](const Entry &entry) { return entry.level == level; });
+}
+
+void MessageList::drop(const QString &text)
+{
+    takeIf([&text](const Entry &entry) { return plainText(entry.text) == text; });
+}
+
+template <class Condition> QStringList MessageList::takeIf(Condition &&condition)
+{
     QStringList taken;
     std::vector<Entry> kept;
     places.clear();
     for (const Entry &entry : entries) {
-        if (entry.level == level) {
+        if (condition(entry)) {
             taken.append(plainText(entry.text));
             continue;
         }

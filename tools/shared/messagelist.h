@@ -25,6 +25,9 @@ public:
     // Takes the texts of a level out of the list and returns them, as plain text.
     QStringList take(Level level);
 
+    // Takes a text, given as plain text, out of the list: for who says it elsewhere.
+    void drop(const QString &text);
+
     // Reports the messages from level `least` on, in the order in which they were first seen.
     void reportAll(Level least) const;
 
@@ -37,6 +40,8 @@ private:
         QString text;
         int count;
     };
+
+    template <class Condition> QStringList takeIf(Condition &&condition);
 
     const QString fileName;
     std::vector<Entry> entries;
