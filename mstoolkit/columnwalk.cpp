@@ -3,17 +3,39 @@
 #include "filestate_p.h"
 
 #include <algorithm>
-#include <cmath>
+#include <optional>
 
 namespace {
 
 constexpr std::size_t numbers_at_once = 1024;
 
+struct Fill {
+    double least;
+    double most;
+};
+
+// Floats and doubles with room for the rounded number of the manuals.
+std::optional<Fill> fill_of(nc_type type)
+{
+    constexpr double tolerance = 1e-5;
+    switch (type) {
+    case NC_SHORT:
+        return Fill{NC_FILL_SHORT, NC_FILL_SHORT};
+    case NC_INT:
+        return Fill{NC_FILL_INT, NC_FILL_INT};
+    case NC_FLOAT:
+    case NC_DOUBLE:
+        return Fill{(1.0 - tolerance) * NC_FILL_DOUBLE, (1.0 + tolerance) * NC_FILL_DOUBLE};
+    default:
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
-MsColumnWalk::MsColumnWalk(MsFileState &state, int variable_slot) : file(state), slot(variable_slot)
+MsColumnWalk::MsColumnWalk(MsFileState &state, int variable_slot) : file(&state), slot(variable_slot)
 {
-    const MsShape *shape = file.column(slot).shape();
+    const MsShape *shape = file->column(slot).shape();
     if (!shape)
         return;
     dimensions = shape->rank();
@@ -21,44 +43,31 @@ MsColumnWalk::MsColumnWalk(MsFileState &state, int variable_slot) : file(state),
         return;
     kind = shape->type;
     claimed = shape->length[0];
-    stored = file.data.count_stored(file.variables[slot], claimed);
+    stored = file->data.count_stored(file->variables[slot], claimed);
+    if (const std::optional<Fill> fill = fill_of(kind)) {
+        least_fill = fill->least;
+        most_fill = fill->most;
+    }
 }
 
-bool MsColumnWalk::is_fill(double number) const
-{
-    return ms_is_fill(kind, number);
-}
-
-bool MsColumnWalk::get(std::size_t place, double *number)
+MsColumnNumber MsColumnWalk::read(std::size_t place)
 {
     if (place >= stored)
-        return false;
-    if (place < first || place - first >= numbers.size()) {
-        first = place / numbers_at_once * numbers_at_once;
-        const std::size_t count = std::min(numbers_at_once, stored - first);
-        numbers.resize(count);
-        if (file.data.read({file.variables[slot], 1, &first, &count}, NC_DOUBLE, numbers.data())
-            != MsFetch::Read) {
-            stored = 0;
-            return false;
-        }
+        return {};
+    first = place / numbers_at_once * numbers_at_once;
+    const std::size_t count = std::min(numbers_at_once, stored - first);
+    numbers.resize(count);
+    if (file->data.read({file->variables[slot], 1, &first, &count}, NC_DOUBLE, numbers.data())
+        != MsFetch::Read) {
+        numbers.clear();
+        stored = 0;
+        return {};
     }
-    *number = numbers[place - first];
-    return true;
+    return {numbers[place - first], true};
 }
 
 bool ms_is_fill(nc_type type, double number)
 {
-    constexpr double tolerance = 1e-5; // for the rounded number of the manuals
-    switch (type) {
-    case NC_SHORT:
-        return number == NC_FILL_SHORT;
-    case NC_INT:
-        return number == NC_FILL_INT;
-    case NC_FLOAT:
-    case NC_DOUBLE:
-        return std::abs(number - NC_FILL_DOUBLE) <= tolerance * NC_FILL_DOUBLE;
-    default:
-        return false;
-    }
+    const std::optional<Fill> fill = fill_of(type);
+    return fill && number >= fill->least && number <= fill->most;
 }

@@ -6,9 +6,15 @@
 #include "mstoolkit.h"
 
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 struct MsFileState;
+
+struct MsColumnNumber {
+    double value = 0.0;
+    bool is_known = false; // whether the file has it and it could be read
+};
 
 class MsColumnWalk
 {
@@ -25,23 +31,32 @@ public:
     // Elements by the file's header; it may be cut off before.
     std::size_t length() const { return claimed; }
 
-    bool is_fill(double number) const;
+    // Whether a number is the one that the library stores where nothing was written.
+    bool is_fill(double number) const { return number >= least_fill && number <= most_fill; }
 
-    // False for an element that the file lacks or that can't be read.
-    bool get(std::size_t place, double *number);
+    MsColumnNumber get(std::size_t place)
+    {
+        if (place >= first && place - first < numbers.size())
+            return {numbers[place - first], true};
+        return read(place);
+    }
 
 private:
-    MsFileState &file;
+    MsColumnNumber read(std::size_t place);
+
+    MsFileState *file;
     int slot;
     int dimensions = -1;
     nc_type kind = NC_NAT;
     std::size_t claimed = 0;
     std::size_t stored = 0;
+    double least_fill = std::numeric_limits<double>::quiet_NaN();
+    double most_fill = std::numeric_limits<double>::quiet_NaN();
     std::size_t first = 0;
-    std::vector<double> numbers;
+    std::vector<double> numbers; // read ahead, from `first` on
 };
 
-// Whether a number is the one that the library stores where nothing was written.
+// The same of a number of that type.
 bool ms_is_fill(nc_type type, double number);
 
 inline bool ms_is_missing(double number)

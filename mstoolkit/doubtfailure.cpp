@@ -30,7 +30,9 @@ QString describe_variable(MsFileState &file, const MsVariableRow &row, bool is_n
 bool get_counter(MsColumnWalk &walk, qint32 scan, double *number)
 {
     constexpr double largest = std::numeric_limits<qint32>::max();
-    return walk.get(std::size_t(scan), number) && std::abs(*number) <= largest;
+    const MsColumnNumber found = walk.get(std::size_t(scan));
+    *number = found.value;
+    return found.is_known && std::abs(found.value) <= largest;
 }
 
 QString describe_place(MsFileState &file, double index, double count, double flags)

@@ -275,8 +275,8 @@ private:
         }
         // Some writers take the range of the totals for that of the intensities.
         const MsRawGlobalRecord &raw = tally.raw;
-        if (tally.knows_globals && is_near(raw.global_intensity_max, tally.most_total)
-            && is_near(raw.global_intensity_min, tally.least_total))
+        if (tally.knows_globals && is_near(raw.global_intensity_max, tally.claimed_totals.most)
+            && is_near(raw.global_intensity_min, tally.claimed_totals.least))
             found[MsDoubtKind::IntensityRange] = {};
     }
 
@@ -326,9 +326,9 @@ private:
             add(MsDoubtKind::UnreadableMasses, scans, QString(), QString());
             return;
         }
-        if (census.least < census.most)
-            add(MsDoubtKind::MergedMasses, 1, range_text(census.least, census.most),
-                QString::number(tally.knows_globals ? ms_given(tally.raw.mass_scale_factor, 1.0) : 1.0));
+        if (census.masses.least < census.masses.most)
+            add(MsDoubtKind::MergedMasses, 1, range_text(census.masses.least, census.masses.most),
+                QString::number(tally.claims.mass_scale));
         // Masses that no scan has needn't be any.
         for (const MsDoubtKind kind :
              {MsDoubtKind::BadMasses, MsDoubtKind::FillMasses, MsDoubtKind::ZeroMasses}) {
@@ -379,25 +379,24 @@ private:
     void list_times(double claimed_least, double claimed_most)
     {
         constexpr double slack = 0.01; // of the range
-        double point_time = 0.0;
-        MsColumnWalk point_times(file, MsVar_time_values);
-        const bool has_point_times = point_times.get(0, &point_time) && is_given(point_time);
+        const MsColumnNumber point_time = MsColumnWalk(file, MsVar_time_values).get(0);
+        const bool has_point_times = point_time.is_known && is_given(point_time.value);
         if (has_point_times || !is_given(claimed_least) || !is_given(claimed_most)
             || claimed_most <= claimed_least)
             return;
         const double room = slack * (claimed_most - claimed_least) + 1.0;
-        if (tally.least_time < claimed_least - room || tally.most_time > claimed_most + room)
-            add(MsDoubtKind::TimeRange, 1, range_text(tally.least_time, tally.most_time),
+        if (tally.times.least < claimed_least - room || tally.times.most > claimed_most + room)
+            add(MsDoubtKind::TimeRange, 1, range_text(tally.times.least, tally.times.most),
                 range_text(claimed_least, claimed_most));
     }
 
     // Some count from 0, others from 1.
     void list_first_scan(qint32 claimed)
     {
-        double number = 0.0;
         MsColumnWalk numbers(file, MsVar_actual_scan_number);
-        if (claimed != MsMissingLong && numbers.get(0, &number) && !ms_is_missing(number)
-            && !numbers.is_fill(number) && std::abs(number - claimed) > 1.0)
+        const auto [number, is_known] = numbers.get(0);
+        if (claimed != MsMissingLong && is_known && !ms_is_missing(number) && !numbers.is_fill(number)
+            && std::abs(number - claimed) > 1.0)
             add(MsDoubtKind::StartingScan, 1, QString::number(number), QString::number(claimed));
     }
 
@@ -428,7 +427,7 @@ QString ms_scan_failure(int ncid)
 qint32 ms_count_unread_scans(int ncid)
 {
     const MsFileState *file = ms_file_state(ncid);
-    return file ? file->dimensions[MsDim_scan_number].size - qint32(file->tally.scans_seen) : 0;
+    return file ? file->dimensions[MsDim_scan_number].size - file->tally.seen.size() : 0;
 }
 
 int ms_read_other_scans(int ncid)
@@ -442,7 +441,7 @@ int ms_read_other_scans(int ncid)
     quint64 points = 0;
     const qint32 scans = file->dimensions[MsDim_scan_number].size;
     for (qint32 i = 0; i < scans; ++i) {
-        if (std::size_t(i) < file->tally.seen.size() && file->tally.seen[std::size_t(i)])
+        if (file->tally.seen.contains(i))
             continue;
         const MsScan scan(ncid, i);
         const qint32 count = scan.isRead() ? std::max(scan.point_count, 0) : 0;

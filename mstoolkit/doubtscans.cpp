@@ -21,6 +21,36 @@ std::size_t scans_looked_at(const MsFileState &file)
     return std::size_t(file.data.can_hold(quint64(count) * bytes_each) ? count : std::min(count, always));
 }
 
+// What a file says of one scan.
+struct ScanNumbers {
+    qint64 scan = 0;
+    MsColumnNumber index;
+    MsColumnNumber points;
+    MsColumnNumber flags;
+    MsColumnNumber time;
+};
+
+// The numbers of all scans, from front to back. They are many: each is read once.
+class Scans
+{
+public:
+    explicit Scans(MsFileState &file)
+        : index(file, MsVar_scan_index), points(file, MsVar_point_count), flags(file, MsVar_flag_count),
+          time(file, MsVar_scan_acquisition_time)
+    {
+    }
+
+    ScanNumbers at(std::size_t scan)
+    {
+        return {qint64(scan), index.get(scan), points.get(scan), flags.get(scan), time.get(scan)};
+    }
+
+    MsColumnWalk index;
+    MsColumnWalk points;
+    MsColumnWalk flags;
+    MsColumnWalk time;
+};
+
 // The positions of the points of a scan, and of the flags behind them.
 struct Extent {
     qint32 start;
@@ -30,103 +60,116 @@ struct Extent {
     qint64 end() const { return qint64(start) + length; }
 };
 
+// Counts that can't be, and numbers of scans that were never written.
+class CountsOfScans
+{
+public:
+    CountsOfScans(const Scans &scans, MsFindings &found) : columns(scans), findings(found) { }
+
+    void take(const ScanNumbers &scan)
+    {
+        if ((scan.points.is_known && columns.points.is_fill(scan.points.value))
+            || (scan.time.is_known && columns.time.is_fill(scan.time.value)))
+            findings[MsDoubtKind::UnwrittenScans].add(scan.scan);
+        else if (scan.points.is_known && !(scan.points.value >= 0.0))
+            findings[MsDoubtKind::BadCounts].add(scan.scan);
+        if (scan.flags.is_known && !(scan.flags.value >= 0.0) && !columns.flags.is_fill(scan.flags.value))
+            findings[MsDoubtKind::BadFlagCounts].add(scan.scan);
+    }
+
+    void finish(std::size_t scan_count)
+    {
+        // Some writers leave them out altogether.
+        if (findings[MsDoubtKind::BadFlagCounts].count == qint64(scan_count))
+            findings[MsDoubtKind::BadFlagCounts] = MsFinding();
+    }
+
+private:
+    const Scans &columns;
+    MsFindings &findings;
+};
+
+// Where the points of scans lie, and what lies between them.
 class PointsOfScans
 {
 public:
-    PointsOfScans(MsFileState &state, std::size_t scan_count)
-        : file(state), scans(scan_count), tally(state.tally), findings(tally.found)
+    PointsOfScans(MsFileState &state, const Scans &scans, std::size_t scan_count)
+        : file(state), count(scan_count), tally(state.tally), findings(tally.found),
+          has_index(scans.index.is_usable()), has_counts(scans.points.is_usable())
     {
-        points = std::numeric_limits<qint64>::max();
         for (const int slot : {MsVar_mass_values, MsVar_time_values, MsVar_intensity_values}) {
             const MsColumnWalk numbers(file, slot);
             if (numbers.is_usable())
                 points = std::min(points, qint64(numbers.length()));
             has_points = has_points || numbers.is_usable();
         }
+        left_to_look_at = std::max<qint64>(1 << 20, points / 20);
     }
 
-    void look()
+    void take(const ScanNumbers &scan)
     {
-        const bool has_counts = MsColumnWalk(file, MsVar_point_count).is_usable();
-        if (!has_counts || !has_points)
+        if (!has_points || !has_counts)
             return;
-        if (!MsColumnWalk(file, MsVar_scan_index).is_usable()) {
-            look_without_index();
+        if (scan.points.is_known && !has_index) // then the counts may still say how points are shared out
+            unfound += std::max(scan.points.value, 0.0) + std::max(scan.flags.value, 0.0);
+        Extent extent;
+        if (!find(scan, &extent))
+            return;
+        if (extent.start < last_start)
+            findings[MsDoubtKind::FallingScanIndex].add(extent.scan);
+        is_in_order = is_in_order && extent.start >= last_end;
+        last_start = extent.start;
+        last_end = extent.end();
+        tally.points_of_scans += extent.length;
+    }
+
+    void finish()
+    {
+        if (!has_points || !has_counts)
+            return;
+        if (!has_index) {
+            if (count > 0 && points > 0 && unfound == double(points))
+                findings[MsDoubtKind::NoScanIndex] = {qint64(count), 0};
             return;
         }
-        qint64 start = 0;
-        qint64 end = 0;
-        qint64 covered = 0;
-        bool in_order = true;
-        walk([&](const Extent &extent) {
-            if (extent.start < start)
-                findings[MsDoubtKind::FallingScanIndex].add(extent.scan);
-            in_order = in_order && extent.start >= end;
-            start = extent.start;
-            end = extent.end();
-            covered += extent.length;
-        });
-        tally.points_of_scans = covered;
-        if (!in_order || (covered != points && is_whole))
+        if (!is_in_order || (tally.points_of_scans != points && is_whole))
             look_between();
     }
 
 private:
-    // Calls `use` with the extent of each scan that has points, all of them within the axis.
-    template <class Use> void walk(Use &&use)
+    // Whether a scan has points, all of them along the axis.
+    bool find(const ScanNumbers &scan, Extent *extent)
     {
-        MsColumnWalk indices(file, MsVar_scan_index);
-        MsColumnWalk counts(file, MsVar_point_count);
-        MsColumnWalk flags(file, MsVar_flag_count);
-        MsFinding beyond;
-        is_whole = true;
-        for (std::size_t i = 0; i < scans; ++i) {
-            double count = 0.0;
-            double index = 0.0;
-            double flag_count = 0.0;
-            if (!counts.get(i, &count) || !indices.get(i, &index)) {
-                is_whole = false; // nothing is known of the rest
-                break;
-            }
-            if (!(count >= 1.0))
-                continue;
-            if (!flags.get(i, &flag_count) || !(flag_count > 0.0))
-                flag_count = 0.0;
-            constexpr double largest = std::numeric_limits<qint32>::max();
-            const double length = std::floor(count) + std::floor(flag_count);
-            if (!(index >= 0.0 && index <= largest && length <= largest
-                  && std::floor(index) + length <= double(points))) {
-                beyond.add(qint64(i));
-                continue;
-            }
-            use(Extent{qint32(index), quint32(length), qint32(i)});
+        if (!scan.points.is_known || !scan.index.is_known) {
+            is_whole = false; // nothing is known of the rest
+            return false;
         }
-        findings[MsDoubtKind::ScansBeyondEnd] = beyond;
-    }
-
-    // Without an index no scan can be found, though the counts may say how the points are shared out.
-    void look_without_index()
-    {
-        MsColumnWalk counts(file, MsVar_point_count);
-        MsColumnWalk flags(file, MsVar_flag_count);
-        double sum = 0.0;
-        for (std::size_t i = 0; i < scans; ++i) {
-            double count = 0.0;
-            double flag_count = 0.0;
-            if (!counts.get(i, &count))
-                return;
-            flags.get(i, &flag_count);
-            sum += std::max(count, 0.0) + std::max(flag_count, 0.0);
+        if (!(scan.points.value >= 1.0))
+            return false;
+        constexpr double largest = std::numeric_limits<qint32>::max();
+        const double flags = scan.flags.is_known && scan.flags.value > 0.0 ? scan.flags.value : 0.0;
+        const double length = std::trunc(scan.points.value) + std::trunc(flags);
+        const double index = scan.index.value;
+        if (!(index >= 0.0 && index <= largest && length <= largest
+              && std::trunc(index) + length <= double(points))) {
+            findings[MsDoubtKind::ScansBeyondEnd].add(scan.scan);
+            return false;
         }
-        if (scans > 0 && points > 0 && sum == double(points))
-            findings[MsDoubtKind::NoScanIndex] = {qint64(scans), 0};
+        *extent = {qint32(index), quint32(length), qint32(scan.scan)};
+        return true;
     }
 
     // Scans that share points, and points that no scan has.
     void look_between()
     {
+        findings[MsDoubtKind::ScansBeyondEnd] = {};
         std::vector<Extent> extents;
-        walk([&](const Extent &extent) { extents.push_back(extent); });
+        Scans scans(file);
+        Extent found;
+        for (std::size_t i = 0; i < count; ++i) {
+            if (find(scans.at(i), &found))
+                extents.push_back(found);
+        }
         std::sort(extents.begin(), extents.end(), [](const Extent &one, const Extent &other) {
             return one.start != other.start ? one.start < other.start : one.scan < other.scan;
         });
@@ -157,134 +200,76 @@ private:
     bool holds_data(std::size_t position)
     {
         for (MsColumnWalk *numbers : {&masses, &intensities}) {
-            double number = 0.0;
-            if (numbers->get(position, &number) && number != 0.0 && !numbers->is_fill(number)
-                && !ms_is_missing(number))
+            const auto [value, is_known] = numbers->get(position);
+            if (is_known && value != 0.0 && !numbers->is_fill(value) && !ms_is_missing(value))
                 return true;
         }
         return false;
     }
 
     MsFileState &file;
-    std::size_t scans;
+    std::size_t count;
     MsTally &tally;
     MsFindings &findings;
+    bool has_index;
+    bool has_counts;
     bool has_points = false;
     bool is_whole = true;
-    qint64 points = 0;
+    bool is_in_order = true;
+    qint64 points = std::numeric_limits<qint64>::max();
+    qint64 last_start = 0; // of the scan before
+    qint64 last_end = 0;
+    double unfound = 0.0;
     MsColumnWalk masses{file, MsVar_mass_values};
     MsColumnWalk intensities{file, MsVar_intensity_values};
-    qint64 left_to_look_at = std::max<qint64>(1 << 20, points / 20);
+    qint64 left_to_look_at = 0;
 };
 
-// Counts that can't be, and numbers of scans that were never written.
-void look_at_counts(MsFileState &file, std::size_t scans, MsFindings &findings)
-{
-    MsColumnWalk counts(file, MsVar_point_count);
-    MsColumnWalk flags(file, MsVar_flag_count);
-    MsColumnWalk times(file, MsVar_scan_acquisition_time);
-    for (std::size_t i = 0; i < scans; ++i) {
-        double count = 0.0;
-        double flag_count = 0.0;
-        double time = 0.0;
-        const bool has_count = counts.get(i, &count);
-        if ((has_count && counts.is_fill(count)) || (times.get(i, &time) && times.is_fill(time)))
-            findings[MsDoubtKind::UnwrittenScans].add(qint64(i));
-        else if (has_count && !(count >= 0.0))
-            findings[MsDoubtKind::BadCounts].add(qint64(i));
-        if (flags.get(i, &flag_count) && !(flag_count >= 0.0) && !flags.is_fill(flag_count))
-            findings[MsDoubtKind::BadFlagCounts].add(qint64(i));
-    }
-    // Some writers leave them out altogether.
-    if (findings[MsDoubtKind::BadFlagCounts].count == qint64(scans))
-        findings[MsDoubtKind::BadFlagCounts] = MsFinding();
-}
-
+// When scans were taken.
 class TimesOfScans
 {
 public:
-    TimesOfScans(MsFileState &state, std::size_t scan_count)
-        : scans(scan_count), tally(state.tally), findings(tally.found),
-          times(state, MsVar_scan_acquisition_time)
+    TimesOfScans(MsTally &all, Scans &scans, std::size_t scan_count)
+        : tally(all), findings(all.found), times(scans.time), count(qint64(scan_count))
     {
+        // The way in which a GCxGC run gets its times.
+        const MsColumnNumber first = times.get(0);
+        MsColumnWalk behind = times;
+        const MsColumnNumber last = behind.get(scan_count - 1);
+        first_time = first.value;
+        interval = (last.value - first.value) / double(scan_count - 1);
+        has_interval = can_be(first) && can_be(last) && std::isfinite(interval);
     }
 
-    void look()
+    void take(const ScanNumbers &scan)
     {
-        if (scans == 0)
-            return;
-        if (!times.is_usable()) {
-            findings[MsDoubtKind::MissingTimes] = {qint64(scans), 0};
-            return;
-        }
-        double last_time = 0.0;
-        has_ends = get(scans - 1, &last_time) && get(0, &first_time);
-        interval = (last_time - first_time) / double(scans - 1);
-
-        double time = 0.0;
-        bool known = get(0, &time);
-        for (std::size_t i = 0; i < scans; ++i) {
-            double next = 0.0;
-            const bool knows_next = i + 1 < scans && get(i + 1, &next);
-            if (known)
-                take(i, time, knows_next ? next : std::numeric_limits<double>::max());
-            else
-                judge_missing(i);
-            time = next;
-            known = knows_next;
-        }
-        finish();
-    }
-
-private:
-    // Only times that can be.
-    bool get(std::size_t scan, double *time)
-    {
-        return times.get(scan, time) && std::isfinite(*time) && !ms_is_missing(*time)
-            && !times.is_fill(*time);
-    }
-
-    void judge_missing(std::size_t scan)
-    {
-        double time = 0.0;
-        if (!times.get(scan, &time))
+        if (!scan.time.is_known)
             return; // a file that is cut off
-        if (ms_is_missing(time))
-            findings[MsDoubtKind::MissingTimes].add(qint64(scan));
-        else if (!std::isfinite(time))
-            findings[MsDoubtKind::BadTimes].add(qint64(scan));
-    }
-
-    void take(std::size_t scan, double time, double next)
-    {
-        if (taken++ > 0)
-            compare(scan, time, next);
-        else
-            earliest = time;
-        before = time;
-        tally.least_time = std::min(tally.least_time, time);
-        tally.most_time = std::max(tally.most_time, time);
-        if (has_ends && std::isfinite(interval)
-            && std::abs(time - first_time - double(scan) * interval) > std::abs(interval) / 2.0)
-            findings[MsDoubtKind::UnevenTimes].add(qint64(scan));
-    }
-
-    void compare(std::size_t scan, double time, double next)
-    {
-        if (time < before) {
-            const bool goes_on = next < before && time <= earliest;
-            findings[goes_on ? MsDoubtKind::RestartingTimes : MsDoubtKind::FallingTimes].add(
-                qint64(scan));
-        } else if (time == before) {
-            findings[MsDoubtKind::EqualTimes].add(qint64(scan));
-        } else if (time - before > longest_step) {
-            longest_step = time - before;
-            longest_at = qint64(scan);
+        const double time = scan.time.value;
+        if (!can_be(scan.time)) {
+            if (ms_is_missing(time))
+                findings[MsDoubtKind::MissingTimes].add(scan.scan);
+            else if (!std::isfinite(time))
+                findings[MsDoubtKind::BadTimes].add(scan.scan);
+            return;
         }
+        judge_fall(time);
+        if (taken++ == 0)
+            earliest = time;
+        else
+            compare(scan.scan, time);
+        before = time;
+        tally.times.add(time);
+        if (has_interval
+            && std::abs(time - first_time - double(scan.scan) * interval) > std::abs(interval) / 2.0)
+            findings[MsDoubtKind::UnevenTimes].add(scan.scan);
     }
 
     void finish()
     {
+        if (!times.is_usable() && count > 0)
+            findings[MsDoubtKind::MissingTimes] = {count, 0};
+        judge_fall(std::numeric_limits<double>::max());
         constexpr qint64 enough = 10;
         const bool rises = findings[MsDoubtKind::FallingTimes].count == 0
             && findings[MsDoubtKind::RestartingTimes].count == 0;
@@ -292,11 +277,42 @@ private:
             findings[MsDoubtKind::TimeGap].add(longest_at);
     }
 
-    std::size_t scans;
+private:
+    bool can_be(const MsColumnNumber &time) const
+    {
+        return time.is_known && std::isfinite(time.value) && !ms_is_missing(time.value)
+            && !times.is_fill(time.value);
+    }
+
+    void compare(qint64 scan, double time)
+    {
+        if (time < before) {
+            fallen_scan = scan;
+            fallen_from = before;
+            fallen_to = time;
+        } else if (time == before) {
+            findings[MsDoubtKind::EqualTimes].add(scan);
+        } else if (time - before > longest_step) {
+            longest_step = time - before;
+            longest_at = scan;
+        }
+    }
+
+    // With the time behind it: one that is low by itself doesn't begin a run anew.
+    void judge_fall(double next)
+    {
+        if (fallen_scan == -1)
+            return;
+        const bool begins_anew = next < fallen_from && fallen_to <= earliest;
+        findings[begins_anew ? MsDoubtKind::RestartingTimes : MsDoubtKind::FallingTimes].add(fallen_scan);
+        fallen_scan = -1;
+    }
+
     MsTally &tally;
     MsFindings &findings;
-    MsColumnWalk times;
-    bool has_ends = false;
+    MsColumnWalk &times;
+    qint64 count;
+    bool has_interval = false;
     double first_time = 0.0;
     double interval = 0.0;
     qint64 taken = 0;
@@ -304,6 +320,9 @@ private:
     double before = 0.0;
     double longest_step = 0.0;
     qint64 longest_at = -1;
+    qint64 fallen_scan = -1; // not judged yet
+    double fallen_from = 0.0;
+    double fallen_to = 0.0;
 };
 
 } // namespace
@@ -313,12 +332,26 @@ void ms_look_at_scans(MsFileState &file)
     if (file.tally.knows_scans)
         return;
     file.tally.knows_scans = true;
-    const std::size_t scans = scans_looked_at(file);
-    look_at_counts(file, scans, file.tally.found);
-    PointsOfScans(file, scans).look();
+    const std::size_t count = scans_looked_at(file);
+    if (count == 0)
+        return;
+    Scans scans(file);
+    CountsOfScans counts(scans, file.tally.found);
+    PointsOfScans points(file, scans, count);
+    TimesOfScans times(file.tally, scans, count);
     // The spectra of a library come in any order.
-    if (file.experiment_type != MsLibrarySpectrum)
-        TimesOfScans(file, scans).look();
+    const bool has_order = file.experiment_type != MsLibrarySpectrum;
+    for (std::size_t i = 0; i < count; ++i) {
+        const ScanNumbers scan = scans.at(i);
+        counts.take(scan);
+        points.take(scan);
+        if (has_order)
+            times.take(scan);
+    }
+    counts.finish(count);
+    points.finish();
+    if (has_order)
+        times.finish();
 }
 
 void ms_look_at_totals(MsFileState &file)
@@ -333,8 +366,10 @@ void ms_look_at_totals(MsFileState &file)
         return;
     }
     MsColumnWalk totals(file, MsVar_total_intensity);
-    double total = 0.0;
-    for (std::size_t i = 0; i < scans && totals.get(i, &total); ++i) {
+    for (std::size_t i = 0; i < scans; ++i) {
+        const auto [total, is_known] = totals.get(i);
+        if (!is_known)
+            break;
         if (!std::isfinite(total) || ms_is_missing(total) || totals.is_fill(total))
             findings[MsDoubtKind::BadTotals].add(qint64(i));
     }
@@ -355,12 +390,11 @@ std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file)
         return !ms_is_missing(number) && !(number >= 0.0 && number <= most);
     };
     for (std::size_t i = 0; i < std::max(counts.length(), starts.length()); ++i) {
-        double count = 0.0;
-        double start = 0.0;
-        const bool is_known = counts.get(i, &count);
-        if (!starts.get(i, &start) && !is_known)
+        const MsColumnNumber count = counts.get(i);
+        const MsColumnNumber start = starts.get(i);
+        if (!count.is_known && !start.is_known)
             break;
-        if (is_odd(count, width) || is_odd(start, scans))
+        if (is_odd(count.value, width) || is_odd(start.value, scans))
             finding.add(qint64(i));
     }
     // Who reads groups looks their variables up first; until then they stay unknown.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <type_traits>
 
 namespace {
@@ -31,21 +32,33 @@ template <class Stored> double sum_of(const Stored *numbers, qint32 count)
         for (qint32 lane = 0; lane < lanes; ++lane)
             sums[lane] += double(numbers[i + lane]);
     }
-    double sum = 0.0;
-    for (const double each : sums)
-        sum += each;
+    double rest = 0.0;
     for (; i < count; ++i)
-        sum += double(numbers[i]);
-    return sum;
+        rest += double(numbers[i]);
+    return ((sums[0] + sums[4]) + (sums[1] + sums[5])) + ((sums[2] + sums[6]) + (sums[3] + sums[7]))
+        + rest;
 }
 
-// Whether none is below the one before, and none but the last ones NaN.
+// Whether none is below the one before, and none but the first or the last NaN.
 template <class Stored> bool rises(const Stored *numbers, qint32 count)
 {
     Flag<Stored> falls = 0;
     for (qint32 i = 1; i < count; ++i)
         falls |= Flag<Stored>(numbers[i - 1] <= numbers[i] ? 0 : 1);
     return falls == 0;
+}
+
+// Comparisons of doubles come one by one, but not the signs of their differences.
+bool rises(const double *numbers, qint32 count)
+{
+    quint64 signs = 0;
+    for (qint32 i = 1; i < count; ++i) {
+        const double step = numbers[i] - numbers[i - 1];
+        quint64 bits = 0;
+        std::memcpy(&bits, &step, sizeof bits);
+        signs |= bits;
+    }
+    return signs >> 63 == 0 && std::isfinite(sum_of(numbers, count));
 }
 
 template <class Stored> bool lies_within(const Stored *numbers, qint32 count, Stored least, Stored most)
@@ -62,29 +75,37 @@ template <class Stored> Stored clamp_to(double number)
     return Stored(std::clamp(number, double(Limits::lowest()), double(Limits::max())));
 }
 
-struct Range {
-    double least = std::numeric_limits<double>::infinity();
-    double most = -std::numeric_limits<double>::infinity();
-
-    void add(double number)
-    {
-        least = std::min(least, number);
-        most = std::max(most, number);
-    }
-    bool is_known() const { return least <= most; }
-};
+bool is_given(double number)
+{
+    return std::abs(number) < huge && !ms_is_missing(number); // and no NaN
+}
 
 // A range that two numbers of the file claim, from either end. None where both are 0: some writers leave
 // them so.
-Range claimed_range(double one, double other)
+MsRange claimed_range(double one, double other)
 {
-    const auto is_number = [](double number) {
-        return std::isfinite(number) && !ms_is_missing(number) && std::abs(number) < huge;
-    };
-    Range range;
-    if (is_number(one) && is_number(other) && (one != 0.0 || other != 0.0))
+    MsRange range;
+    if (is_given(one) && is_given(other) && (one != 0.0 || other != 0.0))
         range = {std::min(one, other), std::max(one, other)};
     return range;
+}
+
+bool is_usable_scale(double scale)
+{
+    return scale > 0.0 && std::isfinite(scale);
+}
+
+// With room for rounding, and as stored or as scaled: the template doesn't say which of them the range is
+// of.
+MsRange stored_range(const MsRange &claimed, double scale, double offset)
+{
+    constexpr double slack = 1e-3;
+    if (!claimed.is_known() || !is_usable_scale(scale) || !std::isfinite(offset))
+        return {};
+    const double room = slack * std::max(std::abs(claimed.least), std::abs(claimed.most));
+    const double least = claimed.least - room;
+    const double most = claimed.most + room;
+    return {std::min(least, (least - offset) / scale), std::max(most, (most - offset) / scale)};
 }
 
 // What can't be right about a mass as it is stored; Count for nothing.
@@ -103,13 +124,9 @@ class ScanTally
 {
 public:
     ScanTally(MsFileState &state, const MsScanRecord &record)
-        : file(state), tally(state.tally), scan(record), place(record.scan_number)
+        : file(state), tally(state.tally), claims(state.tally.claims), scan(record),
+          place(record.scan_number)
     {
-        if (!tally.knows_globals)
-            return;
-        mass_scale = ms_given(tally.raw.mass_scale_factor, 1.0);
-        scale = ms_given(tally.raw.intensity_scale_factor, 1.0);
-        offset = ms_given(tally.raw.intensity_add_offset, 0.0);
     }
 
     void take()
@@ -140,9 +157,12 @@ private:
             : sum <= double(std::numeric_limits<qint16>::lowest());
         if (is_odd && count_odd_intensities(numbers) > 0)
             return;
-        if (std::isfinite(scale) && std::isfinite(offset))
-            compare_total(sum * scale + scan.point_count * offset);
-        if (tally.knows_globals && !lies_in_global_range(numbers))
+        const double scaled = sum * claims.intensity_scale + scan.point_count * claims.intensity_offset;
+        if (std::isfinite(scaled))
+            compare_total(scaled);
+        if (claims.intensities.is_known()
+            && !lies_within(numbers, scan.point_count, clamp_to<Stored>(claims.intensities.least),
+                            clamp_to<Stored>(claims.intensities.most)))
             tally.found[MsDoubtKind::IntensityRange].add(place);
     }
 
@@ -162,31 +182,15 @@ private:
         return odd;
     }
 
-    // Beyond rounding, and as stored or as scaled: the template doesn't say which of them the range is
-    // of.
-    template <class Stored> bool lies_in_global_range(const Stored *numbers)
-    {
-        constexpr double slack = 1e-3;
-        const Range claimed =
-            claimed_range(tally.raw.global_intensity_min, tally.raw.global_intensity_max);
-        if (!claimed.is_known() || !(scale > 0.0) || !std::isfinite(scale) || !std::isfinite(offset))
-            return true;
-        const double room = slack * std::max(std::abs(claimed.least), std::abs(claimed.most));
-        const double least = claimed.least - room;
-        const double most = claimed.most + room;
-        return lies_within(numbers, scan.point_count,
-                           clamp_to<Stored>(std::min(least, (least - offset) / scale)),
-                           clamp_to<Stored>(std::max(most, (most - offset) / scale)));
-    }
-
     void compare_total(double sum)
     {
         const double total = scan.total_intensity;
         if (ms_is_missing(total) || ms_is_fill(NC_DOUBLE, total))
             return;
-        tally.totals.compare(place, total, sum);
-        tally.least_total = std::min(tally.least_total, total);
-        tally.most_total = std::max(tally.most_total, total);
+        // Some writers round it to a whole number, or cut it.
+        const bool is_rounded = total == std::trunc(total) && std::abs(total - sum) < 1.0;
+        tally.totals.compare(place, total, is_rounded ? total : sum);
+        tally.claimed_totals.add(total);
     }
 
     template <class Stored> void take_masses(const Stored *numbers)
@@ -195,7 +199,7 @@ private:
         const bool is_ordered = rises(numbers, count);
         const double first = double(numbers[0]);
         const double last = double(numbers[count - 1]);
-        Range range;
+        MsRange range;
         qint32 odd = 0;
         if (is_ordered && first > 0.0 && last < huge)
             range = {first, last};
@@ -204,12 +208,12 @@ private:
         tally.scans_with_order += count > 1;
         if (!is_ordered && odd == 0)
             tally.found[MsDoubtKind::UnorderedMasses].add(place);
-        if (range.is_known() && mass_scale > 0.0 && std::isfinite(mass_scale))
-            compare_masses({range.least * mass_scale, range.most * mass_scale});
+        if (range.is_known() && is_usable_scale(claims.mass_scale))
+            compare_masses({range.least * claims.mass_scale, range.most * claims.mass_scale});
     }
 
     // Returns how many can't be right; the others are in the range.
-    template <class Stored> qint32 look_at_masses(const Stored *numbers, Range *range)
+    template <class Stored> qint32 look_at_masses(const Stored *numbers, MsRange *range)
     {
         const nc_type type = ms_nc_type_of_format(file.mass_format, NC_NAT);
         qint32 odd = 0;
@@ -226,37 +230,36 @@ private:
         return odd;
     }
 
-    void compare_masses(const Range &measured)
+    void compare_masses(const MsRange &measured)
     {
         // Claims are often whole masses, or those of the scan's nominal window.
         constexpr double slack = 1.0;
-        const auto is_beyond = [&measured](const Range &claimed) {
+        const auto is_beyond = [&measured](const MsRange &claimed) {
             return claimed.is_known()
                 && (measured.least < claimed.least - slack || measured.most > claimed.most + slack);
         };
-        const Range claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
+        const MsRange claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
         if (claimed.is_known()) {
             tally.least_masses.compare(place, claimed.least, measured.least);
             tally.most_masses.compare(place, claimed.most, measured.most);
         }
         if (is_beyond(claimed))
             tally.found[MsDoubtKind::ScanMassRange].add(place);
-        if (tally.knows_globals
-            && is_beyond(claimed_range(tally.raw.global_mass_min, tally.raw.global_mass_max)))
+        if (is_beyond(claims.masses))
             tally.found[MsDoubtKind::MassRange].add(place);
     }
 
     template <class Stored> void take_times(const Stored *numbers)
     {
-        Range range;
+        MsRange range;
         for (qint32 i = 0; i < scan.point_count; ++i) {
             const double number = double(numbers[i]);
-            if (!ms_is_missing(number) && std::abs(number) < huge)
+            if (is_given(number))
                 range.add(number);
         }
         // Beyond rounding, and as stored or as scaled, as above.
         constexpr double slack = 0.01;
-        const Range claimed = claimed_range(scan.time_range_min, scan.time_range_max);
+        const MsRange claimed = claimed_range(scan.time_range_min, scan.time_range_max);
         const double room = slack * (claimed.most - claimed.least) + slack;
         const auto is_inside = [&](double factor) {
             return range.least * factor >= claimed.least - room
@@ -269,60 +272,78 @@ private:
 
     MsFileState &file;
     MsTally &tally;
+    const MsClaims &claims;
     const MsScanRecord &scan;
     const qint64 place;
-    double mass_scale = 1.0;
-    double scale = 1.0;
-    double offset = 0.0;
 };
 
 // Whether a scan is one of the file's, and passes for the first time.
 bool is_new(MsFileState &file, qint32 scan)
 {
-    MsTally &tally = file.tally;
-    if (scan < 0 || scan >= file.dimensions[MsDim_scan_number].size)
-        return false;
-    const auto place = std::size_t(scan);
-    if (place >= tally.seen.size())
-        tally.seen.resize(place + 1); // as a reader goes on, in steps that grow
-    if (tally.seen[place])
-        return false;
-    tally.seen[place] = true;
-    ++tally.scans_seen;
-    return true;
+    return scan >= 0 && scan < file.dimensions[MsDim_scan_number].size && file.tally.seen.insert(scan);
 }
 
 } // namespace
 
-void MsAgreement::compare(qint64 scan, double claimed, double measured)
+void MsAgreement::add_disagreement(qint64 scan, double claimed, double measured)
 {
-    constexpr std::array<double, LimitCount> limits = {1e-9, 1e-5, 1e-4, 1e-3, 1e-2};
-    ++compared;
-    if (claimed == measured)
-        return;
+    constexpr std::array<double, LimitCount> limits = {exact, 1e-5, 1e-4, 1e-3, 1e-2};
     const double difference = std::abs(claimed - measured);
     const double larger = std::max(std::abs(claimed), std::abs(measured));
-    for (std::size_t i = 0; i < limits.size(); ++i) {
-        if (!(difference <= limits[i] * larger)) // a NaN, too
-            off[i].add(scan);
+    std::size_t limit = Hundredth;
+    while (limit > 0 && difference <= limits[limit] * larger)
+        --limit;
+    if (!(difference <= exact * larger))
+        off[limit].add(scan);
+}
+
+MsFinding MsAgreement::off_by_more_than(Limit limit) const
+{
+    MsFinding all;
+    for (std::size_t i = limit; i < off.size(); ++i) {
+        if (off[i].count == 0)
+            continue;
+        all.first = all.count == 0 ? off[i].first : std::min(all.first, off[i].first);
+        all.count += off[i].count;
     }
+    return all;
 }
 
 MsFinding MsAgreement::disagreeing() const
 {
-    return off[Thousandth].count * 100 > compared ? off[Thousandth] : MsFinding();
+    const MsFinding found = off_by_more_than(Thousandth);
+    return found.count * 100 > compared ? found : MsFinding();
+}
+
+MsFinding MsAgreement::far_off() const
+{
+    return off_by_more_than(Hundredth);
 }
 
 MsFinding MsAgreement::odd_ones_out() const
 {
     constexpr qint64 enough = 5;
     const auto nearly_all_are_within = [this](Limit limit) {
-        return compared >= enough && off[limit].count * 100 <= std::max<qint64>(compared, 100);
+        return compared >= enough
+            && off_by_more_than(limit).count * 100 <= std::max<qint64>(compared, 100);
     };
     // A sum in single precision is off by its rounding where it is large, and exact where it is small.
     if (nearly_all_are_within(Exact))
-        return off[Rounding];
-    return nearly_all_are_within(Rounding) ? off[Little] : MsFinding();
+        return off_by_more_than(Rounding);
+    return nearly_all_are_within(Rounding) ? off_by_more_than(Little) : MsFinding();
+}
+
+void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw)
+{
+    tally.knows_globals = true;
+    tally.raw = raw;
+    MsClaims &claims = tally.claims;
+    claims.mass_scale = ms_given(raw.mass_scale_factor, 1.0);
+    claims.intensity_scale = ms_given(raw.intensity_scale_factor, 1.0);
+    claims.intensity_offset = ms_given(raw.intensity_add_offset, 0.0);
+    claims.masses = claimed_range(raw.global_mass_min, raw.global_mass_max);
+    claims.intensities = stored_range(claimed_range(raw.global_intensity_min, raw.global_intensity_max),
+                                      claims.intensity_scale, claims.intensity_offset);
 }
 
 void ms_tally_scan(MsFileState &file, const MsScanRecord &scan)
@@ -353,8 +374,7 @@ void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, q
             const MsDoubtKind oddity = oddity_of_mass(type, mass);
             if (oddity != MsDoubtKind::Count)
                 census.found[oddity].add(census.seen);
-            census.least = std::min(census.least, mass);
-            census.most = std::max(census.most, mass);
+            census.masses.add(mass);
         }
     });
 }

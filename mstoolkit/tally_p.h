@@ -8,7 +8,9 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <utility>
@@ -94,23 +96,54 @@ private:
 class MsAgreement
 {
 public:
-    void compare(qint64 scan, double claimed, double measured);
+    void compare(qint64 scan, double claimed, double measured)
+    {
+        ++compared;
+        if (!(std::abs(claimed - measured) <= exact * std::abs(claimed))) // a NaN, too
+            add_disagreement(scan, claimed, measured);
+    }
 
     // Scans that disagree: by more than a tenth of a percent, where that is more than a hundredth of
     // them.
     MsFinding disagreeing() const;
 
-    // Scans that disagree where nearly all others agree but for rounding.
+    // Scans that disagree where nearly all others agree to the last digits, or but for rounding.
     MsFinding odd_ones_out() const;
 
     // Scans that are off by more than a hundredth.
-    MsFinding far_off() const { return off[Hundredth]; }
+    MsFinding far_off() const;
 
 private:
     enum Limit { Exact, Rounding, Little, Thousandth, Hundredth, LimitCount };
+    static constexpr double exact = 1e-9;
+
+    void add_disagreement(qint64 scan, double claimed, double measured);
+    MsFinding off_by_more_than(Limit limit) const;
 
     qint64 compared = 0;
-    std::array<MsFinding, LimitCount> off; // by more than each
+    std::array<MsFinding, LimitCount> off; // by more than each, but not the next
+};
+
+// A range of numbers.
+struct MsRange {
+    void add(double number)
+    {
+        least = std::min(least, number);
+        most = std::max(most, number);
+    }
+    bool is_known() const { return least <= most; }
+
+    double least = std::numeric_limits<double>::infinity();
+    double most = -std::numeric_limits<double>::infinity();
+};
+
+// What the attributes of a file say about its points.
+struct MsClaims {
+    double mass_scale = 1.0;
+    double intensity_scale = 1.0;
+    double intensity_offset = 0.0;
+    MsRange masses;
+    MsRange intensities; // as they are stored, with room for rounding
 };
 
 // What the last census of masses came to.
@@ -120,40 +153,73 @@ struct MsCensusTally {
     qint64 keys = 0;
     // Of masses that all come to one key.
     qint64 seen = 0;
-    double least = std::numeric_limits<double>::infinity();
-    double most = -std::numeric_limits<double>::infinity();
+    MsRange masses;
     MsFindings found; // by position
+};
+
+// Scans, a bit for each. It grows as a reader goes on.
+class MsScanSet
+{
+public:
+    qint32 size() const { return count; }
+
+    bool contains(qint32 scan) const
+    {
+        const auto word = std::size_t(scan) / bits;
+        return word < words.size() && (words[word] >> (std::size_t(scan) % bits) & 1) != 0;
+    }
+
+    // Returns false for a scan that is there already.
+    bool insert(qint32 scan)
+    {
+        const auto word = std::size_t(scan) / bits;
+        if (word >= words.size())
+            words.resize(word + 1, 0);
+        const quint64 mark = quint64(1) << (std::size_t(scan) % bits);
+        if ((words[word] & mark) != 0)
+            return false;
+        words[word] |= mark;
+        ++count;
+        return true;
+    }
+
+private:
+    static constexpr std::size_t bits = 64;
+
+    std::vector<quint64> words;
+    qint32 count = 0;
 };
 
 struct MsTally {
     // Of ms_read_global: the numbers of the record that it returned; the texts belong to others.
     bool knows_globals = false;
     MsRawGlobalRecord raw;
+    MsClaims claims;
 
     // Of the scans' own numbers, which doubtscans.cpp reads once, and the totals of a trace likewise.
     bool knows_scans = false;
     bool knows_totals = false;
-    double least_time = std::numeric_limits<double>::infinity();
-    double most_time = -std::numeric_limits<double>::infinity();
+    MsRange times;
     qint64 points_of_scans = 0; // flags count, too
 
     MsCensusTally census;
 
     // Of scans that were read.
-    std::vector<bool> seen;
-    qint64 scans_seen = 0;
+    MsScanSet seen;
     qint64 scans_with_order = 0; // with two points or more
     MsAgreement totals;
     MsAgreement least_masses;
     MsAgreement most_masses;
-    double least_total = std::numeric_limits<double>::infinity();
-    double most_total = -std::numeric_limits<double>::infinity();
+    MsRange claimed_totals;
     bool has_failure = false;
     qint32 failed_scan = -1; // the last one
     QString first_failure;   // why the first one that failed couldn't be read
 
     MsFindings found;
 };
+
+// Takes note of the record that ms_read_global returned.
+void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw);
 
 // Takes note of a scan that was read, or that couldn't be read.
 void ms_tally_scan(MsFileState &file, const MsScanRecord &scan);

@@ -290,6 +290,10 @@ private slots:
         changed("one intensity", "wrong-totals 1", add("intensity_values", 155, 500));
         changed("intensities 0", "wrong-totals 1", put("intensity_values", 150, 0, 30));
         changed("one total", "wrong-totals 1", put("total_intensity", 5, 1));
+        changed("totals without decimals", "", [](int id) {
+            add("intensity_values", 0, 0.25, 600)(id);
+            add("total_intensity", 0, 7.0, 20)(id);
+        });
         changed("no totals", "", put("total_intensity", 0, -9999, 20));
         changed("an intensity scale of 2", "wrong-totals 20", putAttribute("intensity_values", "scale_factor", 2.0));
         changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
