@@ -1,7 +1,7 @@
 // The file that is opened is the one that is named: names in any script and coding, in any locale, and such
 // that look like the address of a server.
 
-#include "mstoolkit.h"
+#include "msfile.h"
 #include "plugin.h"
 #include "program.h"
 #include "rows.h"
@@ -52,10 +52,6 @@ struct HostsName {
     QString name;
     QByteArray file; // that is there
     bool opens;
-};
-
-struct Address {
-    QByteArray path; // HOST stands for the listener, FOLDER for the current folder
 };
 
 } // namespace
@@ -155,31 +151,31 @@ private slots:
 
     void address_data()
     {
-        const Rows<Address> row;
-        row("http") = {"http://HOST/x.cdf"};
-        row("https") = {"https://HOST/x.cdf"};
-        row("dods") = {"dods://HOST/x.cdf"};
-        row("s3") = {"s3://HOST/bucket/x.cdf"};
-        row("file") = {"file:///HOST/x.cdf"};
-        row("mode in front") = {"[mode=bytes]http://HOST/x.cdf"};
-        row("mode behind") = {"HOST/x.cdf#mode=bytes"};
-        row("mode and address") = {"http://HOST/x.cdf#mode=bytes"};
-        row("blanks in front") = {"  http://HOST/x.cdf"};
-        row("absolute") = {"FOLDER/http://HOST/x.cdf"};
+        const Rows<QByteArray> row; // HOST stands for the listener, FOLDER for the current folder
+        row("http") = "http://HOST/x.cdf";
+        row("https") = "https://HOST/x.cdf";
+        row("dods") = "dods://HOST/x.cdf";
+        row("s3") = "s3://HOST/bucket/x.cdf";
+        row("file") = "file:///HOST/x.cdf";
+        row("mode in front") = "[mode=bytes]http://HOST/x.cdf";
+        row("mode behind") = "HOST/x.cdf#mode=bytes";
+        row("mode and address") = "http://HOST/x.cdf#mode=bytes";
+        row("blanks in front") = "  http://HOST/x.cdf";
+        row("absolute") = "FOLDER/http://HOST/x.cdf";
     }
     void address()
     {
-        QByteArray path = Rows<Address>::current().path;
+        QByteArray path = Rows<QByteArray>::current();
         path.replace("HOST", listener.host()).replace("FOLDER", QFile::encodeName(folder->path()));
-        const auto write = [&] { return ms_open_write(path, 0, 1, 0, 76, 76, 76, 1, 0); };
-        QCOMPARE(ms_open_read(path), -1);
-        QCOMPARE(write(), -1); // into a folder that isn't there
+        const auto write = [&] { return MsFile::create(path, MsFileLayout()).isOpen(); };
+        QVERIFY(!MsFile(path.constData()));
+        QVERIFY(!write()); // into a folder that isn't there
 
         const QString name = QFile::decodeName(path);
         QVERIFY(QDir().mkpath(name.left(name.lastIndexOf(QLatin1Char('/')))));
-        QCOMPARE(ms_close(write()), 0);
+        QVERIFY(write());
         QVERIFY(QFile::exists(name));
-        QCOMPARE(ms_close(ms_open_read(path)), 0);
+        QVERIFY(MsFile(path.constData()));
         QVERIFY(!listener.wasAsked());
     }
 };
