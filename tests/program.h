@@ -53,6 +53,13 @@ inline bool writeFile(const QString &path, const QByteArray &bytes)
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+// Makes a netCDF file of a kind that ncgen knows from text.
+inline bool makeNetcdf(const QString &path, const QString &kind, const QByteArray &cdl)
+{
+    const QString text = path + QStringLiteral(".cdl");
+    return writeFile(text, cdl) && runProgram(QStringLiteral("ncgen"), {"-k", kind, "-o", path, text}).code == 0;
+}
+
 // Of this process.
 inline int openFiles()
 {

@@ -62,11 +62,6 @@ struct Progress {
     int length = 0;   // of the last line
 };
 
-struct RefusedOutput {
-    QString command; // of the shell, with the program as $0 and the file as $1
-    QByteArray sentence;
-};
-
 struct Limit {
     QString kind; // of the file
     int scans = 0;
@@ -116,6 +111,7 @@ private slots:
         row("folder") = {"folder.cdf", "\"FILE\" is a folder, not a file."};
         row("missing") = {"missing.cdf", "The file \"FILE\" doesn't exist."};
         row("header cut off") = {"cut.cdf", "File \"FILE\" is damaged: its header can't be right."};
+        row("first look") = {"newer.cdf", "File \"FILE\" was not opened: a first look at it "};
         row("extension") = {"run.txt",
                             "The name of the file \"FILE\" doesn't end in an extension that this import takes: .cdf."};
         row("no scans") = {fixture("chromatogram"),
@@ -133,19 +129,9 @@ private slots:
         const Run result = run({"--quiet", "--json", "-", row.file});
         QCOMPARE(result.code, 1);
         QCOMPARE(result.out, QByteArray());
-        const QByteArray said =
-            "aia-import: " + QByteArray(row.sentence).replace("FILE", row.file.toLocal8Bit()) + '\n';
+        const QByteArray said = "aia-import: " + QByteArray(row.sentence).replace("FILE", row.file.toLocal8Bit());
         QCOMPARE(result.err.left(said.size()), said);
         QCOMPARE(result.err.count("aia-import: "), 1 + result.err.count("aia-import: Warning for the file "));
-    }
-
-    void firstLook()
-    {
-        const Run result = run({"--quiet", "newer.cdf"});
-        QCOMPARE(result.code, 1);
-        QVERIFY2(result.err.startsWith("aia-import: File \"newer.cdf\" was not opened: a first look at it "),
-                 result.err);
-        QCOMPARE(result.err.count('\n'), 1);
     }
 
     void usage_data()
@@ -283,6 +269,8 @@ private slots:
         const QByteArray warning = "Warning for the file \"FILE\": Mandatory attribute \"netcdf-revision\" is missing";
         const Rows<Talk> row;
         row("summary and warnings") = {{"FILE"}, warning, 6};
+        // First and last time for the header, then each scan; not the second look at two of them.
+        row("once each") = {{"FILE"}, "Data type mismatch while loading \"scan_acquisition_time\" (6 times).\n", 6};
         row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 30, false};
         row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 13};
         row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 24};
@@ -443,8 +431,8 @@ private slots:
         const Limit &row = Rows<Limit>::current();
         const QString text = "netcdf limit { dimensions: scan_number = %1; point_number = %2; variables: %3 }";
         const char *points = row.claimedPoints > 0 ? "UNLIMITED" : "16384";
-        write("limit.cdl", text.arg(row.scans).arg(points).arg(row.variables).toLatin1());
-        QCOMPARE(runProgram("ncgen", {"-k", row.kind, "-o", "limit.cdf", "limit.cdl"}, folder.path()).code, 0);
+        const QByteArray cdl = text.arg(row.scans).arg(points).arg(row.variables).toLatin1();
+        QVERIFY(makeNetcdf(folder.filePath("limit.cdf"), row.kind, cdl));
         if (row.claimedPoints > 0) {
             QByteArray bytes = content(folder.filePath("limit.cdf"));
             qToBigEndian(row.claimedPoints, bytes.data() + 4);
@@ -454,17 +442,6 @@ private slots:
         const QByteArray sentence = "aia-import: The import of the file \"limit.cdf\" was given up: ";
         QCOMPARE(result.err.contains(sentence), !row.reason.isEmpty());
         QVERIFY2(result.err.contains(row.reason), result.err);
-    }
-
-    void messages()
-    {
-        const Run result = run({fixture("import-odd-scans")});
-        // First and last time for the header, then each scan; not the second look at two of them.
-        const QByteArray start =
-            "\naia-import: Warning for the file \"" + fixture("import-odd-scans").toLocal8Bit() + "\": ";
-        QVERIFY2(result.err.contains(start + "Data type mismatch while loading \"scan_acquisition_time\" (6 times).\n"),
-                 result.err);
-        QVERIFY(result.err.contains(start + "Mandatory attribute \"netcdf-revision\" is missing from file.\n"));
     }
 
     // A terminal breaks a line that is longer than it is wide.
@@ -488,21 +465,6 @@ private slots:
                 longest = std::max(longest, line.size());
         }
         QCOMPARE(longest, row.length);
-    }
-
-    void refusedOutput_data()
-    {
-        const Rows<RefusedOutput> row;
-        row("JSON") = {"exec \"$0\" --json - \"$1\" 1</dev/null",
-                       "Standard output can't be written: Bad file descriptor."};
-        row("summary") = {"exec \"$0\" \"$1\" 1</dev/null", "Standard output can't be written: Bad file descriptor."};
-    }
-    void refusedOutput()
-    {
-        const RefusedOutput &row = Rows<RefusedOutput>::current();
-        const Run result = runProgram("/bin/sh", {"-c", row.command, importer, fixture("gcgc")}, folder.path());
-        QCOMPARE(result.code, 1);
-        QVERIFY2(result.err.contains("aia-import: " + row.sentence + '\n'), result.err);
     }
 };
 

@@ -61,12 +61,7 @@ class TestOutputs : public QObject
 
     std::optional<QTemporaryDir> folder; // the current one
 
-    static void write(const QString &name, const QByteArray &bytes)
-    {
-        QFile file(name);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), qint64(bytes.size()));
-    }
+    static void write(const QString &name, const QByteArray &bytes) { QVERIFY(writeFile(name, bytes)); }
     static Run shell(const QString &command)
     {
         const QString names = QStringLiteral("import() { " AIA_TOOLS "/aia-import --quiet \"$@\"; }\n"

@@ -141,9 +141,7 @@ private slots:
 
     void refusesScans()
     {
-        MsFileLayout layout;
-        layout.scan_count = 2;
-        QVERIFY(create(layout));
+        QVERIFY(create({MsCentroidedSpectrum, 2}));
         float points[] = {1, 2};
         qint32 peaks[] = {1};
         const auto status = [&](int number, void *masses, void *intensities, int flags, qint32 *flagged) {
@@ -172,10 +170,7 @@ private slots:
     void keepsFlagsOfAWriterWithoutMasses()
     {
         for (const bool hasTime : {false, true}) {
-            MsFileLayout layout;
-            layout.mass_format = layout.time_format = layout.intensity_format = MsShortFormat;
-            layout.has_time_values = hasTime;
-            QVERIFY(create(layout));
+            QVERIFY(create({MsCentroidedSpectrum, 1, 0, MsShortFormat, MsShortFormat, MsShortFormat, true, hasTime}));
             MsScanDraft scan(0);
             qint16 points[] = {1, 2};
             qint32 peaks[] = {70000};
@@ -333,26 +328,23 @@ private slots:
     // As the library would by itself; a fixed dimension doesn't grow.
     void addsTextsAlongUnlimitedDimensions()
     {
+        file.close();
+        QVERIFY(makeNetcdf(path, QStringLiteral("classic"),
+                           "netcdf texts { dimensions: lines = UNLIMITED; width = 8;"
+                           "variables: char texts(lines, width); char fixed(width); }"));
         int id = -1; // none of the toolkit's
-        int dimensions[2];
-        int variables[2];
-        QCOMPARE(nc_create(path.toLatin1().constData(), NC_CLOBBER, &id), NC_NOERR);
-        nc_def_dim(id, "lines", NC_UNLIMITED, &dimensions[0]);
-        nc_def_dim(id, "width", 8, &dimensions[1]);
-        nc_def_var(id, "texts", NC_CHAR, 2, dimensions, &variables[0]);
-        nc_def_var(id, "fixed", NC_CHAR, 1, &dimensions[1], &variables[1]);
-        nc_enddef(id);
-        QCOMPARE(ms_write_string_variable(id, variables[0], 2, -1, 8, "third"), 0);
-        QCOMPARE(ms_write_string_variable(id, variables[0], 0, -1, 9, "too wide"), -1);
-        QCOMPARE(ms_write_string_variable(id, variables[1], -1, -1, 9, "too wide"), -1);
-        QCOMPARE(ms_write_string_variable(id, variables[1], 0, -1, 8, "no row"), -1);
+        QCOMPARE(nc_open(path.toLatin1().constData(), NC_WRITE, &id), NC_NOERR);
+        QCOMPARE(ms_write_string_variable(id, 0, 2, -1, 8, "third"), 0);
+        QCOMPARE(ms_write_string_variable(id, 0, 0, -1, 9, "too wide"), -1);
+        QCOMPARE(ms_write_string_variable(id, 1, -1, -1, 9, "too wide"), -1);
+        QCOMPARE(ms_write_string_variable(id, 1, 0, -1, 8, "no row"), -1);
         std::size_t lines = 0;
-        QCOMPARE(nc_inq_dimlen(id, dimensions[0], &lines), NC_NOERR);
+        QCOMPARE(nc_inq_dimlen(id, 0, &lines), NC_NOERR);
         QCOMPARE(lines, std::size_t(3));
-        char *text = ms_read_string_variable(id, variables[0], 2, -1, 8);
+        char *text = ms_read_string_variable(id, 0, 2, -1, 8);
         QCOMPARE(text, "third");
         ms_free(text);
-        QVERIFY(!ms_read_string_variable(id, variables[0], 3, -1, 8));
+        QVERIFY(!ms_read_string_variable(id, 0, 3, -1, 8));
         QCOMPARE(nc_close(id), NC_NOERR);
     }
 

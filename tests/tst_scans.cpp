@@ -169,36 +169,34 @@ private slots:
         QCOMPARE(census.keys.size(), row.keys);
     }
 
-    // Behind the last decimal lie a mass that a short can't hold, and more bytes than 32 bits count, of
-    // which nearly all were never written.
+    // Behind the last decimal lie a mass that a short can't hold, and more bytes than 32 bits count, of which
+    // nearly all were never written.
     void readsNoFurtherThanTheLastDecimal_data()
     {
-        const Rows<int> row;
-        row("masses that can't be read") = NC_INT64;
-        row("more than 4 GiB") = NC_DOUBLE;
+        const Rows<int> type;
+        type("masses that can't be read") = NC_INT64;
+        type("more than 4 GiB") = NC_DOUBLE;
     }
     void readsNoFurtherThanTheLastDecimal()
     {
-        const int type = Rows<int>::current();
-        constexpr std::size_t claimed = (std::size_t(1) << 29) + 1;
         const QString path = folder.filePath(QStringLiteral("long.cdf"));
         std::vector<double> masses(0x10001); // a short has a number less
         std::iota(masses.begin(), masses.end(), -32768.0);
         const std::size_t start = 0;
         const std::size_t count = masses.size();
+        constexpr std::size_t claimed = (std::size_t(1) << 29) + 1;
         int id = -1;
         int dimension = -1;
         int variable = -1;
         int fill = 0;
         nc_create(path.toLatin1().constData(), NC_64BIT_DATA, &id);
         nc_set_fill(id, NC_NOFILL, &fill);
-        nc_def_dim(id, "point_number", type == NC_DOUBLE ? claimed : count, &dimension);
-        nc_def_var(id, "mass_values", type, 1, &dimension, &variable);
+        nc_def_dim(id, "point_number", claimed, &dimension);
+        nc_def_var(id, "mass_values", Rows<int>::current(), 1, &dimension, &variable);
         nc_enddef(id);
         nc_put_vara_double(id, variable, &start, &count, masses.data());
         QCOMPARE(nc_close(id), NC_NOERR);
-        if (type == NC_DOUBLE)
-            QVERIFY(QFile::resize(path, qint64(claimed * sizeof(double)) + 4096));
+        QVERIFY(QFile::resize(path, qint64(claimed * sizeof(double)) + 4096));
 
         openPath(path);
         const MsCensus census = file.census(0, 1.0);
