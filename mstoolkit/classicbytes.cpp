@@ -170,6 +170,35 @@ bool convert(const unsigned char *bytes, std::size_t stride, std::size_t count, 
     return held;
 }
 
+// Exchanges the halves of each part of `bits` bits: in 64 bits at once, with the shifts that processors
+// have for whole vectors, which turn no bytes.
+template <int bits> quint64 exchange_halves(quint64 word)
+{
+    constexpr quint64 low = ~quint64(0) / ((quint64(1) << bits / 2) + 1);
+    return (word & low) << bits / 2 | (word >> bits / 2 & low);
+}
+
+// Turns numbers that are already where they end up.
+template <class Number> void turn_in_place(Number *numbers, std::size_t count)
+{
+    constexpr std::size_t width = sizeof(Number);
+    constexpr std::size_t at_once = sizeof(quint64) / width;
+    auto *const bytes = reinterpret_cast<unsigned char *>(numbers);
+    const std::size_t words = Q_BYTE_ORDER == Q_BIG_ENDIAN ? 0 : count / at_once;
+    for (std::size_t i = 0; i < words; ++i) {
+        quint64 word;
+        std::memcpy(&word, bytes + i * sizeof(word), sizeof(word));
+        word = exchange_halves<16>(word);
+        if constexpr (width > 2)
+            word = exchange_halves<32>(word);
+        if constexpr (width > 4)
+            word = word << 32 | word >> 32;
+        std::memcpy(bytes + i * sizeof(word), &word, sizeof(word));
+    }
+    for (std::size_t i = words * at_once; i < count; ++i)
+        numbers[i] = stored_number<Number>(bytes + i * width);
+}
+
 template <class Stored>
 bool convert_from(const unsigned char *bytes, std::size_t stride, std::size_t count, qint32 type,
                   void *target)
@@ -177,13 +206,18 @@ bool convert_from(const unsigned char *bytes, std::size_t stride, std::size_t co
     bool held = false;
     ms_with_format(ms_format_of_nc_type(type, 0), target, [&](auto *numbers) {
         using Target = std::remove_const_t<std::remove_pointer_t<decltype(numbers)>>;
-        if constexpr (std::is_floating_point_v<Stored> && !std::is_floating_point_v<Target>)
+        auto *const to = static_cast<Target *>(target);
+        if constexpr (std::is_floating_point_v<Stored> && !std::is_floating_point_v<Target>) {
             held = false; // can_convert has refused it
-        // A count of bytes that the compiler knows makes a loop of whole vectors.
-        else if (stride == sizeof(Stored))
-            held = convert<Stored>(bytes, sizeof(Stored), count, static_cast<Target *>(target));
-        else
-            held = convert<Stored>(bytes, stride, count, static_cast<Target *>(target));
+        } else if (std::is_same_v<Stored, Target> && bytes == target) {
+            turn_in_place(to, count);
+            held = true;
+        } else if (stride == sizeof(Stored)) {
+            // A count of bytes that the compiler knows makes a loop of whole vectors.
+            held = convert<Stored>(bytes, sizeof(Stored), count, to);
+        } else {
+            held = convert<Stored>(bytes, stride, count, to);
+        }
     });
     return held;
 }
