@@ -5,6 +5,7 @@
 #include "filedata_p.h"
 
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 // Remembers shape and elements of a file that is only read. The values of neighbouring scans lie side by
@@ -28,6 +29,26 @@ public:
     // NC_DOUBLE. What isn't a number counts as one that no type can hold.
     MsFetch number(std::size_t index, qint32 type, void *target);
 
+    // Copies such an element if it was read ahead and is stored as `wanted`; the variable has one
+    // dimension then. False otherwise: shape() and number() say more.
+    bool take_ahead(std::size_t index, qint32 wanted, void *target) const
+    {
+        const std::size_t place = index - first; // beyond all sizes where it lies before
+        if (type != wanted || found.type != wanted || place >= size)
+            return false;
+        // Sizes that the compiler knows cost one instruction.
+        switch (wanted) {
+        case NC_DOUBLE:
+            return copy_from<double>(place, target);
+        case NC_LONG:
+            return copy_from<qint32>(place, target);
+        case NC_SHORT:
+            return copy_from<qint16>(place, target);
+        default:
+            return false;
+        }
+    }
+
     // Reads `count` elements from `start` on, of a variable of one dimension, as a new array of type
     // `type`, NC_SHORT to NC_DOUBLE. Null where the variable hasn't that many, where one of them can't be
     // held, and where they can't be read.
@@ -38,6 +59,11 @@ public:
     bool line(std::size_t line, std::size_t width, double *target);
 
 private:
+    template <class Number> bool copy_from(std::size_t place, void *target) const
+    {
+        std::memcpy(target, elements.data() + place * sizeof(Number), sizeof(Number));
+        return true;
+    }
     bool covers(std::size_t start, std::size_t count, qint32 wanted) const;
     bool read_stretch(std::size_t start, std::size_t most, qint32 wanted);
     bool read_ahead(std::size_t from, std::size_t most, std::size_t start, std::size_t count,

@@ -14,6 +14,8 @@ int read_numbers(MsFileState &file, MsScanRecord *scan)
 int read_counter(MsFileState &file, int slot, qint32 scan, qint32 *value)
 {
     MsColumn &column = file.column(slot);
+    if (column.take_ahead(std::size_t(scan), NC_LONG, value))
+        return 0;
     const MsShape *shape = column.shape();
     if (!shape || shape->rank() != 1)
         return -1;

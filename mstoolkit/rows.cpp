@@ -28,6 +28,9 @@ int ms_read_row(MsFileState &file, const MsVariableRow &row, qint32 index, void 
         return -1;
 
     MsColumn &column = file.column(row.slot);
+    void *field = &ms_field<char>(record, row.field);
+    if (column.take_ahead(std::size_t(index), row.nc_type, field))
+        return 0;
     const MsShape *shape = column.shape();
     if (shape && !ms_fits(*shape, row))
         return -1;
@@ -37,7 +40,6 @@ int ms_read_row(MsFileState &file, const MsVariableRow &row, qint32 index, void 
         ms_field<char *>(record, row.field) = shape ? ms_read_text(file.data, *shape, place) : nullptr;
         return 0;
     }
-    void *field = &ms_field<char>(record, row.field);
     const MsFetch result = shape ? column.number(std::size_t(index), row.nc_type, field) : MsFetch::None;
     if (result == MsFetch::None)
         ms_set_missing(row.nc_type, field, 0);
