@@ -196,7 +196,7 @@ private slots:
         row("blank title") = {"run-facts", "Title: +not given"};
         row("stamp") = {"import-odd-scans", "Acquired: .*\\(2007-09-23 02:08:00 UTC\\)"};
         row("no stamp") = {"gcgc-total-ion", "Acquired: +not given"}; // the header has the present
-        row("operator") = {"run-facts", "Operator: +A. Nobody"};
+        row("operator") = {"run-facts", "Operator: +A. Nobody, who [who ]{135}... \\(227 characters\\)"};
         row("instrument") = {"run-facts", "Instrument: +GC \\(Maker 7\\), Maker 8, MS, ..."};
         row("method") = {"run-facts", "Method: +RTL.M .*"};
         row("spelled otherwise") = {"run-facts", "Separation: +Gas-Liquid Chromatography"};

@@ -25,7 +25,8 @@ QString latin1(const char *text)
 
 QString told(const QString &fact)
 {
-    return fact.isNull() ? QStringLiteral("not given") : fact;
+    constexpr int longest = 150; // a file may have a text of any length
+    return fact.isNull() ? QStringLiteral("not given") : shortened(fact, longest);
 }
 
 QString timeText(std::optional<double> time, const QString &unit)

@@ -3,6 +3,7 @@
 #include "fileattribute.h"
 #include "fillvalue.h"
 #include "msformat.h"
+#include "terminaltext.h"
 
 #include <algorithm>
 #include <array>
@@ -14,13 +15,6 @@ namespace {
 
 constexpr int longestAttribute = 1000;
 constexpr int longestLine = 255; // of a text variable: the widest in the template
-
-QString shortened(const QString &whole, int longest)
-{
-    if (whole.size() <= longest)
-        return whole;
-    return QStringLiteral("%1... (%2 characters)").arg(whole.left(longest)).arg(whole.size());
-}
 
 // Returns the double with the same shortest decimal as the float: 70.1, not 70.0999985.
 double widened(float number)

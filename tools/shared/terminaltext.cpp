@@ -30,6 +30,13 @@ QString withFullStop(const QString &text)
     return isSentence ? text : text + QLatin1Char('.');
 }
 
+QString shortened(const QString &text, int longest)
+{
+    if (text.size() <= longest)
+        return text;
+    return QStringLiteral("%1... (%2 characters)").arg(text.left(longest), QString::number(text.size()));
+}
+
 void writeLine(std::FILE *stream, const QString &text)
 {
     QString line = text;

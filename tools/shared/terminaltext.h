@@ -13,6 +13,9 @@ QString plainText(const QString &richText);
 // Returns the text with a full stop, unless it ends in a mark of that kind. For texts of libraries.
 QString withFullStop(const QString &text);
 
+// Returns the beginning of a text that has more than `longest` characters, and how many it has.
+QString shortened(const QString &text, int longest);
+
 // Writes a line in the terminal's coding. Control characters, which a file's texts may hold and a
 // terminal would obey, become question marks.
 void writeLine(std::FILE *stream, const QString &text);
