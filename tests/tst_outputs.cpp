@@ -164,7 +164,7 @@ private slots:
         ::kill(pid_t(program.processId()), row.signal);
         const Run result = finish(program);
         QCOMPARE(result.code, row.isMoved ? 1 : -1);
-        QCOMPARE(result.err.contains("Interrupted"), row.isMoved);
+        QCOMPARE(result.err.contains("The program was interrupted and stops at the next scan."), row.isMoved);
         const QByteArray old = content("old.json");
         if (!row.isMoved)
             QCOMPARE(old, precious);

@@ -17,7 +17,7 @@ QByteArray word; // made beforehand: a handler may do next to nothing
 void onInterruption(int signal)
 {
     const int reason = errno;
-    // A lost terminal comes from the system and from the shell; that isn't a second wish.
+    // A closed terminal sends the signal twice, by the system and by the shell; that is one interruption.
     if (interrupted && signal != SIGHUP) {
         OutputFile::removeUnfinished();
         std::signal(signal, SIG_DFL);
@@ -37,7 +37,7 @@ void onInterruption(int signal)
 void watchInterruptions()
 {
     word = QCoreApplication::applicationName().toUtf8()
-        + ": Interrupted; it stops at the next scan. Ctrl-C once more ends it at once.\n";
+        + ": The program was interrupted and stops at the next scan. Ctrl-C once more ends it at once.\n";
     if (isatty(STDERR_FILENO))
         word.prepend('\n'); // behind the "^C" of the terminal
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {

@@ -79,7 +79,10 @@ void MessageList::reportAll(Level least) const
                                 .arg(label(entry.level), fileName, plainText(entry.text) + times)));
     }
     if (leftOut > 0) {
-        report(QStringLiteral("Messages for the file \"%1\" that are left out here: %2.")
-                   .arg(fileName, QString::number(leftOut)));
+        const QString text = leftOut == 1
+            ? QStringLiteral("1 more message for the file \"%1\" is left out.").arg(fileName)
+            : QStringLiteral("%2 more messages for the file \"%1\" are left out.")
+                  .arg(fileName, QString::number(leftOut));
+        report(text);
     }
 }

@@ -51,7 +51,8 @@ void RunLimit::start(const MsFile &file, qint64 length)
 
 QString RunLimit::add(int pointCount, double total)
 {
-    // A total-ion trace needs no rule of its own: what it lacks isn't 0, and what it has the file holds.
+    // A trace needs no rule of its own: missing totals are -9999, not 0, and all others are stored in the
+    // file.
     empty = pointCount == 0 && total == 0.0 ? empty + 1 : 0;
     pointsLeft -= pointCount;
     if (empty > mostEmpty)
