@@ -227,6 +227,8 @@ private slots:
     {
         const auto copy = copyFor(fixture("total-ion"));
         QVERIFY(import(copy.get(), nullptr));
+        QVERIFY(dynamic_cast<DVImportParamType *>(copy.get())->reopenForFile(fixture("total-ion")));
+        QVERIFY(import(copy.get(), nullptr)); // frees the first trace
         QVERIFY(dynamic_cast<DVImportParamType *>(copy.get())->reopenForFile(fixture("no-attributes")));
         compare(thirdScan(copy.get(), {}), {2, 0});
     }

@@ -3,6 +3,7 @@
 #include "mstoolkit.h"
 #include "rows.h"
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -234,6 +235,7 @@ private slots:
         QCOMPARE(openWrite("", 1, 1), -1);
 
         const QTemporaryDir folder;
+        const auto goBack = qScopeGuard([before = QDir::currentPath()] { QDir::setCurrent(before); });
         QVERIFY(QDir::setCurrent(folder.path()));
         QCOMPARE(mkfifo("pipe.cdf", 0600), 0);
         QCOMPARE(ms_open_read("pipe.cdf"), -1); // doesn't wait for a writer
