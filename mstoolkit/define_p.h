@@ -1,5 +1,5 @@
-// Private to the toolkit: defining objects of the template in a file in define mode. The netCDF id goes
-// into the file's record, also the -1 of a refused definition. Each routine returns -1 at the first one.
+// Private to the toolkit: defining objects of the template in a file in define mode. Each routine puts
+// the netCDF ids into the file's record. At the first refused definition it puts -1 there and returns -1.
 #ifndef DEFINE_P_H
 #define DEFINE_P_H
 

@@ -24,7 +24,7 @@ struct MsFileState : MsFileRecord {
     // Forgets all that is known of the file but its record.
     void forget();
 
-    // A variable of the template, by MsVariableSlot: always that of the id in the record.
+    // Returns the column of a slot; a new one if the record has another id by now.
     MsColumn &column(int slot)
     {
         MsColumn &column = columns[std::size_t(slot)];

@@ -4,7 +4,8 @@
 
 namespace {
 
-// A negative index stands for the only component of a file with one. -1 in any other file.
+// Returns the component's index. A negative one means the only component; -1 if the file hasn't exactly
+// one.
 qint32 component_of(const MsFileRecord &file, const MsInstrumentRecord &instrument)
 {
     if (instrument.component_index >= 0)

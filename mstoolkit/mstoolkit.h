@@ -206,9 +206,10 @@ extern const MsTable<MsVariableRow> ms_library_table;    // 27 rows, MsLibraryRe
 QByteArray ms_path_of(const QString &name);
 
 // Opens an existing file for reading and finds the template's objects in it. `path` is NUL-terminated,
-// in the 8-bit coding of the file system. Any file that netCDF opens will do: nothing of the template
-// is required here. Whatever its name looks like, it is looked for among the files only. Returns the
-// netCDF id, or -1 for a null or empty path, a file that isn't netCDF, and a damaged header.
+// in the 8-bit coding of the file system. Any netCDF file will do. Whatever its name looks like, it is
+// looked for among the files only. Returns the netCDF id, or -1 for a null or empty path, a pipe, a
+// device, a folder, a file that isn't netCDF, a damaged header, and a file that changed while it was
+// opened.
 int ms_open_read(const char *path);
 
 // Creates a file, over an existing one of that name, with the template's dimensions and variables, and

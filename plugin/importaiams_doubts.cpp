@@ -63,7 +63,7 @@ void ImportAiaMs::tellDoubts(DoubtStage stage)
     setProperty("doubts", known);
 }
 
-// Of a run that its host didn't go through to the end, or in another order.
+// Tells what is left if the host stopped early or read the scans in another order.
 void ImportAiaMs::tellRemainingDoubts() noexcept
 {
     if (doubtStage != DoubtStage::TableMade)

@@ -33,7 +33,7 @@ template <class Row> bool isText(const Row &row)
     return row.nc_type == NC_CHAR;
 }
 
-// Gives each field of a record a value of its own, through its table.
+// Sets each field of a record to a value of its own, through its table.
 template <class Row> void fill(const MsTable<Row> &table, void *record, std::vector<QByteArray> *texts)
 {
     texts->reserve(200); // the records point into them
