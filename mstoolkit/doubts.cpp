@@ -59,6 +59,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 of %3 scans can't be read; the first is %4: %5."},
     {MsDoubtKind::UnreadableMasses, "unreadable-masses", true, true,
      "In \"%1\", the masses can't be read, so that only the total intensity of %2 [scan|scans] is left."},
+    {MsDoubtKind::MissingMasses, "missing-masses", true, true,
+     "\"%1\" has %2 [point|points] in its scans, and neither masses nor times for them."},
     {MsDoubtKind::NoIntensities, "no-intensities", true, true,
      "\"%1\" has neither masses nor a total intensity for its %2 [scan|scans]."},
     {MsDoubtKind::BadTotals, "bad-totals", true, true,
@@ -81,6 +83,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 [mass is|masses are] below 0; the first is in %4."},
     {MsDoubtKind::ZeroMasses, "zero-masses", false, false,
      "In \"%1\", %2 [mass is|masses are] 0; the first is in %4."},
+    {MsDoubtKind::OddMasses, "odd-masses", false, true,
+     "In \"%1\", %2 of %3 different masses [isn't a multiple|aren't multiples] of %4, as all others are."},
     {MsDoubtKind::UnorderedMasses, "unordered-masses", false, false,
      "In \"%1\", the masses of %2 of %3 scans don't rise, as those of the others do; the first is %4."},
     {MsDoubtKind::BadIntensities, "bad-intensities", false, false,
@@ -93,6 +97,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 of %3 scans [has|have] no time; the first is %4."},
     {MsDoubtKind::BadTimes, "bad-times", false, true,
      "In \"%1\", %2 of %3 scans [has|have] a time that is infinite or no number; the first is %4."},
+    {MsDoubtKind::ZeroTime, "zero-time", false, true,
+     "In \"%1\", the first scan has the time 0, though the others follow each other closely from %4 on."},
     {MsDoubtKind::RestartingTimes, "restarting-times", false, true,
      "In \"%1\", the times of the scans begin anew %2 [time|times], first at %4."},
     {MsDoubtKind::FallingTimes, "falling-times", false, true,
@@ -212,8 +218,11 @@ public:
             if (finding.count > 0)
                 add(row.kind, finding.count, QString::number(scans), place_of(row.kind, finding.first));
         }
+        if (tally.second_time > 0.0)
+            add(MsDoubtKind::ZeroTime, 1, QString(), QString::number(tally.second_time));
         list_length();
         list_failed_reads();
+        list_missing_masses();
         list_census();
         list_groups();
         if (tally.knows_globals)
@@ -282,12 +291,13 @@ private:
 
     void judge_totals()
     {
+        const MsAgreement &totals = tally.totals.is_exact() ? tally.totals : tally.rounded_totals;
         MsFinding &wrong = found[MsDoubtKind::WrongTotals];
-        wrong = tally.totals.disagreeing();
+        wrong = totals.disagreeing();
         if (wrong.count == 0)
-            wrong = tally.totals.odd_ones_out();
+            wrong = totals.odd_ones_out();
         if (wrong.count == 0)
-            wrong = tally.totals.far_off();
+            wrong = totals.far_off();
     }
 
     void list_length()
@@ -302,10 +312,19 @@ private:
         constexpr quint64 padding = 3;
         const quint64 extra = layout->length - std::min(layout->length, layout->told());
         const quint64 records = layout->records_behind();
-        if (records > 0)
+        if (records > 0 && lacks_records())
             add(MsDoubtKind::Unfinished, qint64(records), QString::number(layout->records), QString());
         else if (extra > padding)
             add(MsDoubtKind::TrailingBytes, qint64(extra), QString(), QString());
+    }
+
+    // Whether what lies behind the counted records can belong to the run.
+    bool lacks_records() const
+    {
+        int unlimited = -1;
+        nc_inq_unlimdim(file.ncid, &unlimited);
+        return unlimited == file.dimensions[MsDim_scan_number].id
+            || found[MsDoubtKind::ScansBeyondEnd].count > 0;
     }
 
     void list_failed_reads()
@@ -317,9 +336,21 @@ private:
             add(MsDoubtKind::ChangedFile, 1, QString(), QString());
     }
 
+    // Of a run with points, a writer leaves out one of the axes, not both.
+    void list_missing_masses()
+    {
+        const MsColumnNumber point_time = MsColumnWalk(file, MsVar_time_values).get(0);
+        if (!file.has_mass_values && tally.points_of_scans > 0
+            && !(point_time.is_known && is_given(point_time.value)))
+            add(MsDoubtKind::MissingMasses, tally.points_of_scans, QString(), QString());
+    }
+
     void list_census()
     {
         const MsCensusTally &census = tally.census;
+        if (census.odd_keys > 0)
+            add(MsDoubtKind::OddMasses, census.odd_keys, QString::number(census.keys),
+                QString::number(census.grid));
         if (!census.is_done || census.keys > 1)
             return;
         if (!census.is_read) {
@@ -348,7 +379,8 @@ private:
 
     void list_attributes(const MsRawGlobalRecord &raw)
     {
-        if (is_bad_scale(raw.mass_scale_factor))
+        // Or one with which nearly all scans' ranges are those of the masses as they are stored.
+        if (is_bad_scale(raw.mass_scale_factor) || tally.stored_masses.holds_where(tally.most_masses))
             add(MsDoubtKind::MassScale, 1, QString(), QString::number(raw.mass_scale_factor));
         if (is_bad_scale(raw.intensity_scale_factor))
             add(MsDoubtKind::IntensityScale, 1, QString(), QString::number(raw.intensity_scale_factor));

@@ -258,6 +258,8 @@ public:
             earliest = time;
         else
             compare(scan.scan, time);
+        if (taken == 2)
+            second = time;
         before = time;
         tally.times.add(time);
         if (has_interval
@@ -273,8 +275,16 @@ public:
         constexpr qint64 enough = 10;
         const bool rises = findings[MsDoubtKind::FallingTimes].count == 0
             && findings[MsDoubtKind::RestartingTimes].count == 0;
-        if (rises && taken >= enough && longest_step > (before - earliest) / 2.0)
+        // A detector may be off for a while, but not at the end.
+        constexpr double longest_pause = 10.0;
+        const double others = before - earliest - longest_step;
+        const double most = longest_at == count - 1 ? others : longest_pause * others;
+        if (rises && taken >= enough && longest_step > most)
             findings[MsDoubtKind::TimeGap].add(longest_at);
+        constexpr double far = 3.0; // in steps between the others
+        if (rises && taken >= enough && first_time == 0.0 && earliest == 0.0 && longest_at == 1
+            && second * double(taken - 2) > far * (before - second))
+            tally.second_time = second;
     }
 
 private:
@@ -317,6 +327,7 @@ private:
     double interval = 0.0;
     qint64 taken = 0;
     double earliest = 0.0;
+    double second = 0.0;
     double before = 0.0;
     double longest_step = 0.0;
     qint64 longest_at = -1;

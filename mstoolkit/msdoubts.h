@@ -11,7 +11,7 @@
 //     code                    count of   meaning
 //     cut-off             L   bytes      the file ends before its header says
 //     unfinished          L   records    records behind those that the header counts: its writer was interrupted
-//     trailing-bytes          bytes      bytes behind the end that the header gives
+//     trailing-bytes          bytes      bytes behind the end that the header gives, which no scan misses
 //     read-failed         LP  reads      the system couldn't read the file
 //     changed-file        P   1          the file was changed while it was open
 //     unwritten-scans     L   scans      point_count or time were never written: they hold the fill value
@@ -24,9 +24,10 @@
 //     unowned-points          positions  no scan has them, though they hold other than fill values and zeros
 //     unreadable-scans    LP  scans      can't be read; the sentence says why the first one can't
 //     unreadable-masses   L   scans      the masses can't be read, so that a run comes as a trace
+//     missing-masses      L   points     the scans have points, and the file neither masses nor times for them
 //     no-intensities      L   scans      the run has neither masses nor a total intensity
 //     bad-totals          L   scans      of a trace: a total intensity that is missing, infinite or NaN
-//     mass-scale              1          a scale_factor of 0, below 0, infinite or NaN
+//     mass-scale              1          a scale_factor of 0, below 0, infinite or NaN, or that the ranges of scans lack
 //     intensity-scale         1          the same of the intensities
 //     intensity-offset        1          an add_offset that is infinite or NaN
 //     merged-masses           1          the scale_factor leaves fewer than two masses, where more are stored
@@ -35,16 +36,18 @@
 //     fill-masses         P   masses     never written: the fill value
 //     negative-masses     P   masses     below 0
 //     zero-masses         P   masses     0
+//     odd-masses              masses     aren't whole numbers, or tenths, as 99 in 100 different ones of the run are
 //     unordered-masses    P   scans      the masses don't rise, though those of nearly all scans do
 //     bad-intensities     P   points     infinite or NaN
 //     fill-intensities    P   points     never written: the fill value
 //     unplaced-points     P   points     a mass without a place in the table of masses, which the caller counts
 //     missing-times           scans      no time, or the missing value
 //     bad-times               scans      a time that is infinite or NaN
+//     zero-time               1          the first scan has the time 0, far before the others
 //     restarting-times        scans      at which the times begin anew
 //     falling-times           scans      a time before that of the scan before
 //     equal-times             scans      a time that the scan before has, too
-//     time-gap                1          one step in time is longer than all others together
+//     time-gap                1          the step to the last scan is longer than all others together, or another one than ten times those
 //     uneven-times            scans      of a GCxGC run: more than half a step out of an even spacing
 //     mass-format             1          the attribute names another format than the stored one
 //     intensity-format        1          the same of the intensities

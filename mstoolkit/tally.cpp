@@ -189,7 +189,8 @@ private:
             return;
         // Some writers round it to a whole number, or cut it.
         const bool is_rounded = total == std::trunc(total) && std::abs(total - sum) < 1.0;
-        tally.totals.compare(place, total, is_rounded ? total : sum);
+        tally.totals.compare(place, total, sum);
+        tally.rounded_totals.compare(place, total, is_rounded ? total : sum);
         tally.claimed_totals.add(total);
     }
 
@@ -242,6 +243,8 @@ private:
         if (claimed.is_known()) {
             tally.least_masses.compare(place, claimed.least, measured.least);
             tally.most_masses.compare(place, claimed.most, measured.most);
+            if (claims.mass_scale != 1.0)
+                tally.stored_masses.compare(place, claimed.most, measured.most / claims.mass_scale);
         }
         if (is_beyond(claimed))
             tally.found[MsDoubtKind::ScanMassRange].add(place);
@@ -320,17 +323,25 @@ MsFinding MsAgreement::far_off() const
     return off_by_more_than(Hundredth);
 }
 
-MsFinding MsAgreement::odd_ones_out() const
+bool MsAgreement::nearly_all_are_within(Limit limit) const
 {
     constexpr qint64 enough = 5;
-    const auto nearly_all_are_within = [this](Limit limit) {
-        return compared >= enough
-            && off_by_more_than(limit).count * 100 <= std::max<qint64>(compared, 100);
-    };
-    // A sum in single precision is off by its rounding where it is large, and exact where it is small.
+    return compared >= enough && off_by_more_than(limit).count * 100 <= std::max<qint64>(compared, 100);
+}
+
+MsFinding MsAgreement::odd_ones_out() const
+{
+    // A sum in single precision is exact up to here, and off by its rounding beyond.
+    constexpr double exact_floats = 1 << 24;
     if (nearly_all_are_within(Exact))
-        return off_by_more_than(Rounding);
+        return off_by_more_than(largest < exact_floats ? Exact : Rounding);
     return nearly_all_are_within(Rounding) ? off_by_more_than(Little) : MsFinding();
+}
+
+bool MsAgreement::holds_where(const MsAgreement &other_fails) const
+{
+    return nearly_all_are_within(Rounding)
+        && other_fails.off_by_more_than(Hundredth).count * 2 > compared;
 }
 
 void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw)
@@ -377,4 +388,25 @@ void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, q
             census.masses.add(mass);
         }
     });
+}
+
+void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &keys, qint32 decimals)
+{
+    census.is_done = true;
+    census.is_read = is_read;
+    census.keys = keys.size();
+    constexpr int enough = 100;
+    if (decimals != 2 || keys.size() < enough)
+        return;
+    for (const qint32 step : {100, 10}) {
+        const int most = keys.size() / 100;
+        int odd = 0;
+        for (auto key = keys.begin(); key != keys.end() && odd <= most; ++key)
+            odd += *key % step != 0;
+        if (odd <= most) {
+            census.grid = step / 100.0;
+            census.odd_keys = odd;
+            return;
+        }
+    }
 }

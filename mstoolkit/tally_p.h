@@ -36,6 +36,7 @@ enum class MsDoubtKind {
     UnownedPoints,
     UnreadableScans,
     UnreadableMasses,
+    MissingMasses,
     NoIntensities,
     BadTotals,
     MassScale,
@@ -47,12 +48,14 @@ enum class MsDoubtKind {
     FillMasses,
     NegativeMasses,
     ZeroMasses,
+    OddMasses,
     UnorderedMasses,
     BadIntensities,
     FillIntensities,
     UnplacedPoints,
     MissingTimes,
     BadTimes,
+    ZeroTime,
     RestartingTimes,
     FallingTimes,
     EqualTimes,
@@ -99,6 +102,7 @@ public:
     void compare(qint64 scan, double claimed, double measured)
     {
         ++compared;
+        largest = std::max(largest, std::abs(claimed));
         if (!(std::abs(claimed - measured) <= exact * std::abs(claimed))) // a NaN, too
             add_disagreement(scan, claimed, measured);
     }
@@ -113,14 +117,22 @@ public:
     // Scans that are off by more than a hundredth.
     MsFinding far_off() const;
 
+    // Whether nearly all scans agree, and hardly any do in another comparison of theirs.
+    bool holds_where(const MsAgreement &other_fails) const;
+
+    // Whether nearly all scans agree to the last digits.
+    bool is_exact() const { return nearly_all_are_within(Exact); }
+
 private:
     enum Limit { Exact, Rounding, Little, Thousandth, Hundredth, LimitCount };
     static constexpr double exact = 1e-9;
 
+    bool nearly_all_are_within(Limit limit) const;
     void add_disagreement(qint64 scan, double claimed, double measured);
     MsFinding off_by_more_than(Limit limit) const;
 
     qint64 compared = 0;
+    double largest = 0.0;                  // that was claimed
     std::array<MsFinding, LimitCount> off; // by more than each, but not the next
 };
 
@@ -155,6 +167,9 @@ struct MsCensusTally {
     qint64 seen = 0;
     MsRange masses;
     MsFindings found; // by position
+    // Of masses that nearly all are multiples of one or of a tenth: that, and those that aren't.
+    double grid = 0.0;
+    qint64 odd_keys = 0;
 };
 
 // Scans, a bit for each. It grows as a reader goes on.
@@ -200,6 +215,7 @@ struct MsTally {
     bool knows_scans = false;
     bool knows_totals = false;
     MsRange times;
+    double second_time = 0.0;   // where the first one is 0 and far before it
     qint64 points_of_scans = 0; // flags count, too
 
     MsCensusTally census;
@@ -208,8 +224,10 @@ struct MsTally {
     MsScanSet seen;
     qint64 scans_with_order = 0; // with two points or more
     MsAgreement totals;
+    MsAgreement rounded_totals; // the same, where one that was rounded to a whole number agrees
     MsAgreement least_masses;
     MsAgreement most_masses;
+    MsAgreement stored_masses; // the largest as it is stored, where the file has a scale
     MsRange claimed_totals;
     bool has_failure = false;
     qint32 failed_scan = -1; // the last one
@@ -227,6 +245,9 @@ void ms_tally_failure(MsFileState &file, qint32 scan);
 
 // Takes note of the next masses of a census that has no more than one key yet.
 void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, qint32 count);
+
+// Takes note of the end of a census.
+void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &keys, qint32 decimals);
 
 // Reads where the points of all scans lie and when they were taken, once for a file.
 void ms_look_at_scans(MsFileState &file);

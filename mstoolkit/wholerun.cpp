@@ -198,9 +198,7 @@ int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double
     MsCensusTally &census = file->tally.census;
     census = MsCensusTally();
     const int status = read_census(*file, masses, decimals, scale);
-    census.is_done = true;
-    census.is_read = status == 0;
-    census.keys = masses.size();
+    ms_tally_census(census, status == 0, masses, *decimals);
     return status;
 }
 

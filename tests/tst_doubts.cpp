@@ -257,6 +257,7 @@ private slots:
         changed("a missing flag count", "bad-flag-counts 1", put("flag_count", 5, -9999));
         changed("no flag counts at all", "", put("flag_count", 0, -9999, 20));
         changed("a time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 5, 0));
+        changed("a first time of 0", "zero-time 1, time-gap 1, time-range 1", put("scan_acquisition_time", 0, 0));
         changed("a time that isn't there", "missing-times 1", put("scan_acquisition_time", 5, -9999));
         changed("a time twice", "equal-times 1", add("scan_acquisition_time", 5, -0.6));
         changed("a time that is no number", "bad-times 1", put("scan_acquisition_time", 5, notANumber));
@@ -264,6 +265,16 @@ private slots:
         changed("times that begin anew", "restarting-times 1", [](int id) {
             for (std::size_t i = 10; i < 20; ++i)
                 put("scan_acquisition_time", i, 179.0 + double(i - 10))(id);
+        });
+        changed("a pause", "", [](int id) {
+            add("scan_acquisition_time", 10, 60, 10)(id);
+            putAttribute(nullptr, "global_time_max", 251.4)(id);
+        });
+        changed("a mass off the grid of the others", "odd-masses 1", [](int id) {
+            for (std::size_t i = 0; i < 600; ++i)
+                put("mass_values", i, i == 99 ? 149.3 : 50.0 + double(i))(id);
+            put("mass_range_min", 0, -9999, 20)(id);
+            putAttribute(nullptr, "global_mass_max", 649.0)(id);
         });
         changed("a last time far off", "time-gap 1, time-range 1", put("scan_acquisition_time", 19, 1e6));
         changed("a last time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 19, 0));
@@ -273,21 +284,30 @@ private slots:
         changed("intensity scale NaN", "intensity-scale 1",
                 putAttribute("intensity_values", "scale_factor", notANumber));
         changed("offset NaN", "intensity-offset 1", putAttribute("intensity_values", "add_offset", notANumber));
-        changed("mass scale that merges", "merged-masses 1, mass-range 20, scan-mass-range 20",
+        changed("mass scale that merges", "mass-scale 1, merged-masses 1, mass-range 20, scan-mass-range 20",
                 putAttribute("mass_values", "scale_factor", 1e-9));
+        changed("mass scale of 2", "mass-scale 1, mass-range 15, scan-mass-range 20",
+                putAttribute("mass_values", "scale_factor", 2.0));
+        changed("no masses", "missing-masses 600", rename("mass_values"));
         changed("masses 0", "zero-masses 3", put("mass_values", 155, 0, 3));
         changed("a mass below 0", "negative-masses 1", put("mass_values", 155, -50));
         changed("a mass NaN", "bad-masses 1", put("mass_values", 155, notANumber));
         changed("a mass infinite", "bad-masses 1", put("mass_values", 155, infinity));
         changed("a mass never written", "fill-masses 1", put("mass_values", 155, 9.96921e36));
         changed("a mass out of order", "unordered-masses 1, scan-mass-range 1", put("mass_values", 155, 200));
+        changed("masses that fall in all scans", "", [](int id) {
+            for (std::size_t i = 0; i < 600; ++i)
+                put("mass_values", i, 350.0 - 10.0 * double(i % 30))(id);
+            put("mass_range_min", 0, 60, 20)(id);
+            put("mass_range_max", 0, 350, 20)(id);
+        });
         changed("a mass far off", "unordered-masses 1, mass-range 1, scan-mass-range 1", put("mass_values", 155, 1e30));
         changed("a last mass off", "scan-mass-range 1", add("mass_values", 179, 0.1));
         changed("all masses NaN", "bad-masses 600", put("mass_values", 0, notANumber, 600));
         changed("all masses 0", "zero-masses 600", put("mass_values", 0, 0, 600));
         changed("an intensity NaN", "bad-intensities 1", put("intensity_values", 155, notANumber));
         changed("an intensity never written", "fill-intensities 1", put("intensity_values", 155, NC_FILL_FLOAT));
-        changed("one intensity", "wrong-totals 1", add("intensity_values", 155, 500));
+        changed("one intensity", "wrong-totals 1", add("intensity_values", 155, 1));
         changed("intensities 0", "wrong-totals 1", put("intensity_values", 150, 0, 30));
         changed("one total", "wrong-totals 1", put("total_intensity", 5, 1));
         changed("totals without decimals", "", [](int id) {
@@ -328,6 +348,7 @@ private slots:
         };
         bytes("the last byte lost", "cut-off 1, unreadable-scans 1", [](QByteArray *file) { file->chop(1); });
         bytes("bytes behind", "trailing-bytes 5", [](QByteArray *file) { file->append("abcde"); });
+        bytes("a record behind", "trailing-bytes 100", [](QByteArray *file) { file->append(100, 'a'); });
         bytes("no records counted", "unfinished 600, scans-beyond-end 20, unreadable-scans 20",
               [](QByteArray *file) { file->replace(4, 4, QByteArray(4, '\0')); });
     }
