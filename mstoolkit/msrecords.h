@@ -97,7 +97,11 @@ template <class Record> class MsOwned : public Record
 {
 public:
     // An empty record, for a routine of mstoolkit.h to fill; isRead() is false.
-    MsOwned() : Record(MsDraft<Record>(-1)) { }
+    MsOwned()
+    {
+        MsRoutines<Record>::init(0, this);
+        MsRoutines<Record>::number(this) = -1;
+    }
 
     // Reads the record with that number, from 0, of an open file.
     MsOwned(int ncid, qint32 number) : MsOwned() // complete from here on: its end frees what was read
