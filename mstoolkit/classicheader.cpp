@@ -245,7 +245,8 @@ void Walk::lay(MsClassicLayout *layout) const
         const quint64 lineSize = ms_product(elements(variable, 1), extent.width);
         extent.stride = isRecord(variable) ? stride : lineSize;
         const quint64 lead = isRecord(variable) ? extent.begin - recordBegin() : 0;
-        extent.lead = lead < stride ? lead : 0; // variables of other places have no record in common
+        // A variable of another place has no record in common with the others.
+        extent.lead = ms_sum(lead, extent.width) <= stride ? lead : 0;
         layout->variables.push_back(extent);
 
         const quint64 lines = isRecord(variable) ? records
