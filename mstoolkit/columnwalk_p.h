@@ -31,6 +31,9 @@ public:
     // Elements by the file's header; it may be cut off before.
     std::size_t length() const { return claimed; }
 
+    // Those that the file has; fewer after one that couldn't be read.
+    std::size_t stored_length() const { return stored; }
+
     // Whether a number is the one that the library stores where nothing was written.
     bool is_fill(double number) const { return number >= least_fill && number <= most_fill; }
 

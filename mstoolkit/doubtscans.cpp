@@ -188,10 +188,13 @@ private:
             look_at_gap(end, points);
     }
 
-    // Positions from `from` up to `to`. Of a file with endless room between its scans some have to do.
+    // Looks at the positions from `from` up to `to`, as far as the file has them; at a limited number of
+    // them, as a file may claim any.
     void look_at_gap(qint64 from, qint64 to)
     {
-        for (qint64 i = from; i < to && left_to_look_at > 0; ++i, --left_to_look_at) {
+        const qint64 end =
+            std::min(to, qint64(std::max(masses.stored_length(), intensities.stored_length())));
+        for (qint64 i = from; i < end && left_to_look_at > 0; ++i, --left_to_look_at) {
             if (holds_data(std::size_t(i)))
                 findings[MsDoubtKind::UnownedPoints].add(i);
         }
