@@ -1,7 +1,6 @@
 // aia-import as a person or a script meets it: output, messages and exit code.
 
 #include "acquisitiontime.h"
-#include "damagednewer.h"
 #include "program.h"
 #include "rows.h"
 
@@ -11,22 +10,9 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
-#include <csignal>
-
 namespace {
 
 const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
-
-struct Refusal {
-    QString file;
-    QByteArray sentence; // in which FILE stands for the file
-};
-
-struct Usage {
-    QStringList arguments; // in which FILE stands for a file that can be imported
-    int code = 0;
-    QByteArray sentence{};
-};
 
 struct SummaryLine {
     QString file; // imported with modulations of 60 s, and verbosely
@@ -87,88 +73,6 @@ class TestAiaImport : public QObject
     QTemporaryDir folder;
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(folder.isValid());
-        const QByteArray gcgc = content(fixture("gcgc"));
-        write("text.cdf", "not netCDF");
-        write("empty.cdf", QByteArray());
-        write("cut.cdf", gcgc.left(100));
-        write("newer.cdf", damagedNewer(crashingPlace));
-        write("run.txt", gcgc);
-        write("B.CDF", gcgc);
-        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.cdf")));
-    }
-
-    void refusal_data()
-    {
-        const QByteArray cannot = "The file \"FILE\" can't be imported: ";
-        const QByteArray noNetcdf =
-            cannot + "netCDF can't open it: it isn't a netCDF file, or its header is damaged or cut off";
-        const Rows<Refusal> row;
-        row("text") = {"text.cdf", noNetcdf + "."};
-        row("empty") = {"empty.cdf", "The file \"FILE\" is empty."};
-        row("folder") = {"folder.cdf", "\"FILE\" is a folder, not a file."};
-        row("missing") = {"missing.cdf", "The file \"FILE\" doesn't exist."};
-        row("header cut off") = {"cut.cdf", "File \"FILE\" is damaged: its header can't be right."};
-        row("first look") = {"newer.cdf", "File \"FILE\" was not opened: a first look at it "};
-        row("extension") = {"run.txt",
-                            "The name of the file \"FILE\" doesn't end in an extension that this import takes: .cdf."};
-        row("no scans") = {fixture("chromatogram"),
-                           cannot
-                               + "it has no dimension \"scan_number\", so it isn't a mass spectrometry file of the "
-                                 "AIA MS template."};
-        row("attributes") = {fixture("error-log-rank-1"),
-                             cannot
-                                 + "its global attributes can't be read (Size type mismatch while loading "
-                                   "\"error_log\")."};
-    }
-    void refusal()
-    {
-        const Refusal &row = Rows<Refusal>::current();
-        const Run result = run({"--quiet", "--json", "-", row.file});
-        QCOMPARE(result.code, 1);
-        QCOMPARE(result.out, QByteArray());
-        const QByteArray said = "aia-import: " + QByteArray(row.sentence).replace("FILE", row.file.toLocal8Bit());
-        QCOMPARE(result.err.left(said.size()), said);
-        QCOMPARE(result.err.count("aia-import: "), 1 + result.err.count("aia-import: Warning for the file "));
-    }
-
-    void usage_data()
-    {
-        const auto noLength = [](const QByteArray &text) {
-            return '"' + text + "\" isn't a modulation length: a number from 0 to 100 is needed.";
-        };
-        const Rows<Usage> row;
-        row("no file") = {{}, 2, "No file is named."};
-        row("no length") = {{"--gcxgc", "0", "FILE"}};
-        row("longest") = {{"--gcxgc", "100", "FILE"}};
-        row("too long") = {{"--gcxgc", "100.01", "FILE"}, 2, noLength("100.01")};
-        row("negative") = {{"--gcxgc", "-0.5", "FILE"}, 2, noLength("-0.5")};
-        row("not a number") = {{"--gcxgc", "nan", "FILE"}, 2, noLength("nan")};
-        row("text") = {{"--gcxgc", "6s", "FILE"}, 2, noLength("6s")};
-        row("answer and question") = {
-            {"--gcxgc", "6", "--ask", "FILE"}, 2, "The options --ask and --gcxgc exclude each other."};
-        row("loud and quiet") = {
-            {"--quiet", "--verbose", "FILE"}, 2, "The options --quiet and --verbose exclude each other."};
-        row("unknown option") = {{"--no-such-option", "FILE"}, 2, "Unknown option 'no-such-option'."};
-        row("JSON nowhere") = {{"--json", "", "FILE"}, 2, "The file name after --json is empty."};
-        row("capitals") = {{"B.CDF"}};
-        row("help wins") = {{"--help", "FILE"}};
-        row("version wins") = {{"--version", "FILE"}};
-    }
-    void usage()
-    {
-        const Usage &row = Rows<Usage>::current();
-        const Run result = run(QStringList(row.arguments).replaceInStrings("FILE", fixture("gcgc")));
-        QCOMPARE(result.code, row.code);
-        QCOMPARE(result.out.isEmpty(), row.code == 2);
-        if (row.code == 2)
-            QCOMPARE(result.err,
-                     "aia-import: " + row.sentence
-                         + "\naia-import: The option --help shows how the program is used.\n");
-    }
-
     void asksOnADisplayOnly()
     {
         for (const char *setting : {"DISPLAY=", "DISPLAY=:4711", "QT_QPA_PLATFORM=none"}) {
@@ -376,28 +280,6 @@ private slots:
         const QByteArray err = runProgram("/bin/sh", arguments).err;
         QCOMPARE(err.count("no dimension \"scan_number\""), 40);
         QCOMPARE(err.count("1 of 4 scans can't be read"), 40);
-    }
-
-    // Many scans and nothing else; as long as nobody reads the JSON, it can't come to its end.
-    void interrupt()
-    {
-        write("long.cdf",
-              QByteArray::fromHex("43444601000000000000000a000000010000000b") + QByteArray("scan_number", 12)
-                  + QByteArray::fromHex("7735940000000000000000000000000000000000"));
-        QProcess program;
-        program.setWorkingDirectory(folder.path());
-        program.start(importer, {"--verbose", "--json", "-", "long.cdf", fixture("gcgc")});
-        QByteArray err;
-        while (!err.contains("*** fin") && program.waitForReadyRead(longestWait))
-            err += program.readAllStandardError();
-        ::kill(pid_t(program.processId()), SIGINT);
-        const Run result = finish(program);
-        QCOMPARE(result.code, 1);
-        QVERIFY2(result.err.contains("of 2000000000 scans"), result.err);
-        QVERIFY(result.err.contains(" of 2000000000, as the import stopped before them"));
-        QVERIFY(!result.err.contains("given up"));
-        QVERIFY(result.err.contains("aia-import: The program stopped before it looked at 1 of 2 files.\n"));
-        QVERIFY(result.out.contains("}],\"complete\":false,") && result.out.endsWith("]}\n"));
     }
 
     // A run is given up where it claims more than the file can hold, and not before.

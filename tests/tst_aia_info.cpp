@@ -1,6 +1,5 @@
 // aia-info as a person or a script meets it: output, messages and exit code.
 
-#include "damagednewer.h"
 #include "program.h"
 #include "rows.h"
 
@@ -33,13 +32,6 @@ struct Value {
 struct Text {
     QString file;
     QString part; // of what is printed
-};
-
-struct ExitCode {
-    QStringList arguments; // in which FILE stands for a library
-    int code = 0;
-    QByteArray sentence{}; // on standard error
-    QByteArray part{};     // of what is printed on standard output
 };
 
 } // namespace
@@ -152,47 +144,6 @@ private slots:
         const QJsonObject all = QJsonDocument::fromJson(run({"--json", "--all", file}).out).object();
         QCOMPARE(all.value("library").toArray().size(), 22);
         QVERIFY(!all.contains("library_omitted"));
-    }
-
-    void exitCode_data()
-    {
-        const QString notNetcdf = QStringLiteral(AIA_TEST_SOURCES "/tst_aia_info.cpp");
-        const auto noScan = [](const QByteArray &text) {
-            return '"' + text + "\" isn't the number of a scan: they are counted from 0.";
-        };
-        const QString newer = folder.filePath("newer.cdf");
-        QVERIFY(writeFile(newer, damagedNewer(crashingPlace)));
-        const Rows<ExitCode> row;
-        const QString look = "Error for the file \"%1\": File \"%1\" was not opened: a first look at it ";
-        row("first look") = {{newer}, 1, look.arg(newer).toLocal8Bit()};
-        row("no file named") = {{}, 2, "No file is named."};
-        row("unknown option") = {{"--jsn", "FILE"}, 2, "Unknown option 'jsn'."};
-        row("scan isn't a number") = {{"--scan", "two", "FILE"}, 2, noScan("two")};
-        row("negative scan") = {{"--scan=-1", "FILE"}, 2, noScan("-1")};
-        row("help") = {{"--help"}, 0, "", "Usage:"};
-        row("version") = {{"--version"}, 0, "", "aia-info 1."};
-        row("no such file") = {{"nosuch.cdf"}, 1, "The file \"nosuch.cdf\" doesn't exist."};
-        row("folder") = {{AIA_FIXTURES}, 1, "\"" AIA_FIXTURES "\" is a folder, not a file."};
-        row("device") = {{"/dev/null"}, 1, "\"/dev/null\" isn't a regular file."};
-        row("not netCDF") = {{notNetcdf},
-                             1,
-                             "The file \"" + notNetcdf.toLocal8Bit()
-                                 + "\" isn't a netCDF file, or its header is damaged or cut off."};
-        row("scan beyond") = {{"--scan", "22", "FILE"}, 1, "", "- There is no scan 22: the file has scans 0 to 21.\n"};
-        row("no scans") = {
-            {"--scan", "0", fixture("info-chromatogram")}, 1, "", "There is no scan 0: the file has no scans."};
-        row("other template") = {{fixture("info-chromatogram")}, 0, "", "lacks"};
-        row("bad file first") = {{"nosuch.cdf", "FILE"}, 1, "The file \"nosuch.cdf\" doesn't exist.", "Toluene"};
-    }
-    void exitCode()
-    {
-        const ExitCode &row = Rows<ExitCode>::current();
-        const QString good = fixture("info-library");
-        const Run result = run(QStringList(row.arguments).replaceInStrings("FILE", good));
-        QCOMPARE(result.code, row.code);
-        QVERIFY2(result.out.contains(row.part), result.out);
-        QCOMPARE(result.out.isEmpty(), row.part.isEmpty());
-        QVERIFY2(row.sentence.isEmpty() || result.err.contains("aia-info: " + row.sentence), result.err);
     }
 
     void saysFirstWhatIsLost()
