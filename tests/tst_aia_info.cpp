@@ -136,14 +136,13 @@ private slots:
     {
         const QString file = fixture("info-library");
         const QByteArray text = run({file}).out;
-        QVERIFY(text.contains("\n  19: ") && !text.contains("\n  20: "));
-        QVERIFY(text.contains("\n  ... and 2 more\n"));
-        const QJsonObject cut = QJsonDocument::fromJson(run({"--json", file}).out).object();
-        QCOMPARE(cut.value("library").toArray().size(), 20);
-        QCOMPARE(cut.value("library_omitted").toInt(), 2);
-        const QJsonObject all = QJsonDocument::fromJson(run({"--json", "--all", file}).out).object();
-        QCOMPARE(all.value("library").toArray().size(), 22);
-        QVERIFY(!all.contains("library_omitted"));
+        QVERIFY(text.contains("\n  19: ") && text.contains("\n  ... and 2 more\n") && !text.contains("\n  20: "));
+        for (const bool isAll : {false, true}) {
+            const QByteArray out = run({"--json", file, isAll ? "--all" : "--json"}).out;
+            const QJsonObject json = QJsonDocument::fromJson(out).object();
+            QCOMPARE(json["library"].toArray().size(), isAll ? 22 : 20);
+            QCOMPARE(json["library_omitted"], isAll ? QJsonValue(QJsonValue::Undefined) : QJsonValue(2));
+        }
     }
 
     void saysFirstWhatIsLost()
@@ -160,7 +159,6 @@ private slots:
         const QJsonObject json = QJsonDocument::fromJson(run({"--json", cut}).out).object();
         QCOMPARE(at(json, "complete"), QJsonValue(false));
         QCOMPARE(at(json, "doubts/0/code"), QJsonValue("cut-off"));
-        QCOMPARE(at(json, "doubts/0/count"), QJsonValue(1));
         QCOMPARE(at(json, "doubts/0/loss"), QJsonValue(true));
     }
 

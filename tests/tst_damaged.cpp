@@ -185,9 +185,8 @@ private slots:
         for (int size = 0; size < headerSize; ++size) {
             openBytes(unlimited.left(size));
             QVERIFY2(!file, qPrintable(QString::number(size)));
-            if (size >= 4)
-                QVERIFY(messages.size() == 1 && messages.first().startsWith(QLatin1String("E "))
-                        && messages.first().contains(QLatin1String("damaged.cdf")));
+            const QString said = messages.join('\n');
+            QVERIFY(size < 4 || (said.startsWith("E ") && said.contains("damaged.cdf")));
         }
     }
 

@@ -1,11 +1,11 @@
 // Each netCDF call and each allocation fails in turn, over files with everything in them.
 
-#include "dvimportreceiver.h"
 #include "failingmemory.h"
 #include "failingnetcdf.h"
 #include "messageredirection.h"
 #include "plugin.h"
 #include "program.h"
+#include "receiver.h"
 #include "records.h"
 #include "rows.h"
 #include "samplefile.h"
@@ -21,18 +21,6 @@ namespace {
 
 constexpr int scanCount = 2;
 constexpr int pointCount = 3;
-
-struct Counts : DVImportReceiver {
-    void analysisStarted(const DVHeader &, const float *, int tableSize) override { masses = tableSize; }
-    void scanImported(int, double, double, int count, const float *, const unsigned short *) override
-    {
-        points += count;
-    }
-    void progressChanged(int, int) override { }
-
-    int masses = 0;
-    int points = 0;
-};
 
 } // namespace
 
@@ -59,7 +47,7 @@ class TestFailures : public QObject, private Plugin
         return file ? readAll(file, scanCount) : 100;
     }
 
-    bool importAll(Counts *counts)
+    bool importAll(Receiver *counts)
     {
         const bool can = canImport(good);
         const Copy copy = clone();
@@ -191,19 +179,19 @@ private slots:
     void importing_data() { eachKind_data(); }
     void importing()
     {
-        Counts whole;
+        Receiver whole;
         QVERIFY(importAll(&whole));
         QCOMPARE(whole.points, scanCount * pointCount);
         const int calls = netcdfCalls.made;
         QVERIFY(calls > 100);
         const int before = openFiles();
         for (int n = 1; n <= calls; ++n) {
-            Counts counts;
+            Receiver counts;
             failCall(n);
             importAll(&counts);
             failCall(0);
             QCOMPARE(openFiles(), before);
-            Counts again;
+            Receiver again;
             QVERIFY2(importAll(&again), netcdfCalls.failed);
             QCOMPARE(again.points, whole.points);
             QCOMPARE(again.masses, whole.masses);

@@ -73,14 +73,11 @@ private slots:
         const Rows<Factors> row;
         row("as they are") = {1.0, 100.0};
         row("hundredths") = {0.01, 100.0};
-        row("twentieths, one decimal") = {0.05, 10.0};
-        row("whole") = {0.9993, 1.0};
         row("after the last decimal") = {1.0, 0.1};
         row("six decimals") = {1.0 / 3.0, 1e6};
         row("negative") = {-0.01, 100.0};
         row("zero") = {0.0, 100.0};
         row("very small") = {1e-310, 1e300};
-        row("small beyond a float") = {1e-25, 1e-20};
         row("in steps of the smallest float") = {1.0, std::ldexp(1050000.49, -149)};
         row("large beyond a float") = {1e25, 1e20};
         row("large beyond a double on the way") = {1e306, 1e-306};

@@ -80,11 +80,7 @@ class TestRoundTrip : public QObject, private OpenFixture
         file = MsFile::create(path.toLatin1().constData(), layout);
         return file.isOpen();
     }
-    void readBack()
-    {
-        openPath(path);
-        QVERIFY(file);
-    }
+    void readBack() { openPath(path); }
 
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("x.cdf"));
@@ -200,9 +196,7 @@ private slots:
         char log[] = "a line that is longer than the sixty-three characters that it can have.";
         written.admin.error_log = log;
 
-        MsFileLayout layout;
-        layout.has_time_values = true;
-        QVERIFY(create(layout));
+        QVERIFY(create({0, 1, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, true, true}));
         QCOMPARE(ms_write_global(file.id(), &written.admin, &written.sample, &written.test, &written.raw), 0);
         readBack();
         MsGlobals read = file.globals();
@@ -265,7 +259,7 @@ private slots:
         QCOMPARE(length, std::size_t(5)); // with its NUL
 
         ms_file_record(file.id())->variables[MsVar_error_log] = -1;
-        QCOMPARE(ms_write_global(file.id(), &globals.admin, &globals.sample, &globals.test, &globals.raw), -1);
+        QVERIFY(!file.write(globals));
     }
 
     void keepsNumbersAndEntries()
@@ -292,10 +286,9 @@ private slots:
         char last = 'x';
         nc_get_var1_text(file.id(), file.record()->variables[MsVar_entry_name], end, &last);
         QCOMPARE(int(last), 0);
-        MsScanDraft read(1);
-        MsLibraryEntry entry;
-        entry.entry_index = 1;
-        QCOMPARE(ms_read_per_scan(file.id(), &read, &entry), 0);
+        const MsScan read = file.scan(1);
+        MsLibraryEntry entry = file.entry(1);
+        QVERIFY(read.isRead() && entry.isRead());
         compare(ms_per_scan_table, &read, &scan);
         compare(ms_library_table, &entry, &library);
         ms_init_per_scan(1, nullptr, &entry);
@@ -350,47 +343,43 @@ private slots:
 
     void refusesUnknownFilesAndNullRecords()
     {
-        QVERIFY(create({MsLibrarySpectrum, 1, 1}));
-        QCOMPARE(ms_define_groups(file.id(), 1, 1), 0);
+        QVERIFY(create({MsLibrarySpectrum, 1, 1}) && file.defineGroups(1, 1));
         MsGlobalsDraft all;
         MsScanDraft scan(0);
-        MsLibraryRecord entry = {};
-        MsInstrumentRecord instrument = {};
+        MsLibraryDraft entry(0);
+        MsInstrumentDraft instrument(0);
         double number = 1.0;
         MsGroupRecord group = {0, 1, 0, &number, &number, &number};
         qint32 count = 0;
         double *totals = nullptr;
         QSet<qint32> masses;
         const int none = 12345;
-        QCOMPARE(ms_read_global(none, &all.admin, &all.sample, &all.test, &all.raw), -1);
-        QCOMPARE(ms_write_global(none, &all.admin, &all.sample, &all.test, &all.raw), -1);
-        QCOMPARE(ms_read_per_scan(none, &scan, &entry), -1);
-        QCOMPARE(ms_read_per_scan(none, nullptr, nullptr), -1);
-        QCOMPARE(ms_read_scan_header(none, &scan), -1);
-        QCOMPARE(ms_write_per_scan(none, &scan, &entry), -1);
-        QCOMPARE(ms_read_mass_census(none, masses, &count, 1.0), -1);
-        QCOMPARE(ms_read_total_intensity(none, 1, &totals, nullptr), -1);
-        QCOMPARE(ms_define_groups(none, 1, 1), -1);
-        QCOMPARE(ms_define_dimensions(none, 1, 1), -1);
-        QCOMPARE(ms_define_variables(none, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 1), -1);
-        QCOMPARE(ms_inquire_dimensions(none), -1);
-        QCOMPARE(ms_inquire_variables(none), -1);
-        for (int null = 0; null < 4; ++null) {
+        for (const int status :
+             {ms_read_per_scan(none, &scan, &entry), ms_read_per_scan(none, nullptr, nullptr),
+              ms_read_scan_header(none, &scan), ms_write_per_scan(none, &scan, &entry),
+              ms_read_mass_census(none, masses, &count, 1.0), ms_read_total_intensity(none, 1, &totals, nullptr),
+              ms_define_groups(none, 1, 1), ms_define_dimensions(none, 1, 1), ms_inquire_dimensions(none),
+              ms_define_variables(none, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, 1, 1),
+              ms_inquire_variables(none)})
+            QCOMPARE(status, -1);
+        for (int null = 0; null < 5; ++null) { // of the open file, or none of an unknown one
+            const int id = null == 4 ? none : file.id();
             MsAdminRecord *admin = null == 0 ? nullptr : &all.admin;
             MsSampleRecord *sample = null == 1 ? nullptr : &all.sample;
             MsTestRecord *test = null == 2 ? nullptr : &all.test;
             MsRawGlobalRecord *raw = null == 3 ? nullptr : &all.raw;
-            QCOMPARE(ms_read_global(file.id(), admin, sample, test, raw), -1);
-            QCOMPARE(ms_write_global(file.id(), admin, sample, test, raw), -1);
+            QCOMPARE(ms_read_global(id, admin, sample, test, raw), -1);
+            QCOMPARE(ms_write_global(id, admin, sample, test, raw), -1);
         }
-        for (const bool isNull : {false, true}) { // of the open file, or a record of an unknown one
+        for (const bool isNull : {false, true}) {
             const int id = isNull ? file.id() : none;
-            QCOMPARE(ms_read_instrument(id, isNull ? nullptr : &instrument), -1);
-            QCOMPARE(ms_write_instrument(id, isNull ? nullptr : &instrument), -1);
-            QCOMPARE(ms_read_group(id, isNull ? nullptr : &group), -1);
-            QCOMPARE(ms_write_group(id, isNull ? nullptr : &group), -1);
-            QCOMPARE(ms_inquire_groups(id, isNull ? nullptr : &count, &count), -1);
-            QCOMPARE(ms_inquire_groups(id, &count, isNull ? nullptr : &count), -1);
+            for (const int status :
+                 {ms_read_instrument(id, isNull ? nullptr : &instrument), ms_read_group(id, isNull ? nullptr : &group),
+                  ms_write_instrument(id, isNull ? nullptr : &instrument),
+                  ms_write_group(id, isNull ? nullptr : &group),
+                  ms_inquire_groups(id, isNull ? nullptr : &count, &count),
+                  ms_inquire_groups(id, &count, isNull ? nullptr : &count)})
+                QCOMPARE(status, -1);
         }
         QVERIFY(scan.scan_number == 0 && entry.entry_index == 0 && group.group_masses == &number);
         ms_init_global(0, nullptr, nullptr, nullptr, nullptr);
