@@ -30,6 +30,9 @@ namespace {
 constexpr std::size_t most_bytes_at_once = 1 << 18;
 constexpr quint64 widest_record = 256;
 
+// The same of what isn't a variable of numbers: a header's words, texts.
+constexpr std::size_t least_bytes_at_once = 1 << 12;
+
 // A read that is interrupted for ever is one that fails.
 constexpr int most_interruptions = 1000;
 
@@ -300,7 +303,8 @@ void MsClassicBytes::close()
     if (is_open())
         close_file(descriptor);
     descriptor = -1;
-    last_error = 0;
+    refused = 0;
+    error = 0;
     changed = false;
     block_size = 0;
 }
@@ -309,6 +313,12 @@ bool MsClassicBytes::is_of(const char *path) const
 {
     MsFileStamp now;
     return is_open() && ask_stamp(path, &now) && now == opened;
+}
+
+bool MsClassicBytes::has_changed() const
+{
+    MsFileStamp now;
+    return changed || !ask_stamp(descriptor, &now) || !(now == opened);
 }
 
 quint64 MsClassicBytes::length() const
@@ -326,6 +336,12 @@ bool MsClassicBytes::can_convert(nc_type stored, qint32 type)
         && (!is_real || type == NC_FLOAT || type == NC_DOUBLE);
 }
 
+void MsClassicBytes::note_refusal(int why)
+{
+    if (refused++ == 0)
+        error = why;
+}
+
 // Reads up to `size` bytes. Returns how many came; where they are fewer, `why` says what stopped them.
 std::size_t MsClassicBytes::fill(quint64 place, std::size_t size, unsigned char *target, Result *why)
 {
@@ -335,14 +351,18 @@ std::size_t MsClassicBytes::fill(quint64 place, std::size_t size, unsigned char 
         const qint64 got = read_at(descriptor, place + done, target + done, size - done);
         if (got > 0) {
             done += std::size_t(got);
-        } else if (got == 0) {
-            *why = Result::EndOfFile;
-            return done;
-        } else if (errno != EINTR || ++interruptions > most_interruptions) {
-            last_error = errno;
-            *why = Result::Failed;
-            return done;
+            continue;
         }
+        if (got < 0 && errno == EINTR && ++interruptions <= most_interruptions)
+            continue;
+        const int failure = got < 0 ? errno : EIO;
+        if (got == 0 && length() <= place + done) {
+            *why = Result::EndOfFile;
+        } else {
+            note_refusal(failure);
+            *why = Result::Failed;
+        }
+        return done;
     }
     return done;
 }
@@ -354,29 +374,49 @@ MsClassicBytes::Result MsClassicBytes::fetch(quint64 place, std::size_t size, un
     return fill(place, size, target, &why) == size ? Result::Read : why;
 }
 
-// Has the bytes from `place` on in the block: at least `least` of them, and up to `most` where they come
-// without more ado.
-MsClassicBytes::Result MsClassicBytes::ask_block(quint64 place, std::size_t least, std::size_t most)
+bool MsClassicBytes::is_in_block(quint64 place, std::size_t size) const
 {
-    if (place >= block_begin && place - block_begin <= block_size
-        && least <= block_size - std::size_t(place - block_begin))
+    return place >= block_begin && place - block_begin <= block_size
+        && size <= block_size - std::size_t(place - block_begin);
+}
+
+// Has `size` bytes from `place` on in the block, and with them up to `most` bytes from `from` on, where
+// these come without more ado.
+MsClassicBytes::Result MsClassicBytes::ask_block(quint64 place, std::size_t size, quint64 from,
+                                                 std::size_t most)
+{
+    if (is_in_block(place, size))
         return Result::Read;
     block.resize(std::max(block.size(), most));
-    block_begin = place;
+    block_begin = from;
     block_size = 0;
     Result why = Result::Read;
-    const std::size_t got = fill(place, most, block.data(), &why);
-    block_size = got;
-    if (got >= least)
+    block_size = fill(from, most, block.data(), &why);
+    if (is_in_block(place, size))
         return Result::Read;
-    // What failed may lie behind what is asked for.
-    return why == Result::Failed && least < most ? ask_block(place, least, least) : why;
+    // What failed may lie beside what is asked for.
+    const bool is_exact = from == place && most == size;
+    return why == Result::Failed && !is_exact ? ask_block(place, size, place, size) : why;
+}
+
+void MsClassicBytes::look_for_change()
+{
+    changed = has_changed();
+}
+
+MsClassicBytes::Result MsClassicBytes::read_bytes(quint64 place, std::size_t size, void *target)
+{
+    if (!is_in_block(place, size))
+        look_for_change();
+    const Result result = ask_block(place, size, place, std::max(size, least_bytes_at_once));
+    if (result == Result::Read)
+        std::memcpy(target, block.data() + (place - block_begin), size);
+    return result;
 }
 
 MsClassicBytes::Result MsClassicBytes::read(const MsClassicRun &run, qint32 type, void *target)
 {
-    MsFileStamp now;
-    changed = changed || !ask_stamp(descriptor, &now) || !(now == opened);
+    look_for_change();
     if (run.stride == width_of(run.type))
         return read_side_by_side(run, type, target);
     return run.stride <= widest_record ? read_records(run, type, target)
@@ -398,10 +438,11 @@ MsClassicBytes::Result MsClassicBytes::read_side_by_side(const MsClassicRun &run
     bool held = true;
     for (std::size_t done = 0; done < run.count;) {
         const std::size_t count = std::min(at_once, run.count - done);
-        const Result result = ask_block(run.begin + done * width, count * width, count * width);
+        const quint64 place = run.begin + done * width;
+        const Result result = ask_block(place, count * width, place, count * width);
         if (result != Result::Read)
             return result;
-        const unsigned char *bytes = block.data() + (run.begin + done * width - block_begin);
+        const unsigned char *bytes = block.data() + (place - block_begin);
         held =
             convert_all(run.type, bytes, width, count, type, behind(target, done, type)) == Result::Read
             && held;
@@ -420,8 +461,8 @@ MsClassicBytes::Result MsClassicBytes::read_records(const MsClassicRun &run, qin
     for (std::size_t done = 0; done < run.count;) {
         const std::size_t count = std::min(at_once, run.count - done);
         const quint64 place = run.begin + done * stride;
-        const std::size_t least = (count - 1) * stride + width;
-        const Result result = ask_block(place - run.lead, std::size_t(run.lead) + least, count * stride);
+        const std::size_t size = (count - 1) * stride + width;
+        const Result result = ask_block(place, size, place - run.lead, count * stride);
         if (result != Result::Read)
             return result;
         const unsigned char *bytes = block.data() + (place - block_begin);

@@ -1,7 +1,7 @@
-// Private to the toolkit: the bytes of a file of the classic kinds (CDF-1, CDF-2, CDF-5), and the numbers
-// in them. The netCDF library reads the records of an unlimited dimension one by one, and returns zeros
-// where the system hands over less than was asked for. These reads are large ones, continued where they
-// come back short, and what doesn't come is a failure.
+// Private to the toolkit: the bytes of a file, and the numbers in them where it is of the classic kinds
+// (CDF-1, CDF-2, CDF-5). The netCDF library reads the records of an unlimited dimension one by one, and
+// returns zeros where the system hands over less than was asked for. These reads are large ones,
+// continued where they come back short, and what doesn't come is a failure.
 //
 // The file isn't mapped: one that is cut while it is mapped ends the process.
 #ifndef CLASSICBYTES_P_H
@@ -45,7 +45,7 @@ public:
         Read,
         OutOfRange, // one of them can't be held by the wanted type
         EndOfFile,  // the file ends before the last one
-        Failed      // the system refused; error() says why
+        Failed      // the system refused
     };
 
     MsClassicBytes() = default;
@@ -63,16 +63,23 @@ public:
     // Returns the length that the file has now; 0 if the system doesn't tell.
     quint64 length() const;
 
-    // Returns whether somebody changed the file before the last read.
-    bool has_changed() const { return changed; }
+    // Returns whether somebody has changed the file since it was opened.
+    bool has_changed() const;
 
-    // Returns the system's number of the last failure (errno); 0 where there was none.
-    int error() const { return last_error; }
+    // Reads that the system refused, and why the first one was (errno; 0 where there was none). They
+    // count even where all that was asked for came at a second attempt. An end of the file before its
+    // length counts as EIO.
+    quint64 refusals() const { return refused; }
+    int first_error() const { return error; }
+    void note_refusal(int why);
 
     // Returns whether numbers of type `stored` come as numbers of `type`, NC_SHORT to NC_DOUBLE, in the
     // same way as from netCDF. What it leaves to C++, such as whole numbers of floats beyond their range,
     // isn't repeated here.
     static bool can_convert(nc_type stored, qint32 type);
+
+    // Reads `size` bytes as they are. Small pieces that follow each other come from one read of the file.
+    Result read_bytes(quint64 place, std::size_t size, void *target);
 
     // Reads all numbers of a run as `type`, for which can_convert has to be true, into `target`, which
     // has room for them.
@@ -81,13 +88,16 @@ public:
 private:
     Result fetch(quint64 place, std::size_t size, unsigned char *target);
     std::size_t fill(quint64 place, std::size_t size, unsigned char *target, Result *why);
-    Result ask_block(quint64 place, std::size_t least, std::size_t most);
+    bool is_in_block(quint64 place, std::size_t size) const;
+    Result ask_block(quint64 place, std::size_t size, quint64 from, std::size_t most);
+    void look_for_change();
     Result read_side_by_side(const MsClassicRun &run, qint32 type, void *target);
     Result read_records(const MsClassicRun &run, qint32 type, void *target);
     Result read_far_apart(const MsClassicRun &run, qint32 type, void *target);
 
     int descriptor = -1;
-    int last_error = 0;
+    quint64 refused = 0;
+    int error = 0;
     bool changed = false;
     MsFileStamp opened;
     std::vector<unsigned char> block; // bytes of the file from block_begin on

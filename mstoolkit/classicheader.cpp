@@ -2,12 +2,12 @@
 
 #include "classicheader_p.h"
 
+#include <QSet>
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
-#include <fstream>
+#include <netcdf.h>
 #include <utility>
 
 namespace {
@@ -28,10 +28,13 @@ constexpr std::array<quint64, 12> typeWidths = {0, 1, 1, 2, 4, 4, 8, 1, 2, 4, 8,
 // further numbers are 0.
 class Walk
 {
+    using Names = QSet<QByteArray>;
+
 public:
-    explicit Walk(const char *path);
+    explicit Walk(MsClassicBytes &bytes) : file(bytes), length(bytes.length()) { }
 
     quint64 fileLength() const { return length; }
+    bool isRefused() const { return refused; }
     bool isClassic();
     bool run(MsClassicLayout *layout);
 
@@ -47,14 +50,16 @@ private:
     quint64 left() const { return length - position; }
     bool fail();
     void skip(quint64 size);
-    quint64 number(int bytes);
+    quint64 number(int size);
     quint64 word() { return number(4); }
     quint64 size() { return number(version == 5 ? 8 : 4); }
     quint64 offset() { return number(version == 1 ? 4 : 8); }
     quint64 count(quint32 tag, quint64 leastSize);
     quint64 type();
-    void skipName() { skip(padded(size())); }
-    void skipAttributes();
+    bool read(void *target, std::size_t size);
+    void addBytes(quint64 size);
+    void readName(Names *before);
+    void readAttributes();
     void readDimensions();
     void readVariables();
     static quint64 elements(const Variable &variable, std::size_t first);
@@ -64,22 +69,18 @@ private:
     quint64 recordBegin() const;
     quint64 wholeRecords() const;
 
-    std::ifstream file; // takes the bytes of a path as they are
-    quint64 length = 0;
+    MsClassicBytes &file;
+    quint64 length;
+    bool refused = false;
     quint64 position = 0;
     int version = 0;
     bool sound = true;
+    MsHeaderSum sum;
+    bool isPlain = true; // whether the sum can be compared with the library's
     quint64 records = 0;
     std::vector<quint64> dimensions; // 0: the unlimited one
     std::vector<Variable> variables;
 };
-
-Walk::Walk(const char *path) : file(path, std::ios::binary)
-{
-    if (file.seekg(0, std::ios::end))
-        length = quint64(file.tellg());
-    file.seekg(0);
-}
 
 bool Walk::fail()
 {
@@ -94,23 +95,63 @@ void Walk::skip(quint64 size)
         fail();
         return;
     }
-    constexpr quint64 in_reach = 4096; // a seek would throw the stream's buffer away
-    size = std::min(size, left());
-    position += size;
-    if (size <= in_reach)
-        file.ignore(std::streamsize(size));
-    else
-        file.seekg(std::streamoff(position));
+    position += std::min(size, left());
 }
 
-quint64 Walk::number(int bytes)
+bool Walk::read(void *target, std::size_t size)
+{
+    const MsClassicBytes::Result result = file.read_bytes(position, size, target);
+    refused = refused || result == MsClassicBytes::Result::Failed;
+    if (result != MsClassicBytes::Result::Read)
+        return fail();
+    position += size;
+    return true;
+}
+
+// Adds the next bytes to the sum, and skips the padding behind them.
+void Walk::addBytes(quint64 size)
+{
+    sum.add(size);
+    std::array<char, 1024> piece{};
+    for (quint64 rest = size; sound && rest > 0;) {
+        const auto next = std::size_t(std::min<quint64>(rest, piece.size()));
+        if (next > left())
+            fail();
+        else if (read(piece.data(), next))
+            sum.add(piece.data(), next);
+        rest -= next;
+    }
+    skip(padded(size) - size);
+}
+
+// The library finds attributes by their name, and no other names than these for certain.
+void Walk::readName(Names *before)
+{
+    const quint64 found = size();
+    if (!sound || found > NC_MAX_NAME) {
+        isPlain = false;
+        skip(padded(found));
+        return;
+    }
+    QByteArray name(int(found), '\0');
+    if (found > left() || !read(name.data(), std::size_t(found))) {
+        fail();
+        return;
+    }
+    skip(padded(found) - found);
+    const bool isAscii =
+        std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c <= '~'; });
+    isPlain = isPlain && isAscii && !before->contains(name);
+    before->insert(name);
+    sum.add(found);
+    sum.add(name.constData(), std::size_t(found));
+}
+
+quint64 Walk::number(int size)
 {
     std::array<char, 8> raw{};
-    if (!sound || !file.read(raw.data() + 8 - bytes, bytes)) {
-        fail();
+    if (!sound || !read(raw.data() + 8 - size, std::size_t(size)))
         return 0;
-    }
-    position += quint64(bytes);
     return qFromBigEndian<quint64>(raw.data());
 }
 
@@ -136,32 +177,41 @@ quint64 Walk::type()
     return found;
 }
 
-void Walk::skipAttributes()
+void Walk::readAttributes()
 {
     const quint64 entries = count(attributeTag, 12);
+    sum.add(entries);
+    Names names;
     for (quint64 i = 0; sound && i < entries; ++i) {
-        skipName();
-        const quint64 width = typeWidths[std::size_t(type())];
-        skip(padded(ms_product(size(), width)));
+        readName(&names);
+        const quint64 found = type();
+        sum.add(found);
+        addBytes(ms_product(size(), typeWidths[std::size_t(found)]));
     }
 }
 
 void Walk::readDimensions()
 {
     const quint64 entries = count(dimensionTag, 8);
+    sum.add(entries);
+    Names names;
     for (quint64 i = 0; sound && i < entries; ++i) {
-        skipName();
+        readName(&names);
         dimensions.push_back(size());
+        sum.add(dimensions.back());
     }
 }
 
 void Walk::readVariables()
 {
     const quint64 entries = count(variableTag, 28);
+    sum.add(entries);
+    Names names;
     for (quint64 i = 0; sound && i < entries; ++i) {
         Variable variable;
-        skipName();
+        readName(&names);
         const quint64 rank = size();
+        sum.add(rank);
         if (rank > left() / 4) {
             fail();
             return;
@@ -172,10 +222,12 @@ void Walk::readVariables()
                 fail();
                 return;
             }
+            sum.add(id);
             variable.dimensions.push_back(dimensions[std::size_t(id)]);
         }
-        skipAttributes();
+        readAttributes();
         variable.type = type();
+        sum.add(variable.type);
         size(); // the stored size is only a help; the library, too, makes its own
         variable.begin = offset();
         if (variable.begin > ms_largest)
@@ -262,9 +314,8 @@ void Walk::lay(MsClassicLayout *layout) const
 bool Walk::isClassic()
 {
     std::array<char, 4> magic{};
-    if (!file.read(magic.data(), 4) || magic[0] != 'C' || magic[1] != 'D' || magic[2] != 'F')
+    if (!read(magic.data(), magic.size()) || magic[0] != 'C' || magic[1] != 'D' || magic[2] != 'F')
         return false;
-    position = magic.size();
     version = static_cast<unsigned char>(magic[3]);
     return version == 1 || version == 2 || version == 5;
 }
@@ -274,8 +325,9 @@ bool Walk::run(MsClassicLayout *layout)
     records = size();
     const quint64 streaming = version == 5 ? ~quint64(0) : 0xFFFFFFFFu;
     layout->counts_records = records != streaming;
+    sum.add(layout->counts_records ? records : 0);
     readDimensions();
-    skipAttributes();
+    readAttributes();
     readVariables();
     if (!sound)
         return false;
@@ -285,17 +337,31 @@ bool Walk::run(MsClassicLayout *layout)
     layout->header = position;
     layout->record_begin = recordBegin();
     layout->record_size = recordSize();
+    isPlain = isPlain && std::count(dimensions.begin(), dimensions.end(), 0) <= 1;
+    layout->sum = isPlain ? sum.result() : QByteArray();
     lay(layout);
     return true;
 }
 
 } // namespace
 
-MsHeader ms_inspect_header(const char *path, MsClassicLayout *layout)
+void MsHeaderSum::add(const char *bytes, std::size_t size)
 {
-    Walk walk(path);
+    constexpr std::size_t most = 1 << 30; // the hash takes an int
+    for (; size > most; bytes += most, size -= most)
+        hash.addData(bytes, int(most));
+    hash.addData(bytes, int(size));
+}
+
+MsHeader ms_inspect_header(MsClassicBytes &file, MsClassicLayout *layout)
+{
+    Walk walk(file);
     layout->length = walk.fileLength();
-    if (!walk.isClassic())
+    const bool isClassic = walk.isClassic();
+    const bool isSound = isClassic && walk.run(layout);
+    if (walk.isRefused())
+        return MsHeader::Refused;
+    if (!isClassic)
         return MsHeader::NotClassic;
-    return walk.run(layout) ? MsHeader::Sound : MsHeader::Damaged;
+    return isSound ? MsHeader::Sound : MsHeader::Damaged;
 }

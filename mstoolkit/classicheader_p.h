@@ -4,9 +4,14 @@
 #ifndef CLASSICHEADER_P_H
 #define CLASSICHEADER_P_H
 
+#include "classicbytes_p.h"
+
+#include <QByteArray>
+#include <QCryptographicHash>
 #include <QtGlobal>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <vector>
 
@@ -22,6 +27,18 @@ constexpr quint64 ms_product(quint64 a, quint64 b)
 {
     return a != 0 && b > ms_largest / a ? ms_largest : a * b;
 }
+
+// A sum over what a header says, the same for the same dimensions, variables and attributes.
+class MsHeaderSum
+{
+public:
+    void add(quint64 number) { add(reinterpret_cast<const char *>(&number), sizeof(number)); }
+    void add(const char *bytes, std::size_t size);
+    QByteArray result() const { return hash.result(); }
+
+private:
+    QCryptographicHash hash{QCryptographicHash::Md5};
+};
 
 // Where the elements of one variable lie.
 struct MsVariableExtent {
@@ -41,6 +58,7 @@ struct MsClassicLayout {
     quint64 header = 0;         // bytes of the header
     quint64 record_begin = 0;   // where the first record lies,
     quint64 record_size = 0;    // and the bytes of each; 0 for a file without records
+    QByteArray sum; // over what the header says; null where the library can't say the same by name
 
     // Bytes up to the end of all that the header tells of.
     quint64 told() const { return std::max(header, needed); }
@@ -54,11 +72,17 @@ struct MsClassicLayout {
 };
 
 enum class MsHeader {
-    NotClassic, // another kind of file, or one that can't be read: netCDF's to judge
+    NotClassic, // another kind of file: netCDF's to judge
     Sound,      // safe to hand to netCDF, though the data may be cut off
-    Damaged     // counts, names, lengths or places that can't be right
+    Damaged,    // counts, names, lengths or places that can't be right
+    Refused     // the system couldn't read it
 };
 
-MsHeader ms_inspect_header(const char *path, MsClassicLayout *layout);
+// Looks at the header of a file that is open.
+MsHeader ms_inspect_header(MsClassicBytes &file, MsClassicLayout *layout);
+
+// Returns whether the netCDF library, which has opened the same file as `ncid`, found the dimensions,
+// variables and attributes of the layout in its header. It takes zeros for what its own reads lack.
+bool ms_confirm_header(int ncid, const MsClassicLayout &layout);
 
 #endif // CLASSICHEADER_P_H

@@ -57,13 +57,25 @@ MsColumnNumber MsColumnWalk::read(std::size_t place)
     first = place / numbers_at_once * numbers_at_once;
     const std::size_t count = std::min(numbers_at_once, stored - first);
     numbers.resize(count);
-    if (file->data.read({file->variables[slot], 1, &first, &count}, NC_DOUBLE, numbers.data())
-        != MsFetch::Read) {
-        numbers.clear();
-        stored = 0;
-        return {};
-    }
-    return {numbers[place - first], true};
+    const quint64 refused = file->data.refused_reads();
+    if (file->data.read_parts(file->variables[slot], {first, count}, NC_DOUBLE, numbers.data(), &lost)
+            == MsFetch::Read
+        || file->data.refused_reads() > refused)
+        return at(place - first);
+
+    // Nothing has refused, so the file ends before: it may have been cut since. Or it is a failure that
+    // every other read would share.
+    numbers.clear();
+    const std::size_t left = file->data.count_stored(file->variables[slot], claimed);
+    stored = left < stored ? left : 0;
+    return read(place);
+}
+
+bool MsColumnWalk::is_lost(std::size_t place) const
+{
+    return std::any_of(lost.begin(), lost.end(), [place](const MsPart &part) {
+        return place >= part.start && place - part.start < part.count;
+    });
 }
 
 bool ms_is_fill(nc_type type, double number)

@@ -3,6 +3,7 @@
 #ifndef COLUMNWALK_P_H
 #define COLUMNWALK_P_H
 
+#include "filedata_p.h"
 #include "mstoolkit.h"
 
 #include <cstddef>
@@ -31,7 +32,7 @@ public:
     // Elements by the file's header; it may be cut off before.
     std::size_t length() const { return claimed; }
 
-    // Those that the file has; fewer after one that couldn't be read.
+    // Those that the file has; fewer after a failure that isn't the system's.
     std::size_t stored_length() const { return stored; }
 
     // Whether a number is the one that the library stores where nothing was written.
@@ -39,12 +40,16 @@ public:
 
     MsColumnNumber get(std::size_t place)
     {
-        if (place >= first && place - first < numbers.size())
-            return {numbers[place - first], true};
-        return read(place);
+        const std::size_t i = place - first; // beyond all sizes where it lies before
+        return i < numbers.size() ? at(i) : read(place);
     }
 
 private:
+    MsColumnNumber at(std::size_t i) const
+    {
+        return lost.empty() || !is_lost(first + i) ? MsColumnNumber{numbers[i], true} : MsColumnNumber();
+    }
+    bool is_lost(std::size_t place) const;
     MsColumnNumber read(std::size_t place);
 
     MsFileState *file;
@@ -57,6 +62,7 @@ private:
     double most_fill = std::numeric_limits<double>::quiet_NaN();
     std::size_t first = 0;
     std::vector<double> numbers; // read ahead, from `first` on
+    std::vector<MsPart> lost;    // of these, refused by the system
 };
 
 // The same of a number of that type.

@@ -5,6 +5,7 @@
 #include "columnwalk_p.h"
 #include "filestate_p.h"
 #include "msrecords.h"
+#include "path_p.h"
 #include "tally_p.h"
 
 #include <QByteArray>
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <system_error>
 
 namespace {
 
@@ -37,7 +37,7 @@ constexpr DoubtRow doubt_rows[] = {
      "\"%1\" has %2 [byte|bytes] behind the end that its header gives."},
     {MsDoubtKind::ReadFailed, "read-failed", true, false,
      "The system couldn't read \"%1\" %2 [time|times]: %3."},
-    {MsDoubtKind::ChangedFile, "changed-file", false, false,
+    {MsDoubtKind::ChangedFile, "changed-file", true, false,
      "\"%1\" was changed while it was open: what was read may be of two versions of it."},
     {MsDoubtKind::UnwrittenScans, "unwritten-scans", true, true,
      "In \"%1\", %2 of %3 scans [was|were] never written: [its|their] point_count or time is the fill value; the first is %4."},
@@ -187,11 +187,6 @@ bool is_near(double one, double other)
     return std::abs(one - other) <= tolerance * std::max(std::abs(one), std::abs(other));
 }
 
-QString system_text(int error)
-{
-    return QString::fromStdString(std::generic_category().message(error));
-}
-
 QString range_text(double least, double most)
 {
     return QStringLiteral("%1 to %2").arg(least).arg(most);
@@ -221,12 +216,12 @@ public:
         if (tally.second_time > 0.0)
             add(MsDoubtKind::ZeroTime, 1, QString(), QString::number(tally.second_time));
         list_length();
-        list_failed_reads();
         list_missing_masses();
         list_census();
         list_groups();
         if (tally.knows_globals)
             list_attributes(tally.raw);
+        list_failed_reads(); // at last: the others read, too
         std::stable_sort(listed.begin(), listed.end(), [](const Listed &one, const Listed &other) {
             return one.row->kind < other.row->kind;
         });
@@ -330,8 +325,8 @@ private:
     void list_failed_reads()
     {
         if (const quint64 refused = file.data.refused_reads())
-            add(MsDoubtKind::ReadFailed, qint64(refused), system_text(file.data.first_error()), QString(),
-                true);
+            add(MsDoubtKind::ReadFailed, qint64(refused), ms_system_text(file.data.first_error()),
+                QString(), true);
         if (file.data.has_changed())
             add(MsDoubtKind::ChangedFile, 1, QString(), QString());
     }

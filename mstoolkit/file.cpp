@@ -10,6 +10,7 @@
 #include <QGlobalStatic>
 #include <QHash>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -76,6 +77,36 @@ public:
 private:
     int ncid;
 };
+
+// Has the library open a file whose header was looked at. It fails, or finds another header, where the
+// system refuses its reads or hands over less than it asked for: a second attempt may go well. What was
+// the system's fault is noted in `bytes`. Returns -1 for a failure.
+int open_with_library(const char *path, MsHeader header, const MsClassicLayout &layout,
+                      MsClassicBytes *bytes)
+{
+    constexpr int attempts = 2;
+    const auto is_right = [&](int id) {
+        return header != MsHeader::Sound || !bytes->is_of(path) // the caller's to refuse
+            || ms_confirm_header(id, layout);
+    };
+    const quint64 refusals = bytes->refusals();
+    ms_let_failures_return();
+    for (int i = 0; i < attempts; ++i) {
+        errno = 0;
+        Opening file(ncopen(exact_path(path).c_str(), NC_NOWRITE));
+        const int reason = errno;
+        if (file.id() != -1 && is_right(file.id())) {
+            if (i > 0 && bytes->refusals() == refusals)
+                bytes->note_refusal(EIO);
+            return file.hand_out();
+        }
+        if (file.id() != -1)
+            bytes->note_refusal(EIO);
+        else if (ncerr == NC_SYSERR)
+            bytes->note_refusal(reason != 0 ? reason : EIO);
+    }
+    return -1;
+}
 
 // The state of a file that was just opened. Its id may have a record still, of a file that was closed
 // without the toolkit: that record stands, but nothing beside it speaks for the new file.
@@ -158,15 +189,18 @@ int ms_open_read(const char *path)
     // Opened first, so that its header is looked at, and the library opens it, while it is held to be the
     // same.
     auto bytes = std::make_unique<MsClassicBytes>();
-    bytes->open(path);
+    if (!bytes->open(path))
+        return -1;
     MsClassicLayout layout;
-    const MsHeader header = ms_inspect_header(path, &layout);
+    const MsHeader header = ms_inspect_header(*bytes, &layout);
     if (header == MsHeader::Damaged) {
         report_damage(path);
         return -1;
     }
-    ms_let_failures_return();
-    Opening file(ncopen(exact_path(path).c_str(), NC_NOWRITE));
+    Opening file(header == MsHeader::Refused ? -1 : open_with_library(path, header, layout, bytes.get()));
+    // In a classic file they are among its doubts.
+    if (bytes->refusals() > 0 && (file.id() == -1 || header != MsHeader::Sound))
+        ms_report_refusal(path, bytes->first_error());
     if (file.id() == -1)
         return -1;
 

@@ -67,12 +67,6 @@ void MsFileData::look_at_length()
         layout->length = std::min(layout->length, classic->length());
 }
 
-void MsFileData::note_refusal(int why)
-{
-    if (refusals++ == 0)
-        error = why;
-}
-
 quint64 MsFileData::missing_bytes() const
 {
     return layout ? layout->needed - std::min(layout->needed, layout->length) : 0;
@@ -161,22 +155,12 @@ int MsFileData::ask_library(const MsSlab &slab, qint32 type, void *target) const
     return status;
 }
 
-// Reads numbers of a classic file. Returns nothing where the library has to: texts, conversions that are
-// its own, and parts of a variable that don't lie at equal distances.
-std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, void *target)
+MsFetch MsFileData::read_line(const MsClassicRun &run, qint32 type, void *target)
 {
-    const MsVariableExtent *extent = layout ? extent_of(slab.varid) : nullptr;
-    if (!extent || !MsClassicBytes::can_convert(extent->type, type))
-        return std::nullopt;
-    MsClassicRun run = {extent->type, ms_sum(extent->begin, ms_product(slab.start[0], extent->stride)),
-                        extent->stride, extent->lead, slab.count[0]};
-    if (slab.rank == 2 && slab.count[0] == 1)
-        run = {extent->type, ms_sum(run.begin, ms_product(slab.start[1], extent->width)), extent->width,
-               0, slab.count[1]};
-    else if (slab.rank != 1)
-        return std::nullopt;
-
-    switch (classic->read(run, type, target)) {
+    const MsClassicBytes::Result result = type == NC_CHAR
+        ? classic->read_bytes(run.begin, run.count, target)
+        : classic->read(run, type, target);
+    switch (result) {
     case MsClassicBytes::Result::Read:
         return MsFetch::Read;
     case MsClassicBytes::Result::OutOfRange:
@@ -187,8 +171,48 @@ std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, v
     case MsClassicBytes::Result::Failed:
         break;
     }
-    note_refusal(classic->error());
     return MsFetch::Failed;
+}
+
+// Reads from the bytes of a classic file. Returns nothing where the library has to: in other files, and
+// for conversions that are its own.
+std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, void *target)
+{
+    const MsVariableExtent *extent = layout && reads_bytes ? extent_of(slab.varid) : nullptr;
+    const bool is_text = type == NC_CHAR; // bytes as they are
+    if (!extent || !(is_text ? extent->width == 1 : MsClassicBytes::can_convert(extent->type, type)))
+        return std::nullopt;
+    // The slab lies within the variable's shape, so its sums don't wrap.
+    const auto begin_of = [&](std::size_t line) {
+        return ms_sum(extent->begin, ms_product(line, extent->stride));
+    };
+    if (slab.rank == 1 && !(is_text && extent->stride != 1))
+        return read_line(
+            {extent->type, begin_of(slab.start[0]), extent->stride, extent->lead, slab.count[0]}, type,
+            target);
+
+    // Lines along the first dimension, each of which lies in one piece.
+    std::size_t lines = slab.rank == 0 ? 1 : slab.count[0];
+    quint64 size = slab.rank < 2 ? 1 : slab.count[1];
+    quint64 first = slab.rank < 2 ? 0 : slab.start[1];
+    for (int i = 2; i < slab.rank; ++i) {
+        size = ms_product(size, slab.count[i]);
+        first = ms_product(first, slab.count[i]);
+    }
+    if (first == 0 && ms_product(size, extent->width) == extent->stride)
+        size = ms_product(size, std::exchange(lines, 1)); // and without a gap between them
+    MsFetch result = MsFetch::Read;
+    for (std::size_t i = 0; i < lines; ++i) {
+        const quint64 begin = begin_of(slab.rank == 0 ? 0 : slab.start[0] + i) + first * extent->width;
+        const MsFetch line =
+            read_line({extent->type, begin, extent->width, 0, std::size_t(size)}, type,
+                      static_cast<unsigned char *>(target) + i * std::size_t(size) * ms_type_width(type));
+        if (line == MsFetch::Failed)
+            return line;
+        if (line == MsFetch::None)
+            result = line;
+    }
+    return result;
 }
 
 MsFetch MsFileData::read(const MsSlab &slab, qint32 type, void *target)
@@ -198,14 +222,58 @@ MsFetch MsFileData::read(const MsSlab &slab, qint32 type, void *target)
     if (const std::optional<MsFetch> result = read_bytes(slab, type, target))
         return *result;
     const int status = ask_library(slab, type, target);
-    if (status > 0) // of the system; the library's own are negative
-        note_refusal(status);
+    if (status > 0 && refusals++ == 0) // of the system; the library's own are negative
+        error = status;
     if (status == NC_ERANGE)
         return MsFetch::None;
     if (status != NC_NOERR)
         return MsFetch::Failed;
     look_at_length();
     return has(slab) ? MsFetch::Read : MsFetch::None;
+}
+
+bool MsFileData::is_in_one_sector(int varid, MsPart part) const
+{
+    constexpr quint64 sector = 512;
+    const MsVariableExtent *extent = layout ? extent_of(varid) : nullptr;
+    if (!extent)
+        return true;
+    const quint64 first = ms_sum(extent->begin, ms_product(part.start, extent->stride));
+    const quint64 last = ms_sum(first, ms_product(part.count - 1, extent->stride)) + extent->width - 1;
+    return first / sector == last / sector;
+}
+
+// Reads a part, and each half by itself where the system refuses it.
+MsFetch MsFileData::split(int varid, MsPart part, qint32 type, unsigned char *target,
+                          std::vector<MsPart> *lost)
+{
+    const quint64 before = refused_reads();
+    const MsFetch result = read({varid, 1, &part.start, &part.count}, type, target);
+    if (result != MsFetch::Failed || refused_reads() == before)
+        return result;
+    if (part.count == 1 || is_in_one_sector(varid, part)) {
+        if (!lost->empty() && lost->back().end() == part.start)
+            lost->back().count += part.count;
+        else
+            lost->push_back(part);
+        return MsFetch::Read;
+    }
+    const std::size_t half = part.count / 2;
+    const MsFetch first = split(varid, {part.start, half}, type, target, lost);
+    return first == MsFetch::Read ? split(varid, {part.start + half, part.count - half}, type,
+                                          target + half * ms_type_width(type), lost)
+                                  : first;
+}
+
+MsFetch MsFileData::read_parts(int varid, MsPart whole, qint32 type, void *target,
+                               std::vector<MsPart> *lost)
+{
+    lost->clear();
+    const MsFetch result = split(varid, whole, type, static_cast<unsigned char *>(target), lost);
+    std::size_t missing = 0;
+    for (const MsPart &part : *lost)
+        missing += part.count;
+    return result == MsFetch::Read && missing == whole.count ? MsFetch::Failed : result;
 }
 
 MsBlock<void> MsFileData::read_array(const MsSlab &slab, qint32 type)

@@ -31,6 +31,14 @@ struct MsSlab {
     const std::size_t *count;
 };
 
+// Neighbouring elements of a variable of one dimension.
+struct MsPart {
+    std::size_t end() const { return start + count; }
+
+    std::size_t start;
+    std::size_t count;
+};
+
 enum class MsFetch {
     Read,
     None, // numbers that the wanted type can't hold, or that lie beyond the end of the file
@@ -84,19 +92,30 @@ public:
     // NC_CHAR for one whose elements are a byte wide. `target` has room for all of them.
     MsFetch read(const MsSlab &slab, qint32 type, void *target);
 
+    // Reads `count` numbers from `start` on of a variable of one dimension, as `type`. Where the system
+    // refuses, they are read in ever smaller parts, down to what lies in one sector of a disk. `lost`
+    // gets the parts that don't come, in their order; only where all of them are lost the whole has
+    // failed.
+    MsFetch read_parts(int varid, MsPart whole, qint32 type, void *target, std::vector<MsPart> *lost);
+
     // Reads the same as a new array. Null on failure; memory is made only for elements that the file has.
     MsBlock<void> read_array(const MsSlab &slab, qint32 type);
 
     // Reads that the system refused, and why the first one was (errno).
-    quint64 refused_reads() const { return refusals; }
-    int first_error() const { return error; }
+    quint64 refused_reads() const { return refusals + (classic ? classic->refusals() : 0); }
+    int first_error() const { return error != 0 || !classic ? error : classic->first_error(); }
 
     // Whether somebody changed the file while it was open: what was read may be of two versions of it.
     bool has_changed() const { return classic && classic->has_changed(); }
 
+    // Has the library read all numbers and texts from now on, for the two ways to be compared.
+    void leave_to_library() { reads_bytes = false; }
+
 private:
-    void note_refusal(int why);
     std::optional<MsFetch> read_bytes(const MsSlab &slab, qint32 type, void *target);
+    MsFetch read_line(const MsClassicRun &run, qint32 type, void *target);
+    MsFetch split(int varid, MsPart part, qint32 type, unsigned char *target, std::vector<MsPart> *lost);
+    bool is_in_one_sector(int varid, MsPart part) const;
     const MsVariableExtent *extent_of(int varid) const;
     quint64 bytes_from(quint64 begin) const;
     bool has(const MsSlab &slab) const;
@@ -104,8 +123,9 @@ private:
 
     int ncid;
     bool constant = false;
+    bool reads_bytes = true;
     quint64 most = std::numeric_limits<quint64>::max(); // see most_bytes
-    quint64 refusals = 0;
+    quint64 refusals = 0;                               // of the library
     int error = 0;
     // Of a classic file that is only read: where its data lie, and its bytes.
     std::optional<MsClassicLayout> layout;

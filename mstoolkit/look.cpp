@@ -2,6 +2,7 @@
 
 #include "mslook.h"
 
+#include "classicbytes_p.h"
 #include "path_p.h"
 
 #include "messageloggerinterface.h"
@@ -18,7 +19,6 @@
 #include <array>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
 #ifdef Q_OS_UNIX
@@ -69,25 +69,33 @@ bool is_regular_file(const char *path)
     return std::filesystem::is_regular_file(path, unknown);
 }
 
+enum class Kind { Hdf5, Other, Refused };
+
 // Whether netCDF hands the file to the HDF5 library. Its signature may lie behind a block of the user's
-// own, of 512 bytes or any power of two above.
-bool is_hdf5(const char *path)
+// own, of 512 bytes or any power of two above. Reads that the system refuses are told.
+Kind kind_of(const char *path)
 {
     constexpr std::array<char, 8> signature = {'\x89', 'H', 'D', 'F', '\r', '\n', '\x1a', '\n'};
-    if (!is_regular_file(path))
-        return false;
-    std::ifstream file(path, std::ios::binary);
+    MsClassicBytes file;
+    if (!is_regular_file(path) || !file.open(path))
+        return Kind::Other;
+    Kind kind = Kind::Other;
     std::array<char, 8> found{};
-    for (std::streamoff place = 0; file.seekg(place) && file.read(found.data(), found.size());
-         place = std::max<std::streamoff>(512, 2 * place)) {
-        if (found == signature)
-            return true;
-        const bool is_classic = place == 0 && std::memcmp(found.data(), "CDF", 3) == 0
+    for (quint64 place = 0;; place = std::max<quint64>(512, 2 * place)) {
+        const MsClassicBytes::Result result = file.read_bytes(place, found.size(), found.data());
+        const bool is_read = result == MsClassicBytes::Result::Read;
+        const bool is_classic = is_read && place == 0 && std::memcmp(found.data(), "CDF", 3) == 0
             && (found[3] == 1 || found[3] == 2 || found[3] == 5);
-        if (is_classic)
-            return false;
+        if (result == MsClassicBytes::Result::Failed)
+            kind = Kind::Refused;
+        else if (is_read && found == signature)
+            kind = Kind::Hdf5;
+        if (!is_read || is_classic || kind != Kind::Other)
+            break;
     }
-    return false;
+    if (file.refusals() > 0)
+        ms_report_refusal(path, file.first_error());
+    return kind;
 }
 
 #ifdef Q_OS_UNIX
@@ -173,8 +181,9 @@ MsLookLimits ms_look_limits(const char *path)
 
 int ms_look_first(const char *path, const QString &program, int milliseconds)
 {
-    if (!path || !is_hdf5(path))
-        return 0;
+    const Kind kind = path ? kind_of(path) : Kind::Other;
+    if (kind != Kind::Hdf5)
+        return kind == Kind::Refused ? -1 : 0;
     const QString fingerprint = fingerprint_of(path);
     if (!fingerprint.isNull() && fingerprint == last_found_well())
         return 0;

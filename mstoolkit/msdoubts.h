@@ -13,7 +13,7 @@
 //     unfinished          L   records    records behind those that the header counts: its writer was interrupted
 //     trailing-bytes          bytes      bytes behind the end that the header gives, which no scan misses
 //     read-failed         LP  reads      the system couldn't read the file
-//     changed-file        P   1          the file was changed while it was open
+//     changed-file        LP  1          the file was changed while it was open
 //     unwritten-scans     L   scans      point_count or time were never written: they hold the fill value
 //     bad-counts          L   scans      a point_count that is no number from 0 on
 //     bad-flag-counts         scans      the same of flag_count, in some scans only

@@ -208,8 +208,8 @@ QByteArray ms_path_of(const QString &name);
 // Opens an existing file for reading and finds the template's objects in it. `path` is NUL-terminated,
 // in the 8-bit coding of the file system. Any netCDF file will do. Whatever its name looks like, it is
 // looked for among the files only. Returns the netCDF id, or -1 for a null or empty path, a pipe, a
-// device, a folder, a file that isn't netCDF, a damaged header, and a file that changed while it was
-// opened.
+// device, a folder, a file that isn't netCDF, a damaged header, a file that changed while it was opened,
+// and one whose header the system refuses to read. An error message names the last three.
 int ms_open_read(const char *path);
 
 // Creates a file, over an existing one of that name, with the template's dimensions and variables, and
@@ -665,14 +665,16 @@ int ms_write_per_scan(int ncid, const MsScanRecord *scan, const MsLibraryRecord 
 // At 65535 keys a decimal is given up: the keys are cut to a tenth, and `*decimals` drops by one. At -1
 // the census stops and reads no further. `*decimals` goes in with the number wanted and comes out with
 // that of the keys. A run without masses changes nothing. In a file that is cut off, the masses that it
-// still has count. Returns -1 for masses that can't be read; set and `*decimals` are unchanged then.
-// Reads in stretches: memory doesn't grow with the run, whose masses may have any number of bytes.
+// still has count, and so do those around a place that the system refuses to read. Returns -1 for masses
+// that can't be read; set and `*decimals` are unchanged then. Reads in stretches: memory doesn't grow
+// with the run, whose masses may have any number of bytes.
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale);
 
 // Hands out total_intensity and, where `times` isn't null, scan_acquisition_time of all scans, as new
 // arrays of `scan_count` numbers; scan_count has to be the size of scan_number. Numbers beyond the end of
-// a file that is cut off are missing values. Returns -1 for a count below 1, an absent variable, one with
-// another number of elements, and one of which such a file has nothing; nothing is handed out then.
+// a file that is cut off, and those that the system refuses to read, are missing values. Returns -1 for a
+// count below 1, an absent variable, one with another number of elements, and one of which such a file
+// has nothing; nothing is handed out then.
 int ms_read_total_intensity(int ncid, qint32 scan_count, double **intensities, double **times);
 
 // ---------------------------------------------------------------------------------------------------

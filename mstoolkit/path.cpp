@@ -2,6 +2,7 @@
 
 #include "path_p.h"
 
+#include "messageloggerinterface.h"
 #include "mstoolkit.h"
 
 #include <QFile>
@@ -28,4 +29,16 @@ QString ms_shown_name(const char *path)
     const QString name = QFile::decodeName(path);
     return (name.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(path) : name)
         .toHtmlEscaped();
+}
+
+QString ms_system_text(int error)
+{
+    return QString::fromStdString(std::generic_category().message(error));
+}
+
+void ms_report_refusal(const char *path, int error)
+{
+    MessageLoggerInterface::Error(QStringLiteral("The system refused to read from file <b>%1</b>: %2")
+                                      .arg(ms_shown_name(path), ms_system_text(error).toHtmlEscaped()),
+                                  nullptr);
 }

@@ -124,7 +124,7 @@ std::size_t count_elements(const MsShape &shape)
 }
 
 // A variable with one element for each scan, whatever its rank. Numbers beyond the end of a file that is
-// cut off are missing.
+// cut off are missing, and so are those that the system refuses.
 MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
 {
     const MsShape *shape = file.column(slot).shape();
@@ -140,16 +140,64 @@ MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
     std::vector<std::size_t> counts = shape->length;
     counts.push_back(1); // so that there is an array even without dimensions
     const std::vector<std::size_t> start(counts.size(), 0);
-    const MsSlab whole = {varid, shape->rank(), start.data(), counts.data()};
-    if (file.data.read(whole, NC_DOUBLE, trace.get()) == MsFetch::Read)
-        return trace;
+    if (shape->rank() != 1) {
+        const MsSlab whole = {varid, shape->rank(), start.data(), counts.data()};
+        return file.data.read(whole, NC_DOUBLE, trace.get()) == MsFetch::Read ? std::move(trace)
+                                                                              : nullptr;
+    }
 
-    const std::size_t stored = shape->rank() == 1 ? file.data.count_stored(varid, size) : 0;
-    if (stored < 1 || stored == size)
+    std::vector<MsPart> lost;
+    std::size_t stored = size;
+    MsFetch result = file.data.read_parts(varid, {0, size}, NC_DOUBLE, trace.get(), &lost);
+    if (result == MsFetch::None) {
+        stored = file.data.count_stored(varid, size);
+        if (stored < 1 || stored == size)
+            return nullptr;
+        result = file.data.read_parts(varid, {0, stored}, NC_DOUBLE, trace.get(), &lost);
+    }
+    if (result != MsFetch::Read)
         return nullptr;
-    std::fill_n(trace.get(), size, MsMissingDouble);
-    const MsSlab rest = {varid, 1, start.data(), &stored};
-    return file.data.read(rest, NC_DOUBLE, trace.get()) == MsFetch::Read ? std::move(trace) : nullptr;
+    std::fill(trace.get() + stored, trace.get() + size, MsMissingDouble);
+    for (const MsPart &part : lost)
+        std::fill_n(trace.get() + part.start, part.count, MsMissingDouble);
+    return trace;
+}
+
+// The masses of the variable from front to back. In stretches, which are still near the processor when
+// they are counted. What the system refuses has no masses: those of the other points count. -1 where all
+// is refused, and for any other failure.
+int count_stretches(MsFileState &file, qint64 stored, qint32 type, double scale, Census *census,
+                    const QSet<qint32> &keys)
+{
+    const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
+    const std::size_t width = ms_type_width(type);
+    const MsBlock<void> buffer(ms_alloc_array(quint32(std::min<qint64>(masses_at_once, stored)), type));
+    if (!buffer)
+        return -1;
+    const auto *const bytes = static_cast<const char *>(buffer.get());
+    std::vector<MsPart> lost;
+    bool has_any = false;
+    for (qint64 start = 0; start < stored && !census->is_over(); start += masses_at_once) {
+        const MsPart whole = {std::size_t(start),
+                              std::size_t(std::min<qint64>(masses_at_once, stored - start))};
+        const MsFetch result =
+            file.data.read_parts(file.variables[MsVar_mass_values], whole, type, buffer.get(), &lost);
+        if (result != MsFetch::Read && lost.empty())
+            return -1;
+        std::size_t from = whole.start;
+        lost.push_back({whole.end(), 0});
+        for (const MsPart &part : lost) {
+            const auto size = qint32(part.start - from);
+            const void *const masses = bytes + (from - whole.start) * width;
+            census->take(masses, format, size, scale);
+            file.tally.census.seen = qint64(from);
+            if (keys.size() < 2)
+                ms_tally_masses(file.tally.census, masses, format, size);
+            has_any = has_any || size > 0;
+            from = part.end();
+        }
+    }
+    return has_any ? 0 : -1;
 }
 
 int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, double scale)
@@ -159,12 +207,11 @@ int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, doubl
     if (!file.has_mass_values || count < 1)
         return 0;
 
-    MsColumn &column = file.column(MsVar_mass_values);
-    const MsShape *shape = column.shape();
-    if (!shape || shape->rank() != 1 || shape->length[0] != std::size_t(count))
+    const MsShape *shape = file.column(MsVar_mass_values).shape();
+    if (!shape || shape->rank() != 1 || !ms_is_number(shape->type)
+        || shape->length[0] != std::size_t(count))
         return -1;
     const qint32 type = ms_nc_type_of_format(file.mass_format, NC_SHORT);
-    const qint32 format = ms_format_of_nc_type(type, MsShortFormat);
     const auto stored =
         qint64(file.data.count_stored(file.variables[MsVar_mass_values], shape->length[0]));
     // Elements that were claimed and never written would be counted for hours.
@@ -173,16 +220,8 @@ int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, doubl
     QSet<qint32> keys = masses;
     qint32 key_decimals = *decimals;
     Census census(&keys, &key_decimals);
-    // In stretches, which are still near the processor when they are counted.
-    for (qint64 start = 0; start < stored && !census.is_over(); start += masses_at_once) {
-        const auto size = qint32(std::min<qint64>(masses_at_once, stored - start));
-        const MsBlock<void> vector = column.points(start, size, type);
-        if (!vector)
-            return -1;
-        census.take(vector.get(), format, size, scale);
-        if (keys.size() < 2)
-            ms_tally_masses(file.tally.census, vector.get(), format, size);
-    }
+    if (count_stretches(file, stored, type, scale, &census, keys) == -1)
+        return -1;
     masses = keys;
     *decimals = key_decimals;
     return 0;

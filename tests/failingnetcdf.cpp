@@ -55,6 +55,10 @@ PASS_ON(ncvarput1, refused, (int id, int var, const long *at, const void *from),
 PASS_ON(ncattget, refused, (int id, int var, const char *name, void *to), (id, var, name, to))
 PASS_ON(ncattput, refused, (int id, int var, const char *name, int type, int length, const void *from),
         (id, var, name, type, length, from))
+PASS_ON(nc_inq, anError, (int id, int *dims, int *vars, int *atts, int *unlimited), (id, dims, vars, atts, unlimited))
+PASS_ON(nc_inq_dim, anError, (int id, int dim, char *name, Size *length), (id, dim, name, length))
+PASS_ON(nc_inq_var, anError, (int id, int var, char *name, int *type, int *rank, int *dims, int *atts),
+        (id, var, name, type, rank, dims, atts))
 PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size *n), (id, var, name, type, n))
 PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, dim))
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))

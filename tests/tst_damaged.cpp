@@ -133,7 +133,7 @@ private slots:
         QCOMPARE(file.missingBytes(), quint64(row.missing));
     }
 
-    // Texts come from the library, which has zeros, the end of a text, for what is gone.
+    // What is gone isn't zeros, the end of a text.
     void noticesACutTextWhileOpen()
     {
         const QString path = folder.filePath(QStringLiteral("text.cdf"));

@@ -84,9 +84,9 @@ private slots:
         QVERIFY(calls > 150);
         const int before = openFiles();
         // Results that no routine looks at: a file in the other mode refuses what comes next by itself, and
-        // to the look at what was written an object is absent.
-        const QSet<QByteArray> unwatched = {"ncredef", "ncendef", "ncclose", "ncvarinq",
-                                            "ncdimid", "ncvarid", "ncattget"};
+        // to the look at what was written an object is absent. That opens the file at a second attempt.
+        const QSet<QByteArray> unwatched = {"ncredef", "ncendef", "ncclose",  "ncvarinq",
+                                            "ncdimid", "ncvarid", "ncattget", "ncopen"};
         for (int n = 1; n <= calls; ++n) {
             failCall(n);
             const bool written = write(path, kind);

@@ -1,0 +1,281 @@
+// The system's reads of an import fail in turn. What is asked for comes right or is missing, and a failure
+// is told.
+
+#include "dvheader.h"
+#include "dvimportreceiver.h"
+#include "failingreads.h"
+#include "filestate_p.h"
+#include "messageredirection.h"
+#include "msrecords.h"
+#include "plugin.h"
+#include "program.h"
+#include "rows.h"
+#include "samplefile.h"
+
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int scanCount = 300;
+constexpr int pointCount = 20;
+
+using Points = std::vector<std::pair<float, float>>; // mass and abundance
+
+// What came of one import, and what was told of it.
+struct Imported : DVImportReceiver {
+    void analysisStarted(const DVHeader &header, const float *masses, int size) override
+    {
+        title = header.getExpName();
+        table.assign(masses, masses + size);
+    }
+    void scanImported(int, double, double, int count, const float *abundances, const unsigned short *at) override
+    {
+        Points &points = scans.emplace_back();
+        for (int i = 0; i < count; ++i)
+            points.emplace_back(table[at[i]], abundances[i]);
+    }
+    void progressChanged(int, int) override { }
+
+    // A scan is as in `whole`, or has no points.
+    bool isPartOf(const Imported &whole) const
+    {
+        for (std::size_t i = 0; i < scans.size(); ++i) {
+            if (!scans[i].empty() && scans[i] != whole.scans[i])
+                return false;
+        }
+        return scans.empty() || title == whole.title;
+    }
+    int lost() const { return int(std::count(scans.begin(), scans.end(), Points())) + scanCount - int(scans.size()); }
+
+    QString title;
+    std::vector<float> table;
+    std::vector<Points> scans;
+    QString told;       // all messages
+    bool isWell = true; // the run came to its end, and none of the doubts is a loss
+};
+
+struct Fault {
+    ReadFault kind = ReadFault::Error;
+    int error = 0;            // errno, which is told
+    bool forGood = false;     // and all reads behind it
+    bool isContinued = false; // nothing is missing
+};
+
+using Change = void (*)(const QString &path, const QByteArray &other);
+
+bool writeOver(const QString &path, QIODevice::OpenMode mode, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(mode) && file.write(bytes) == bytes.size();
+}
+
+} // namespace
+
+class TestReads : public QObject, private Plugin
+{
+    Q_OBJECT
+
+    Imported importRun()
+    {
+        Imported result;
+        const MessageRedirection redirection(
+            [&result](MessageLoggerInterface::Level, const QString &text) { result.told += text + '\n'; });
+        const Copy copy = copyFor(path);
+        result.isWell = copy && import(copy.get(), &result);
+        const QList<QVariant> doubts = copy ? copy->property("doubts").toList() : QList<QVariant>();
+        for (const QVariant &doubt : doubts)
+            result.isWell = result.isWell && !doubt.toMap().value("loss").toBool();
+        return result;
+    }
+
+    // The file has an old time, so that any change is one of its time, too.
+    void put(const QByteArray &bytes)
+    {
+        QVERIFY(writeFile(path, bytes));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1700000000), QFileDevice::FileModificationTime));
+    }
+
+    QByteArray sample(quint64 seed, bool isFixed) const
+    {
+        SampleOptions options;
+        options.scans = scanCount;
+        options.points = pointCount;
+        options.seed = seed;
+        const QString made = folder.filePath(QStringLiteral("made.cdf"));
+        const QString copied = folder.filePath(QStringLiteral("copied.cdf"));
+        const bool isMade = writeSample(QFile::encodeName(made), options).isNull()
+            && runProgram(QStringLiteral("nccopy"), {QStringLiteral("-u"), made, copied}).code == 0;
+        return isMade ? content(isFixed ? copied : made) : QByteArray();
+    }
+
+    // Which scans have an element in the 512 bytes from `begin` on.
+    static QSet<int> scansAt(const MsClassicLayout &layout, MsFileState *state, quint64 begin)
+    {
+        QSet<int> result;
+        for (std::size_t id = 0; id < layout.variables.size(); ++id) {
+            const MsVariableExtent &extent = layout.variables[id];
+            MsShape shape;
+            if (!state->data.ask_shape(int(id), &shape) || shape.rank() != 1)
+                continue;
+            const int each = shape.length[0] == scanCount ? 1 : pointCount;
+            for (std::size_t i = 0; i < shape.length[0]; ++i) {
+                const quint64 place = extent.begin + i * extent.stride;
+                if (place < begin + 512 && place + extent.width > begin)
+                    result += int(i) / each;
+            }
+        }
+        return result;
+    }
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("run.cdf"));
+    const QByteArray pathBytes = QFile::encodeName(path);
+    QByteArray runs[2]; // as records of an unlimited dimension, and in the fixed layout
+    QByteArray others[2];
+
+private slots:
+    void initTestCase()
+    {
+        for (const bool isFixed : {false, true}) {
+            runs[isFixed] = sample(1, isFixed);
+            others[isFixed] = sample(2, isFixed);
+            QVERIFY(!runs[isFixed].isEmpty() && runs[isFixed].size() == others[isFixed].size());
+        }
+        put(runs[0]);
+        importRun(); // what a first import reads besides
+    }
+    void cleanup() { reads = {}; }
+
+    void tellsFailures_data()
+    {
+        const Rows<Fault> row;
+        row("an error once") = {ReadFault::Error, EIO, false, true};
+        row("errors for good") = {ReadFault::Error, EIO, true};
+        row("a lost connection") = {ReadFault::Error, ESTALE, true};
+        row("an early end once") = {ReadFault::End, 0, false, true};
+        row("early ends for good") = {ReadFault::End, 0, true};
+        row("an interruption") = {ReadFault::Interrupted, 0, false, true};
+        row("a short read") = {ReadFault::Short, 0, false, true};
+        row("short reads for good") = {ReadFault::Short, 0, true};
+    }
+    void tellsFailures()
+    {
+        const Fault &row = Rows<Fault>::current();
+        for (const QByteArray &bytes : runs) {
+            put(bytes);
+            reads = {};
+            reads.path = pathBytes.constData();
+            const Imported whole = importRun();
+            QVERIFY2(whole.isWell && whole.lost() == 0, qPrintable(whole.told));
+            const int made = reads.made;
+            QVERIFY(made > 8);
+            for (int n = 1; n <= made; ++n) {
+                reads = {pathBytes.constData(), n, row.forGood, row.kind, row.error};
+                const Imported result = importRun();
+                const QByteArray what = QByteArray::number(n) + ": " + result.told.toUtf8();
+                QVERIFY2(reads.failed > 0, what);
+                QVERIFY2(result.isPartOf(whole), what);
+                QVERIFY2(!row.isContinued || result.lost() == 0, what);
+                if (row.error != 0)
+                    QVERIFY2(result.told.contains(QString::fromLocal8Bit(std::strerror(row.error))), what);
+                QVERIFY2(result.isWell ? result.lost() == 0 : !result.told.isEmpty(), what);
+            }
+        }
+    }
+
+    // Each sector in turn can't be read: only scans with numbers in it are lost. The library reads more than
+    // the header, in its blocks.
+    void losesNoMoreThanASector()
+    {
+        for (const QByteArray &bytes : runs) {
+            put(bytes);
+            const Imported whole = importRun();
+            const int id = ms_open_read(pathBytes.constData());
+            MsFileState *const state = ms_file_state(id);
+            const MsClassicLayout &layout = *state->data.classic_layout();
+            int lost = 0;
+            for (quint64 bad = (layout.header + 2 * 8192) / 512 * 512; bad < quint64(bytes.size()); bad += 512) {
+                reads = {pathBytes.constData(), 0, false, ReadFault::Error, EIO, qint64(bad), qint64(bad) + 512};
+                const Imported result = importRun();
+                const QByteArray what = QByteArray::number(bad) + ": " + result.told.toUtf8();
+                QVERIFY2(result.isWell == (reads.failed == 0) && result.isPartOf(whole), what);
+                QVERIFY2(int(result.scans.size()) == scanCount, what);
+                const QSet<int> there = scansAt(layout, state, bad);
+                for (int scan = 0; scan < scanCount; ++scan)
+                    QVERIFY2(!result.scans[std::size_t(scan)].empty() || there.contains(scan), what);
+                lost += result.lost();
+            }
+            QVERIFY(lost > scanCount);
+            ms_close(id);
+        }
+    }
+
+    void noticesChanges_data()
+    {
+        const Rows<Change> row;
+        row("cut") = [](const QString &name, const QByteArray &) { QFile::resize(name, QFileInfo(name).size() / 2); };
+        row("grown") = [](const QString &name, const QByteArray &other) {
+            QVERIFY(writeOver(name, QIODevice::Append, other));
+        };
+        row("written over") = [](const QString &name, const QByteArray &other) {
+            QVERIFY(writeOver(name, QIODevice::ReadWrite, other));
+        };
+        row("replaced") = [](const QString &name, const QByteArray &other) { QVERIFY(writeFile(name, other)); };
+    }
+    void noticesChanges()
+    {
+        const Change change = Rows<Change>::current();
+        for (const int i : {0, 1}) {
+            put(others[i]);
+            const Imported other = importRun();
+            put(runs[i]);
+            reads = {};
+            reads.path = pathBytes.constData();
+            const Imported whole = importRun();
+            const int made = reads.made;
+            for (int n = 1; n <= made; ++n) {
+                put(runs[i]);
+                reads = {pathBytes.constData(), n};
+                reads.before = [&] { change(path, others[i]); };
+                const Imported result = importRun();
+                // All of it old or all of it new, or it is told.
+                const bool isOfOneFile = result.isPartOf(whole) || result.isPartOf(other);
+                QVERIFY2(result.isWell ? isOfOneFile && result.lost() == 0 : !result.told.isEmpty(),
+                         qPrintable(QStringLiteral("%1: %2").arg(n).arg(result.told)));
+            }
+        }
+    }
+
+    // A trace goes on behind what can't be read.
+    void keepsTheRestOfATrace()
+    {
+        put(runs[1]);
+        const int id = ms_open_read(pathBytes.constData());
+        const MsTrace whole(id, scanCount);
+        MsFileState *const state = ms_file_state(id);
+        const auto variable = std::size_t(state->variables[MsVar_total_intensity]);
+        const quint64 bad = state->data.classic_layout()->variables[variable].begin / 512 * 512 + 512;
+        reads = {pathBytes.constData(), 0, false, ReadFault::Error, EIO, qint64(bad), qint64(bad) + 512};
+        const MsTrace trace(id, scanCount);
+        ms_close(id);
+        QVERIFY(trace.isRead());
+        int missing = 0;
+        for (int scan = 0; scan < scanCount; ++scan) {
+            missing += trace.totalIntensities()[scan] == MsMissingDouble;
+            QVERIFY(trace.totalIntensities()[scan] == whole.totalIntensities()[scan]
+                    || trace.totalIntensities()[scan] == MsMissingDouble);
+        }
+        QVERIFY(missing > 60 && missing < 67);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestReads)
+#include "tst_reads.moc"
