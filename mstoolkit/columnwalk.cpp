@@ -78,7 +78,18 @@ bool MsColumnWalk::is_lost(std::size_t place) const
     });
 }
 
-bool ms_is_fill(nc_type type, double number)
+std::optional<qint64> ms_shortest_axis(MsFileState &file)
+{
+    std::optional<qint64> shortest;
+    for (const int slot : {MsVar_mass_values, MsVar_time_values, MsVar_intensity_values}) {
+        const MsColumnWalk numbers(file, slot);
+        if (numbers.is_usable())
+            shortest = std::min(shortest.value_or(qint64(numbers.length())), qint64(numbers.length()));
+    }
+    return shortest;
+}
+
+bool ms_is_fill(qint32 type, double number)
 {
     const std::optional<Fill> fill = fill_of(type);
     return fill && number >= fill->least && number <= fill->most;

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <vector>
 
 struct MsFileState;
@@ -65,8 +66,9 @@ private:
     std::vector<MsPart> lost;    // of these, refused by the system
 };
 
-// The same of a number of that type.
-bool ms_is_fill(nc_type type, double number);
+// The positions of the shortest of mass_values, time_values and intensity_values; nothing for a file
+// without any of them as numbers along one dimension.
+std::optional<qint64> ms_shortest_axis(MsFileState &file);
 
 inline bool ms_is_missing(double number)
 {

@@ -6,6 +6,7 @@
 #include "filestate_p.h"
 #include "variabletables_p.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -58,7 +59,7 @@ QString describe_place(MsFileState &file, double index, double count, double fla
 
 } // namespace
 
-QString ms_describe_failure(MsFileState &file, qint32 scan)
+QString ms_describe_failure(MsFileState &file, qint32 scan, const MsScanPlace *place)
 {
     if (scan < 0)
         return QStringLiteral("no scan has a number below 0");
@@ -70,6 +71,8 @@ QString ms_describe_failure(MsFileState &file, qint32 scan)
         if (walk.is_usable() && std::size_t(scan) >= walk.length())
             return about(row.name, "%1 has no element for it");
     }
+    if (place)
+        return describe_place(file, double(place->first), place->points, std::max(place->flags, 0));
     double numbers[3] = {0.0, 0.0, 0.0}; // index, points, flags
     int i = 0;
     for (const MsVariableRow &row : ms_counter_table) {

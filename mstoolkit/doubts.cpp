@@ -447,8 +447,10 @@ QList<MsDoubt> ms_list_doubts(int ncid, const QString &name, const MsDoubtOption
 QString ms_scan_failure(int ncid)
 {
     MsFileState *file = ms_file_state(ncid);
-    return file && file->tally.has_failure ? ms_describe_failure(*file, file->tally.failed_scan)
-                                           : QString();
+    if (!file || !file->tally.has_failure)
+        return QString();
+    const std::optional<MsScanPlace> &place = file->tally.failed_place;
+    return ms_describe_failure(*file, file->tally.failed_scan, place ? &*place : nullptr);
 }
 
 qint32 ms_count_unread_scans(int ncid)

@@ -97,12 +97,9 @@ public:
         : file(state), count(scan_count), tally(state.tally), findings(tally.found),
           has_index(scans.index.is_usable()), has_counts(scans.points.is_usable())
     {
-        for (const int slot : {MsVar_mass_values, MsVar_time_values, MsVar_intensity_values}) {
-            const MsColumnWalk numbers(file, slot);
-            if (numbers.is_usable())
-                points = std::min(points, qint64(numbers.length()));
-            has_points = has_points || numbers.is_usable();
-        }
+        const std::optional<qint64> shortest = ms_shortest_axis(file);
+        has_points = shortest.has_value();
+        points = shortest.value_or(points);
         left_to_look_at = std::max<qint64>(1 << 20, points / 20);
     }
 

@@ -104,10 +104,9 @@ public:
     }
 
     // Reads the record with that number, from 0, of an open file.
-    MsOwned(int ncid, qint32 number) : MsOwned() // complete from here on: its end frees what was read
+    MsOwned(int ncid, qint32 number)
+        : MsOwned(number, [ncid](Record *record) { return MsRoutines<Record>::read(ncid, record); })
     {
-        MsRoutines<Record>::number(this) = number;
-        isRead_ = MsRoutines<Record>::read(ncid, this) != -1;
     }
 
     MsOwned(MsOwned &&other) noexcept : Record(other), isRead_(std::exchange(other.isRead_, false))
@@ -126,6 +125,15 @@ public:
     // Whether the record could be read whole.
     bool isRead() const { return isRead_; }
 
+protected:
+    // Reads the record with that number by `read`, which returns -1 where that fails.
+    template <class Read>
+    MsOwned(qint32 number, Read read) : MsOwned() // complete from here on: its end frees what was read
+    {
+        MsRoutines<Record>::number(this) = number;
+        isRead_ = read(static_cast<Record *>(this)) != -1;
+    }
+
 private:
     bool isRead_ = false;
 };
@@ -142,13 +150,13 @@ class MsScan : public MsOwned<MsScanRecord>
 {
 public:
     MsScan() = default;
-    MsScan(int ncid, qint32 number) : MsOwned(ncid, number)
+    MsScan(int ncid, qint32 number) : MsOwned(ncid, number) { takeFormats(ncid); }
+
+    // Reads the scan whose points lie at `place`, whatever the file says. See ms_read_scan_at.
+    MsScan(int ncid, qint32 number, const MsScanPlace &place)
+        : MsOwned(number, [&](MsScanRecord *scan) { return ms_read_scan_at(ncid, place, scan); })
     {
-        if (const MsFileRecord *file = ms_file_record(ncid)) {
-            massFormat_ = known(file->mass_format, MsShortFormat);
-            timeFormat_ = known(file->time_format, MsShortFormat);
-            intensityFormat_ = known(file->intensity_format, MsLongFormat);
-        }
+        takeFormats(ncid);
     }
 
     // The numbers of the points as they are stored: point_count of them, or none where the file lacks
@@ -163,6 +171,15 @@ public:
     MsNumbers flagValues() const { return {flag_values, MsShortFormat, flag_count}; }
 
 private:
+    void takeFormats(int ncid)
+    {
+        if (const MsFileRecord *file = ms_file_record(ncid)) {
+            massFormat_ = known(file->mass_format, MsShortFormat);
+            timeFormat_ = known(file->time_format, MsShortFormat);
+            intensityFormat_ = known(file->intensity_format, MsLongFormat);
+        }
+    }
+
     // The format in which the toolkit reads for a code that needn't be one.
     static qint32 known(qint32 format, MsDataFormat fallback)
     {

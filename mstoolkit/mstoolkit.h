@@ -647,6 +647,32 @@ int ms_read_scan_header(int ncid, MsScanRecord *scan);
 // was read by then stays in the records: release them.
 int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library);
 
+// Where the points of a scan lie along the point axis: the first position, from 0, and how many there
+// are, with the flags directly behind them.
+struct MsScanPlace {
+    qint64 first;  // scan_index in a file
+    qint32 points; // point_count
+    qint32 flags;  // flag_count
+};
+
+// Returns the counters of a scan as they are in the file. One that the file lacks, or that can't be read
+// as a 32-bit number, is -9999; so are all for an unknown id.
+MsScanPlace ms_read_scan_place(int ncid, qint32 scan);
+
+// Reads scan `scan->scan_number` whole as ms_read_per_scan does, with its points and flags at `place`,
+// whatever scan_index and the counts say; flags below 0 count as none. For readers who know better than
+// the file does. Returns -1 as ms_read_per_scan does, and for points below 0.
+int ms_read_scan_at(int ncid, const MsScanPlace &place, MsScanRecord *scan);
+
+// Returns the positions of the point axis: as many as the shortest of mass_values, time_values and
+// intensity_values has. A file that is cut off needn't hold them all. 0 where the file has none of the
+// variables as numbers of one dimension, and for an unknown id.
+qint64 ms_count_positions(int ncid);
+
+// Whether a number of type `type` is the one that netCDF stores where nothing was written. A double may
+// come from a float, or be the rounded number of the manuals.
+bool ms_is_fill(qint32 type, double number);
+
 // Appends a scan to a file made by ms_open_write: numbers and counts at `scan->scan_number`, vectors (in
 // the formats given to ms_open_write) and flags behind the points written so far, and, in a library file,
 // the entry. Either record may be null. Scans may come in any order; one that is written twice appends

@@ -1,7 +1,10 @@
 // Reading one scan.
 
+#include "columnwalk_p.h"
 #include "rows_p.h"
 #include "scanrecord_p.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -87,6 +90,13 @@ int read_vectors(MsFileState &file, qint64 start, MsScanRecord *scan)
     return scan->flag_values ? 0 : -1;
 }
 
+// The points at a place, once the numbers and counts are there.
+int read_points(MsFileState &file, qint64 start, MsScanRecord *scan)
+{
+    ms_clear_vectors(scan);
+    return scan->point_count < 1 ? 0 : read_vectors(file, start, scan);
+}
+
 int read_scan(MsFileState &file, MsScanRecord *scan)
 {
     if (read_numbers(file, scan) == -1)
@@ -98,9 +108,16 @@ int read_scan(MsFileState &file, MsScanRecord *scan)
         return -1;
     if (read_counter(file, MsVar_flag_count, scan->scan_number, &scan->flag_count) == -1)
         scan->flag_count = 0;
+    return read_points(file, scan_index, scan);
+}
 
-    ms_clear_vectors(scan);
-    return scan->point_count < 1 ? 0 : read_vectors(file, scan_index, scan);
+int read_scan_at(MsFileState &file, const MsScanPlace &place, MsScanRecord *scan)
+{
+    if (place.points < 0 || read_numbers(file, scan) == -1)
+        return -1;
+    scan->point_count = place.points;
+    scan->flag_count = std::max(place.flags, 0);
+    return read_points(file, place.first, scan);
 }
 
 } // namespace
@@ -127,4 +144,39 @@ int ms_read_per_scan(int ncid, MsScanRecord *scan, MsLibraryRecord *library)
     if (!library || file->experiment_type != MsLibrarySpectrum)
         return 0;
     return ms_read_rows(*file, ms_library_table, library->entry_index, library);
+}
+
+MsScanPlace ms_read_scan_place(int ncid, qint32 scan)
+{
+    MsScanPlace place = {MsMissingLong, MsMissingLong, MsMissingLong};
+    MsFileState *file = ms_file_state(ncid);
+    if (!file || scan < 0)
+        return place;
+    const auto counter = [&](int slot) {
+        qint32 value = MsMissingLong;
+        return read_counter(*file, slot, scan, &value) == -1 ? MsMissingLong : value;
+    };
+    place.first = counter(MsVar_scan_index);
+    place.points = counter(MsVar_point_count);
+    place.flags = counter(MsVar_flag_count);
+    return place;
+}
+
+int ms_read_scan_at(int ncid, const MsScanPlace &place, MsScanRecord *scan)
+{
+    MsFileState *file = ms_file_state(ncid);
+    if (!file || !scan)
+        return -1;
+    if (read_scan_at(*file, place, scan) == -1) {
+        ms_tally_failure(*file, scan->scan_number, &place);
+        return -1;
+    }
+    ms_tally_scan(*file, *scan);
+    return 0;
+}
+
+qint64 ms_count_positions(int ncid)
+{
+    MsFileState *file = ms_file_state(ncid);
+    return file ? ms_shortest_axis(*file).value_or(0) : 0;
 }

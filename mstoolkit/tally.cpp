@@ -363,16 +363,17 @@ void ms_tally_scan(MsFileState &file, const MsScanRecord &scan)
         ScanTally(file, scan).take();
 }
 
-void ms_tally_failure(MsFileState &file, qint32 scan)
+void ms_tally_failure(MsFileState &file, qint32 scan, const MsScanPlace *place)
 {
     MsTally &tally = file.tally;
     tally.has_failure = true;
     tally.failed_scan = scan;
+    tally.failed_place = place ? std::optional<MsScanPlace>(*place) : std::nullopt;
     if (!is_new(file, scan))
         return;
     MsFinding &unreadable = tally.found[MsDoubtKind::UnreadableScans];
     if (unreadable.count == 0)
-        tally.first_failure = ms_describe_failure(file, scan);
+        tally.first_failure = ms_describe_failure(file, scan, place);
     unreadable.add(scan);
 }
 

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -230,8 +231,9 @@ struct MsTally {
     MsAgreement stored_masses; // the largest as it is stored, where the file has a scale
     MsRange claimed_totals;
     bool has_failure = false;
-    qint32 failed_scan = -1; // the last one
-    QString first_failure;   // why the first one that failed couldn't be read
+    qint32 failed_scan = -1;                 // the last one
+    std::optional<MsScanPlace> failed_place; // where its points were looked for, if not by its counters
+    QString first_failure;                   // why the first one that failed couldn't be read
 
     MsFindings found;
 };
@@ -239,9 +241,10 @@ struct MsTally {
 // Takes note of the record that ms_read_global returned.
 void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw);
 
-// Takes note of a scan that was read, or that couldn't be read.
+// Takes note of a scan that was read, or that couldn't be read. `place` is where its points were looked
+// for, null where that was by the file's own counters.
 void ms_tally_scan(MsFileState &file, const MsScanRecord &scan);
-void ms_tally_failure(MsFileState &file, qint32 scan);
+void ms_tally_failure(MsFileState &file, qint32 scan, const MsScanPlace *place = nullptr);
 
 // Takes note of the next masses of a census that has no more than one key yet.
 void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, qint32 count);
@@ -259,8 +262,8 @@ void ms_look_at_totals(MsFileState &file);
 // Looks at the groups of masses: those that can't be, and how many there are.
 std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file);
 
-// Why a scan can't be read, as the rest of a sentence: "scan_index is missing".
-QString ms_describe_failure(MsFileState &file, qint32 scan);
+// Why a scan can't be read, as the rest of a sentence: "scan_index is missing". `place` as above.
+QString ms_describe_failure(MsFileState &file, qint32 scan, const MsScanPlace *place = nullptr);
 
 // A factor of the file, or what counts where it has none.
 inline double ms_given(double factor, double otherwise)

@@ -1,6 +1,5 @@
 // aia-import as a person or a script meets it: output, messages and exit code.
 
-#include "acquisitiontime.h"
 #include "program.h"
 #include "rows.h"
 
@@ -17,11 +16,6 @@ const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
 struct SummaryLine {
     QString file; // imported with modulations of 60 s, and verbosely
     QString line; // a regular expression
-};
-
-struct Stamp {
-    QString stamp;
-    QString utc{}; // null: without a zone
 };
 
 struct Talk {
@@ -140,31 +134,6 @@ private slots:
         const SummaryLine &row = Rows<SummaryLine>::current();
         const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", "60", fixture(row.file)}).out);
         QVERIFY2(hasLine(printed, row.line), qPrintable(printed));
-    }
-
-    void stamp_data()
-    {
-        const Rows<Stamp> row;
-        row("template") = {"20070923040800+0200", "2007-09-23 02:08:00"};
-        row("template, west") = {"20070923223800-0530", "2007-09-24 04:08:00"};
-        row("template, no seconds") = {"200709230408-0200", "2007-09-23 06:08:00"};
-        row("template, no zone") = {"20070923040800"};
-        row("ISO") = {"2007-09-23T04:08:00Z", "2007-09-23 04:08:00"};
-        row("ISO, fraction") = {"2007-09-23 04:08:00.5+02:00", "2007-09-23 02:08:00"};
-        row("ISO, no zone") = {"2007-09-23T04:08:00"};
-        row("commas") = {"2007,09,23,04:08:00+0200", "2007-09-23 02:08:00"};
-        row("commas only") = {"2007,9,23,4,08,00"};
-        row("midnight of another year") = {"20080101003000+0100", "2007-12-31 23:30:00"};
-        row("no such day") = {"20070230040800+0200", "not understood"};
-        row("no such zone") = {"20070923040800+2500", "not understood"};
-        row("day or month first") = {"09/10/2007 04:08:00", "not understood"};
-        row("words") = {"yesterday", "not understood"};
-    }
-    void stamp()
-    {
-        const Stamp &row = Rows<Stamp>::current();
-        const QString what = row.utc.isNull() ? "without a time zone" : row.utc + (row.utc[0] == '2' ? " UTC" : "");
-        QCOMPARE(acquisitionTime(row.stamp), row.stamp + " (" + what + ')');
     }
 
     void talk_data()

@@ -3,9 +3,9 @@
 #include "debugger.h"
 #include "dvheader.h"
 #include "dvimportparamtype.h"
-#include "inputfile.h"
 #include "interruption.h"
 #include "messageredirection.h"
+#include "msinput.h"
 #include "terminaltext.h"
 
 #include <QApplication>

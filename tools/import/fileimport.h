@@ -11,9 +11,9 @@
 #include "lostfile.h"
 #include "messagelist.h"
 #include "msfile.h"
+#include "msrunlimit.h"
 #include "progressbar.h"
 #include "runfacts.h"
-#include "runlimit.h"
 
 #include <optional>
 #include <vector>

@@ -1,4 +1,4 @@
-// What a file says of its run: what an analyst asks first.
+// What a file says of its run, in the words of an analyst.
 #ifndef RUNFACTS_H
 #define RUNFACTS_H
 
@@ -12,7 +12,7 @@
 // for a fact.
 struct RunFacts {
     QString title;
-    QString acquired; // in the words of acquisitionTime()
+    QString acquired; // as it stands, and in UTC if that is known
     QString operatorName;
     QString instrument; // its components
     QString method;

@@ -1,7 +1,7 @@
 #include "infofields.h"
 
-#include "fileattribute.h"
 #include "fillvalue.h"
+#include "msattribute.h"
 #include "msformat.h"
 #include "terminaltext.h"
 

@@ -5,8 +5,8 @@
 #include "inforanges.h"
 #include "messageredirection.h"
 #include "msdoubts.h"
+#include "msrunlimit.h"
 #include "namecodec.h"
-#include "runlimit.h"
 
 #include <QFileInfo>
 

@@ -2,9 +2,9 @@
 
 #include "infogather.h"
 #include "inforeport.h"
-#include "inputfile.h"
 #include "messagelist.h"
 #include "messageredirection.h"
+#include "msinput.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 #include "terminaltext.h"

@@ -1,4 +1,4 @@
-#include "runlimit.h"
+#include "msrunlimit.h"
 
 #include "msfile.h"
 
@@ -35,17 +35,18 @@ qint64 pointsOf(const MsFile &file, qint64 bytes)
 
 } // namespace
 
+qint64 RunLimit::mostPoints(const MsFile &file, qint64 length)
+{
+    const qint64 bytes = std::min(length, longest);
+    return leastPoints + (isClassic(file) ? mostUses * pointsOf(file, bytes) : mostPacking * bytes);
+}
+
 void RunLimit::start(const MsFile &file, qint64 length)
 {
     const qint64 bytes = std::min(length, longest);
+    pointsLeft = mostPoints(file, length);
     // A scan takes a byte, too: a file that has more scans than this only claims them.
-    if (isClassic(file)) {
-        pointsLeft = mostUses * pointsOf(file, bytes) + leastPoints;
-        mostEmpty = std::max(leastEmpty, bytes);
-    } else {
-        pointsLeft = mostPacking * bytes + leastPoints;
-        mostEmpty = std::max(leastEmpty, mostPacking * bytes);
-    }
+    mostEmpty = std::max(leastEmpty, isClassic(file) ? bytes : mostPacking * bytes);
     empty = 0;
 }
 

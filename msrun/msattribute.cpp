@@ -1,4 +1,4 @@
-#include "fileattribute.h"
+#include "msattribute.h"
 
 #include <algorithm>
 #include <cstddef>

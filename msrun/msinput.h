@@ -1,6 +1,6 @@
 // A file that a program is asked to read, and what it needs to open it.
-#ifndef INPUTFILE_H
-#define INPUTFILE_H
+#ifndef MSINPUT_H
+#define MSINPUT_H
 
 #include "msfile.h"
 
@@ -15,8 +15,8 @@ QString whyUnreadable(const QString &name);
 QString pluginFolder();
 
 // Opens a file that nobody vouches for, in the way of all programs: after a first look at one of a newer
-// kind, see mslook.h. Returns no file if that fails; where more is known than that netCDF refuses it, an
-// error message says so.
-MsFile openInput(const QString &name);
+// kind by the program `lookProgram`, see mslook.h; that in pluginFolder() where none is named. Returns no
+// file if that fails; where more is known than that netCDF refuses it, an error message says so.
+MsFile openInput(const QString &name, const QString &lookProgram = QString());
 
-#endif // INPUTFILE_H
+#endif // MSINPUT_H

@@ -1,7 +1,7 @@
 // What a file says itself in an attribute of the template. A record holds a default where the file says
 // nothing, and a reader can't tell one from the other.
-#ifndef FILEATTRIBUTE_H
-#define FILEATTRIBUTE_H
+#ifndef MSATTRIBUTE_H
+#define MSATTRIBUTE_H
 
 #include "mstoolkit.h"
 
@@ -20,4 +20,4 @@ QString statedText(int ncid, const MsAttributeRow &row);
 // Returns the row that fills the field at that offset of the table's record. There has to be one.
 const MsAttributeRow &attributeRow(const MsTable<MsAttributeRow> &table, std::size_t field);
 
-#endif // FILEATTRIBUTE_H
+#endif // MSATTRIBUTE_H

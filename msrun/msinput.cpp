@@ -1,4 +1,4 @@
-#include "inputfile.h"
+#include "msinput.h"
 
 #include "mslook.h"
 
@@ -26,9 +26,10 @@ QString pluginFolder()
     return QCoreApplication::applicationDirPath() + QStringLiteral("/" AIA_PLUGIN_DIR);
 }
 
-MsFile openInput(const QString &name)
+MsFile openInput(const QString &name, const QString &lookProgram)
 {
     const QByteArray path = ms_path_of(name);
-    const QString program = pluginFolder() + QStringLiteral("/" AIA_LOOK);
+    const QString program =
+        lookProgram.isEmpty() ? pluginFolder() + QStringLiteral("/" AIA_LOOK) : lookProgram;
     return ms_look_first(path.constData(), program) == 0 ? MsFile(path.constData()) : MsFile();
 }

@@ -1,8 +1,8 @@
 // The limit of a run. A file of a few bytes can claim thousands of millions of scans, and scans may share
 // their points, so that a small file holds days of work. Whoever drives a run counts each scan here and
 // cancels the run where the limit is passed.
-#ifndef RUNLIMIT_H
-#define RUNLIMIT_H
+#ifndef MSRUNLIMIT_H
+#define MSRUNLIMIT_H
 
 #include <QString>
 
@@ -11,6 +11,10 @@ class MsFile;
 class RunLimit
 {
 public:
+    // Returns how many points all scans of an open file of `bytes` can have together, those that several
+    // share counted for each.
+    static qint64 mostPoints(const MsFile &file, qint64 bytes);
+
     // Takes the limit from the length of the file, its kind and the points that it holds.
     void start(const MsFile &file, qint64 bytes);
 
@@ -24,4 +28,4 @@ private:
     qint64 empty = 0; // scans in a row so far
 };
 
-#endif // RUNLIMIT_H
+#endif // MSRUNLIMIT_H

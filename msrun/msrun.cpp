@@ -1,0 +1,479 @@
+#include "msrun.h"
+
+#include "msfile.h"
+#include "msinput.h"
+#include "msrunlimit.h"
+#include "numbers_p.h"
+#include "peaksum_p.h"
+#include "scanplaces_p.h"
+#include "scantimes_p.h"
+
+#include "messageloggerinterface.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr qint32 mostListed = 10000; // components and groups
+
+// Holds the toolkit's messages back for as long as the object lives, and sends them on at its end, but
+// for errors that were taken.
+class HeldMessages
+{
+public:
+    HeldMessages()
+        : previous_(MessageLoggerInterface::setReceiver(
+            [this](MessageLoggerInterface::Level level, const QString &text) {
+                (level == MessageLoggerInterface::Level::Error ? errors_ : warnings_) += text;
+            }))
+    {
+    }
+    ~HeldMessages()
+    {
+        MessageLoggerInterface::setReceiver(std::move(previous_));
+        for (const QString &text : qAsConst(warnings_))
+            MessageLoggerInterface::Warning(text, nullptr);
+        for (const QString &text : qAsConst(errors_))
+            MessageLoggerInterface::Error(text, nullptr);
+    }
+
+    // Returns the errors as a text without mark-up; empty for none.
+    QString takeErrors()
+    {
+        QString text = std::exchange(errors_, QStringList()).join(QLatin1String("; "));
+        return text.remove(QLatin1String("<b>")).remove(QLatin1String("</b>"));
+    }
+
+private:
+    Q_DISABLE_COPY(HeldMessages)
+
+    MessageLoggerInterface::Receiver previous_;
+    QStringList warnings_;
+    QStringList errors_;
+};
+
+QString withFullStop(const QString &sentence)
+{
+    return sentence.endsWith(QLatin1Char('.')) ? sentence : sentence + QLatin1Char('.');
+}
+
+// A factor of the file. One that can't be a factor counts as none.
+double factorOf(double stored, bool *isIgnored)
+{
+    if (stored == MsMissingDouble)
+        return 1.0;
+    const bool isFactor = isKnown(stored) && stored != 0.0;
+    *isIgnored = *isIgnored || !isFactor;
+    return isFactor ? stored : 1.0;
+}
+
+// How far a long operation is.
+class Report
+{
+public:
+    Report(const MsRun::Progress &progress, qint32 all) : progress_(progress), all_(all) { }
+
+    // Whether to go on with the scan.
+    bool goesOn(qint32 scan) const
+    {
+        constexpr qint32 often = 256;
+        return scan % often != 0 || !progress_ || progress_(double(scan) / all_);
+    }
+
+private:
+    const MsRun::Progress &progress_;
+    qint32 all_;
+};
+
+} // namespace
+
+class MsRun::Private
+{
+public:
+    Private(const QString &fileName, const MsRunOptions &options) : name(fileName) { open(options); }
+
+    QString name;
+    QString error;
+    MsFile file;
+    Kind kind = Kind::Trace;
+    qint32 size = 0;
+    MsGlobals globals;
+    MsRunFacts facts;
+    MsScales scales;
+    bool hasSeconds = false;
+    std::optional<ScanPlaces> places;
+    std::optional<ScanTimes> times;
+
+    MsSpectrum spectrum(qint32 index);
+    QList<MsDoubt> ownDoubts() const;
+
+private:
+    void open(const MsRunOptions &options);
+    QString fault(const MsRunOptions &options);
+    void judgeScales();
+
+    bool hasIgnoredFactor = false;
+    qint32 claimed = 0; // scans by the file
+};
+
+void MsRun::Private::open(const MsRunOptions &options)
+{
+    error = fault(options);
+    if (error.isNull())
+        return;
+    file.close();
+    size = 0;
+    globals = MsGlobals();
+    facts = MsRunFacts();
+}
+
+// Opens the file, and returns the sentence that says why that can't be done; null if it could.
+QString MsRun::Private::fault(const MsRunOptions &options)
+{
+    const QString obstacle = whyUnreadable(name);
+    if (!obstacle.isNull())
+        return obstacle;
+    const auto refusal = [this](const QString &why) {
+        return QStringLiteral("The file \"%1\" can't be read: %2.").arg(name, why);
+    };
+    HeldMessages messages;
+    file = openInput(name, options.lookProgram);
+    if (!file) {
+        const QString why = messages.takeErrors();
+        return why.isEmpty()
+            ? QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut off.")
+                  .arg(name)
+            : withFullStop(why);
+    }
+    if (file.record()->dimensions[MsDim_scan_number].id == -1)
+        return refusal(
+            QStringLiteral("it has no dimension \"scan_number\", so it isn't a mass spectrometry "
+                           "file of the AIA MS template"));
+    globals = file.globals();
+    if (!globals.isRead()) {
+        const QString why = messages.takeErrors();
+        return refusal(QStringLiteral("its global attributes can't be read%1")
+                           .arg(why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
+    }
+
+    // A scan takes a byte at least, so a file that has more scans than this only claims them.
+    constexpr qint64 always = 1 << 20;
+    const qint64 bytes = QFileInfo(name).size();
+    claimed = file.scanCount();
+    size = qint32(std::min<qint64>(claimed, std::max(always, bytes)));
+    facts = ms_read_run_facts(file, globals);
+    hasSeconds = globals.raw.time_units == MsSeconds;
+    if (file.isLibrary())
+        kind = Kind::Library;
+    else if (file.record()->has_mass_values && ms_count_positions(file.id()) > 0)
+        kind = Kind::Spectra;
+    judgeScales();
+
+    MsDoubtOptions settled;
+    settled.settledOnly = true;
+    const QList<MsDoubt> found = ms_list_doubts(file.id(), name, settled);
+    times.emplace(file, globals, size, found);
+    if (kind != Kind::Trace) {
+        places.emplace(file, size, found);
+        if (places->points() > RunLimit::mostPoints(file, bytes))
+            return refusal(QStringLiteral("its scans have more points than the file can hold"));
+    }
+    return QString();
+}
+
+void MsRun::Private::judgeScales()
+{
+    const MsRawGlobalRecord &raw = globals.raw;
+    scales.mass = factorOf(raw.mass_scale_factor, &hasIgnoredFactor);
+    scales.intensity = factorOf(raw.intensity_scale_factor, &hasIgnoredFactor);
+    scales.offset = raw.intensity_add_offset == MsMissingDouble ? 0.0 : raw.intensity_add_offset;
+    if (!isKnown(scales.offset)) {
+        scales.offset = 0.0;
+        hasIgnoredFactor = true;
+    }
+}
+
+MsSpectrum MsRun::Private::spectrum(qint32 index)
+{
+    if (index < 0 || index >= size)
+        return MsSpectrum();
+    MsScan scan;
+    QString failure;
+    if (places) {
+        scan = places->read(index, &failure);
+    } else {
+        const MsScanHeader header = file.scanHeader(index);
+        static_cast<MsScanRecord &>(scan) = header;
+        scan.point_count = 0;
+        scan.flag_count = 0;
+        if (!header.isRead())
+            failure = QStringLiteral("its numbers can't be read");
+    }
+    const double time = times->of(scan);
+    return MsSpectrum(std::move(scan), scales, time, failure);
+}
+
+QList<MsDoubt> MsRun::Private::ownDoubts() const
+{
+    QList<MsDoubt> doubts;
+    if (places)
+        doubts += places->doubts(name);
+    doubts += times->doubts(name);
+    if (!hasSeconds && kind != Kind::Library) {
+        doubts +=
+            {"time-units",
+             1,
+             facts.timeUnits.text,
+             QStringLiteral("In \"%1\", the unit of times is \"%2\" and not \"Seconds\"; times are as "
+                            "stored.")
+                 .arg(name, facts.timeUnits.text),
+             false,
+             false};
+    }
+    if (hasIgnoredFactor) {
+        doubts +=
+            {"ignored-factor",
+             1,
+             QString(),
+             QStringLiteral("In \"%1\", a scale_factor or add_offset that can't be right is left out.")
+                 .arg(name),
+             false,
+             false};
+    }
+    if (size < claimed) {
+        doubts += {"claimed-scans",
+                   claimed - size,
+                   QString(),
+                   QStringLiteral("\"%1\" claims %2 scans, more than it can hold; only the first %3 are "
+                                  "read.")
+                       .arg(name, QString::number(claimed), QString::number(size)),
+                   true,
+                   false};
+    }
+    return doubts;
+}
+
+MsRun::MsRun(const QString &name, const MsRunOptions &options)
+    : d(std::make_unique<Private>(name, options))
+{
+}
+
+MsRun::MsRun(MsRun &&other) noexcept = default;
+MsRun &MsRun::operator=(MsRun &&other) noexcept = default;
+MsRun::~MsRun() = default;
+
+bool MsRun::isOpen() const
+{
+    return d->file.isOpen();
+}
+
+QString MsRun::error() const
+{
+    return d->error;
+}
+
+QString MsRun::name() const
+{
+    return d->name;
+}
+
+MsRun::Kind MsRun::kind() const
+{
+    return d->kind;
+}
+
+qint32 MsRun::size() const
+{
+    return d->size;
+}
+
+MsSpectrum MsRun::spectrum(qint32 index) const
+{
+    return d->spectrum(index);
+}
+
+bool MsRun::hasSeconds() const
+{
+    return d->hasSeconds;
+}
+
+qint32 MsRun::scanAt(double time) const
+{
+    const auto timeOf = [this](qint32 scan) { return d->times->of(MsScanHeader(d->file.id(), scan)); };
+    if (isOpen() && d->times->ascend()) {
+        // The first scan that isn't before that time, or the one before it.
+        qint32 low = 0;
+        qint32 high = size();
+        while (low < high) {
+            const qint32 middle = low + (high - low) / 2;
+            if (timeOf(middle) < time)
+                low = middle + 1;
+            else
+                high = middle;
+        }
+        const bool isBehind = low == size() || (low > 0 && time - timeOf(low - 1) <= timeOf(low) - time);
+        const qint32 nearest = isBehind ? low - 1 : low;
+        if (nearest < 0 || std::isnan(time))
+            return -1;
+        const double found = timeOf(nearest);
+        qint32 first = nearest;
+        while (first > 0 && timeOf(first - 1) == found)
+            --first;
+        return first;
+    }
+    qint32 nearest = -1;
+    double distance = std::numeric_limits<double>::infinity();
+    for (qint32 scan = 0; scan < size(); ++scan) {
+        const double off = std::abs(timeOf(scan) - time);
+        if (off < distance) {
+            distance = off;
+            nearest = scan;
+        }
+    }
+    return nearest;
+}
+
+std::vector<double> MsRun::times() const
+{
+    std::vector<double> result;
+    result.reserve(std::size_t(size()));
+    for (qint32 scan = 0; scan < size(); ++scan)
+        result.push_back(d->times->of(MsScanHeader(d->file.id(), scan)));
+    return result;
+}
+
+std::vector<double> MsRun::storedTotals() const
+{
+    std::vector<double> result;
+    result.reserve(std::size_t(size()));
+    for (qint32 scan = 0; scan < size(); ++scan)
+        result.push_back(known(MsScanHeader(d->file.id(), scan).total_intensity));
+    return result;
+}
+
+std::vector<double> MsRun::summedTotals(const Progress &progress) const
+{
+    const Report report(progress, size());
+    std::vector<double> result;
+    result.reserve(std::size_t(size()));
+    for (qint32 scan = 0; scan < size(); ++scan) {
+        if (!report.goesOn(scan))
+            return {};
+        result.push_back(spectrum(scan).summedTotal());
+    }
+    return result;
+}
+
+std::vector<std::vector<double>> MsRun::extractedTraces(const std::vector<MsInterval> &windows,
+                                                        const Progress &progress) const
+{
+    const Report report(progress, size());
+    std::vector<std::vector<double>> traces(windows.size());
+    for (std::vector<double> &trace : traces)
+        trace.reserve(std::size_t(size()));
+    for (qint32 scan = 0; scan < size(); ++scan) {
+        if (!report.goesOn(scan))
+            return {};
+        const MsSpectrum one = spectrum(scan);
+        const WindowSums sums(one);
+        for (std::size_t i = 0; i < windows.size(); ++i)
+            traces[i].push_back(sums.of(windows[i]));
+    }
+    return traces;
+}
+
+MsPeaks MsRun::summed(const MsInterval &times, double width, const Progress &progress) const
+{
+    return PeakSum::of(*this, times, progress).peaks(width, 1.0);
+}
+
+MsPeaks MsRun::averaged(const MsInterval &times, double width, const Progress &progress) const
+{
+    const PeakSum sum = PeakSum::of(*this, times, progress);
+    return sum.peaks(width, std::max(sum.scans(), 1));
+}
+
+MsCompound MsRun::compound(qint32 index) const
+{
+    MsCompound compound;
+    if (kind() != Kind::Library || index < 0 || index >= size())
+        return compound;
+    const MsLibraryEntry entry = d->file.entry(index);
+    const auto number = [](qint32 stored) { return isKnown(stored) ? stored : -1; };
+    compound.casName = textOf(entry.CAS_name);
+    compound.name = textOf(entry.entry_name);
+    if (compound.name.isNull())
+        compound.name = compound.casName;
+    for (const char *other :
+         {entry.other_name_0, entry.other_name_1, entry.other_name_2, entry.other_name_3})
+        compound.otherNames += textOf(other);
+    compound.otherNames.removeAll(QString());
+    compound.id = textOf(entry.entry_id);
+    compound.number = number(entry.entry_number);
+    compound.formula = textOf(entry.chemical_formula);
+    compound.casNumber = number(entry.CAS_number);
+    compound.smiles = textOf(entry.smiles);
+    compound.wiswesser = textOf(entry.wiswesser);
+    compound.source = textOf(entry.source_data_file_reference);
+    compound.molfile = textOf(entry.molfile_reference);
+    compound.structure = textOf(entry.other_structure);
+    compound.information = textOf(entry.entry_other_information);
+    compound.retentionIndex = known(entry.retention_index);
+    compound.retentionType = textOf(entry.retention_type);
+    compound.absoluteRetention = known(entry.absolute_retention);
+    compound.relativeRetention = known(entry.relative_retention);
+    compound.retentionReference = textOf(entry.retention_reference_name);
+    compound.retentionReferenceNumber = number(entry.retention_reference_CAS);
+    compound.meltingPoint = known(double(entry.melting_point));
+    compound.boilingPoint = known(double(entry.boiling_point));
+    compound.chemicalMass = known(entry.chemical_mass);
+    compound.nominalMass = number(entry.nominal_mass);
+    compound.accurateMass = known(entry.accurate_mass);
+    return compound;
+}
+
+std::vector<MsInstrument> MsRun::instruments() const
+{
+    std::vector<MsInstrument> components;
+    for (qint32 i = 0; i < std::min(d->file.instrumentCount(), mostListed); ++i)
+        components.push_back(d->file.instrument(i));
+    return components;
+}
+
+std::vector<MsGroup> MsRun::groups() const
+{
+    std::vector<MsGroup> groups;
+    for (qint32 i = 0; i < std::min(d->file.groupCount(), mostListed); ++i)
+        groups.push_back(d->file.group(i));
+    return groups;
+}
+
+const MsRunFacts &MsRun::facts() const
+{
+    return d->facts;
+}
+
+const MsGlobals &MsRun::globals() const
+{
+    return d->globals;
+}
+
+QList<MsDoubt> MsRun::doubts() const
+{
+    if (!isOpen())
+        return {};
+    QStringList mended = d->times->mended();
+    if (d->places)
+        mended += d->places->mended();
+    QList<MsDoubt> doubts;
+    for (const MsDoubt &doubt : ms_list_doubts(d->file.id(), d->name)) {
+        if (!mended.contains(QLatin1String(doubt.code)))
+            doubts += doubt;
+    }
+    return doubts + d->ownDoubts();
+}
