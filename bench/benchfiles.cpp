@@ -1,4 +1,5 @@
 #include "benchfiles.h"
+#include "msfile.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -13,12 +14,9 @@ class Writer
 public:
     Writer(const BenchRun &wanted, const std::string &path) : run(wanted)
     {
+        int id = -1;
         check(nc_create(path.c_str(), NC_CLOBBER | NC_64BIT_OFFSET, &id));
-    }
-    ~Writer()
-    {
-        if (id != -1)
-            nc_close(id);
+        file = MsFile::adopt(id);
     }
 
     bool write()
@@ -26,9 +24,7 @@ public:
         define();
         writeNumbers();
         writePoints();
-        check(nc_close(id));
-        id = -1;
-        return status == NC_NOERR;
+        return file.finish() && status == NC_NOERR;
     }
 
 private:
@@ -41,7 +37,7 @@ private:
     int variable(const char *name, int type, int dimension)
     {
         int result = -1;
-        check(nc_def_var(id, name, type, 1, &dimension, &result));
+        check(nc_def_var(file.id(), name, type, 1, &dimension, &result));
         return result;
     }
 
@@ -50,8 +46,8 @@ private:
         const std::size_t total = std::size_t(run.scans) * std::size_t(run.points);
         int scan = -1;
         int point = -1;
-        check(nc_def_dim(id, "scan_number", std::size_t(run.scans), &scan));
-        check(nc_def_dim(id, "point_number", run.unlimited ? NC_UNLIMITED : total, &point));
+        check(nc_def_dim(file.id(), "scan_number", std::size_t(run.scans), &scan));
+        check(nc_def_dim(file.id(), "point_number", run.unlimited ? NC_UNLIMITED : total, &point));
         for (const char *name : benchNumbers)
             perScan.push_back(variable(name, NC_DOUBLE, scan));
         coaddition = variable("a_d_coaddition_factor", NC_SHORT, scan);
@@ -62,9 +58,9 @@ private:
         masses = variable("mass_values", run.massType, point);
         intensities = variable("intensity_values", run.intensityType, point);
         const double scale = run.massType == NC_SHORT || run.massType == NC_INT ? 0.01 : 1.0;
-        check(nc_put_att_double(id, masses, "scale_factor", NC_DOUBLE, 1, &scale));
-        check(nc_set_fill(id, NC_NOFILL, nullptr));
-        check(nc_enddef(id));
+        check(nc_put_att_double(file.id(), masses, "scale_factor", NC_DOUBLE, 1, &scale));
+        check(nc_set_fill(file.id(), NC_NOFILL, nullptr));
+        check(nc_enddef(file.id()));
     }
 
     void writeNumbers()
@@ -73,17 +69,17 @@ private:
         for (std::size_t i = 0; i < values.size(); ++i)
             values[i] = double(i) * 0.25;
         for (const int each : perScan)
-            check(nc_put_var_double(id, each, values.data()));
+            check(nc_put_var_double(file.id(), each, values.data()));
         std::vector<int> whole(values.size());
         for (std::size_t i = 0; i < whole.size(); ++i)
             whole[i] = int(i) * run.points;
-        check(nc_put_var_int(id, index, whole.data()));
+        check(nc_put_var_int(file.id(), index, whole.data()));
         std::fill(whole.begin(), whole.end(), run.points);
-        check(nc_put_var_int(id, count, whole.data()));
+        check(nc_put_var_int(file.id(), count, whole.data()));
         std::fill(whole.begin(), whole.end(), 0);
-        check(nc_put_var_int(id, flags, whole.data()));
-        check(nc_put_var_int(id, actual, whole.data()));
-        check(nc_put_var_int(id, coaddition, whole.data()));
+        check(nc_put_var_int(file.id(), flags, whole.data()));
+        check(nc_put_var_int(file.id(), actual, whole.data()));
+        check(nc_put_var_int(file.id(), coaddition, whole.data()));
     }
 
     // Many scans at a time, each ascending in mass. Hundredths from 30 on, as the table keeps them;
@@ -108,13 +104,13 @@ private:
                           mass.begin() + std::ptrdiff_t(scan + 1) * run.points);
             const std::size_t start = std::size_t(first) * std::size_t(run.points);
             const std::size_t size = mass.size();
-            check(nc_put_vara_double(id, masses, &start, &size, mass.data()));
-            check(nc_put_vara_double(id, intensities, &start, &size, intensity.data()));
+            check(nc_put_vara_double(file.id(), masses, &start, &size, mass.data()));
+            check(nc_put_vara_double(file.id(), intensities, &start, &size, intensity.data()));
         }
     }
 
     const BenchRun &run;
-    int id = -1;
+    MsFile file;
     int status = NC_NOERR;
     std::vector<int> perScan;
     int coaddition = -1;

@@ -5,6 +5,7 @@
 #include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
+#include "msfile.h"
 
 #include <QPluginLoader>
 #include <QtEndian>
@@ -88,6 +89,7 @@ template <class Mass, class Intensity> double readFloor(const std::string &path)
     int id = -1;
     if (nc_open(path.c_str(), NC_NOWRITE, &id) != NC_NOERR)
         return -1;
+    const MsFile file = MsFile::adopt(id); // closes it
     for (const char *name : benchNumbers)
         benchmark::DoNotOptimize(readWhole<double>(id, name).data());
     benchmark::DoNotOptimize(readWhole<short>(id, "a_d_coaddition_factor").data());
@@ -109,7 +111,6 @@ template <class Mass, class Intensity> double readFloor(const std::string &path)
         nc_get_vara(id, masses, &start, &count, mass.data());
         nc_get_vara(id, intensities, &start, &count, intensity.data());
     }
-    nc_close(id);
     return double(mass[0]) + double(intensity[0]);
 }
 

@@ -1,7 +1,7 @@
 // The input steers a generator of valid netCDF files that have the template's names in wrong types,
 // ranks, sizes, orders, spellings and counts.
 
-#include "mstoolkit.h"
+#include "msfile.h"
 #include "road.h"
 
 #include <QFileInfo>
@@ -229,8 +229,8 @@ private:
     std::vector<int> variables;
 };
 
-// Files of the newer kinds take a hundred times as long to make. By a sum of the whole input, so that an
-// input that made one doesn't make them of all that come from it.
+// Files of the newer kinds take a hundred times as long to make. They are chosen by a sum of the whole
+// input, so that the mutants of an input that made one rarely make one, too.
 int kindOf(Choice *choice, const unsigned char *data, std::size_t size)
 {
     constexpr int classicKinds[] = {0, NC_64BIT_OFFSET, NC_64BIT_DATA, 0};
@@ -248,11 +248,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
     int ncid = -1;
     if (nc_create(path.toLatin1().constData(), NC_CLOBBER | kind, &ncid) != NC_NOERR)
         return -1;
-    if (!Generator(&choice, ncid, kind == NC_NETCDF4).run()) {
-        nc_abort(ncid);
+    MsFile file = MsFile::adopt(ncid);
+    if (!Generator(&choice, ncid, kind == NC_NETCDF4).run())
         return -1;
-    }
-    nc_close(ncid);
+    file.close();
     // A file that is really as long as it claims may take as much memory.
     constexpr qint64 longest = 16 << 20;
     if (QFileInfo(path).size() > longest)

@@ -69,7 +69,8 @@ public:
             layout.time_format, layout.intensity_format, layout.has_mass_values, layout.has_time_values));
     }
 
-    // Takes over a file that a routine of mstoolkit.h opened; -1 is no file.
+    // Takes over a file that a routine of mstoolkit.h opened, or netCDF itself; -1 is no file. Of one
+    // that netCDF opened the toolkit knows nothing.
     static MsFile adopt(int ncid)
     {
         MsFile file;

@@ -310,6 +310,9 @@ private:
 class MsTrace
 {
 public:
+    // No trace.
+    MsTrace() = default;
+
     // Reads the trace of a file with so many scans.
     MsTrace(int ncid, qint32 scanCount) : count_(scanCount)
     {
@@ -334,7 +337,7 @@ private:
 
     std::unique_ptr<double[], Free> totals_;
     std::unique_ptr<double[], Free> times_;
-    qint32 count_;
+    qint32 count_ = 0;
     bool isRead_ = false;
 };
 

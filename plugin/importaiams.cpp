@@ -39,19 +39,12 @@ ImportAiaMs::~ImportAiaMs()
     tellRemainingDoubts();
     releaseRecords();
     ms_close(fileId);
-    releaseTotalIon();
 }
 
 void ImportAiaMs::releaseRecords()
 {
     ms_init_global(1, &admin, &sample, &test, &raw);
     ms_free(std::exchange(admin.error_log, nullptr)); // no row of the tables clears it
-}
-
-void ImportAiaMs::releaseTotalIon()
-{
-    ms_free(std::exchange(ticTimes, nullptr));
-    ms_free(std::exchange(ticValues, nullptr));
 }
 
 bool ImportAiaMs::canImport(TFileBuffer *buffer, const QString &name, QString &text)

@@ -5,11 +5,9 @@
 #include "dvimportanalysisinterface.h"
 #include "dvimportparamtype.h"
 #include "masspositions.h"
-#include "mstoolkit.h"
+#include "msrecords.h"
 
 #include <QSet>
-
-class MsScan;
 
 class ImportAiaMs : public DVImportAnalysisInterface, public DVImportParamType
 {
@@ -45,7 +43,6 @@ private:
 
     bool openFile(const QString &fileName);
     void releaseRecords();
-    void releaseTotalIon();
     quint32 parseTimeStamp(const QString &text);
     void importTotalIon();
     // Returns the mass of a census key. Table and scans compute it here, so that they are equal to the
@@ -68,8 +65,7 @@ private:
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 
     int fileId = -1;               // netCDF id; -1 means that no file is open
-    double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
-    double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
+    MsTrace trace;                 // of a run without a table of masses
     double massFactor = 0.0;       // ten to the power of the table's decimals
     double timeDivisor = 1.0;      // turns stored times into the header's unit
     double samplingInterval = 0.0; // in the header's unit

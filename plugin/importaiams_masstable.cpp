@@ -20,7 +20,7 @@ constexpr std::size_t mostMasses = 65535;
 unsigned short ImportAiaMs::importMassTable(float **table)
 {
     *table = nullptr;
-    releaseTotalIon(); // of an earlier run on this object
+    trace = MsTrace(); // of an earlier run on this object
     QSet<qint32> census;
     qint32 decimals = 2;
     ms_read_mass_census(fileId, census, &decimals, raw.mass_scale_factor);
@@ -52,7 +52,8 @@ unsigned short ImportAiaMs::importMassTable(float **table)
 void ImportAiaMs::importTotalIon()
 {
     header->setNbBitsAbund(32);
-    if (ms_read_total_intensity(fileId, raw.scan_count, &ticValues, &ticTimes) == -1)
+    trace = MsTrace(fileId, raw.scan_count);
+    if (!trace.isRead())
         return;
     header->setCoeffAbund(0);
     header->setDetectorType(header->getModulation() > 0.0f ? 1792 : 256);

@@ -8,6 +8,8 @@
 
 #include <QtTest>
 
+#include <memory>
+
 // For a test class to have as a second base, which clears the messages before each test.
 class OpenFixture
 {
@@ -36,6 +38,12 @@ protected:
         QVERIFY2(file, qPrintable(name));
     }
 };
+
+// A text that a routine handed out.
+struct FreeText {
+    void operator()(char *text) const { ms_free(text); }
+};
+using OwnedText = std::unique_ptr<char, FreeText>;
 
 // None for null.
 inline QVector<double> numbersOf(const MsNumbers &numbers)

@@ -327,6 +327,7 @@ private slots:
                            "variables: char texts(lines, width); char fixed(width); }"));
         int id = -1; // none of the toolkit's
         QCOMPARE(nc_open(path.toLatin1().constData(), NC_WRITE, &id), NC_NOERR);
+        file = MsFile::adopt(id);
         QCOMPARE(ms_write_string_variable(id, 0, 2, -1, 8, "third"), 0);
         QCOMPARE(ms_write_string_variable(id, 0, 0, -1, 9, "too wide"), -1);
         QCOMPARE(ms_write_string_variable(id, 1, -1, -1, 9, "too wide"), -1);
@@ -334,11 +335,8 @@ private slots:
         std::size_t lines = 0;
         QCOMPARE(nc_inq_dimlen(id, 0, &lines), NC_NOERR);
         QCOMPARE(lines, std::size_t(3));
-        char *text = ms_read_string_variable(id, 0, 2, -1, 8);
-        QCOMPARE(text, "third");
-        ms_free(text);
+        QCOMPARE(OwnedText(ms_read_string_variable(id, 0, 2, -1, 8)).get(), "third");
         QVERIFY(!ms_read_string_variable(id, 0, 3, -1, 8));
-        QCOMPARE(nc_close(id), NC_NOERR);
     }
 
     void refusesUnknownFilesAndNullRecords()

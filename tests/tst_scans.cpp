@@ -188,17 +188,19 @@ private slots:
         int id = -1;
         int dimension = -1;
         int variable = -1;
-        int fill = 0;
         nc_create(path.toLatin1().constData(), NC_64BIT_DATA, &id);
-        nc_set_fill(id, NC_NOFILL, &fill);
+        file = MsFile::adopt(id);
+        nc_set_fill(id, NC_NOFILL, &variable);
         nc_def_dim(id, "point_number", claimed, &dimension);
+        nc_def_dim(id, "instrument_number", claimed << 3, &variable);
         nc_def_var(id, "mass_values", Rows<int>::current(), 1, &dimension, &variable);
         nc_enddef(id);
         nc_put_vara_double(id, variable, &start, &count, masses.data());
-        QCOMPARE(nc_close(id), NC_NOERR);
+        QVERIFY(file.finish());
         QVERIFY(QFile::resize(path, qint64(claimed * sizeof(double)) + 4096));
 
         openPath(path);
+        QCOMPARE(file.record()->dimensions[MsDim_instrument_number].size, 2147483647); // the largest there
         const MsCensus census = file.census(0, 1.0);
         QVERIFY(census.isRead());
         QCOMPARE(census.decimals, -1);
