@@ -28,22 +28,6 @@ bool hasScans(const QString &name)
     return nc_inq_dimid(file.id(), "scan_number", &dimension) == NC_NOERR;
 }
 
-// Hands the running account of an import, which goes to standard error otherwise, to a receiver.
-class AccountRedirection
-{
-public:
-    explicit AccountRedirection(Debugger::Receiver receiver)
-        : previous(Debugger::setReceiver(std::move(receiver)))
-    {
-    }
-    ~AccountRedirection() { Debugger::setReceiver(std::move(previous)); }
-
-private:
-    Q_DISABLE_COPY(AccountRedirection)
-
-    Debugger::Receiver previous;
-};
-
 } // namespace
 
 FileImport::FileImport(DVImportAnalysisInterface &plugin, const ImportOptions &commandLine,
@@ -57,7 +41,8 @@ bool FileImport::run()
 {
     const MessageRedirection collection(
         [this](MessageLoggerInterface::Level level, const QString &text) { messages.add(level, text); });
-    const AccountRedirection account([this](const QString &line) { showAccount(line); });
+    // The running account, which goes to standard error otherwise.
+    const Redirection<Debugger> account([this](const QString &line) { showAccount(line); });
     bool imported = false;
     try {
         imported = importIfPossible();

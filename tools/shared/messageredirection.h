@@ -6,22 +6,24 @@
 
 #include <utility>
 
-// Sends all messages to a receiver for as long as the object lives, and to the previous one again after
-// it.
-class MessageRedirection
+// Sends all that comes from a `Source` to a receiver for as long as the object lives, and to the previous
+// one again after it.
+template <class Source> class Redirection
 {
 public:
-    explicit MessageRedirection(MessageLoggerInterface::Receiver receiver)
-        : previous(MessageLoggerInterface::setReceiver(std::move(receiver)))
+    explicit Redirection(typename Source::Receiver receiver)
+        : previous(Source::setReceiver(std::move(receiver)))
     {
     }
-    ~MessageRedirection() { MessageLoggerInterface::setReceiver(std::move(previous)); }
+    ~Redirection() { Source::setReceiver(std::move(previous)); }
 
 private:
-    Q_DISABLE_COPY(MessageRedirection)
+    Q_DISABLE_COPY(Redirection)
 
-    MessageLoggerInterface::Receiver previous;
+    typename Source::Receiver previous;
 };
+
+using MessageRedirection = Redirection<MessageLoggerInterface>;
 
 // Drops all messages for as long as the object lives.
 class Silence : private MessageRedirection
