@@ -14,15 +14,21 @@ bool has_array(const MsVariableRow &row)
     return row.ndims == 2;
 }
 
+// Calls `use` for each array of a group, until one call returns false. Whether none did.
+template <class Use> bool each_array(MsGroupRecord *group, Use use)
+{
+    return std::all_of(ms_group_table.begin(), ms_group_table.end(), [&](const MsVariableRow &row) {
+        return !has_array(row) || use(ms_field<double *>(group, row.field));
+    });
+}
+
 void release_arrays(MsGroupRecord *group)
 {
-    for (const MsVariableRow &row : ms_group_table) {
-        if (!has_array(row))
-            continue;
-        double *&array = ms_field<double *>(group, row.field);
+    each_array(group, [](double *&array) {
         ms_free(array);
         array = nullptr;
-    }
+        return true;
+    });
 }
 
 void clear_arrays(MsGroupRecord *group)
@@ -43,15 +49,10 @@ bool allocate_arrays(const MsFileState &file, MsGroupRecord *group)
     const auto width = quint32(file.dimensions[MsDim_group_max_masses].size);
     if (!file.data.can_hold(width * sizeof(double)))
         return false;
-    for (const MsVariableRow &row : ms_group_table) {
-        if (!has_array(row))
-            continue;
-        auto *array = static_cast<double *>(ms_alloc_array(width, NC_DOUBLE));
-        if (!array)
-            return false;
-        ms_field<double *>(group, row.field) = array;
-    }
-    return true;
+    return each_array(group, [width](double *&array) {
+        array = static_cast<double *>(ms_alloc_array(width, NC_DOUBLE));
+        return array != nullptr;
+    });
 }
 
 // The row's array of a group: missing values where the file lacks the variable, or has no numbers in it.
@@ -81,12 +82,10 @@ int read_rows(MsFileState &file, MsGroupRecord *group)
     // Places beyond the group's own masses are missing; without a count, all are.
     const qint32 width = file.dimensions[MsDim_group_max_masses].size;
     const qint32 used = std::clamp(group->group_mass_count, 0, width);
-    for (const MsVariableRow &row : ms_group_table) {
-        if (has_array(row)) {
-            double *array = ms_field<double *>(group, row.field);
-            std::fill(array + used, array + width, MsMissingDouble);
-        }
-    }
+    each_array(group, [=](double *array) {
+        std::fill(array + used, array + width, MsMissingDouble);
+        return true;
+    });
     return 0;
 }
 
