@@ -269,19 +269,15 @@ public:
 
     // The number that a stored one stands for, by the scale and the offset of its variable. A file that
     // gives none stores the numbers as they are. Masses are in raw.mass_units, and so on.
-    double mass(double stored) const { return stored * given(raw.mass_scale_factor, 1.0); }
-    double time(double stored) const { return stored * given(raw.time_scale_factor, 1.0); }
+    double mass(double stored) const { return stored * ms_given(raw.mass_scale_factor, 1.0); }
+    double time(double stored) const { return stored * ms_given(raw.time_scale_factor, 1.0); }
     double intensity(double stored) const
     {
-        return stored * given(raw.intensity_scale_factor, 1.0) + given(raw.intensity_add_offset, 0.0);
+        return stored * ms_given(raw.intensity_scale_factor, 1.0)
+            + ms_given(raw.intensity_add_offset, 0.0);
     }
 
 private:
-    static double given(double number, double otherwise)
-    {
-        return number == MsMissingDouble ? otherwise : number;
-    }
-
     bool isRead_ = false;
 };
 

@@ -51,6 +51,12 @@ constexpr qint32 MsSeconds = 81;
 constexpr qint32 MsMissingLong = -9999;
 constexpr double MsMissingDouble = -9999.0;
 
+// Returns a number of a record, such as a factor, or `otherwise` for a missing one.
+constexpr double ms_given(double number, double otherwise)
+{
+    return number == MsMissingDouble ? otherwise : number;
+}
+
 // ---------------------------------------------------------------------------------------------------
 // The template: dimensions and variables, and the record of one open file
 // ---------------------------------------------------------------------------------------------------

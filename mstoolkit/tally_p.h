@@ -265,10 +265,4 @@ std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file);
 // Why a scan can't be read, as the rest of a sentence: "scan_index is missing". `place` as above.
 QString ms_describe_failure(MsFileState &file, qint32 scan, const MsScanPlace *place = nullptr);
 
-// A factor of the file, or what counts where it has none.
-inline double ms_given(double factor, double otherwise)
-{
-    return factor == MsMissingDouble ? otherwise : factor;
-}
-
 #endif // TALLY_P_H

@@ -12,12 +12,6 @@
 
 namespace {
 
-void replaceMissing(double *value, double substitute)
-{
-    if (*value == MsMissingDouble)
-        *value = substitute;
-}
-
 // No file where a first look at it goes wrong.
 MsFile openAfterLook(const QString &name)
 {
@@ -86,10 +80,9 @@ bool ImportAiaMs::openFile(const QString &name)
     }
     fileId = file.release();
 
-    replaceMissing(&raw.mass_scale_factor, 1.0);
-    replaceMissing(&raw.intensity_scale_factor, 1.0);
-    replaceMissing(&raw.intensity_add_offset, 0.0);
-    replaceMissing(&raw.time_scale_factor, 1.0);
+    for (double *factor : {&raw.mass_scale_factor, &raw.intensity_scale_factor, &raw.time_scale_factor})
+        *factor = ms_given(*factor, 1.0);
+    raw.intensity_add_offset = ms_given(raw.intensity_add_offset, 0.0);
     fileName = name;
     return true;
 }
