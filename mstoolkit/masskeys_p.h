@@ -1,7 +1,7 @@
 // The keys of masses: masses in fixed-point form, as the census counts them and the plugin looks them up.
 // Shared by both, so that a mass has the same key in both to the last bit. Not installed.
-#ifndef MASSKEYS_H
-#define MASSKEYS_H
+#ifndef MASSKEYS_P_H
+#define MASSKEYS_P_H
 
 #include <QtGlobal>
 
@@ -102,4 +102,4 @@ private:
     double power;
 };
 
-#endif // MASSKEYS_H
+#endif // MASSKEYS_P_H

@@ -1,7 +1,7 @@
 // Readers of a variable over a whole run.
 
 #include "filestate_p.h"
-#include "masskeys.h"
+#include "masskeys_p.h"
 #include "msformat.h"
 
 #include <algorithm>

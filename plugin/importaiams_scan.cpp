@@ -3,7 +3,7 @@
 #include "importaiams.h"
 
 #include "dvheader.h"
-#include "masskeys.h"
+#include "masskeys_p.h"
 #include "msdoubts.h"
 #include "msrecords.h"
 

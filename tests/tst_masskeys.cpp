@@ -1,6 +1,6 @@
 // Keys of masses: computed in blocks they are those of each mass by itself.
 
-#include "masskeys.h"
+#include "masskeys_p.h"
 #include "rows.h"
 
 #include <algorithm>
