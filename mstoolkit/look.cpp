@@ -204,7 +204,8 @@ int ms_look_first(const char *path, const QString &program, int milliseconds)
     }
     if (!why.isNull()) {
         MessageLoggerInterface::Error(
-            QStringLiteral("File <b>%1</b> was not opened: %2").arg(ms_shown_name(path), why), nullptr);
+            QStringLiteral("The file <b>%1</b> was not opened: %2").arg(ms_shown_name(path), why),
+            nullptr);
         return -1;
     }
     remember_as_well(fingerprint);

@@ -26,7 +26,7 @@ void reportNoFile(const QString &name)
 {
     MessageLoggerInterface::Error(
         name.isEmpty() ? QStringLiteral("No file is open, so none can be imported")
-                       : QStringLiteral("File <b>%1</b> isn't open, so it can't be imported")
+                       : QStringLiteral("The file <b>%1</b> isn't open, so it can't be imported")
                              .arg(name.toHtmlEscaped()),
         nullptr);
 }

@@ -131,7 +131,7 @@ private slots:
         QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1);
         QCOMPARE(errno, ECHILD);
         QCOMPARE(messages.size(), row.said.isNull() ? 0 : 1);
-        const QString start = "E File " + path.toHtmlEscaped() + " was not opened: ";
+        const QString start = "E The file " + path.toHtmlEscaped() + " was not opened: ";
         const QString message = messages.join('\n');
         QVERIFY2(row.said.isNull() || (message.startsWith(start) && message.contains(row.said)), qPrintable(message));
     }

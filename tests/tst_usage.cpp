@@ -72,8 +72,9 @@ private slots:
         row("import of an empty file") = {"aia-import empty.cdf", 1, "The file \"empty.cdf\" is empty."};
         row("import of a folder") = {"aia-import folder.cdf", 1, "\"folder.cdf\" is a folder, not a file."};
         row("import of what is missing") = {"aia-import x.cdf", 1, "The file \"x.cdf\" doesn't exist."};
-        row("header cut off") = {"aia-import cut.cdf", 1, "File \"cut.cdf\" is damaged: its header can't be right."};
-        row("first look") = {"aia-import newer.cdf", 1, "File \"newer.cdf\" was not opened: a first look at it "};
+        row("header cut off") = {"aia-import cut.cdf", 1,
+                                 "The file \"cut.cdf\" is damaged: its header can't be right."};
+        row("first look") = {"aia-import newer.cdf", 1, "The file \"newer.cdf\" was not opened: a first look at it "};
         row("extension") = {
             "aia-import run.txt", 1,
             "The name of the file \"run.txt\" doesn't end in an extension that this import takes: .cdf."};
@@ -93,7 +94,7 @@ private slots:
         row("version") = {"aia-info --version", 0, "", "aia-info 1."};
         row("first look of aia-info") = {
             "aia-info newer.cdf", 1,
-            "Error for the file \"newer.cdf\": File \"newer.cdf\" was not opened: a first look at it "};
+            "Error for the file \"newer.cdf\": The file \"newer.cdf\" was not opened: a first look at it "};
         row("device") = {"aia-info /dev/null", 1, "\"/dev/null\" isn't a regular file."};
         row("not netCDF") = {"aia-info text.cdf", 1,
                              "The file \"text.cdf\" isn't a netCDF file, or its header is damaged or cut off."};

@@ -34,7 +34,8 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
         return run();
     } catch (const std::bad_alloc &) {
         MessageLoggerInterface::Error(
-            QStringLiteral("There isn't enough memory to import <b>%1</b>").arg(name.toHtmlEscaped()),
+            QStringLiteral("There isn't enough memory to import the file <b>%1</b>")
+                .arg(name.toHtmlEscaped()),
             nullptr);
         return false;
     }
