@@ -9,6 +9,7 @@
 #include "tally_p.h"
 
 #include <QByteArray>
+#include <QDate>
 #include <QStringList>
 
 #include <algorithm>
@@ -48,7 +49,7 @@ constexpr DoubtRow doubt_rows[] = {
     {MsDoubtKind::NoScanIndex, "no-scan-index", true, true,
      "In \"%1\", the points of %2 [scan|scans] can't be found: scan_index is missing or unusable, though point_count adds up to all points."},
     {MsDoubtKind::FallingScanIndex, "falling-scan-index", false, true,
-     "In \"%1\", %2 of %3 scans [begins|begin] before the scan before [it|them]: scan_index doesn't rise; the first is %4."},
+     "In \"%1\", %2 of %3 scans [has|have] [its|their] points before those of the scan before: they were stored in another order, or scan_index is wrong; the first is %4."},
     {MsDoubtKind::OverlappingScans, "overlapping-scans", false, true,
      "In \"%1\", %2 of %3 scans [begins|begin] among the points of another; the first is %4."},
     {MsDoubtKind::ScansBeyondEnd, "scans-beyond-end", true, true,
@@ -73,6 +74,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", the add_offset of intensity_values is %4, which can't be right."},
     {MsDoubtKind::MergedMasses, "merged-masses", false, true,
      "In \"%1\", the scale_factor of mass_values, %4, leaves fewer than two masses, though those stored go from %3."},
+    {MsDoubtKind::SingleMass, "single-mass", false, true,
+     "In \"%1\", all %2 points have the same mass, %4, so that only the total intensity of %3 scans is left."},
     {MsDoubtKind::WrongTotals, "wrong-totals", false, false,
      "In \"%1\", the total intensity of %2 of %3 scans isn't the sum of [its|their] intensities; the first is %4."},
     {MsDoubtKind::BadMasses, "bad-masses", false, false,
@@ -85,6 +88,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 [mass is|masses are] 0; the first is in %4."},
     {MsDoubtKind::OddMasses, "odd-masses", false, true,
      "In \"%1\", %2 of %3 different masses [isn't a multiple|aren't multiples] of %4, as all others are."},
+    {MsDoubtKind::EqualMasses, "equal-masses", false, false,
+     "In \"%1\", the masses of %2 of %3 scans are all the same; the first is %4."},
     {MsDoubtKind::UnorderedMasses, "unordered-masses", false, false,
      "In \"%1\", the masses of %2 of %3 scans don't rise, as those of the others do; the first is %4."},
     {MsDoubtKind::BadIntensities, "bad-intensities", false, false,
@@ -97,6 +102,8 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 of %3 scans [has|have] no time; the first is %4."},
     {MsDoubtKind::BadTimes, "bad-times", false, true,
      "In \"%1\", %2 of %3 scans [has|have] a time that is infinite or no number; the first is %4."},
+    {MsDoubtKind::NegativeTimes, "negative-times", false, true,
+     "In \"%1\", %2 of %3 scans [has|have] a time below 0; the first is %4."},
     {MsDoubtKind::ZeroTime, "zero-time", false, true,
      "In \"%1\", the first scan has the time 0, though the others follow each other closely from %4 on."},
     {MsDoubtKind::RestartingTimes, "restarting-times", false, true,
@@ -107,14 +114,20 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", %2 of %3 scans [has|have] the time of the scan before; the first is %4."},
     {MsDoubtKind::TimeGap, "time-gap", false, true,
      "In \"%1\", the step in time to %4 is longer than all others together."},
+    {MsDoubtKind::OddTimes, "odd-times", false, true,
+     "In \"%1\", the step in time to %2 of %3 scans isn't that of nearly all others, and no pause explains it; the first is %4."},
     {MsDoubtKind::UnevenTimes, "uneven-times", false, true,
-     "In \"%1\", the scans aren't evenly spaced in time, as those of a GCxGC run have to be: %2 of %3 [is|are] more than half a step out of place; the first is %4."},
+     "In \"%1\", the scans aren't evenly spaced in time, as those of a GCxGC run have to be: %2 of %3 [is|are] more than a step out of place; the first is %4."},
     {MsDoubtKind::MassFormat, "mass-format", false, true,
      "In \"%1\", raw_data_mass_format says %4, though the masses are stored as %3."},
     {MsDoubtKind::IntensityFormat, "intensity-format", false, true,
      "In \"%1\", raw_data_intensity_format says %4, though the intensities are stored as %3."},
+    {MsDoubtKind::TimeUnit, "time-unit", false, true,
+     "In \"%1\", the unit of time is %4, which isn't known: times are handed over as they are stored."},
     {MsDoubtKind::TimeRange, "time-range", false, true,
      "In \"%1\", the times of the scans go from %3, beyond global_time_min and global_time_max, which say %4."},
+    {MsDoubtKind::AcquisitionDate, "acquisition-date", false, true,
+     "In \"%1\", experiment_date_time_stamp says %4, which isn't a date in the form YYYYMMDDhhmmss+hhmm: the date that is handed over is wrong."},
     {MsDoubtKind::StartingScan, "starting-scan", false, true,
      "In \"%1\", starting_scan_number says %4, though the actual_scan_number of the first scan is %3."},
     {MsDoubtKind::GroupCounts, "group-counts", false, true,
@@ -153,12 +166,48 @@ QString fill(const char *sentence, qint64 count, const QStringList &arguments)
 
 QString quoted(const char *text)
 {
-    return QStringLiteral("\"%1\"").arg(QLatin1String(text));
+    return QLatin1Char('"') + QString::fromLatin1(text) + QLatin1Char('"');
 }
 
 bool is_bad_scale(double scale)
 {
     return scale != MsMissingDouble && (!std::isfinite(scale) || scale <= 0.0);
+}
+
+// Whether digits of a text are a number from `least` to `most`.
+bool is_number_between(const QByteArray &digits, int least, int most)
+{
+    const auto is_digit = [](char one) { return one >= '0' && one <= '9'; };
+    const int number = digits.toInt();
+    return std::all_of(digits.begin(), digits.end(), is_digit) && number >= least && number <= most;
+}
+
+// Whether the stamp of an acquisition has the form of the template, as far as its date is made of it.
+bool is_date(const QByteArray &stamp)
+{
+    constexpr int farthest_zone = 14; // hours from UTC
+    const auto part = [&stamp](int first, int length) { return stamp.mid(first, length); };
+    const bool has_date = is_number_between(part(0, 4), 1, 9999) && is_number_between(part(4, 2), 1, 12)
+        && QDate(part(0, 4).toInt(), part(4, 2).toInt(), part(6, 2).toInt()).isValid();
+    const bool has_time = is_number_between(part(6, 2), 1, 31) && is_number_between(part(8, 2), 0, 23)
+        && is_number_between(part(10, 2), 0, 59) && is_number_between(part(12, 2), 0, 60);
+    const bool has_zone = part(14, 1) == "+" || part(14, 1) == "-";
+    return stamp.size() >= 14 && has_date && has_time
+        && (!has_zone || is_number_between(part(15, 2), 0, farthest_zone));
+}
+
+// The text of an attribute; empty where it has none, or one that nobody would show.
+QByteArray text_attribute(int ncid, int varid, const char *name)
+{
+    constexpr std::size_t longest = 200;
+    nc_type type = NC_NAT;
+    std::size_t length = 0;
+    if (nc_inq_att(ncid, varid, name, &type, &length) != NC_NOERR || type != NC_CHAR || length > longest)
+        return QByteArray();
+    QByteArray text(int(length), '\0');
+    if (nc_get_att_text(ncid, varid, name, text.data()) != NC_NOERR)
+        return QByteArray();
+    return text.constData(); // up to a zero byte
 }
 
 // A number in its place counts as absent.
@@ -204,7 +253,7 @@ public:
     QList<MsDoubt> make()
     {
         ms_look_at_scans(file);
-        if (!file.has_mass_values || (tally.census.is_done && tally.census.keys < 2))
+        if (is_trace())
             ms_look_at_totals(file);
         found = tally.found;
         judge();
@@ -264,6 +313,8 @@ private:
         if (!is_exception(found[MsDoubtKind::UnorderedMasses].count, tally.scans_with_order))
             found[MsDoubtKind::UnorderedMasses] = {};
         judge_totals();
+        if (is_trace())
+            found[MsDoubtKind::EqualMasses] = {}; // that is said of all points
         // Of a trace the scans need no points.
         const auto is_absent = [this](int slot) { return file.variables[slot] == -1; };
         if (!file.has_mass_values
@@ -286,13 +337,31 @@ private:
 
     void judge_totals()
     {
-        const MsAgreement &totals = tally.totals.is_exact() ? tally.totals : tally.rounded_totals;
+        if (is_other_total())
+            return;
+        const MsAgreement &totals = tally.totals.is_empty() ? tally.trace_totals
+            : tally.totals.is_exact()                       ? tally.totals
+                                                            : tally.rounded_totals;
         MsFinding &wrong = found[MsDoubtKind::WrongTotals];
         wrong = totals.disagreeing();
         if (wrong.count == 0)
             wrong = totals.odd_ones_out();
         if (wrong.count == 0)
             wrong = totals.far_off();
+    }
+
+    // Whether the total intensity was left out, or has a unit of its own.
+    bool is_other_total() const
+    {
+        const bool is_left_out = tally.claimed_totals.least == 0.0 && tally.claimed_totals.most == 0.0;
+        return (is_left_out && !is_trace())
+            || (tally.knows_globals && tally.raw.intensity_units != tally.raw.total_intensity_units);
+    }
+
+    // Whether the run comes without masses.
+    bool is_trace() const
+    {
+        return !file.has_mass_values || (tally.census.is_done && tally.census.keys < 2);
     }
 
     void list_length()
@@ -348,21 +417,27 @@ private:
                 QString::number(census.grid));
         if (!census.is_done || census.keys > 1)
             return;
-        if (!census.is_read) {
+        const bool has_points = tally.points_of_scans > scans; // a trace has one for each scan
+        if (!census.is_read || (file.has_mass_values && census.seen == 0 && tally.points_of_scans > 0)) {
             add(MsDoubtKind::UnreadableMasses, scans, QString(), QString());
             return;
         }
         if (census.masses.least < census.masses.most)
             add(MsDoubtKind::MergedMasses, 1, range_text(census.masses.least, census.masses.most),
                 QString::number(tally.claims.mass_scale));
-        // Masses that no scan has needn't be any.
+        else if (census.masses.is_known() && has_points && is_mass(census.masses.least))
+            add(MsDoubtKind::SingleMass, tally.points_of_scans, QString::number(scans),
+                QString::number(census.masses.least));
+        // Masses that no scan has, or the points of a trace, needn't be any.
         for (const MsDoubtKind kind :
              {MsDoubtKind::BadMasses, MsDoubtKind::FillMasses, MsDoubtKind::ZeroMasses}) {
             const MsFinding &finding = census.found[kind];
-            if (finding.count > 0 && tally.points_of_scans > 0 && found[kind].count == 0)
+            if (finding.count > 0 && has_points && found[kind].count == 0)
                 add(kind, finding.count, QString(), QStringLiteral("position %1").arg(finding.first));
         }
     }
+
+    static bool is_mass(double mass) { return is_given(mass) && mass > 0.0; }
 
     void list_groups()
     {
@@ -385,6 +460,9 @@ private:
                     MsVar_mass_values);
         list_format(MsDoubtKind::IntensityFormat, "raw_data_intensity_format",
                     raw.raw_data_intensity_format, MsVar_intensity_values);
+        list_time_unit(raw.time_units);
+        if (!tally.stamp.trimmed().isEmpty() && !is_date(tally.stamp))
+            add(MsDoubtKind::AcquisitionDate, 1, QString(), quoted(tally.stamp));
         list_times(raw.global_time_min, raw.global_time_max);
         list_first_scan(raw.starting_scan_number);
     }
@@ -402,17 +480,33 @@ private:
             add(kind, 1, quoted(stored), quoted(text));
     }
 
+    // Minutes are no unit of the template, but that of all times that an import hands over.
+    void list_time_unit(qint32 unit)
+    {
+        const int slot = file.variables[MsVar_time_values];
+        const QByteArray text =
+            text_attribute(file.ncid, slot == -1 ? NC_GLOBAL : slot, "units").trimmed();
+        if (unit == -1 && !text.isEmpty() && !text.toLower().startsWith("min"))
+            add(MsDoubtKind::TimeUnit, 1, QString(), quoted(text));
+    }
+
     // The template leaves open whether the range is that of the points' times, where they are in use.
     void list_times(double claimed_least, double claimed_most)
     {
         constexpr double slack = 0.01; // of the range
         const MsColumnNumber point_time = MsColumnWalk(file, MsVar_time_values).get(0);
-        const bool has_point_times = point_time.is_known && is_given(point_time.value);
+        const MsColumnNumber scan_time = MsColumnWalk(file, MsVar_scan_acquisition_time).get(0);
+        const bool has_point_times = point_time.is_known && is_given(point_time.value)
+            && !is_near(point_time.value, scan_time.value);
         if (has_point_times || !is_given(claimed_least) || !is_given(claimed_most)
             || claimed_most <= claimed_least)
             return;
+        constexpr double minute = 60.0; // some state the range in minutes
         const double room = slack * (claimed_most - claimed_least) + 1.0;
-        if (tally.times.least < claimed_least - room || tally.times.most > claimed_most + room)
+        const bool is_in_minutes = std::abs(tally.times.least / minute - claimed_least) <= room / minute
+            && std::abs(tally.times.most / minute - claimed_most) <= room / minute;
+        if (!is_in_minutes
+            && (tally.times.least < claimed_least - room || tally.times.most > claimed_most + room))
             add(MsDoubtKind::TimeRange, 1, range_text(tally.times.least, tally.times.most),
                 range_text(claimed_least, claimed_most));
     }

@@ -1,4 +1,4 @@
-// What the numbers of all scans say about a run: where points lie, and when they were taken.
+// What the numbers of all scans say about a run: where their points lie, and what they come to.
 
 #include "columnwalk_p.h"
 #include "filestate_p.h"
@@ -225,115 +225,49 @@ private:
     qint64 left_to_look_at = 0;
 };
 
-// When scans were taken.
-class TimesOfScans
+// The intensities of the scans of a trace, which nobody reads otherwise. A trace has a point for each
+// scan; to add up many more would cost more than the import.
+class SumsOfScans
 {
 public:
-    TimesOfScans(MsTally &all, Scans &scans, std::size_t scan_count)
-        : tally(all), findings(all.found), times(scans.time), count(qint64(scan_count))
+    SumsOfScans(MsFileState &file, std::size_t scans)
+        : tally(file.tally), index(file, MsVar_scan_index), counts(file, MsVar_point_count),
+          intensities(file, MsVar_intensity_values)
     {
-        // The way in which a GCxGC run gets its times.
-        const MsColumnNumber first = times.get(0);
-        MsColumnWalk behind = times;
-        const MsColumnNumber last = behind.get(scan_count - 1);
-        first_time = first.value;
-        interval = (last.value - first.value) / double(scan_count - 1);
-        has_interval = can_be(first) && can_be(last) && std::isfinite(interval);
+        constexpr qint64 most_points = 8; // of a scan
+        is_usable = tally.points_of_scans > 0 && tally.points_of_scans <= qint64(scans) * most_points;
     }
 
-    void take(const ScanNumbers &scan)
+    void compare(std::size_t scan, double total)
     {
-        if (!scan.time.is_known)
-            return; // a file that is cut off
-        const double time = scan.time.value;
-        if (!can_be(scan.time)) {
-            if (ms_is_missing(time))
-                findings[MsDoubtKind::MissingTimes].add(scan.scan);
-            else if (!std::isfinite(time))
-                findings[MsDoubtKind::BadTimes].add(scan.scan);
+        if (!is_usable)
             return;
+        const MsColumnNumber start = index.get(scan);
+        const MsColumnNumber count = counts.get(scan);
+        const auto length = double(intensities.length());
+        if (!start.is_known || !count.is_known || !(start.value >= 0.0 && count.value >= 1.0)
+            || start.value + count.value > length)
+            return;
+        double sum = 0.0;
+        const auto first = std::size_t(start.value);
+        for (std::size_t i = first; i < first + std::size_t(count.value); ++i) {
+            const MsColumnNumber intensity = intensities.get(i);
+            if (!intensity.is_known || intensities.is_fill(intensity.value))
+                return;
+            sum += intensity.value;
         }
-        judge_fall(time);
-        if (taken++ == 0)
-            earliest = time;
-        else
-            compare(scan.scan, time);
-        if (taken == 2)
-            second = time;
-        before = time;
-        tally.times.add(time);
-        if (has_interval
-            && std::abs(time - first_time - double(scan.scan) * interval) > std::abs(interval) / 2.0)
-            findings[MsDoubtKind::UnevenTimes].add(scan.scan);
-    }
-
-    void finish()
-    {
-        if (!times.is_usable() && count > 0)
-            findings[MsDoubtKind::MissingTimes] = {count, 0};
-        judge_fall(std::numeric_limits<double>::max());
-        constexpr qint64 enough = 10;
-        const bool rises = findings[MsDoubtKind::FallingTimes].count == 0
-            && findings[MsDoubtKind::RestartingTimes].count == 0;
-        // A detector may be off for a while, but not at the end.
-        constexpr double longest_pause = 10.0;
-        const double others = before - earliest - longest_step;
-        const double most = longest_at == count - 1 ? others : longest_pause * others;
-        if (rises && taken >= enough && longest_step > most)
-            findings[MsDoubtKind::TimeGap].add(longest_at);
-        constexpr double far = 3.0; // in steps between the others
-        if (rises && taken >= enough && first_time == 0.0 && earliest == 0.0 && longest_at == 1
-            && second * double(taken - 2) > far * (before - second))
-            tally.second_time = second;
+        const MsClaims &claims = tally.claims;
+        sum = sum * claims.intensity_scale + std::trunc(count.value) * claims.intensity_offset;
+        if (std::isfinite(sum))
+            tally.trace_totals.compare(qint64(scan), total, sum);
     }
 
 private:
-    bool can_be(const MsColumnNumber &time) const
-    {
-        return time.is_known && std::isfinite(time.value) && !ms_is_missing(time.value)
-            && !times.is_fill(time.value);
-    }
-
-    void compare(qint64 scan, double time)
-    {
-        if (time < before) {
-            fallen_scan = scan;
-            fallen_from = before;
-            fallen_to = time;
-        } else if (time == before) {
-            findings[MsDoubtKind::EqualTimes].add(scan);
-        } else if (time - before > longest_step) {
-            longest_step = time - before;
-            longest_at = scan;
-        }
-    }
-
-    // With the time behind it: one that is low by itself doesn't begin a run anew.
-    void judge_fall(double next)
-    {
-        if (fallen_scan == -1)
-            return;
-        const bool begins_anew = next < fallen_from && fallen_to <= earliest;
-        findings[begins_anew ? MsDoubtKind::RestartingTimes : MsDoubtKind::FallingTimes].add(fallen_scan);
-        fallen_scan = -1;
-    }
-
     MsTally &tally;
-    MsFindings &findings;
-    MsColumnWalk &times;
-    qint64 count;
-    bool has_interval = false;
-    double first_time = 0.0;
-    double interval = 0.0;
-    qint64 taken = 0;
-    double earliest = 0.0;
-    double second = 0.0;
-    double before = 0.0;
-    double longest_step = 0.0;
-    qint64 longest_at = -1;
-    qint64 fallen_scan = -1; // not judged yet
-    double fallen_from = 0.0;
-    double fallen_to = 0.0;
+    MsColumnWalk index;
+    MsColumnWalk counts;
+    MsColumnWalk intensities;
+    bool is_usable;
 };
 
 } // namespace
@@ -349,20 +283,14 @@ void ms_look_at_scans(MsFileState &file)
     Scans scans(file);
     CountsOfScans counts(scans, file.tally.found);
     PointsOfScans points(file, scans, count);
-    TimesOfScans times(file.tally, scans, count);
-    // The spectra of a library come in any order.
-    const bool has_order = file.experiment_type != MsLibrarySpectrum;
     for (std::size_t i = 0; i < count; ++i) {
         const ScanNumbers scan = scans.at(i);
         counts.take(scan);
         points.take(scan);
-        if (has_order)
-            times.take(scan);
     }
     counts.finish(count);
     points.finish();
-    if (has_order)
-        times.finish();
+    ms_look_at_times(file, count);
 }
 
 void ms_look_at_totals(MsFileState &file)
@@ -372,10 +300,20 @@ void ms_look_at_totals(MsFileState &file)
     file.tally.knows_totals = true;
     MsFindings &findings = file.tally.found;
     const std::size_t scans = scans_looked_at(file);
-    if (file.variables[MsVar_total_intensity] == -1 && scans > 0) {
+    if (scans == 0)
+        return;
+    if (file.variables[MsVar_total_intensity] == -1) {
         findings[MsDoubtKind::NoIntensities] = {qint64(scans), 0};
         return;
     }
+    // Totals and times come together or not at all.
+    const qint32 count = file.dimensions[MsDim_scan_number].size;
+    if (!ms_is_trace(file, MsVar_total_intensity, count)
+        || !ms_is_trace(file, MsVar_scan_acquisition_time, count)) {
+        findings[MsDoubtKind::BadTotals] = {qint64(scans), 0};
+        return;
+    }
+    SumsOfScans sums(file, scans);
     MsColumnWalk totals(file, MsVar_total_intensity);
     for (std::size_t i = 0; i < scans; ++i) {
         const auto [total, is_known] = totals.get(i);
@@ -383,6 +321,8 @@ void ms_look_at_totals(MsFileState &file)
             break;
         if (!std::isfinite(total) || ms_is_missing(total) || totals.is_fill(total))
             findings[MsDoubtKind::BadTotals].add(qint64(i));
+        else
+            sums.compare(i, total);
     }
 }
 

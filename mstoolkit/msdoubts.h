@@ -18,7 +18,7 @@
 //     bad-counts          L   scans      a point_count that is no number from 0 on
 //     bad-flag-counts         scans      the same of flag_count, in some scans only
 //     no-scan-index       L   scans      scan_index is missing or unusable, though point_count adds up to all points
-//     falling-scan-index      scans      begins before the scan before it
+//     falling-scan-index      scans      has its points before those of the scan before
 //     overlapping-scans       scans      begins among the points of another scan
 //     scans-beyond-end    L   scans      begins before the first point or ends behind the last one
 //     unowned-points          positions  no scan has them, though they hold other than fill values and zeros
@@ -31,27 +31,33 @@
 //     intensity-scale         1          the same of the intensities
 //     intensity-offset        1          an add_offset that is infinite or NaN
 //     merged-masses           1          the scale_factor leaves fewer than two masses, where more are stored
+//     single-mass             points     all have the same mass, so that a run comes as a trace
 //     wrong-totals        P   scans      total_intensity isn't the sum of the intensities; see below
 //     bad-masses          P   masses     infinite or NaN
 //     fill-masses         P   masses     never written: the fill value
 //     negative-masses     P   masses     below 0
 //     zero-masses         P   masses     0
 //     odd-masses              masses     aren't whole numbers, or tenths, as 99 in 100 different ones of the run are
+//     equal-masses        P   scans      three masses or more, and all the same
 //     unordered-masses    P   scans      the masses don't rise, though those of nearly all scans do
 //     bad-intensities     P   points     infinite or NaN
 //     fill-intensities    P   points     never written: the fill value
 //     unplaced-points     P   points     a mass without a place in the table of masses, which the caller counts
 //     missing-times           scans      no time, or the missing value
 //     bad-times               scans      a time that is infinite or NaN
+//     negative-times          scans      a time below 0
 //     zero-time               1          the first scan has the time 0, far before the others
 //     restarting-times        scans      at which the times begin anew
 //     falling-times           scans      a time before that of the scan before
-//     equal-times             scans      a time that the scan before has, too
-//     time-gap                1          the step to the last scan is longer than all others together, or another one than ten times those
-//     uneven-times            scans      of a GCxGC run: more than half a step out of an even spacing
+//     equal-times             scans      a time that the scan before has, too, and not by rounding
+//     time-gap                1          the step to the last scan is longer than all others together
+//     odd-times               scans      of a run whose scans are evenly spaced: a step that no pause explains
+//     uneven-times            scans      of a GCxGC run: more than a step out of an even spacing
 //     mass-format             1          the attribute names another format than the stored one
 //     intensity-format        1          the same of the intensities
+//     time-unit               1          another text than those of the template, or than minutes
 //     time-range              1          scans were taken outside global_time_min and global_time_max
+//     acquisition-date        1          experiment_date_time_stamp isn't a date in the form of the template
 //     starting-scan           1          starting_scan_number isn't the first actual_scan_number, give or take one
 //     group-counts            groups     more masses than there is room for, or a first scan that isn't there
 //     mass-range          P   scans      masses outside global_mass_min and global_mass_max

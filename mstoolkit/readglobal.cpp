@@ -236,6 +236,6 @@ int ms_read_global(int ncid, MsAdminRecord *admin, MsSampleRecord *sample, MsTes
         || read_table(*file, ms_test_table, test) == -1 || read_table(*file, ms_raw_table, raw) == -1
         || read_error_log(*file, admin) == -1 || take_sizes(*file, admin, raw) == -1)
         return -1;
-    ms_tally_globals(file->tally, *raw);
+    ms_tally_globals(file->tally, *admin, *raw);
     return 0;
 }

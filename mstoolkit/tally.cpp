@@ -187,6 +187,8 @@ private:
         const double total = scan.total_intensity;
         if (ms_is_missing(total) || ms_is_fill(NC_DOUBLE, total))
             return;
+        constexpr double slack = 1e-3;
+        is_total_right = std::abs(total - sum) <= slack * std::abs(sum);
         // Some writers round it to a whole number, or cut it.
         const bool is_rounded = total == std::trunc(total) && std::abs(total - sum) < 1.0;
         tally.totals.compare(place, total, sum);
@@ -206,6 +208,9 @@ private:
             range = {first, last};
         else
             odd = look_at_masses(numbers, &range);
+        constexpr qint32 several = 3; // two may be one when they are rounded
+        if (count >= several && is_ordered && first == last && odd == 0)
+            tally.found[MsDoubtKind::EqualMasses].add(place);
         tally.scans_with_order += count > 1;
         if (!is_ordered && odd == 0)
             tally.found[MsDoubtKind::UnorderedMasses].add(place);
@@ -213,7 +218,7 @@ private:
             compare_masses({range.least * claims.mass_scale, range.most * claims.mass_scale});
     }
 
-    // Returns how many can't be right; the others are in the range.
+    // Returns how many can't be right, or are none; the others are in the range.
     template <class Stored> qint32 look_at_masses(const Stored *numbers, MsRange *range)
     {
         const nc_type type = ms_nc_type_of_format(file.mass_format, NC_NAT);
@@ -225,10 +230,37 @@ private:
                 range->add(mass);
                 continue;
             }
-            tally.found[oddity].add(place);
             ++odd;
+            if (oddity != MsDoubtKind::ZeroMasses || !is_filler(i))
+                tally.found[oddity].add(place);
         }
         return odd;
+    }
+
+    // A writer may fill up a scan with points that are 0 altogether. Its total intensity, or an empty
+    // scan's single point, tells that from points that were lost.
+    bool is_filler(qint32 point) const
+    {
+        const double total = scan.total_intensity;
+        const bool is_whole =
+            ms_is_missing(total) || ms_is_fill(NC_DOUBLE, total) ? scan.point_count == 1 : is_total_right;
+        return is_whole && intensity_of(point) == 0.0;
+    }
+
+    double intensity_of(qint32 point) const
+    {
+        double intensity = 0.0;
+        ms_with_format(file.intensity_format, scan.intensity_values,
+                       [&](const auto *numbers) { intensity = double(numbers[point]); });
+        return intensity;
+    }
+
+    // Some writers leave the last scan, which was stopped, with the window that was set.
+    bool is_window(const MsRange &claimed, const MsRange &measured) const
+    {
+        return place == file.dimensions[MsDim_scan_number].size - 1 && claimed.least <= measured.least
+            && claimed.most >= measured.most && claimed.least == std::trunc(claimed.least)
+            && claimed.most == std::trunc(claimed.most);
     }
 
     void compare_masses(const MsRange &measured)
@@ -240,7 +272,7 @@ private:
                 && (measured.least < claimed.least - slack || measured.most > claimed.most + slack);
         };
         const MsRange claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
-        if (claimed.is_known()) {
+        if (claimed.is_known() && !is_window(claimed, measured)) {
             tally.least_masses.compare(place, claimed.least, measured.least);
             tally.most_masses.compare(place, claimed.most, measured.most);
             if (claims.mass_scale != 1.0)
@@ -278,6 +310,7 @@ private:
     const MsClaims &claims;
     const MsScanRecord &scan;
     const qint64 place;
+    bool is_total_right = false;
 };
 
 // Whether a scan is one of the file's, and passes for the first time.
@@ -344,9 +377,12 @@ bool MsAgreement::holds_where(const MsAgreement &other_fails) const
         && other_fails.off_by_more_than(Hundredth).count * 2 > compared;
 }
 
-void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw)
+void ms_tally_globals(MsTally &tally, const MsAdminRecord &admin, const MsRawGlobalRecord &raw)
 {
+    constexpr uint shown = 60; // characters
     tally.knows_globals = true;
+    tally.stamp = QByteArray(admin.experiment_date_time_stamp,
+                             int(qstrnlen(admin.experiment_date_time_stamp, shown)));
     tally.raw = raw;
     MsClaims &claims = tally.claims;
     claims.mass_scale = ms_given(raw.mass_scale_factor, 1.0);

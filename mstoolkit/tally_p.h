@@ -6,6 +6,7 @@
 
 #include "mstoolkit.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <algorithm>
@@ -44,27 +45,33 @@ enum class MsDoubtKind {
     IntensityScale,
     IntensityOffset,
     MergedMasses,
+    SingleMass,
     WrongTotals,
     BadMasses,
     FillMasses,
     NegativeMasses,
     ZeroMasses,
     OddMasses,
+    EqualMasses,
     UnorderedMasses,
     BadIntensities,
     FillIntensities,
     UnplacedPoints,
     MissingTimes,
     BadTimes,
+    NegativeTimes,
     ZeroTime,
     RestartingTimes,
     FallingTimes,
     EqualTimes,
     TimeGap,
+    OddTimes,
     UnevenTimes,
     MassFormat,
     IntensityFormat,
+    TimeUnit,
     TimeRange,
+    AcquisitionDate,
     StartingScan,
     GroupCounts,
     MassRange,
@@ -117,6 +124,8 @@ public:
 
     // Scans that are off by more than a hundredth.
     MsFinding far_off() const;
+
+    bool is_empty() const { return compared == 0; }
 
     // Whether nearly all scans agree, and hardly any do in another comparison of theirs.
     bool holds_where(const MsAgreement &other_fails) const;
@@ -211,11 +220,13 @@ struct MsTally {
     bool knows_globals = false;
     MsRawGlobalRecord raw;
     MsClaims claims;
+    QByteArray stamp; // the beginning of experiment_date_time_stamp
 
-    // Of the scans' own numbers, which doubtscans.cpp reads once, and the totals of a trace likewise.
+    // Of the scans' own numbers, which are read once, and the totals of a trace likewise.
     bool knows_scans = false;
     bool knows_totals = false;
     MsRange times;
+    MsAgreement trace_totals;
     double second_time = 0.0;   // where the first one is 0 and far before it
     qint64 points_of_scans = 0; // flags count, too
 
@@ -238,8 +249,8 @@ struct MsTally {
     MsFindings found;
 };
 
-// Takes note of the record that ms_read_global returned.
-void ms_tally_globals(MsTally &tally, const MsRawGlobalRecord &raw);
+// Takes note of the records that ms_read_global returned.
+void ms_tally_globals(MsTally &tally, const MsAdminRecord &admin, const MsRawGlobalRecord &raw);
 
 // Takes note of a scan that was read, or that couldn't be read. `place` is where its points were looked
 // for, null where that was by the file's own counters.
@@ -255,9 +266,15 @@ void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &ke
 // Reads where the points of all scans lie and when they were taken, once for a file.
 void ms_look_at_scans(MsFileState &file);
 
+// The same of the times of the first `scans` ones, which is a part of it.
+void ms_look_at_times(MsFileState &file, std::size_t scans);
+
 // Reads the total intensity of all scans, once for a file: of a run without masses a reader gets nothing
 // else.
 void ms_look_at_totals(MsFileState &file);
+
+// Whether ms_read_total_intensity takes a variable: one with a number for each scan, whatever its rank.
+bool ms_is_trace(MsFileState &file, int slot, qint32 scan_count);
 
 // Looks at the groups of masses: those that can't be, and how many there are.
 std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file);

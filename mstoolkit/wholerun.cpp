@@ -127,11 +127,10 @@ std::size_t count_elements(const MsShape &shape)
 // cut off are missing, and so are those that the system refuses.
 MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
 {
-    const MsShape *shape = file.column(slot).shape();
     const std::size_t size = std::size_t(scan_count);
-    if (!shape || !ms_is_number(shape->type) || count_elements(*shape) != size
-        || !file.data.can_hold(size * sizeof(double)))
+    if (!ms_is_trace(file, slot, scan_count) || !file.data.can_hold(size * sizeof(double)))
         return nullptr;
+    const MsShape *shape = file.column(slot).shape();
     MsBlock<double> trace(static_cast<double *>(ms_alloc_array(quint32(scan_count), NC_DOUBLE)));
     if (!trace)
         return nullptr;
@@ -228,6 +227,12 @@ int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, doubl
 }
 
 } // namespace
+
+bool ms_is_trace(MsFileState &file, int slot, qint32 scan_count)
+{
+    const MsShape *shape = file.column(slot).shape();
+    return shape && ms_is_number(shape->type) && count_elements(*shape) == std::size_t(scan_count);
+}
 
 int ms_read_mass_census(int ncid, QSet<qint32> &masses, qint32 *decimals, double scale)
 {

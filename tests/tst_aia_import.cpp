@@ -16,6 +16,7 @@ const QString importer = QStringLiteral(AIA_TOOLS "/aia-import");
 struct SummaryLine {
     QString file; // imported with modulations of 60 s, and verbosely
     QString line; // a regular expression
+    QString modulation = QStringLiteral("60");
 };
 
 struct Talk {
@@ -111,6 +112,7 @@ private slots:
         row("no first time") = {"missing-first-time", "Start: +not given"}; // the header has 0
         row("no last time") = {"missing-times", "End: +not given"};         // the header has the scan's number
         row("rate without times") = {"missing-times", "Scan rate: +not known"};
+        row("pause") = {"a-pause", "Longest pause: +30 s before scan 6", "0"};
         row("maximum") = {"run-facts", "Trace maximum: +48 at 1.5 minutes, in scan 1"};
         row("masses") = {"import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1"};
         row("points") = {"import-odd-scans", "Points read: +4"};
@@ -132,7 +134,7 @@ private slots:
     void summary()
     {
         const SummaryLine &row = Rows<SummaryLine>::current();
-        const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", "60", fixture(row.file)}).out);
+        const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", row.modulation, fixture(row.file)}).out);
         QVERIFY2(hasLine(printed, row.line), qPrintable(printed));
     }
 

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <dlfcn.h>
 #include <functional>
 #include <limits>
@@ -257,7 +258,19 @@ private slots:
         changed("a missing flag count", "bad-flag-counts 1", put("flag_count", 5, -9999));
         changed("no flag counts at all", "", put("flag_count", 0, -9999, 20));
         changed("a time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 5, 0));
-        changed("a first time of 0", "zero-time 1, time-gap 1, time-range 1", put("scan_acquisition_time", 0, 0));
+        changed("a first time of 0", "zero-time 1, time-range 1", put("scan_acquisition_time", 0, 0));
+        changed("a first time below 0", "negative-times 1, time-range 1", put("scan_acquisition_time", 0, -180));
+        changed("a first time a bit early", "odd-times 1", add("scan_acquisition_time", 0, -0.5));
+        changed("a time out of step", "odd-times 1", add("scan_acquisition_time", 5, -0.3));
+        changed("a last time a bit late", "odd-times 1", add("scan_acquisition_time", 19, 0.5));
+        changed("uneven times", "", [](int id) {
+            for (std::size_t i = 0; i < 20; ++i)
+                put("scan_acquisition_time", i, 180.0 + double(i * i) / 40.0)(id);
+        });
+        changed("times in whole seconds", "", [](int id) {
+            for (std::size_t i = 0; i < 20; ++i)
+                put("scan_acquisition_time", i, 180.0 + std::floor(double(i) * 0.6))(id);
+        });
         changed("a time that isn't there", "missing-times 1", put("scan_acquisition_time", 5, -9999));
         changed("a time twice", "equal-times 1", add("scan_acquisition_time", 5, -0.6));
         changed("a time that is no number", "bad-times 1", put("scan_acquisition_time", 5, notANumber));
@@ -288,8 +301,26 @@ private slots:
                 putAttribute("mass_values", "scale_factor", 1e-9));
         changed("mass scale of 2", "mass-scale 1, mass-range 15, scan-mass-range 20",
                 putAttribute("mass_values", "scale_factor", 2.0));
+        changed("one mass only", "single-mass 600", put("mass_values", 0, 50, 600));
+        changed("one mass in a scan", "equal-masses 1, scan-mass-range 1", put("mass_values", 150, 60, 30));
+        changed("no axis of points", "unreadable-masses 20", [](int id) {
+            int point = -1;
+            nc_redef(id);
+            nc_inq_dimid(id, "point_number", &point);
+            nc_rename_dim(id, point, "unknown");
+        });
         changed("no masses", "missing-masses 600", rename("mass_values"));
         changed("masses 0", "zero-masses 3", put("mass_values", 155, 0, 3));
+        changed("points of 0 at the end of a scan", "", [](int id) {
+            put("mass_values", 178, 0, 2)(id);
+            for (const std::size_t i : {178, 179}) {
+                double intensity = 0.0;
+                nc_get_var1_double(id, variable(id, "intensity_values"), &i, &intensity);
+                add("total_intensity", 5, -intensity)(id);
+                put("intensity_values", i, 0)(id);
+            }
+            put("mass_range_max", 5, -9999)(id);
+        });
         changed("a mass below 0", "negative-masses 1", put("mass_values", 155, -50));
         changed("a mass NaN", "bad-masses 1", put("mass_values", 155, notANumber));
         changed("a mass infinite", "bad-masses 1", put("mass_values", 155, infinity));
@@ -314,11 +345,28 @@ private slots:
             add("intensity_values", 0, 0.25, 600)(id);
             add("total_intensity", 0, 7.0, 20)(id);
         });
+        changed("totals 0", "", put("total_intensity", 0, 0, 20));
+        changed("totals in another unit", "", [](int id) {
+            put("total_intensity", 0, 5, 20)(id);
+            nc_redef(id);
+            nc_put_att_text(id, variable(id, "total_intensity"), "units", 5, "Volts");
+        });
         changed("no totals", "", put("total_intensity", 0, -9999, 20));
         changed("an intensity scale of 2", "wrong-totals 20", putAttribute("intensity_values", "scale_factor", 2.0));
         changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
         changed("intensity range", "intensity-range 20", putAttribute(nullptr, "global_intensity_max", 1.0));
         changed("time range", "time-range 1", putAttribute(nullptr, "global_time_max", 181.0));
+        changed("time range in minutes", "", [](int id) {
+            putAttribute(nullptr, "global_time_min", 3.0)(id);
+            putAttribute(nullptr, "global_time_max", 3.19)(id);
+        });
+        changed("the last scan's window", "", [](int id) {
+            put("mass_range_min", 19, 40)(id);
+            put("mass_range_max", 19, 450)(id);
+        });
+        changed("an ISO date", "acquisition-date 1", putAttribute("experiment_date_time_stamp", "2024-03-12T18:45:30"));
+        changed("a 13th month", "acquisition-date 1", putAttribute("experiment_date_time_stamp", "20241312184530"));
+        changed("a date without a zone", "", putAttribute("experiment_date_time_stamp", "20240312184530"));
         changed("a scan's mass range", "scan-mass-range 1", put("mass_range_max", 5, 100));
         changed("first scan", "starting-scan 1", putAttribute(nullptr, "starting_scan_number", 7));
         changed("another mass format", "mass-format 1", putAttribute("raw_data_mass_format", "Short"));
@@ -327,21 +375,32 @@ private slots:
         row("a trace without totals") = {QStringLiteral("tic"), rename("total_intensity"), "no-intensities 20"};
         row("a trace with one total missing") = {QStringLiteral("tic"), put("total_intensity", 5, -9999),
                                                  "bad-totals 1"};
+        row("a trace with a total unlike its point") = {QStringLiteral("tic"), put("total_intensity", 5, 0),
+                                                        "wrong-totals 1"};
+        row("a trace of texts") = {
+            QStringLiteral("string-total"), {}, "unreadable-scans 2, missing-masses 6, bad-totals 3"};
+        row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-unit 1"};
         row("GCxGC, evenly spaced") = {QStringLiteral("gcxgc"), {}, "", {}, 4.0};
-        row("GCxGC, a pause") = {QStringLiteral("gcxgc"),
-                                 add("scan_acquisition_time", 10, 5, 10),
-                                 "time-gap 1, uneven-times 18, time-range 1",
-                                 {},
-                                 4.0};
+        row("GCxGC, a pause") = {
+            QStringLiteral("gcxgc"), add("scan_acquisition_time", 10, 5, 10), "uneven-times 16, time-range 1", {}, 4.0};
         row("GCxGC, a last time that is off") = {
-            QStringLiteral("gcxgc"), add("scan_acquisition_time", 19, 0.1), "uneven-times 17", {}, 4.0};
-        row("the same without a modulation") = {QStringLiteral("gcxgc"), add("scan_acquisition_time", 19, 0.1)};
+            QStringLiteral("gcxgc"), add("scan_acquisition_time", 19, 0.1), "odd-times 1, uneven-times 16", {}, 4.0};
+        row("GCxGC, times in coarse steps") = {QStringLiteral("gcxgc"),
+                                               [](int id) {
+                                                   for (std::size_t i = 0; i < 20; ++i)
+                                                       put("scan_acquisition_time", i, 300.0 + 0.3 * double(i / 9))(id);
+                                               },
+                                               "",
+                                               {},
+                                               4.0};
         row("a scan's point times") = {QStringLiteral("tic"), put("time_range_min", 5, 185), "scan-time-range 1"};
         row("too many masses in a group") = {QStringLiteral("sim"), put("group_mass_count", 0, 99), "group-counts 1"};
         row("masses of two dimensions") = {
             QStringLiteral("mass-values-rank-2"), {}, "unreadable-scans 3, unreadable-masses 3"};
         row("no scan can be found") = {QStringLiteral("scan-index-rank-2"), {}, "no-scan-index 3, unreadable-scans 3"};
         row("a library in any order") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 0)};
+        row("a library's time NaN") = {QStringLiteral("library"), put("scan_acquisition_time", 5, notANumber),
+                                       "bad-times 1"};
 
         const auto bytes = [&](const char *name, const QByteArray &said, ByteChange change) {
             row(name) = {gcms, {}, said, std::move(change)};
@@ -372,7 +431,7 @@ private slots:
         const Rows<QString> file;
         const QByteArray names = "gcms gcxgc tic library sim dashes double-masses empty-attributes error-log "
                                  "experiment-type-of-another-family flags-on-masses groups instruments "
-                                 "no-attributes one-record-variable one-scan plain scaled-short text-attributes "
+                                 "no-attributes one-record-variable a-pause one-scan plain text-attributes "
                                  "time-units two-masses two-scans unlimited-scans chromatogram no-scan-number "
                                  "units-numeric";
         for (const QByteArray &name : names.split(' '))
@@ -458,7 +517,7 @@ private slots:
         HostRun run(plugin, changedCopy(QStringLiteral("gcxgc"), {add("scan_acquisition_time", 19, 0.1)}));
         run.copy->setModulation(4.0f);
         run.makeTable();
-        QCOMPARE(run.property(), QByteArray("uneven-times 17"));
+        QCOMPARE(run.property(), QByteArray("odd-times 1, uneven-times 16"));
     }
 
     void ofATraceAllIsToldAtTheTable()

@@ -186,7 +186,7 @@ void FileImport::scanImported(int scan, double time, double total, int pointCoun
     if (!complaint.isNull())
         return working->pBarCanceledSlot();
     ++scansDone;
-    summary.addScan(scan, total, pointCount, failure);
+    summary.addScan(scan, time, total, pointCount, failure);
     if (json)
         json->addScan(time, total, pointCount, abundances, positions, failure);
     if (isInterrupted() || (json && json->hasFailed()))

@@ -124,6 +124,7 @@ void ImportSummary::start(const QString &fileName, const std::optional<RunFacts>
 {
     facts = runFacts;
     scanCount = header.getNbScans();
+    isTrace = tableSize < 1;
     lines.emplace_back("File", fileName);
     if (facts)
         addFacts(*facts);
@@ -194,7 +195,7 @@ void ImportSummary::addHeader(const DVHeader &header)
     };
 }
 
-void ImportSummary::addScan(int scan, double total, int pointCount, const QString &failure)
+void ImportSummary::addScan(int scan, double time, double total, int pointCount, const QString &failure)
 {
     constexpr int named = 10;
     ++added;
@@ -206,8 +207,22 @@ void ImportSummary::addScan(int scan, double total, int pointCount, const QStrin
             unread.first += QString::number(scan);
         return;
     }
+    pauses.add(scan, time);
     if (std::isfinite(total) && (largest.scan == -1 || total > largest.total))
         largest = {scan, total};
+}
+
+// Null where there is none. The times of a trace come as the file has them, others in minutes.
+QString ImportSummary::pauseText() const
+{
+    const auto pause = pauses.pause();
+    if (!pause || !facts)
+        return QString();
+    const bool inSeconds = facts->inMinutes;
+    const double length = pause->length * (inSeconds && !isTrace ? 60.0 : 1.0);
+    return QStringLiteral("%1 before scan %2")
+        .arg(timeText(length, inSeconds ? QStringLiteral("s") : facts->timeUnit),
+             QString::number(pause->scan));
 }
 
 QString ImportSummary::unreadText() const
@@ -233,6 +248,8 @@ void ImportSummary::write(std::FILE *stream, std::optional<double> largestTime,
                           const std::vector<RunDoubt> &doubts) const
 {
     Lines all = lines;
+    if (const QString pause = pauseText(); !pause.isNull())
+        all.emplace_back("Longest pause", pause);
     all.emplace_back("Points read", QString::number(points));
     const QString value = number(largest.total, 8);
     const QString scan = QString::number(largest.scan);

@@ -2,6 +2,7 @@
 #ifndef IMPORTSUMMARY_H
 #define IMPORTSUMMARY_H
 
+#include "longestpause.h"
 #include "rundoubt.h"
 #include "runfacts.h"
 
@@ -22,8 +23,9 @@ public:
     void start(const QString &fileName, const std::optional<RunFacts> &facts, const DVHeader &header,
                const float *table, int tableSize);
 
-    // `failure` says why the scan couldn't be read, and is null if it could.
-    void addScan(int scan, double total, int pointCount, const QString &failure);
+    // `time` is in the unit that the import handed over. `failure` says why the scan couldn't be read,
+    // and is null if it could.
+    void addScan(int scan, double time, double total, int pointCount, const QString &failure);
 
     // Of the scans that were added: how many couldn't be read, and the one with the largest total, -1 for
     // none.
@@ -44,6 +46,7 @@ private:
     void addTimes(const RunFacts &facts);
     void addModulation(const DVHeader &header);
     void addHeader(const DVHeader &header);
+    QString pauseText() const;
     QString unreadText() const;
 
     Lines lines;
@@ -52,6 +55,8 @@ private:
     qint64 points = 0;
     int scanCount = 0; // that the header tells of
     int added = 0;
+    bool isTrace = false;
+    LongestPause pauses;
     struct {
         int count = 0;
         QStringList first; // the numbers of the first few
