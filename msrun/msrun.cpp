@@ -387,6 +387,18 @@ std::vector<std::vector<double>> MsRun::extractedTraces(const std::vector<MsInte
     return traces;
 }
 
+MsModulation MsRun::modulation(const Progress &progress) const
+{
+    if (kind() == Kind::Library || !hasSeconds())
+        return {};
+    std::vector<double> totals = storedTotals();
+    const auto missing =
+        std::count_if(totals.begin(), totals.end(), [](double total) { return !isKnown(total); });
+    if (std::size_t(missing) * 2 > totals.size() && kind() == Kind::Spectra)
+        totals = summedTotals(progress);
+    return ms_guess_modulation(times(), totals);
+}
+
 MsPeaks MsRun::summed(const MsInterval &times, double width, const Progress &progress) const
 {
     return PeakSum::of(*this, times, progress).peaks(width, 1.0);

@@ -33,6 +33,7 @@
 #define MSRUN_H
 
 #include "msdoubts.h"
+#include "msmodulation.h"
 #include "msrunfacts.h"
 #include "msspectrum.h"
 
@@ -130,6 +131,11 @@ public:
     std::vector<double> summedTotals(const Progress &progress = {}) const;
     std::vector<std::vector<double>> extractedTraces(const std::vector<MsInterval> &windows,
                                                      const Progress &progress = {}) const;
+
+    // Guesses the length of the modulation from the trace, see msmodulation.h: from the stored totals, or
+    // from the summed ones where most of those are missing. None for a library, and where times aren't in
+    // seconds.
+    MsModulation modulation(const Progress &progress = {}) const;
 
     // Return the peaks of all scans whose times lie in the interval, as one spectrum: intensities of the
     // same mass are added up, and averaged() divides them by the number of those scans, those that can't

@@ -18,7 +18,7 @@ install_missing() {
 }
 
 install_build_tools() {
-    install_missing g++ cmake ninja-build pkg-config qtbase5-dev libnetcdf-dev netcdf-bin \
+    install_missing g++ cmake ninja-build pkg-config qtbase5-dev libnetcdf-dev netcdf-bin libkissfft-dev \
         python3-numpy python3-netcdf4
 }
 

@@ -41,7 +41,7 @@ private slots:
     void call_data()
     {
         const auto noLength = [](const QByteArray &text) {
-            return '"' + text + "\" isn't a modulation length: a number from 0 to 100 is needed.";
+            return '"' + text + "\" isn't a modulation length: a number from 0 to 100 is needed, or auto.";
         };
         const auto noScan = [](const QByteArray &text) {
             return '"' + text + "\" isn't the number of a scan: they are counted from 0.";

@@ -6,6 +6,7 @@
 #include "interruption.h"
 #include "messageredirection.h"
 #include "msinput.h"
+#include "msrun.h"
 #include "terminaltext.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <new>
 #include <utility>
@@ -78,8 +80,10 @@ bool FileImport::importIfPossible()
 
     if (options.ask)
         askParameters();
-    if (options.modulation)
-        prototype.setModulation(*options.modulation);
+    if (!takeModulation()) {
+        closePrototype();
+        return false;
+    }
     const std::unique_ptr<DVImportAnalysisInterface> copy(prototype.clone());
     return importOn(*copy);
 }
@@ -104,6 +108,29 @@ void FileImport::askParameters()
     });
     watch.start(100); // milliseconds
     questions->askParameters(nullptr);
+}
+
+// Sets the length that was asked for. Returns false, after a report, if the trace should show it and
+// doesn't.
+bool FileImport::takeModulation()
+{
+    if (options.modulation)
+        prototype.setModulation(*options.modulation);
+    if (!options.guessModulation)
+        return true;
+    const Silence silence; // the import sends the messages
+    const MsModulation found = MsRun(fileName).modulation();
+    if (found.isConfident) {
+        prototype.setModulation(float(found.seconds));
+        return true;
+    }
+    const QString why = std::isnan(found.seconds)
+        ? QStringLiteral("its trace shows no modulation")
+        : QStringLiteral("its trace may show a modulation of %1 s, but that isn't sure")
+              .arg(found.seconds);
+    report(QStringLiteral("The file \"%1\" was not imported: %2. Name the length after --gcxgc.")
+               .arg(fileName, why));
+    return false;
 }
 
 bool FileImport::importOn(DVImportAnalysisInterface &copy)

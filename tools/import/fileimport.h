@@ -38,6 +38,7 @@ private:
     bool importIfPossible();
     void closePrototype();
     void askParameters();
+    bool takeModulation();
     bool importOn(DVImportAnalysisInterface &copy);
     void showAccount(const QString &line) const;
     bool judge(bool finished, const std::vector<RunDoubt> &doubts);

@@ -56,7 +56,8 @@ CommandLine parseCommandLine(const QStringList &arguments)
     const QCommandLineOption gcxgc(
         QStringLiteral("gcxgc"),
         QStringLiteral("Import GCxGC runs, with modulations of LENGTH seconds: "
-                       "0 to 100, 0 for a plain run."),
+                       "0 to 100, 0 for a plain run. With auto, the length is found from the trace of "
+                       "each file, and a file that shows none isn't imported."),
         QStringLiteral("LENGTH"));
     const QCommandLineOption ask(QStringLiteral("ask"),
                                  QStringLiteral("Ask for the parameters of each file in a dialog."));
@@ -98,11 +99,13 @@ CommandLine parseCommandLine(const QStringList &arguments)
         return refused(QStringLiteral("The options --quiet and --verbose exclude each other."));
     if (options.ask && parser.isSet(gcxgc))
         return refused(QStringLiteral("The options --ask and --gcxgc exclude each other."));
-    if (parser.isSet(gcxgc)) {
+    options.guessModulation = parser.value(gcxgc) == QLatin1String("auto");
+    if (parser.isSet(gcxgc) && !options.guessModulation) {
         options.modulation = modulationLength(parser.value(gcxgc));
         if (!options.modulation)
             return refused(
-                QStringLiteral("\"%1\" isn't a modulation length: a number from 0 to 100 is needed.")
+                QStringLiteral(
+                    "\"%1\" isn't a modulation length: a number from 0 to 100 is needed, or auto.")
                     .arg(parser.value(gcxgc)));
     }
     return {std::nullopt, options};

@@ -17,6 +17,7 @@ struct ImportOptions {
     bool strict = false;             // fail for doubts, too
     bool ask = false;                // show the dialog for each file
     std::optional<float> modulation; // seconds
+    bool guessModulation = false;    // take what the trace of each file shows
 };
 
 struct CommandLine {

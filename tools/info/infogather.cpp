@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -424,6 +425,16 @@ void addDoubts(const QList<MsDoubt> &doubts, InfoNode *report)
             {QString::fromLatin1(doubt.code), doubt.count, doubt.example, doubt.text, doubt.isLoss});
 }
 
+void addModulation(const MsModulation &modulation, InfoNode *report)
+{
+    if (std::isnan(modulation.seconds))
+        return;
+    InfoNode &section = report->add(Kind::Section, QStringLiteral("guessed_modulation"));
+    section.addValue(QStringLiteral("seconds"), modulation.seconds);
+    section.addValue(QStringLiteral("confidence"), modulation.confidence);
+    section.addValue(QStringLiteral("is_confident"), modulation.isConfident);
+}
+
 InfoResult Gatherer::gather(const QString &path)
 {
     InfoNode content;
@@ -433,6 +444,7 @@ InfoResult Gatherer::gather(const QString &path)
     addGlobals(&content);
     readScans(path);
     addRanges(&content);
+    addModulation(options.modulation, &content);
     addInstruments(&content);
     addGroups(&content);
     addLibrary(&content);

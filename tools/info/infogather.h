@@ -3,6 +3,7 @@
 #define INFOGATHER_H
 
 #include "inforeport.h"
+#include "msmodulation.h"
 
 #include <optional>
 
@@ -11,6 +12,7 @@ class MsFile;
 struct InfoOptions {
     std::optional<qint32> scan; // the scan to show
     bool everything = false;    // show long lists whole, up to 10000 items
+    MsModulation modulation;    // what was guessed of the run's
 };
 
 struct InfoResult {

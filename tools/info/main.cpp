@@ -5,6 +5,7 @@
 #include "messagelist.h"
 #include "messageredirection.h"
 #include "msinput.h"
+#include "msrun.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
@@ -63,7 +64,12 @@ int show(const QString &path, const CommandLine &line, const MessageList &messag
         return fail(QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut "
                                    "off.")
                         .arg(path));
-    const InfoResult result = gatherInfo(file, path, line.info);
+    InfoOptions options = line.info;
+    {
+        const Silence silence; // the same messages come from the file that is shown
+        options.modulation = MsRun(path).modulation();
+    }
+    const InfoResult result = gatherInfo(file, path, options);
     return print(result.report, line.format) && result.complete ? Success : Failure;
 }
 
