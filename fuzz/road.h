@@ -8,7 +8,4 @@
 // Follows the road. Nothing that the file holds may make it crash, leak or hang.
 void followRoad(const QString &path);
 
-// A file in memory whose name ends in .cdf; one for the process, overwritten each time.
-QString scratchFile();
-
 #endif // ROAD_H

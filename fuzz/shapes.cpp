@@ -3,6 +3,7 @@
 
 #include "msfile.h"
 #include "road.h"
+#include "scratchfile.h"
 
 #include <QFileInfo>
 

@@ -40,6 +40,13 @@ public:
     {
     }
 
+    // Scans up to the last one of which the file has a number. Of those behind it nothing is known.
+    std::size_t stored() const
+    {
+        return std::max(
+            {index.stored_length(), points.stored_length(), flags.stored_length(), time.stored_length()});
+    }
+
     ScanNumbers at(std::size_t scan)
     {
         return {qint64(scan), index.get(scan), points.get(scan), flags.get(scan), time.get(scan)};
@@ -163,7 +170,7 @@ private:
         std::vector<Extent> extents;
         Scans scans(file);
         Extent found;
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < std::min(count, scans.stored()); ++i) {
             if (find(scans.at(i), &found))
                 extents.push_back(found);
         }
@@ -283,7 +290,9 @@ void ms_look_at_scans(MsFileState &file)
     Scans scans(file);
     CountsOfScans counts(scans, file.tally.found);
     PointsOfScans points(file, scans, count);
-    for (std::size_t i = 0; i < count; ++i) {
+    // One behind the stored ones stands for all, which a file may claim in any number.
+    const std::size_t known = std::min(count, scans.stored() + 1);
+    for (std::size_t i = 0; i < known; ++i) {
         const ScanNumbers scan = scans.at(i);
         counts.take(scan);
         points.take(scan);
@@ -315,10 +324,10 @@ void ms_look_at_totals(MsFileState &file)
     }
     SumsOfScans sums(file, scans);
     MsColumnWalk totals(file, MsVar_total_intensity);
-    for (std::size_t i = 0; i < scans; ++i) {
+    for (std::size_t i = 0; i < std::min(scans, totals.stored_length()); ++i) {
         const auto [total, is_known] = totals.get(i);
         if (!is_known)
-            break;
+            continue;
         if (!std::isfinite(total) || ms_is_missing(total) || totals.is_fill(total))
             findings[MsDoubtKind::BadTotals].add(qint64(i));
         else
@@ -340,11 +349,9 @@ std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file)
     const auto is_odd = [](double number, double most) {
         return !ms_is_missing(number) && !(number >= 0.0 && number <= most);
     };
-    for (std::size_t i = 0; i < std::max(counts.length(), starts.length()); ++i) {
+    for (std::size_t i = 0; i < std::max(counts.stored_length(), starts.stored_length()); ++i) {
         const MsColumnNumber count = counts.get(i);
         const MsColumnNumber start = starts.get(i);
-        if (!count.is_known && !start.is_known)
-            break;
         if (is_odd(count.value, width) || is_odd(start.value, scans))
             finding.add(qint64(i));
     }

@@ -108,7 +108,8 @@ class Times
 public:
     Times(MsFileState &file, std::size_t scans)
         : tally(file.tally), findings(file.tally.found), times(file, MsVar_scan_acquisition_time),
-          count(scans), usual(usual_step(times, scans)), equal(findings, usual)
+          count(scans), stored(std::min(scans, times.stored_length())), usual(usual_step(times, scans)),
+          equal(findings, usual)
     {
         // The way in which a GCxGC run gets its times.
         MsColumnWalk ends = times;
@@ -121,7 +122,7 @@ public:
 
     void look()
     {
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < stored; ++i)
             take(qint64(i));
         finish();
     }
@@ -129,7 +130,7 @@ public:
     // The spectra of a library come in any order, and needn't have a time.
     void look_for_bad_ones()
     {
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < stored; ++i) {
             const MsColumnNumber time = times.get(i);
             if (time.is_known && !std::isfinite(time.value))
                 findings[MsDoubtKind::BadTimes].add(qint64(i));
@@ -245,6 +246,7 @@ private:
     MsFindings &findings;
     MsColumnWalk times;
     const std::size_t count;
+    const std::size_t stored; // of these; behind them nothing is known
     const double usual;
     EqualTimes equal;
     bool has_interval = false;

@@ -201,12 +201,13 @@ std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, v
     }
     if (first == 0 && ms_product(size, extent->width) == extent->stride)
         size = ms_product(size, std::exchange(lines, 1)); // and without a gap between them
+    const std::size_t width = is_text ? 1 : ms_type_width(type);
     MsFetch result = MsFetch::Read;
     for (std::size_t i = 0; i < lines; ++i) {
         const quint64 begin = begin_of(slab.rank == 0 ? 0 : slab.start[0] + i) + first * extent->width;
         const MsFetch line =
             read_line({extent->type, begin, extent->width, 0, std::size_t(size)}, type,
-                      static_cast<unsigned char *>(target) + i * std::size_t(size) * ms_type_width(type));
+                      static_cast<unsigned char *>(target) + i * std::size_t(size) * width);
         if (line == MsFetch::Failed)
             return line;
         if (line == MsFetch::None)
