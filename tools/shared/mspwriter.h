@@ -1,0 +1,36 @@
+// Spectra as MSP text, which programs that search libraries of mass spectra take.
+#ifndef MSPWRITER_H
+#define MSPWRITER_H
+
+#include "textoutput.h"
+
+#include <QStringList>
+
+#include <limits>
+#include <vector>
+
+// A spectrum and what it is of. Only what is there is written: no null text, no NaN.
+struct MspEntry {
+    QString name;
+    QStringList synonyms;
+    QString formula;
+    double molecularWeight = std::numeric_limits<double>::quiet_NaN(); // written as a whole number
+    double exactMass = std::numeric_limits<double>::quiet_NaN();
+    QString casNumber; // with its hyphens
+    double retentionIndex = std::numeric_limits<double>::quiet_NaN();
+    double minutes = std::numeric_limits<double>::quiet_NaN(); // retention time
+    QString comment;
+    std::vector<double> masses;
+    std::vector<double> intensities; // as many
+};
+
+// Appends an entry and the blank line behind it. Texts are written in ASCII on one line. Points below
+// mass 1, and those without a finite intensity above 0, are left out. Returns false, and writes nothing,
+// for a spectrum that has no other points.
+bool writeMspEntry(TextOutput &output, const MspEntry &entry);
+
+// Returns a text in ASCII without line breaks: letters with marks lose them, Greek letters are spelled
+// out, what has no counterpart becomes a question mark.
+QByteArray asciiLine(const QString &text);
+
+#endif // MSPWRITER_H
