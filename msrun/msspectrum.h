@@ -71,6 +71,10 @@ public:
     const float *storedMasses() const;
     const float *storedIntensities() const;
 
+    // The times of the points as the file stores them, size() of them; none where it has no such axis.
+    // MsGlobals::time scales them.
+    MsNumbers pointTimes() const { return isRead() ? scan_.times() : MsNumbers(); }
+
     // When the scan was taken, in seconds where MsRun::hasSeconds, else as stored.
     double time() const { return time_; }
 

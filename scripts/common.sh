@@ -22,11 +22,16 @@ install_build_tools() {
         python3-numpy python3-netcdf4
 }
 
-# build PRESET [TARGET...]
+# What the programs of their own need that a plain build leaves out. `switches` turns them on.
+switches=()
+install_convert_tools() { install_missing libpwiz-dev libboost-dev zlib1g-dev; }
+configure_switches() { switches=(-DAIA_CONVERT=ON); }
+
+# build PRESET [TARGET...], with the switches
 build() {
     local preset=$1
     shift
     say "Building ($preset)"
-    cmake --preset "$preset" --log-level=NOTICE
+    cmake --preset "$preset" --log-level=NOTICE ${switches[@]+"${switches[@]}"}
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -93,6 +93,11 @@ QString OutputFile::place() const
     return QFile::decodeName(target);
 }
 
+QByteArray OutputFile::makeTemporaryName() const
+{
+    return direct ? QByteArray() : temporaryName(target);
+}
+
 QString OutputFile::objection(const QStringList &inputs) const
 {
     std::error_code unknown;
@@ -120,7 +125,7 @@ bool OutputFile::open()
                                     : ::open(target.constData(), O_WRONLY | O_TRUNC | O_CLOEXEC);
         return handle != -1 || failOfSystem();
     }
-    temporary = temporaryName(target);
+    temporary = wantedTemporary.isEmpty() ? temporaryName(target) : wantedTemporary;
     handle = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle == -1) {
         temporary.clear();

@@ -32,6 +32,12 @@ public:
     // The name of the file, behind all symbolic links.
     QString place() const;
 
+    // Returns the name of a new file beside the place; empty for direct ones. For who starts another
+    // process that writes this file, and has to remove what it leaves behind.
+    QByteArray makeTemporaryName() const;
+    // Has the file made under such a name.
+    void useTemporary(const QByteArray &path) { wantedTemporary = path; }
+
     // Begins the file. Of this and the calls below, the first failure stays: they all return false from
     // then on, and errorText() says why.
     bool open();
@@ -64,6 +70,7 @@ private:
     const Existing existing;
     QByteArray target;
     QByteArray temporary;
+    QByteArray wantedTemporary;
     bool direct = false;
     int handle = -1;
     QString error;

@@ -1,0 +1,242 @@
+// aia-convert as a person or a script meets it. What other programs read of its files is checked by
+// convert/check.py.
+
+#include "program.h"
+#include "rows.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <optional>
+
+namespace {
+
+struct Call {
+    QString arguments; // of a shell in which convert and sample are the programs
+    int code = 0;
+    QByteArray said{};     // a part of standard error
+    QByteArray made{};     // the whole of "out", where that is small
+    QByteArray madePart{}; // a part of it
+};
+
+} // namespace
+
+class TestAiaConvert : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> folder; // the current one
+
+    static Run shell(const QString &command)
+    {
+        const QString names = QStringLiteral("convert() { " AIA_TOOLS "/aia-convert \"$@\"; }\n"
+                                             "sample() { " AIA_TOOLS "/aia-sample \"$@\"; }\n");
+        return runProgram("sh", {"-c", names + command});
+    }
+
+    // Files that nobody asked for.
+    static QStringList leftovers() { return QDir().entryList({"*.part"}, QDir::Files | QDir::Hidden); }
+
+    static void checkCall(const Call &row)
+    {
+        const Run result = shell(row.arguments);
+        QVERIFY2(result.code == row.code, result.err);
+        QVERIFY2(result.err.contains(row.said), result.err);
+        QVERIFY2(row.made.isNull() || content("out") == row.made, content("out").left(2000));
+        QVERIFY2(content("out").contains(row.madePart), content("out").left(2000));
+        QCOMPARE(leftovers(), QStringList());
+    }
+
+private slots:
+    void init()
+    {
+        folder.emplace();
+        QVERIFY(QDir::setCurrent(folder->path()));
+        for (const char *name : {"plain", "library", "gcgc", "total-ion", "chromatogram", "info-library"})
+            QVERIFY(QFile::copy(fixture(name), QLatin1String(name) + ".cdf"));
+    }
+    void cleanup() { QDir::setCurrent(QDir::rootPath()); }
+
+    void usage_data()
+    {
+        const Rows<Call> row;
+        row("no file") = {"convert", 2, "No file is named"};
+        row("no output") = {"convert plain.cdf", 2, "Either -o"};
+        row("unknown end") = {"convert plain.cdf -o out", 2, "none of .cdf"};
+        row("not a format that is written") = {"convert plain.cdf --to mzXML", 2, "--to takes one of"};
+        row("several into one") = {"convert plain.cdf gcgc.cdf -o out.mzML", 2, "one file is converted"};
+        row("one name for two") = {"mkdir a; cp plain.cdf a; convert plain.cdf a/plain.cdf --to mzML", 2,
+                                   "would both become"};
+        row("over the input") = {"convert --force plain.cdf --to cdf", 2, "to be read"};
+        row("over a file") = {"touch plain.mzML; convert plain.cdf --to mzML", 2, "--force"};
+        row("half a range") = {"convert plain.cdf -o out.msp --sum 3", 2, "no time range"};
+        row("range backwards") = {"convert plain.cdf -o out.msp --sum 3-2", 2, "ends before"};
+        row("no mass") = {"convert plain.cdf -o out.csv --masses 50,x", 2, "no value of the option --masses"};
+        row("no table") = {"convert plain.cdf -o out.csv --csv all", 2, "no CSV table"};
+        row("jobs") = {"convert plain.cdf -o out.csv --jobs 0", 2, "from 1 to"};
+        row("device") = {"convert plain.cdf -o /dev/null --to cdf", 2, "no room"};
+    }
+    void usage() { checkCall(Rows<Call>::current()); }
+
+    void refusals_data()
+    {
+        const Rows<Call> row;
+        row("not a run") = {"convert chromatogram.cdf -o out.mzML", 1, "isn't a mass spectrometry file"};
+        row("not there") = {"convert no.cdf -o out.mzML", 1, "doesn't exist"};
+        row("not mzML") = {"echo text > no.mzML; convert no.mzML -o out.cdf", 1, "can't be read"};
+        row("mzML that is cut off") = {"convert plain.cdf -o a.mzML && head -c 3000 a.mzML > b.mzML;"
+                                       "convert b.mzML -o out.cdf",
+                                       1, "can't be read"};
+        row("mzML to mzML") = {"convert plain.cdf -o a.mzML && convert a.mzML -o out.mzML.gz", 1, "become .cdf files"};
+        row("spectra of a trace") = {"convert total-ion.cdf -o out.msp --scan 0", 1, "has no masses"};
+        row("points of a trace") = {"convert total-ion.cdf -o out.csv --csv points", 1, "has no masses"};
+        row("no choice of spectra") = {"convert plain.cdf -o out.msp", 1, "--scan, --at or --sum"};
+        row("scan that isn't there") = {"convert plain.cdf -o out.msp --scan 5", 1, "scan 5 can't be read"};
+        row("choice in a library") = {"convert library.cdf -o out.msp --scan 0", 1, "is a library"};
+        row("map without a length") = {"convert gcgc.cdf -o out.csv --csv map", 1, "--modulation"};
+        row("no folder") = {"convert plain.cdf -o no/out.mzML", 1, "No such file or directory"};
+        row("disk full, mzML") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML", 1, "File too large"};
+        row("disk full, packed") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML.gz", 1,
+                                    "File too large"};
+        row("disk full, .cdf") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.cdf", 1, "File too large"};
+        row("disk full, CSV") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.csv --csv points", 1,
+                                 "File too large"};
+        row("several levels") = {"convert --no-compression plain.cdf -o a.mzML && sed -i '0,/level\" "
+                                 "value=\"1/s//level\" value=\"2/' a.mzML;"
+                                 "convert a.mzML -o out.cdf",
+                                 1, "several MS levels"};
+        row("several polarities") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
+                                     "sed -i '0,/1000130/s//1000129/' a.mzML; convert a.mzML -o out.cdf",
+                                     1, "several polarities"};
+        row("strict") = {"convert --strict gcgc.cdf -o out.mzML", 1, "--strict"};
+    }
+    void refusals()
+    {
+        checkCall(Rows<Call>::current());
+        const bool isKept = QByteArray(QTest::currentDataTag()) == "strict";
+        QCOMPARE(QDir().entryList({"out.*"}).isEmpty(), !isKept);
+    }
+
+    void text_data()
+    {
+        const Rows<Call> row;
+        row("trace") = {"convert plain.cdf --csv trace --masses 50,91 -o - --to csv > out", 0, "",
+                        "scan,time (s),total intensity (Arbitrary Intensity Units),sum of intensities (Arbitrary "
+                        "Intensity Units),m/z 50 (Arbitrary Intensity Units),m/z 91 (Arbitrary Intensity Units)\n"
+                        "0,5.25,1100,1100,100,700\n1,5.8,350,350,50,300\n2,6.35,0,0,0,0\n"
+                        "3,6.9,4242.5,4242.5,42.5,1000\n4,7.45,64,64,0,64\n"};
+        row("points, another delimiter") = {
+            "convert library.cdf --csv points --delimiter ';' -o - --to csv > out", 0, "",
+            "scan;time (s);mass (m/z);intensity\n0;60;50;1\n0;60;60.25;2\n1;90;50;4\n1;90;70.5;8\n"
+            "2;120;60.25;16\n2;120;70.5;32\n"};
+        Call &scans = row("scans");
+        scans = {"convert plain.cdf --csv scans -o - --to csv > out", 0};
+        scans.madePart = "\n3,4,6.9,4242.5,4242.5,4,";
+        row("matrix") = {"convert library.cdf --csv matrix -o - --to csv > out", 0, "",
+                         "scan,time (s),m/z 50,m/z 60,m/z 71\n0,60,1,2,0\n1,90,4,0,8\n2,120,0,16,32\n"};
+        row("matrix of wide columns") = {"convert library.cdf --csv matrix --bin 20 -o - --to csv > out", 0, "",
+                                         "scan,time (s),m/z 40-60,m/z 60-80\n0,60,1,2\n1,90,4,8\n2,120,0,48\n"};
+        Call &quotedCells = row("quoted cells");
+        quotedCells = {"convert plain.cdf --csv trace --delimiter ' ' -o - --to csv > out", 0};
+        quotedCells.madePart = "scan \"time (s)\" \"total";
+        row("library") = {"convert library.cdf -o - --to msp > out", 0, "",
+                          "Name: Benzene\nCAS#: 71-43-2\nNum Peaks: 2\n50 1\n60.25 2\n\n"
+                          "Name: Entry 1\nNum Peaks: 2\n50 4\n70.5 8\n\n"
+                          "Name: Toluene\nCAS#: 108-88-3\nNum Peaks: 2\n60.25 16\n70.5 32\n\n"};
+        row("scan and sum") = {"convert plain.cdf --scan 1 --sum 0.09-0.1 -o - --to msp > out", 0, "",
+                               "Name: Five scans, scan 1, 0.097 min\nRT: 0.09666666666666666\nNum Peaks: 2\n"
+                               "50.02 50\n91.05 300\n\n"
+                               "Name: Five scans, sum from 0.090 min to 0.100 min\nRT: 0.095\nNum Peaks: 2\n"
+                               "50.02 50\n91.05 300\n\n"};
+        row("scan without peaks") = {"convert plain.cdf --scan 2 --scan 4 -o - --to msp > out", 0,
+                                     "1 spectra without peaks are left out: \"Five scans, scan 2, 0.106 min\""};
+        Call &chosenLevel = row("chosen level");
+        chosenLevel = {"convert --no-compression plain.cdf -o a.mzML &&"
+                       "sed -i '0,/level\" value=\"1/s//level\" value=\"2/' a.mzML;"
+                       "convert --ms-level 1 a.mzML -o b.cdf && convert b.cdf -o - --to csv > out",
+                       0, "1 spectra of other MS levels are left out"};
+        chosenLevel.madePart = "\n0,5.8,350,350\n";
+        Call &mzMLInMinutesAndBack = row("mzML in minutes and back");
+        mzMLInMinutesAndBack = {"convert --minutes plain.cdf -o a.mzML && convert a.mzML -o b.cdf &&"
+                                "convert b.cdf -o - --to csv > out"};
+        mzMLInMinutesAndBack.madePart = "0,5.25,1100,1100\n";
+        Call &attributesThroughMzML = row("attributes through mzML");
+        attributesThroughMzML = {"sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML &&"
+                                 "convert a.mzML -o b.cdf && ncdump -v instrument_name b.cdf > out"};
+        attributesThroughMzML.madePart = "\"Mass spectrometer";
+    }
+    void text() { checkCall(Rows<Call>::current()); }
+
+    void map()
+    {
+        QCOMPARE(shell("sample gcxgc --scans 1600 s.cdf; convert s.cdf --csv map --modulation 4 -o out.csv").code, 0);
+        const QList<QByteArray> rows = content("out.csv").split('\n');
+        QCOMPARE(rows.size(), 400 + 2); // 4 s of 100 scans, a head, and nothing behind the last line
+        QCOMPARE(rows[1].count(','), 4);
+        QVERIFY(!QRegularExpression(",(,|$)").match(rows[200]).hasMatch()); // no cell is empty
+    }
+
+    // Whatever the input had that can be mended, a strict reader has nothing to say of the output.
+    void clean_data()
+    {
+        const Rows<QString> row;
+        for (const char *name : {"dashes", "no-scan-index", "overlapping-scans", "plain", "continuum", "instruments",
+                                 "groups", "double-masses", "flags-on-masses", "info-library"})
+            row(name) = name;
+    }
+    void clean()
+    {
+        const QString source = fixture(Rows<QString>::current());
+        shell("convert " + source + " -o a.cdf");
+        const Run again = shell("convert --strict a.cdf -o b.cdf");
+        QVERIFY2(again.code == 0, again.err);
+        const auto dump = [](const QString &name) {
+            return shell("ncdump " + name + " | grep -v -e '^netcdf' -e netcdf_file_date_time_stamp").out;
+        };
+        QCOMPARE(dump("b.cdf"), dump("a.cdf"));
+    }
+
+    void manyFiles_data()
+    {
+        const Rows<Call> row;
+        row("all well") = {"convert plain.cdf gcgc.cdf --to mzML --jobs 2; s=$?; ls *.mzML > out; exit $s", 0,
+                           "2 files were converted", "gcgc.mzML\nplain.mzML\n"};
+        row("a bad one first") = {"convert chromatogram.cdf plain.cdf --to mzML; s=$?; ls *.mzML > out; exit $s", 1,
+                                  "1 of 2 files were not converted, or not in full: \"chromatogram.cdf\"",
+                                  "plain.mzML\n"};
+        Call &optionsForAll = row("options for all");
+        optionsForAll = {"mkdir d; convert --delimiter ';' --csv points plain.cdf library.cdf --to csv "
+                         "--out-dir d; s=$?; head -qn1 d/*.csv > out; exit $s"};
+        optionsForAll.madePart = "scan;time (s);mass (m/z);intensity\nscan;time (s);mass";
+    }
+    void manyFiles() { checkCall(Rows<Call>::current()); }
+
+    void endedFromOutside_data()
+    {
+        const Rows<int> row;
+        row("worker killed") = SIGKILL;
+        row("interrupted") = SIGINT;
+    }
+    void endedFromOutside()
+    {
+        const int signal = Rows<int>::current();
+        QCOMPARE(shell("sample gcxgc --scans 12000 s.cdf").code, 0);
+        QProcess program;
+        program.start(AIA_TOOLS "/aia-convert", {"s.cdf", "plain.cdf", "--to", "mzML"});
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(leftovers().value(0, "none")).size() > 0, 60000);
+        const QString children = QStringLiteral("/proc/%1/task/%1/children").arg(program.processId());
+        const int worker = content(children).split(' ').value(0).toInt();
+        QVERIFY(worker > 0 && kill(signal == SIGKILL ? worker : int(program.processId()), signal) == 0);
+        const Run result = finish(program);
+        QCOMPARE(result.code, 1);
+        QVERIFY2(result.err.contains(signal == SIGKILL ? "was killed or crashed" : "interrupted"), result.err);
+        QCOMPARE(QFile::exists("plain.mzML"), signal == SIGKILL);
+        QVERIFY(!QFile::exists("s.mzML"));
+        QCOMPARE(leftovers(), QStringList());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAiaConvert)
+#include "tst_aia_convert.moc"

@@ -1,0 +1,71 @@
+// A .cdf file in the template's own spelling and layout, with all that readers of such files look for.
+#ifndef CDFWRITER_H
+#define CDFWRITER_H
+
+#include "msfile.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <limits>
+#include <vector>
+
+// A range that grows with what is added; no number for NaN.
+class GrowingRange
+{
+public:
+    void add(double number);
+    // Missing values where nothing was added.
+    double min() const { return isEmpty() ? MsMissingDouble : min_; }
+    double max() const { return isEmpty() ? MsMissingDouble : max_; }
+    bool isEmpty() const { return !(min_ <= max_); }
+
+private:
+    double min_ = std::numeric_limits<double>::infinity();
+    double max_ = -std::numeric_limits<double>::infinity();
+};
+
+class CdfWriter
+{
+public:
+    // What is written before the first scan. Records and their texts have to outlive the writer.
+    struct Head {
+        MsFileLayout layout; // instrument_count comes from `instruments`
+        const MsGlobalRecords *globals;
+        std::vector<const MsInstrumentRecord *>
+            instruments;                     // may be empty: an unknown one is written then
+        std::vector<const MsGroup *> groups; // of monitored masses
+    };
+
+    // Creates the file, over one of that name.
+    CdfWriter(const QByteArray &path, const Head &head);
+
+    // Appends a scan, in its order, and its entry to a library. Its masses ascend. Ranges that it lacks
+    // are those of its points; points outside make one wider.
+    bool add(const MsScanRecord &scan, const MsLibraryRecord *entry = nullptr);
+
+    // Writes what is known at the end only, and closes the file.
+    bool finish();
+
+    // Why a call returned false, as a part of a sentence.
+    QString failure() const { return failure_; }
+
+private:
+    bool check(bool isWritten);
+    bool writeGlobals();
+    bool writeGroups();
+
+    const Head head_;
+    MsFile file;
+    GrowingRange masses;
+    GrowingRange times;
+    GrowingRange intensities;
+    qint32 firstNumber = MsMissingLong;
+    QString failure_;
+};
+
+// Returns the moment in the form of a time stamp of the template, in UTC.
+QByteArray stampOf(const QDateTime &moment);
+
+#endif // CDFWRITER_H

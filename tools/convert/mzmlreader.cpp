@@ -1,0 +1,519 @@
+#include "mzmlreader.h"
+
+#include "cdfwriter.h"
+#include "interruption.h"
+#include "mzmlterms.h"
+#include "namecodec.h"
+#include "statedglobals.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <iterator>
+#include <memory>
+#include <set>
+
+#include <pwiz/data/msdata/MSDataFile.hpp>
+#include <pwiz/utility/misc/random_access_compressed_ifstream.hpp>
+
+using namespace pwiz::cv;
+using namespace pwiz::msdata;
+
+namespace {
+
+constexpr double secondsPerMinute = 60.0;
+
+// Texts of the records that the file is written from: blocks of their own, freed at the end.
+struct OwnedGlobals : MsGlobalsDraft {
+    OwnedGlobals() = default;
+    ~OwnedGlobals() { ms_init_global(1, &admin, &sample, &test, &raw); }
+    Q_DISABLE_COPY(OwnedGlobals)
+};
+
+struct OwnedInstrument : MsInstrumentDraft {
+    using MsInstrumentDraft::MsInstrumentDraft;
+    ~OwnedInstrument() { ms_init_instrument(1, this); }
+    Q_DISABLE_COPY(OwnedInstrument)
+};
+
+QString textOf(const std::string &utf8)
+{
+    return QString::fromStdString(utf8).trimmed();
+}
+
+// Returns a number of a parameter; missing where it has none.
+double numberOf(const CVParam &parameter)
+{
+    if (parameter.empty())
+        return MsMissingDouble;
+    bool isNumber = false;
+    const double number = textOf(parameter.value).toDouble(&isNumber);
+    return isNumber && std::isfinite(number) ? number : MsMissingDouble;
+}
+
+double secondsOf(const CVParam &time)
+{
+    const double number = numberOf(time);
+    return number != MsMissingDouble && time.units == UO_minute ? number * secondsPerMinute : number;
+}
+
+// Whether the first arrays of the file are of 32 bits: the library makes doubles of all and doesn't tell.
+// The answer is a guess where a file names the precision elsewhere; the numbers themselves decide then.
+bool hasNarrowArrays(const QString &input)
+{
+    pwiz::util::random_access_compressed_ifstream file(QFile::encodeName(input).constData());
+    constexpr std::size_t enough = 1 << 18;
+    std::string beginning(enough, '\0');
+    file.read(&beginning[0], std::streamsize(enough));
+    beginning.resize(std::size_t(std::max<std::streamsize>(file.gcount(), 0)));
+    const auto has = [&beginning](const char *text) { return beginning.find(text) != std::string::npos; };
+    return (has("MS:1000521") || has("precision=\"32\"")) && !has("MS:1000523")
+        && !has("precision=\"64\"");
+}
+
+// Which spectra of a file are taken, and how many there are of the others.
+struct Choice {
+    std::vector<std::size_t> spectra;
+    std::set<int> levels;
+    std::set<CVID> polarities; // CVID_Unknown among them where a spectrum says none
+    std::size_t otherLevels = 0;
+    std::size_t otherPolarities = 0;
+    int profiles = 0;
+    int selectedIons = 0;
+};
+
+class MzMlConversion
+{
+public:
+    MzMlConversion(const QString &name, const ConversionOptions &wanted, ProgressBar *bar,
+                   ConversionLog *messages)
+        : input(name), options(wanted), progress(bar), log(messages),
+          source(QFile::encodeName(name).constData())
+    {
+    }
+
+    bool write(const QByteArray &path)
+    {
+        if (!source.run.spectrumListPtr || source.run.spectrumListPtr->size() == 0)
+            return writeTrace(path);
+        if (!choose())
+            return false;
+        describe();
+        const bool isNarrow = hasNarrowArrays(input);
+        bool doesFit = true;
+        bool isWritten = writeAs(path, isNarrow ? MsFloatFormat : MsDoubleFormat, &doesFit);
+        if (!doesFit)
+            isWritten = writeAs(path, MsDoubleFormat, &doesFit);
+        return isWritten;
+    }
+
+private:
+    bool choose()
+    {
+        const SpectrumList &list = *source.run.spectrumListPtr;
+        constexpr std::size_t mostSpectra = 1 << 30;
+        if (list.size() > mostSpectra)
+            return log->fail(QStringLiteral("it has too many spectra"));
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            if (isInterrupted())
+                return log->fail(QStringLiteral("it was interrupted"));
+            const SpectrumPtr spectrum = list.spectrum(i, false);
+            const int level = std::max(spectrum->cvParam(MS_ms_level).value.empty()
+                                           ? 1
+                                           : textOf(spectrum->cvParam(MS_ms_level).value).toInt(),
+                                       1);
+            const CVID polarity = spectrum->hasCVParam(MS_positive_scan) ? MS_positive_scan
+                : spectrum->hasCVParam(MS_negative_scan)                 ? MS_negative_scan
+                                                                         : CVID_Unknown;
+            if (level != options.msLevel.value_or(1)) {
+                choice.levels.insert(level);
+                ++choice.otherLevels;
+                continue;
+            }
+            if (options.isPositive
+                && polarity != (*options.isPositive ? MS_positive_scan : MS_negative_scan)) {
+                ++choice.otherPolarities;
+                continue;
+            }
+            choice.polarities.insert(polarity);
+            hasCompounds = hasCompounds || !spectrum->userParam(compoundName).value.empty();
+            choice.profiles += spectrum->hasCVParam(MS_profile_spectrum);
+            choice.selectedIons += spectrum->hasCVParam(MS_SIM_spectrum);
+            choice.spectra.push_back(i);
+        }
+        return judgeChoice();
+    }
+
+    bool judgeChoice()
+    {
+        if (choice.otherLevels > 0 && !options.msLevel)
+            return log->fail(
+                QStringLiteral("it has spectra of several MS levels, of which the option --ms-level "
+                               "chooses one"));
+        if (choice.polarities.size() > 1)
+            return log->fail(
+                QStringLiteral("it has spectra of several polarities, of which the option --polarity "
+                               "chooses one"));
+        if (choice.spectra.empty())
+            return log->fail(QStringLiteral("it has no such spectra"));
+        if (choice.otherLevels > 0)
+            log->warn(
+                QStringLiteral("%1 spectra of other MS levels are left out.").arg(choice.otherLevels));
+        if (choice.otherPolarities > 0)
+            log->warn(QStringLiteral("%1 spectra of the other polarity are left out.")
+                          .arg(choice.otherPolarities));
+        warnOfOtherTraces();
+        if (hasCompounds)
+            log->warn(QStringLiteral("The names of the compounds are left out."));
+        return true;
+    }
+
+    // All chromatograms but that of the total ion current.
+    void warnOfOtherTraces()
+    {
+        std::size_t others = 0;
+        const ChromatogramListPtr &list = source.run.chromatogramListPtr;
+        for (std::size_t i = 0; list && i < list->size(); ++i)
+            others += list->chromatogramIdentity(i).id != "TIC";
+        if (others > 0)
+            log->warn(QStringLiteral("%1 chromatograms are left out.").arg(others));
+    }
+
+    // A run without spectra becomes a trace: a time and a total for each scan.
+    bool writeTrace(const QByteArray &path)
+    {
+        const ChromatogramListPtr &list = source.run.chromatogramListPtr;
+        const std::size_t place = list ? list->find("TIC") : 0;
+        const ChromatogramPtr trace =
+            list && place < list->size() ? list->chromatogram(place, true) : ChromatogramPtr();
+        std::vector<TimeIntensityPair> pairs;
+        if (trace)
+            trace->getTimeIntensityPairs(pairs);
+        constexpr std::size_t mostScans = 1 << 30;
+        if (pairs.empty() || pairs.size() > mostScans)
+            return log->fail(QStringLiteral("it has neither spectra nor a total ion current"));
+        warnOfOtherTraces();
+        describe();
+        const bool inMinutes = trace->getTimeArray()->cvParam(MS_time_array).units == UO_minute;
+        setUnit(trace->getIntensityArray()->cvParam(MS_intensity_array).units);
+        CdfWriter::Head head = headOf(pairs.size(), MsDoubleFormat);
+        head.layout.has_mass_values = false;
+        head.layout.has_time_values = true;
+        CdfWriter writer(path, head);
+        bool isWritten = writer.failure().isNull();
+        for (std::size_t i = 0; isWritten && i < pairs.size(); ++i) {
+            if (isInterrupted())
+                return log->fail(QStringLiteral("it was interrupted"));
+            MsScanDraft scan{qint32(i)};
+            takeCommonNumbers(&scan);
+            scan.actual_scan_number = qint32(i);
+            scan.point_count = 0;
+            scan.flag_count = 0;
+            scan.total_intensity = pairs[i].intensity;
+            scan.scan_acquisition_time = inMinutes ? pairs[i].time * secondsPerMinute : pairs[i].time;
+            isWritten = writer.add(scan);
+        }
+        return (isWritten && writer.finish()) || log->fail(writer.failure());
+    }
+
+    // ------------------------------------------------------------------------------------------------
+    // What the run says
+    // ------------------------------------------------------------------------------------------------
+
+    void describe()
+    {
+        globals.admin.experiment_type = choice.profiles > 0 ? MsContinuumSpectrum : MsCentroidedSpectrum;
+        globals.raw.mass_units = ms_enum_code("M/Z");
+        globals.raw.time_units = MsSeconds;
+        globals.test.test_scan_function =
+            ms_enum_code(choice.selectedIons > 0 ? "Selected Ion Detection" : "Mass Scan");
+        const CVID polarity = choice.polarities.empty() ? CVID_Unknown : *choice.polarities.begin();
+        globals.test.test_ionization_polarity = polarity == MS_positive_scan
+            ? ms_enum_code("Positive Polarity")
+            : polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
+                                           : -1;
+        for (qint32 *unknown : {&globals.test.test_separation_type, &globals.test.test_ms_inlet,
+                                &globals.test.test_ionization_mode, &globals.test.test_detector_type,
+                                &globals.test.test_resolution_type, &globals.test.test_scan_direction,
+                                &globals.test.test_scan_law, &globals.sample.sample_state})
+            *unknown = -1;
+        globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
+        describeFile();
+        describeInstrument();
+        // What this program wrote of another .cdf file says it in the template's own words.
+        for (const UserParam &parameter : source.run.userParams)
+            setDescription(parameter.name.c_str(), textOf(parameter.value), &globals);
+    }
+
+    void set(const char *attribute, const QString &text)
+    {
+        if (!text.isEmpty())
+            setDescription(attribute, text, &globals);
+    }
+
+    void describeFile()
+    {
+        set("source_file_reference", shownName(QFileInfo(input).fileName()));
+        const bool isMzXml = input.endsWith(QLatin1String(".mzXML"), Qt::CaseInsensitive);
+        set("source_file_format", isMzXml ? QStringLiteral("mzXML") : QStringLiteral("mzML"));
+        set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));
+        const QDateTime start = QDateTime::fromString(textOf(source.run.startTimeStamp), Qt::ISODate);
+        if (start.isValid())
+            set("experiment_date_time_stamp", QString::fromLatin1(stampOf(start)));
+        if (!source.fileDescription.contacts.empty()) {
+            const Contact &contact = source.fileDescription.contacts.front();
+            set("operator_name", textOf(contact.cvParam(MS_contact_name).value));
+            set("dataset_owner", textOf(contact.cvParam(MS_contact_affiliation).value));
+        }
+        const SamplePtr sample = !source.run.samplePtr && !source.samplePtrs.empty()
+            ? source.samplePtrs.front()
+            : source.run.samplePtr;
+        if (sample) {
+            set("sample_external_id", textOf(sample->name.empty() ? sample->id : sample->name));
+            globals.sample.sample_state = templateCode(TermFamily::SampleState, *sample);
+        }
+        for (const SoftwarePtr &software : source.softwarePtrs) {
+            if (software)
+                set("post_experiment_program_name", textOf(software->id + ' ' + software->version));
+        }
+    }
+
+    void describeInstrument()
+    {
+        InstrumentConfigurationPtr configuration = source.run.defaultInstrumentConfigurationPtr;
+        if (!configuration && !source.instrumentConfigurationPtrs.empty())
+            configuration = source.instrumentConfigurationPtrs.front();
+        if (!configuration)
+            return;
+        for (const Component &component : configuration->componentList) {
+            if (component.type == ComponentType_Source) {
+                globals.test.test_ionization_mode = templateCode(TermFamily::Ionisation, component);
+                globals.test.test_ms_inlet = templateCode(TermFamily::Inlet, component);
+            } else if (component.type == ComponentType_Detector) {
+                globals.test.test_detector_type = templateCode(TermFamily::Detector, component);
+            }
+        }
+        const CVParam model = configuration->cvParamChild(MS_instrument_model);
+        auto &first = component(0);
+        if (model.cvid != CVID_Unknown && model.cvid != MS_instrument_model)
+            storeText(&first, "instrument_name", textOf(model.name()));
+        storeText(&first, "instrument_serial_no",
+                  textOf(configuration->cvParam(MS_instrument_serial_number).value));
+        for (const UserParam &parameter : configuration->userParams) {
+            const QStringList words = textOf(parameter.name).split(QLatin1Char(' '));
+            constexpr int mostComponents = 100;
+            const int number = words.size() > 1 ? words[1].toInt() : 1;
+            if (number >= 1 && number <= mostComponents)
+                storeText(&component(std::size_t(number - 1)), words[0].toLatin1().constData(),
+                          textOf(parameter.value));
+        }
+    }
+
+    OwnedInstrument &component(std::size_t place)
+    {
+        while (instruments.size() <= place)
+            instruments.push_back(std::make_unique<OwnedInstrument>(qint32(instruments.size())));
+        return *instruments[place];
+    }
+
+    static void storeText(OwnedInstrument *instrument, const char *name, const QString &text)
+    {
+        for (const MsVariableRow &row : ms_instrument_table) {
+            if (text.isEmpty() || qstrcmp(row.name, name) != 0)
+                continue;
+            auto *record = static_cast<MsInstrumentRecord *>(instrument);
+            ms_free(*reinterpret_cast<char **>(reinterpret_cast<char *>(record) + row.field));
+            ms_store_variant(record, row.field, QVariant(text), NC_CHAR);
+        }
+    }
+
+    // ------------------------------------------------------------------------------------------------
+    // Scans
+    // ------------------------------------------------------------------------------------------------
+
+    // Writes the file with points of that format. `doesFit` becomes false where a number needs more.
+    bool writeAs(const QByteArray &path, qint32 format, bool *doesFit)
+    {
+        *doesFit = true;
+        readUnit();
+        CdfWriter writer(path, headOf(choice.spectra.size(), format));
+        if (!writer.failure().isNull())
+            return log->fail(writer.failure());
+        const auto count = int(choice.spectra.size());
+        const int step = std::max(count / 100, 1);
+        for (int i = 0; i < count; ++i) {
+            if (isInterrupted())
+                return log->fail(QStringLiteral("it was interrupted"));
+            const SpectrumPtr spectrum =
+                source.run.spectrumListPtr->spectrum(choice.spectra[std::size_t(i)], true);
+            if (!takePoints(*spectrum, format)) {
+                *doesFit = false;
+                return false;
+            }
+            if (!writer.add(scanOf(*spectrum, i, format)))
+                return log->fail(writer.failure());
+            if (i % step == 0)
+                progress->show(i, count);
+        }
+        return writer.finish() || log->fail(writer.failure());
+    }
+
+    CdfWriter::Head headOf(std::size_t scanCount, qint32 format)
+    {
+        CdfWriter::Head head;
+        head.layout.experiment_type = globals.admin.experiment_type;
+        head.layout.scan_count = qint32(scanCount);
+        head.layout.mass_format = format;
+        head.layout.time_format = MsDoubleFormat;
+        head.layout.intensity_format = format;
+        head.globals = &globals;
+        for (const auto &instrument : instruments)
+            head.instruments.push_back(instrument.get());
+        return head;
+    }
+
+    void readUnit()
+    {
+        const SpectrumPtr spectrum = source.run.spectrumListPtr->spectrum(choice.spectra.front(), true);
+        const BinaryDataArrayPtr array = spectrum->getIntensityArray();
+        setUnit(array ? array->cvParam(MS_intensity_array).units : CVID_Unknown);
+    }
+
+    void setUnit(CVID unit)
+    {
+        ParamContainer unitTerm;
+        if (unit != CVID_Unknown)
+            unitTerm.set(unit);
+        const qint32 code = templateCode(TermFamily::IntensityUnit, unitTerm);
+        globals.raw.intensity_units = code;
+        globals.raw.total_intensity_units = code;
+    }
+
+    // Puts the points in the order of their masses. Returns false where the format can't hold one.
+    bool takePoints(const Spectrum &spectrum, qint32 format)
+    {
+        const BinaryDataArrayPtr massArray = spectrum.getMZArray();
+        const BinaryDataArrayPtr intensityArray = spectrum.getIntensityArray();
+        const std::size_t massCount = massArray ? massArray->data.size() : 0;
+        const std::size_t count = std::min(massCount, intensityArray ? intensityArray->data.size() : 0);
+        if (massCount != (intensityArray ? intensityArray->data.size() : 0))
+            log->lose(QStringLiteral(
+                "In some spectra, masses and intensities aren't as many; the rest is left out."));
+        points.resize(count);
+        for (std::size_t i = 0; i < count; ++i)
+            points[i] = {massArray->data[i], intensityArray->data[i]};
+        if (!std::is_sorted(points.begin(), points.end(), isLighter)) {
+            std::stable_sort(points.begin(), points.end(), isLighter);
+            log->warn(QStringLiteral("The points of some spectra are put in the order of their masses."));
+        }
+        doubles[0].clear();
+        doubles[1].clear();
+        floats[0].clear();
+        floats[1].clear();
+        for (const auto &point : points) {
+            if (format == MsDoubleFormat) {
+                doubles[0].push_back(point.first);
+                doubles[1].push_back(point.second);
+                continue;
+            }
+            floats[0].push_back(float(point.first));
+            floats[1].push_back(float(point.second));
+            if (double(floats[0].back()) != point.first || double(floats[1].back()) != point.second)
+                return false;
+        }
+        return true;
+    }
+
+    static bool isLighter(const std::pair<double, double> &one, const std::pair<double, double> &other)
+    {
+        return one.first < other.first;
+    }
+
+    MsScanDraft scanOf(const Spectrum &spectrum, int place, qint32 format)
+    {
+        MsScanDraft scan(place);
+        takeCommonNumbers(&scan);
+        scan.actual_scan_number = numberOfScan(spectrum, place);
+        scan.point_count = qint32(points.size());
+        scan.flag_count = 0;
+        if (!points.empty()) {
+            scan.mass_values =
+                format == MsFloatFormat ? static_cast<void *>(floats[0].data()) : doubles[0].data();
+            scan.intensity_values =
+                format == MsFloatFormat ? static_cast<void *>(floats[1].data()) : doubles[1].data();
+        }
+        scan.total_intensity = numberOf(spectrum.cvParam(MS_total_ion_current));
+        if (scan.total_intensity == MsMissingDouble) {
+            scan.total_intensity = 0.0;
+            for (const auto &point : points)
+                scan.total_intensity += point.second;
+        }
+        if (spectrum.scanList.scans.empty())
+            return scan;
+        const Scan &details = spectrum.scanList.scans.front();
+        scan.scan_acquisition_time = secondsOf(details.cvParam(MS_scan_start_time));
+        if (!details.scanWindows.empty()) {
+            scan.mass_range_min =
+                numberOf(details.scanWindows.front().cvParam(MS_scan_window_lower_limit));
+            scan.mass_range_max =
+                numberOf(details.scanWindows.front().cvParam(MS_scan_window_upper_limit));
+        }
+        return scan;
+    }
+
+    // The numbers that all scans of a run have alike.
+    void takeCommonNumbers(MsScanRecord *scan) const
+    {
+        double numbers[std::size(commonScanNumbers)];
+        for (std::size_t i = 0; i < std::size(commonScanNumbers); ++i) {
+            bool isNumber = false;
+            numbers[i] = textOf(source.run.userParam(commonScanNumbers[i]).value).toDouble(&isNumber);
+            numbers[i] = isNumber ? numbers[i] : MsMissingDouble;
+        }
+        scan->scan_duration = numbers[0];
+        scan->inter_scan_time = numbers[1];
+        scan->resolution = numbers[2];
+        scan->a_d_sampling_rate = numbers[3];
+        scan->a_d_coaddition_factor = qint16(std::clamp(numbers[4], -32768.0, 32767.0));
+    }
+
+    static qint32 numberOfScan(const Spectrum &spectrum, int place)
+    {
+        bool isNumber = false;
+        const qint32 number = textOf(id::value(spectrum.id, "scan")).toInt(&isNumber);
+        return isNumber ? number : place;
+    }
+
+    const QString input;
+    const ConversionOptions &options;
+    ProgressBar *progress;
+    ConversionLog *log;
+    MSDataFile source;
+    Choice choice;
+    bool hasCompounds = false;
+    OwnedGlobals globals;
+    std::vector<std::unique_ptr<OwnedInstrument>> instruments;
+    std::vector<std::pair<double, double>> points; // of the spectrum at hand
+    std::vector<double> doubles[2];
+    std::vector<float> floats[2];
+};
+
+} // namespace
+
+bool convertToCdf(const QString &input, const QByteArray &path, const ConversionOptions &options,
+                  ProgressBar *progress, ConversionLog *log)
+{
+    try {
+        MzMlConversion conversion(input, options, progress, log);
+        return conversion.write(path);
+    } catch (const std::bad_alloc &) {
+        throw;
+    } catch (const std::exception &reason) { // all that the library throws
+        return log->fail(
+            QStringLiteral("it can't be read: %1").arg(QString::fromUtf8(reason.what()).simplified()));
+    }
+}

@@ -1,0 +1,189 @@
+#include "runtomsp.h"
+
+#include "fileformat.h"
+#include "mspwriter.h"
+#include "scanwalk.h"
+#include "terminaltext.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double secondsPerMinute = 60.0;
+constexpr int mostNamed = 10; // entries that one sentence names
+constexpr int longestName = 60;
+
+// Returns a CAS number with its hyphens: its last digit checks the others.
+QString casNumber(qint32 number)
+{
+    if (number <= 0)
+        return QString();
+    return QStringLiteral("%1-%2-%3")
+        .arg(number / 1000)
+        .arg(number / 10 % 100, 2, 10, QLatin1Char('0'))
+        .arg(number % 10);
+}
+
+QString minuteText(double minutes)
+{
+    return QString::number(minutes, 'f', 3) + QStringLiteral(" min");
+}
+
+class Spectra
+{
+public:
+    Spectra(const MsRun &source, OutputFile *file, const ConversionOptions &wanted, ProgressBar *bar,
+            ConversionLog *messages)
+        : run(source), options(wanted), output(*file), progress(bar), log(messages)
+    {
+    }
+
+    bool write()
+    {
+        const bool isWritten = run.kind() == MsRun::Kind::Library ? writeLibrary() : writeChosen();
+        if (!isWritten)
+            return false;
+        if (!leftOut.isEmpty())
+            log->warn(QStringLiteral("%1 spectra without peaks are left out: %2%3.")
+                          .arg(QString::number(leftOut.size()),
+                               leftOut.mid(0, mostNamed).join(QLatin1String(", ")),
+                               leftOut.size() > mostNamed ? QStringLiteral(", ...") : QString()));
+        if (written == 0)
+            return log->fail(QStringLiteral("there is no spectrum with peaks"));
+        return output.finish();
+    }
+
+private:
+    bool writeLibrary()
+    {
+        if (!options.scans.empty() || !options.minutes.empty() || !options.sums.empty())
+            return log->fail(QStringLiteral(
+                "it is a library, whose entries are all taken, without --scan, --at and --sum"));
+        const bool isWhole =
+            forEachScan(run, ScanWalk::Only, progress, [this](const MsSpectrum &spectrum) {
+                put(entryOf(spectrum));
+                return !output.hasFailed();
+            });
+        return isWhole || (output.hasFailed() ? false : log->fail(QStringLiteral("it was interrupted")));
+    }
+
+    MspEntry entryOf(const MsSpectrum &spectrum) const
+    {
+        const MsCompound compound = run.compound(spectrum.index());
+        MspEntry entry = pointsOf(spectrum);
+        entry.name =
+            compound.name.isNull() ? QStringLiteral("Entry %1").arg(spectrum.index()) : compound.name;
+        entry.synonyms = compound.otherNames;
+        if (!compound.casName.isNull() && compound.casName != compound.name)
+            entry.synonyms += compound.casName;
+        entry.formula = compound.formula;
+        entry.molecularWeight = !std::isnan(compound.chemicalMass) ? compound.chemicalMass
+            : compound.nominalMass > 0                             ? double(compound.nominalMass)
+                                                                   : entry.molecularWeight;
+        entry.exactMass = compound.accurateMass;
+        entry.casNumber = casNumber(compound.casNumber);
+        entry.retentionIndex = compound.retentionIndex;
+        entry.minutes = compound.absoluteRetention / secondsPerMinute;
+        entry.comment = compound.information;
+        return entry;
+    }
+
+    bool writeChosen()
+    {
+        if (run.kind() == MsRun::Kind::Trace)
+            return log->fail(QStringLiteral("it has no masses, so it has no spectra"));
+        if (options.scans.empty() && options.minutes.empty() && options.sums.empty())
+            return log->fail(
+                QStringLiteral("it is a run, of which --scan, --at or --sum chooses spectra"));
+        if (!run.hasSeconds() && (!options.minutes.empty() || !options.sums.empty()))
+            return log->fail(
+                QStringLiteral("its times aren't in seconds, so --at and --sum can't find scans"));
+        for (const int scan : options.scans) {
+            if (!writeScan(scan))
+                return false;
+        }
+        for (const double minutes : options.minutes) {
+            if (!writeScan(run.scanAt(minutes * secondsPerMinute)))
+                return false;
+        }
+        for (const MinuteRange &range : options.sums) {
+            if (!writeSum(range))
+                return false;
+        }
+        return true;
+    }
+
+    bool writeScan(qint32 index)
+    {
+        const MsSpectrum spectrum = run.spectrum(index);
+        if (!spectrum.isRead())
+            return log->fail(index < 0 ? QStringLiteral("its scans have no times")
+                                       : QStringLiteral("scan %1 can't be read: %2")
+                                             .arg(QString::number(index), spectrum.failure()));
+        MspEntry entry = pointsOf(spectrum);
+        entry.name = title() + QStringLiteral(", scan %1").arg(index);
+        if (run.hasSeconds() && !std::isnan(spectrum.time())) {
+            entry.minutes = spectrum.time() / secondsPerMinute;
+            entry.name += QStringLiteral(", ") + minuteText(entry.minutes);
+        }
+        put(entry);
+        return true;
+    }
+
+    bool writeSum(const MinuteRange &range)
+    {
+        MsPeaks peaks = run.summed({range.from * secondsPerMinute, range.to * secondsPerMinute}, 0.0,
+                                   [this](double part) {
+                                       progress->show(int(part * 100.0), 100);
+                                       return !isInterrupted();
+                                   });
+        if (isInterrupted())
+            return log->fail(QStringLiteral("it was interrupted"));
+        MspEntry entry;
+        entry.name = QStringLiteral("%1, sum from %2 to %3")
+                         .arg(title(), minuteText(range.from), minuteText(range.to));
+        entry.minutes = (range.from + range.to) / 2.0;
+        entry.masses = std::move(peaks.masses);
+        entry.intensities = std::move(peaks.intensities);
+        put(entry);
+        return true;
+    }
+
+    static MspEntry pointsOf(const MsSpectrum &spectrum)
+    {
+        MspEntry entry;
+        entry.masses.assign(spectrum.masses(), spectrum.masses() + spectrum.size());
+        entry.intensities.assign(spectrum.intensities(), spectrum.intensities() + spectrum.size());
+        return entry;
+    }
+
+    QString title() const
+    {
+        return run.facts().title.isNull() ? baseName(run.name()) : run.facts().title;
+    }
+
+    void put(const MspEntry &entry)
+    {
+        if (writeMspEntry(output, entry))
+            ++written;
+        else
+            leftOut += QStringLiteral("\"%1\"").arg(shortened(entry.name, longestName));
+    }
+
+    const MsRun &run;
+    const ConversionOptions &options;
+    TextOutput output;
+    ProgressBar *progress;
+    ConversionLog *log;
+    QStringList leftOut;
+    int written = 0;
+};
+
+} // namespace
+
+bool writeMsp(const MsRun &run, OutputFile *output, const ConversionOptions &options,
+              ProgressBar *progress, ConversionLog *log)
+{
+    Spectra spectra(run, output, options, progress, log);
+    return spectra.write();
+}

@@ -1,0 +1,24 @@
+// The global records of a run without what the template's defaults made up.
+#ifndef STATEDGLOBALS_H
+#define STATEDGLOBALS_H
+
+#include "msrun.h"
+
+#include "conversionlog.h"
+
+#include <functional>
+
+// Returns the records with what the file itself says: a term that it doesn't state, or that the
+// vocabulary lacks, has no code. Texts stay the run's. The log gets the terms that the vocabulary lacks.
+MsGlobalsDraft statedGlobals(const MsRun &run, ConversionLog *log);
+
+// Calls `use` with name and text of each attribute of the records that describes the run: who, when, what
+// and how, but nothing of how the file is made.
+void forEachDescription(const MsGlobalRecords &globals,
+                        const std::function<void(const char *name, const QString &text)> &use);
+
+// Sets the attribute of that name in the records; nothing for a name that forEachDescription doesn't use.
+// The text is a new block, which the records own. Returns whether it was set.
+bool setDescription(const char *name, const QString &text, MsGlobalRecords *globals);
+
+#endif // STATEDGLOBALS_H
