@@ -1,16 +1,12 @@
-// Reading bytes of a classic file and turning them into numbers.
+// Reading the bytes of a classic file.
 
 #include "classicbytes_p.h"
 
-#include "msformat.h"
-
-#include <QtEndian>
+#include "storednumbers_p.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <limits>
-#include <type_traits>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -121,165 +117,12 @@ template <class Handle> bool ask_stamp(Handle file, MsFileStamp *stamp)
     return true;
 }
 
-template <std::size_t width> struct Word;
-template <> struct Word<1> {
-    using Type = quint8;
-};
-template <> struct Word<2> {
-    using Type = quint16;
-};
-template <> struct Word<4> {
-    using Type = quint32;
-};
-template <> struct Word<8> {
-    using Type = quint64;
-};
-
-// A number as it stands in a file, with the largest byte first.
-template <class Stored> Stored stored_number(const unsigned char *place)
-{
-    using Bits = typename Word<sizeof(Stored)>::Type;
-    Bits bits;
-    std::memcpy(&bits, place, sizeof(bits));
-    bits = qFromBigEndian(bits);
-    Stored number;
-    std::memcpy(&number, &bits, sizeof(number));
-    return number;
-}
-
-template <class Target, class Stored> bool is_in_range(Stored number)
-{
-    if constexpr (std::is_floating_point_v<Target>) {
-        return true;
-    } else if constexpr (std::is_signed_v<Stored>) {
-        return number >= std::numeric_limits<Target>::min()
-            && number <= std::numeric_limits<Target>::max();
-    } else {
-        return number <= std::make_unsigned_t<Target>(std::numeric_limits<Target>::max());
-    }
-}
-
-// Returns whether all numbers could be held.
-template <class Stored, class Target>
-bool convert(const unsigned char *bytes, std::size_t stride, std::size_t count, Target *target)
-{
-    bool held = true;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Stored number = stored_number<Stored>(bytes + i * stride);
-        if constexpr (!std::is_floating_point_v<Target> && !std::is_same_v<Stored, Target>)
-            held &= is_in_range<Target>(number);
-        target[i] = static_cast<Target>(number);
-    }
-    return held;
-}
-
-// Exchanges the halves of each part of `bits` bits: in 64 bits at once, with the shifts that processors
-// have for whole vectors, which turn no bytes.
-template <int bits> quint64 exchange_halves(quint64 word)
-{
-    constexpr quint64 low = ~quint64(0) / ((quint64(1) << bits / 2) + 1);
-    return (word & low) << bits / 2 | (word >> bits / 2 & low);
-}
-
-// Turns numbers that are already where they end up.
-template <class Number> void turn_in_place(Number *numbers, std::size_t count)
-{
-    constexpr std::size_t width = sizeof(Number);
-    constexpr std::size_t at_once = sizeof(quint64) / width;
-    auto *const bytes = reinterpret_cast<unsigned char *>(numbers);
-    const std::size_t words = Q_BYTE_ORDER == Q_BIG_ENDIAN ? 0 : count / at_once;
-    for (std::size_t i = 0; i < words; ++i) {
-        quint64 word;
-        std::memcpy(&word, bytes + i * sizeof(word), sizeof(word));
-        word = exchange_halves<16>(word);
-        if constexpr (width > 2)
-            word = exchange_halves<32>(word);
-        if constexpr (width > 4)
-            word = word << 32 | word >> 32;
-        std::memcpy(bytes + i * sizeof(word), &word, sizeof(word));
-    }
-    for (std::size_t i = words * at_once; i < count; ++i)
-        numbers[i] = stored_number<Number>(bytes + i * width);
-}
-
-template <class Stored>
-bool convert_from(const unsigned char *bytes, std::size_t stride, std::size_t count, qint32 type,
-                  void *target)
-{
-    bool held = false;
-    ms_with_format(ms_format_of_nc_type(type, 0), target, [&](auto *numbers) {
-        using Target = std::remove_const_t<std::remove_pointer_t<decltype(numbers)>>;
-        auto *const to = static_cast<Target *>(target);
-        if constexpr (std::is_floating_point_v<Stored> && !std::is_floating_point_v<Target>) {
-            held = false; // can_convert has refused it
-        } else if (std::is_same_v<Stored, Target> && bytes == target) {
-            turn_in_place(to, count);
-            held = true;
-        } else if (stride == sizeof(Stored)) {
-            // A count of bytes that the compiler knows makes a loop of whole vectors.
-            held = convert<Stored>(bytes, sizeof(Stored), count, to);
-        } else {
-            held = convert<Stored>(bytes, stride, count, to);
-        }
-    });
-    return held;
-}
-
 MsClassicBytes::Result convert_all(nc_type stored, const unsigned char *bytes, std::size_t stride,
                                    std::size_t count, qint32 type, void *target)
 {
-    const auto convert_as = [&](auto number) {
-        return convert_from<decltype(number)>(bytes, stride, count, type, target);
-    };
-    const auto held = [&] {
-        switch (stored) {
-        case NC_BYTE:
-            return convert_as(qint8());
-        case NC_UBYTE:
-            return convert_as(quint8());
-        case NC_SHORT:
-            return convert_as(qint16());
-        case NC_USHORT:
-            return convert_as(quint16());
-        case NC_INT:
-            return convert_as(qint32());
-        case NC_UINT:
-            return convert_as(quint32());
-        case NC_FLOAT:
-            return convert_as(float());
-        case NC_DOUBLE:
-            return convert_as(double());
-        case NC_INT64:
-            return convert_as(qint64());
-        case NC_UINT64:
-            return convert_as(quint64());
-        default:
-            return false;
-        }
-    };
-    return held() ? MsClassicBytes::Result::Read : MsClassicBytes::Result::OutOfRange;
-}
-
-std::size_t width_of(nc_type type)
-{
-    switch (type) {
-    case NC_BYTE:
-    case NC_UBYTE:
-        return 1;
-    case NC_SHORT:
-    case NC_USHORT:
-        return 2;
-    case NC_INT:
-    case NC_UINT:
-    case NC_FLOAT:
-        return 4;
-    case NC_DOUBLE:
-    case NC_INT64:
-    case NC_UINT64:
-        return 8;
-    default:
-        return 0;
-    }
+    return ms_convert_stored(stored, bytes, stride, count, type, target)
+        ? MsClassicBytes::Result::Read
+        : MsClassicBytes::Result::OutOfRange;
 }
 
 void *behind(void *target, std::size_t count, qint32 type)
@@ -332,7 +175,7 @@ bool MsClassicBytes::can_convert(nc_type stored, qint32 type)
     const bool is_real = stored == NC_FLOAT || stored == NC_DOUBLE;
     if (stored == NC_DOUBLE && type == NC_FLOAT)
         return false; // beyond a float's range the result is the library's
-    return width_of(stored) != 0 && ms_type_width(type) != 0
+    return ms_stored_width(stored) != 0 && ms_type_width(type) != 0
         && (!is_real || type == NC_FLOAT || type == NC_DOUBLE);
 }
 
@@ -417,7 +260,7 @@ MsClassicBytes::Result MsClassicBytes::read_bytes(quint64 place, std::size_t siz
 MsClassicBytes::Result MsClassicBytes::read(const MsClassicRun &run, qint32 type, void *target)
 {
     look_for_change();
-    if (run.stride == width_of(run.type))
+    if (run.stride == ms_stored_width(run.type))
         return read_side_by_side(run, type, target);
     return run.stride <= widest_record ? read_records(run, type, target)
                                        : read_far_apart(run, type, target);
@@ -427,7 +270,7 @@ MsClassicBytes::Result MsClassicBytes::read(const MsClassicRun &run, qint32 type
 MsClassicBytes::Result MsClassicBytes::read_side_by_side(const MsClassicRun &run, qint32 type,
                                                          void *target)
 {
-    const std::size_t width = width_of(run.type);
+    const std::size_t width = ms_stored_width(run.type);
     if (width == ms_type_width(type)) {
         auto *bytes = static_cast<unsigned char *>(target);
         const Result result = fetch(run.begin, run.count * width, bytes);
@@ -454,7 +297,7 @@ MsClassicBytes::Result MsClassicBytes::read_side_by_side(const MsClassicRun &run
 // Whole records, as another variable's numbers of the same records are likely to be asked for next.
 MsClassicBytes::Result MsClassicBytes::read_records(const MsClassicRun &run, qint32 type, void *target)
 {
-    const std::size_t width = width_of(run.type);
+    const std::size_t width = ms_stored_width(run.type);
     const std::size_t stride = std::size_t(run.stride);
     const std::size_t at_once = most_bytes_at_once / stride;
     bool held = true;
@@ -476,7 +319,7 @@ MsClassicBytes::Result MsClassicBytes::read_records(const MsClassicRun &run, qin
 
 MsClassicBytes::Result MsClassicBytes::read_far_apart(const MsClassicRun &run, qint32 type, void *target)
 {
-    const std::size_t width = width_of(run.type);
+    const std::size_t width = ms_stored_width(run.type);
     bool held = true;
     for (std::size_t i = 0; i < run.count; ++i) {
         unsigned char bytes[8];
