@@ -44,6 +44,15 @@ public:
         }
     }
 
+    // Whether all keys are from 0 to below `limit`.
+    static bool are_below(const qint32 *keys, int count, quint32 limit)
+    {
+        qint32 beyond = 0;
+        for (int i = 0; i < count; ++i)
+            beyond |= quint32(keys[i]) < limit ? 0 : 1;
+        return beyond == 0;
+    }
+
 private:
     static constexpr qint32 uncertain = std::numeric_limits<qint32>::min();
 

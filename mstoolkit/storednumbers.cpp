@@ -3,7 +3,7 @@
 #include "storednumbers_p.h"
 
 #include "msformat.h"
-#include "widevectors.h"
+#include "widevectors_p.h"
 
 #include <QtEndian>
 

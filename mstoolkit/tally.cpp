@@ -6,6 +6,7 @@
 #include "columnwalk_p.h"
 #include "filestate_p.h"
 #include "msformat.h"
+#include "widevectors_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -396,7 +397,7 @@ void ms_tally_globals(MsTally &tally, const MsAdminRecord &admin, const MsRawGlo
 void ms_tally_scan(MsFileState &file, const MsScanRecord &scan)
 {
     if (is_new(file, scan.scan_number))
-        ScanTally(file, scan).take();
+        ms_with_widest_vectors([&](auto) { ScanTally(file, scan).take(); });
 }
 
 void ms_tally_failure(MsFileState &file, qint32 scan, const MsScanPlace *place)

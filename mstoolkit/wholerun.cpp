@@ -3,6 +3,7 @@
 #include "filestate_p.h"
 #include "masskeys_p.h"
 #include "msformat.h"
+#include "widevectors_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,7 +34,9 @@ public:
     // Counts masses of a data format.
     void take(const void *stored, qint32 format, qint32 count, double scale)
     {
-        ms_with_format(format, stored, [&](const auto *first) { take_all(first, count, scale); });
+        ms_with_format(format, stored, [&](const auto *first) {
+            ms_with_widest_vectors([&](auto) { take_all(first, count, scale); });
+        });
     }
 
 private:
@@ -69,11 +72,19 @@ private:
 
     bool are_marked(const qint32 *keys, qint32 count) const
     {
+        if (!MsMassKeys::are_below(keys, count, marked_keys))
+            return false;
         const char *const first = marks.data();
-        char all = 1;
-        for (qint32 i = 0; i < count; ++i)
-            all &= first[std::min(quint32(keys[i]), marked_keys)];
-        return all != 0;
+        constexpr qint32 at_once = 4;
+        char all[at_once] = {1, 1, 1, 1};
+        qint32 i = 0;
+        for (; i + at_once <= count; i += at_once) {
+            for (qint32 k = 0; k < at_once; ++k)
+                all[k] &= first[quint32(keys[i + k])];
+        }
+        for (; i < count; ++i)
+            all[0] &= first[quint32(keys[i])];
+        return (all[0] & all[1] & all[2] & all[3]) != 0;
     }
 
     void insert(qint32 key)

@@ -6,8 +6,11 @@
 #include "masskeys_p.h"
 #include "msdoubts.h"
 #include "msrecords.h"
+#include "orderedsum.h"
+#include "widevectors_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace {
@@ -27,32 +30,30 @@ struct ImportAiaMs::Placement {
 };
 
 // Returns the sum of all intensities, also of those whose masses the table lacks. Works in blocks, whose
-// keys are computed several at a time. The sum is made from front to back, and the processor looks up
-// positions while it waits for each addition.
+// keys and abundances are computed several at a time.
 template <class Positions, class Mass, class Intensity>
 double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, const Intensity *intensities,
                                 int count, Placement &place)
 {
     MsMassKeys::Block keys;
+    std::array<double, MsMassKeys::block_size> values;
     const MsMassKeys massKeys(raw.mass_scale_factor, massFactor);
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
-    double total = 0.0;
+    OrderedSum total;
     for (int first = 0; first < count; first += MsMassKeys::block_size) {
         const int size = std::min(MsMassKeys::block_size, count - first);
         massKeys.compute(masses + first, size, &keys);
 
         float *const abundances = place.abundances + first;
-        unsigned short *const positions = place.positions + first;
-        int unknown = 0;
         for (int i = 0; i < size; ++i) {
-            const double value = double(intensities[first + i]) * scale + offset;
-            const quint16 position = known.find(keys[std::size_t(i)]);
-            abundances[i] = float(value);
-            positions[i] = position;
-            unknown += position == MassPositions::unknown;
-            total += value;
+            values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;
+            abundances[i] = float(values[std::size_t(i)]);
         }
+        total.add(values.data(), size);
+
+        unsigned short *const positions = place.positions + first;
+        int unknown = known.find(keys.data(), size, positions);
         for (int i = 0; unknown > 0 && i < size; ++i) {
             if (positions[i] != MassPositions::unknown)
                 continue;
@@ -67,7 +68,7 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
             }
         }
     }
-    return total;
+    return total.total();
 }
 
 // Why a scan of a trace has no total; null for one that has.
@@ -117,7 +118,8 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     record.masses().visit([&](const auto *masses, qint32 count) {
         record.intensities().visit([&](const auto *intensities, qint32) {
             massPositions.visit(table, tableSize, count, [&](const auto &known) {
-                total = placePoints(known, masses, intensities, count, place);
+                ms_with_widest_vectors(
+                    [&](auto) { total = placePoints(known, masses, intensities, count, place); });
             });
         });
     });

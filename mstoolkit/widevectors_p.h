@@ -4,13 +4,13 @@
 // can, a routine here is compiled twice, for those and for the wider ones of most processors today
 // (AVX2). Which one runs is decided when it is called. Both compute the same to the last bit: they differ
 // in how many numbers an instruction takes, and neither joins a product and a sum into one step.
-#ifndef WIDEVECTORS_H
-#define WIDEVECTORS_H
+#ifndef WIDEVECTORS_P_H
+#define WIDEVECTORS_P_H
 
 #include <type_traits>
 #include <utility>
 
-#if defined(__GNUC__) && defined(__x86_64__)
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(MS_PLAIN_VECTORS)
 #define MS_HAS_WIDE_VECTORS 1
 #else
 #define MS_HAS_WIDE_VECTORS 0
@@ -36,4 +36,4 @@ template <class Loops> auto ms_with_widest_vectors(Loops &&loops)
     return loops(std::false_type());
 }
 
-#endif // WIDEVECTORS_H
+#endif // WIDEVECTORS_P_H
