@@ -1,4 +1,4 @@
-// The file registry, and opening and closing.
+// Opening and closing a file.
 
 #include "define_p.h"
 #include "filestate_p.h"
@@ -7,24 +7,16 @@
 
 #include "messageloggerinterface.h"
 
-#include <QGlobalStatic>
-#include <QHash>
-
 #include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
 #include <utility>
 
-// The one mutable state of the process. It owns its records. It is null once the process has torn it
-// down: a host may destroy its plugin objects, which close their files, after that.
-using MsFileRegistry = QHash<qint32, MsFileState *>;
-Q_GLOBAL_STATIC(MsFileRegistry, registry)
-
 namespace {
 
-// The same file's path as one that the library can only take for a file's: it leaves out blanks at the
-// beginning, and asks the network about anything with "://" in it.
+// Returns the path in a spelling that the library can't mistake. Of others it leaves out blanks at the
+// beginning, and it asks the network about those with "://" in them.
 std::string exact_path(const char *path)
 {
     std::string exact = std::filesystem::path(path).is_relative() ? "./" : "";
@@ -59,8 +51,8 @@ void report_missing_data(const char *path, const MsFileData &data)
         nullptr);
 }
 
-// A file that netCDF has just opened. Whatever way an opening ends, exhausted memory too, the file is
-// closed and its record dropped, unless the id was handed out.
+// A file that netCDF has just opened. However the opening ends, by exhausted memory too, the file is
+// closed and its record dropped, unless its id was handed out.
 class Opening
 {
 public:
@@ -110,7 +102,7 @@ int open_with_library(const char *path, MsHeader header, const MsClassicLayout &
 }
 
 // The state of a file that was just opened. Its id may have a record still, of a file that was closed
-// without the toolkit: that record stands, but nothing beside it speaks for the new file.
+// without the toolkit. That record stays, but all else that was known of the earlier file is forgotten.
 MsFileState &begin(int ncid)
 {
     ms_register_file(ncid);
@@ -121,66 +113,9 @@ MsFileState &begin(int ncid)
 
 } // namespace
 
-MsFileState::MsFileState(int id) : MsFileRecord(), data(id)
-{
-    ncid = id;
-    experiment_type = MsCentroidedSpectrum;
-    mass_format = MsShortFormat;
-    time_format = MsShortFormat;
-    intensity_format = MsLongFormat;
-    for (MsDimension &dimension : dimensions)
-        dimension = {-1, 0};
-    for (qint32 &variable : variables)
-        variable = -1;
-}
-
-void MsFileState::forget()
-{
-    data = MsFileData(ncid);
-    columns = {};
-    tally = MsTally();
-}
-
-MsFileState *ms_file_state(int ncid)
-{
-    ms_let_failures_return();
-    const MsFileRegistry *files = registry();
-    return files ? files->value(ncid, nullptr) : nullptr;
-}
-
-MsFileRecord *ms_file_record(int ncid)
-{
-    return ms_file_state(ncid);
-}
-
-quint64 ms_missing_bytes(int ncid)
-{
-    const MsFileState *file = ms_file_state(ncid);
-    return file ? file->data.missing_bytes() : 0;
-}
-
-int ms_register_file(int ncid)
-{
-    MsFileRegistry *files = registry();
-    if (!files || files->contains(ncid))
-        return 0;
-
-    auto file = std::make_unique<MsFileState>(ncid);
-    files->insert(ncid, file.get());
-    static_cast<void>(file.release());
-    return 0;
-}
-
-int ms_unregister_file(int ncid)
-{
-    MsFileRegistry *files = registry();
-    const std::unique_ptr<MsFileState> file(files ? files->take(ncid) : nullptr);
-    return file ? 0 : -1;
-}
-
 int ms_open_read(const char *path)
 {
-    if (!path || !*path || !registry())
+    if (!path || !*path || !ms_can_register())
         return -1;
 
     std::error_code unknown;
@@ -225,7 +160,7 @@ int ms_open_write(const char *path, qint32 experiment_type, qint32 scan_count, q
                   qint32 mass_format, qint32 time_format, qint32 intensity_format, qint32 has_mass_values,
                   qint32 has_time_values)
 {
-    if (!path || !*path || !registry())
+    if (!path || !*path || !ms_can_register())
         return -1;
 
     ms_let_failures_return();

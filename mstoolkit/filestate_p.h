@@ -1,4 +1,4 @@
-// Private to the toolkit: what the registry really holds of an open file, beside its record.
+// Private to the toolkit: what the file registry holds of an open file, its record and more.
 #ifndef FILESTATE_P_H
 #define FILESTATE_P_H
 
@@ -39,6 +39,9 @@ struct MsFileState : MsFileRecord {
 private:
     std::array<MsColumn, MsVariableCount> columns;
 };
+
+// Returns whether the registry is there. It isn't once the process has torn it down.
+bool ms_can_register();
 
 // Returns the state of an open file, which every routine looks up once; null for an unknown id. From
 // here on netCDF's failures return.
