@@ -212,14 +212,15 @@ int count_stretches(MsFileState &file, qint64 stored, qint32 type, double scale,
 
 int read_census(MsFileState &file, QSet<qint32> &masses, qint32 *decimals, double scale)
 {
-    const MsDimension &points = file.dimensions[MsDim_point_number];
-    const qint32 count = points.id != -1 ? points.size : 0;
+    const int dimension = file.dimensions[MsDim_point_number].id;
+    std::size_t count = 0; // may be more than the record can say
+    if (dimension != -1)
+        file.data.ask_length(dimension, &count);
     if (!file.has_mass_values || count < 1)
         return 0;
 
     const MsShape *shape = file.column(MsVar_mass_values).shape();
-    if (!shape || shape->rank() != 1 || !ms_is_number(shape->type)
-        || shape->length[0] != std::size_t(count))
+    if (!shape || shape->rank() != 1 || !ms_is_number(shape->type) || shape->length[0] != count)
         return -1;
     const qint32 type = ms_nc_type_of_format(file.mass_format, NC_SHORT);
     const auto stored =

@@ -32,6 +32,11 @@ struct Decimals {
     int keys;
 };
 
+struct LongRun {
+    int type;
+    std::size_t masses;
+};
+
 constexpr double leastLong = std::numeric_limits<qint32>::min();
 
 } // namespace
@@ -169,22 +174,23 @@ private slots:
         QCOMPARE(census.keys.size(), row.keys);
     }
 
-    // Behind the last decimal lie a mass that a short can't hold, and more bytes than 32 bits count, of which
-    // nearly all were never written.
+    // Behind the last decimal lie a mass that a short can't hold, and more than 32 bits count, of which nearly all
+    // was never written.
     void readsNoFurtherThanTheLastDecimal_data()
     {
-        const Rows<int> type;
-        type("masses that can't be read") = NC_INT64;
-        type("more than 4 GiB") = NC_DOUBLE;
+        const Rows<LongRun> row;
+        row("masses that can't be read") = {NC_INT64, 0x20000001};
+        row("more than 4 GiB") = {NC_DOUBLE, 0x20000001};
+        row("more than 2^31 masses") = {NC_FLOAT, 0x80000001};
     }
     void readsNoFurtherThanTheLastDecimal()
     {
+        const auto [type, claimed] = Rows<LongRun>::current();
         const QString path = folder.filePath(QStringLiteral("long.cdf"));
         std::vector<double> masses(0x10001); // a short has a number less
         std::iota(masses.begin(), masses.end(), -32768.0);
         const std::size_t start = 0;
         const std::size_t count = masses.size();
-        constexpr std::size_t claimed = (std::size_t(1) << 29) + 1;
         int id = -1;
         int dimension = -1;
         int variable = -1;
@@ -193,7 +199,7 @@ private slots:
         nc_set_fill(id, NC_NOFILL, &variable);
         nc_def_dim(id, "point_number", claimed, &dimension);
         nc_def_dim(id, "instrument_number", claimed << 3, &variable);
-        nc_def_var(id, "mass_values", Rows<int>::current(), 1, &dimension, &variable);
+        nc_def_var(id, "mass_values", type, 1, &dimension, &variable);
         nc_enddef(id);
         nc_put_vara_double(id, variable, &start, &count, masses.data());
         QVERIFY(file.finish());
