@@ -54,6 +54,9 @@ public:
     {
     }
 
+    // The nc type of the stored numbers.
+    qint32 type() const { return ms_nc_type_of_format(format_, NC_NAT); }
+
     qint32 size() const { return size_; }
     bool isEmpty() const { return size_ == 0; }
 

@@ -1,6 +1,5 @@
 #include "runfacts.h"
 
-#include "fillvalue.h"
 #include "messageredirection.h"
 #include "msrunfacts.h"
 
@@ -79,7 +78,8 @@ std::optional<double> timeOfScan(const MsFile &file, qint32 scan, bool inMinutes
     const Silence silence;
     const MsScanHeader header = file.scanHeader(scan);
     const double time = header.scan_acquisition_time;
-    if (!header.isRead() || time == MsMissingDouble || !std::isfinite(time) || isFillValue(time))
+    if (!header.isRead() || time == MsMissingDouble || !std::isfinite(time)
+        || ms_is_fill(NC_DOUBLE, time))
         return std::nullopt;
     return inMinutes ? time / 60.0 : time;
 }

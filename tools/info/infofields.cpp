@@ -1,6 +1,5 @@
 #include "infofields.h"
 
-#include "fillvalue.h"
 #include "msattribute.h"
 #include "msformat.h"
 #include "terminaltext.h"
@@ -51,7 +50,7 @@ QVariant fieldValue(const void *record, std::size_t offset, qint32 type, nc_type
     }
     const void *field = static_cast<const char *>(record) + offset;
     return ms_with_format(ms_format_of_nc_type(type, 0), field, [stored](const auto *number) {
-        const bool isThere = double(*number) != MsMissingDouble && !isFillValue(double(*number), stored);
+        const bool isThere = double(*number) != MsMissingDouble && !ms_is_fill(stored, double(*number));
         return isThere ? variantOf(*number) : QVariant();
     });
 }
@@ -130,11 +129,11 @@ void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *rec
 std::vector<QVariant> numberValues(const MsNumbers &numbers, qint64 count)
 {
     std::vector<QVariant> values;
+    const int type = numbers.type();
     numbers.visit([&](const auto *first, qint32 size) {
         for (const auto *number = first; number < first + std::min<qint64>(size, count); ++number) {
-            const bool isMissing = isFillValue(*number)
-                || (std::is_same_v<decltype(*number),
-                                   const double &> && double(*number) == MsMissingDouble);
+            const bool isMissing = ms_is_fill(type, double(*number))
+                || (type == NC_DOUBLE && double(*number) == MsMissingDouble);
             values.push_back(isMissing ? QVariant() : variantOf(*number));
         }
     });

@@ -1,6 +1,5 @@
 #include "infogather.h"
 
-#include "fillvalue.h"
 #include "infofields.h"
 #include "inforanges.h"
 #include "messageredirection.h"
@@ -135,7 +134,7 @@ public:
 private:
     static QVariant claimed(double number)
     {
-        return number == MsMissingDouble || isFillValue(number) ? QVariant() : number;
+        return number == MsMissingDouble || ms_is_fill(NC_DOUBLE, number) ? QVariant() : number;
     }
 
     std::vector<std::vector<QVariant>> rows;
@@ -350,7 +349,7 @@ void Gatherer::addLibrary(InfoNode *report)
 // Adds a count of a scan, unless it wasn't read or never written.
 void addCount(const char *name, qint32 count, InfoNode *section)
 {
-    if (count != MsMissingLong && !isFillValue(count))
+    if (count != MsMissingLong && !ms_is_fill(NC_INT, count))
         section->addValue(QString::fromLatin1(name), count);
 }
 
@@ -451,7 +450,7 @@ InfoResult Gatherer::gather(const QString &path)
     if (options.scan)
         addScan(*options.scan, &content);
 
-    // What is wrong comes first, though it is known last.
+    // What is wrong is shown first, though it is known last.
     const QList<MsDoubt> doubts = ms_list_doubts(file.id(), shownName(path));
     const bool lacksNothing =
         std::none_of(doubts.begin(), doubts.end(), [](const MsDoubt &doubt) { return doubt.isLoss; });

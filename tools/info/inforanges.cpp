@@ -1,15 +1,14 @@
 #include "inforanges.h"
 
-#include "fillvalue.h"
-
 #include <algorithm>
 #include <cmath>
 
 void Range::add(const MsNumbers &numbers)
 {
-    numbers.visit([this](const auto *first, qint32 count) {
+    const int type = numbers.type();
+    numbers.visit([this, type](const auto *first, qint32 count) {
         for (const auto *number = first; number < first + count; ++number) {
-            if (!isFillValue(*number))
+            if (!ms_is_fill(type, double(*number)))
                 add(double(*number));
         }
     });
@@ -17,7 +16,7 @@ void Range::add(const MsNumbers &numbers)
 
 void Range::add(double number)
 {
-    if (!std::isfinite(number) || number == MsMissingDouble || isFillValue(number))
+    if (!std::isfinite(number) || number == MsMissingDouble || ms_is_fill(NC_DOUBLE, number))
         return;
     least = std::min(least, number);
     most = std::max(most, number);
