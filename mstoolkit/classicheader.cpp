@@ -24,8 +24,8 @@ quint64 padded(quint64 size)
 // Bytes of an element by nc type, NC_BYTE to NC_UINT64; the last five are of CDF-5.
 constexpr std::array<quint64, 12> typeWidths = {0, 1, 1, 2, 4, 4, 8, 1, 2, 4, 8, 8};
 
-// Reads a header from front to back. What can't be right makes it fail, and it stays failed: all
-// further numbers are 0.
+// Reads a header from front to back. It fails at the first thing that can't be right, and stays failed:
+// all numbers from there on are 0.
 class Walk
 {
     using Names = QSet<QByteArray>;

@@ -14,7 +14,7 @@ bool has_array(const MsVariableRow &row)
     return row.ndims == 2;
 }
 
-// Calls `use` for each array of a group, until one call returns false. Whether none did.
+// Calls `use` for each array of a group, until one call returns false. Returns whether none did.
 template <class Use> bool each_array(MsGroupRecord *group, Use use)
 {
     return std::all_of(ms_group_table.begin(), ms_group_table.end(), [&](const MsVariableRow &row) {
@@ -43,7 +43,8 @@ bool is_group(const MsFileState &file, const MsGroupRecord &group)
     return group.group_number >= 0 && group.group_number < file.dimensions[MsDim_group_number].size;
 }
 
-// False where a file of that length can't hold such arrays; some may be allocated then.
+// Returns false where a file of that length can't hold such arrays, or they are too large. Some may be
+// allocated then.
 bool allocate_arrays(const MsFileState &file, MsGroupRecord *group)
 {
     const auto width = quint32(file.dimensions[MsDim_group_max_masses].size);
@@ -55,7 +56,8 @@ bool allocate_arrays(const MsFileState &file, MsGroupRecord *group)
     });
 }
 
-// The row's array of a group: missing values where the file lacks the variable, or has no numbers in it.
+// Reads the row's array of a group: missing values where the file lacks the variable, or has no numbers
+// in it.
 int read_array(MsFileState &file, const MsVariableRow &row, MsGroupRecord *group)
 {
     const auto width = std::size_t(file.dimensions[MsDim_group_max_masses].size);

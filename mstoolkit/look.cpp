@@ -1,4 +1,4 @@
-// Having a file looked at before it is opened.
+// The first look at a file, before it is opened.
 
 #include "mslook.h"
 
@@ -99,8 +99,8 @@ Kind kind_of(const char *path)
 }
 
 #ifdef Q_OS_UNIX
-// In a process that ignores the ends of its children these leave no exit status. While such an object
-// lives, they do.
+// A process that ignores the ends of its children gets no exit status from them. While an object of this
+// class lives, it does.
 class ChildStatus
 {
 public:

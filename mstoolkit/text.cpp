@@ -118,7 +118,7 @@ int ms_write_text(const MsFileData &data, const MsTextPlace &place, const char *
 {
     MsShape shape;
     const Start start(place);
-    // The library judges the place itself: a dimension may grow by this.
+    // The library checks the place: a dimension may grow by this write.
     if (place.width < 1 || !data.ask_shape(place.varid, &shape) || !holds_text(shape, start))
         return -1;
 

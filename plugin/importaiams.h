@@ -21,8 +21,8 @@ public:
     bool canImport(TFileBuffer *buffer, const QString &fileName, QString &text) override;
     int importQueryValue() override;
 
-    // The run, in this order, on an open file. Without one importHeader returns false, after an error
-    // message; otherwise it returns true.
+    // The steps of a run, called in this order. importHeader returns whether a file is open; if none is,
+    // it reports an error.
     bool importHeader() override;
     unsigned short importMassTable(float **table) override;
     double importScan(int scan, double *time, int tableSize, float *table, int *pointCount,
@@ -58,7 +58,8 @@ private:
     void tellDoubts(DoubtStage stage);
     void tellRemainingDoubts() noexcept;
     void forgetDoubts();
-    // After each scan. Why one couldn't be read, else null, is the dynamic property "scanFailure".
+    // Called after each scan, with the reason why it couldn't be read, or null: the dynamic property
+    // "scanFailure".
     void noteScan(const QString &failure);
     // Reads a global text attribute into a buffer of `size` bytes, cut to fit. Returns 1 on success, else
     // 0.

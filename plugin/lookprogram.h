@@ -1,4 +1,4 @@
-// Where the program lies that looks at files of the newer kinds first.
+// Where the program is that takes the first look at files of the newer kinds.
 #ifndef LOOKPROGRAM_H
 #define LOOKPROGRAM_H
 

@@ -19,7 +19,7 @@
 class MassPositions
 {
 public:
-    // Stands for no position: no table is as long.
+    // Stands for no position. No table has so many masses.
     static constexpr quint16 unknown = 65535;
 
     // Remembers a table of `count` masses, at most 65535, in ascending order, and their keys.
@@ -101,7 +101,8 @@ public:
     };
 
     // Calls `use` once, with what finds positions in a table of `size` masses, which has to outlive the
-    // call. To compare the whole table once is faster where it is short beside the `points` to be found.
+    // call. Where the table is short beside the `points` to be found, it is faster to compare it once as
+    // a whole.
     template <class Use> void visit(const float *table, int size, int points, Use &&use) const
     {
         const bool isShort = std::size_t(size) == masses.size() && size / 8 <= points;

@@ -1,5 +1,5 @@
 // The first look at a file of a newer kind: reads all that an import and aia-info would read, and throws
-// it away. Whoever started it learns from its end whether the file can be opened; see mslook.h.
+// it away. How it ends tells the program that started it whether the file can be opened; see mslook.h.
 //     Hsk.Dorvane.ImportAiaMs.Look PATH
 // PATH is percent-encoded. The exit status is one of MsLookStatus, or 2 for another number of arguments.
 

@@ -4,8 +4,8 @@
 
 #include "mslook.h"
 
-// From here on the process ends itself with MsLookTooLong or MsLookTooLarge where it goes beyond a limit
-// of processor time or memory, whatever it is doing then; it leaves no core file when it crashes, and
+// From this call on the process ends itself with MsLookTooLong or MsLookTooLarge once it goes beyond a
+// limit of processor time or memory, whatever it is doing. It leaves no core file when it crashes, and it
 // ends with the process that started it. All of this holds on Linux, the time and the core file on other
 // Unix systems; elsewhere only the process that started this one limits its time.
 void watchProcess(const MsLookLimits &limits);

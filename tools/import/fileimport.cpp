@@ -227,8 +227,7 @@ void FileImport::progressChanged(int done, int count)
 
 QString FileImport::refusal(const QString &hostText)
 {
-    // Neither is reported by itself: the notes say nothing that the sentence doesn't, and the errors
-    // become part of it.
+    // Neither is reported by itself: the sentence says what the notes say, and it has the errors in it.
     const QStringList traces = messages.take(MessageList::Level::Debug);
     const QStringList errors = messages.take(MessageList::Level::Error);
     if (!hostText.isEmpty())

@@ -18,8 +18,8 @@ class DVHeader;
 class ImportSummary
 {
 public:
-    // Takes what is known before the first scan. Facts of which there are none, as the file couldn't be
-    // asked, are left out.
+    // Takes what is known before the first scan. Facts are left out where the file couldn't be opened for
+    // them.
     void start(const QString &fileName, const std::optional<RunFacts> &facts, const DVHeader &header,
                const float *table, int tableSize);
 
