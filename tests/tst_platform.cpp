@@ -107,14 +107,10 @@ private slots:
         const Rows<Rounded> row;
         row("half") = {0.5, 1};
         row("just under a half") = {0.49999999999999994, 0};
-        row("just over minus a half") = {-0.49999999999999994, 0};
-        row("just under a large half") = {1073741824.4999998, 1073741824};
         row("NaN") = {std::nan(""), 0};
         row("top") = {2147483646.6, top};
-        row("one below the top") = {2147483646.4, top - 1};
         row("beyond the top") = {infinity, top};
         row("bottom") = {-2147483647.5, bottom};
-        row("one above the bottom") = {-2147483647.4, bottom + 1};
         row("beyond the bottom") = {-infinity, bottom};
     }
     void rounds()
@@ -140,7 +136,6 @@ private slots:
         row("last") = {4.0f, 4, 3};
         row("behind the last") = {4.0f, 3};
         row("no table") = {1.0f, 0};
-        row("below all") = {0.5f};
         row("just above one") = {std::nextafter(2.5f, 3.0f)};
         row("above all") = {5.0f};
         row("NaN") = {std::nanf("")};

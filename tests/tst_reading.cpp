@@ -183,15 +183,13 @@ private slots:
             const OwnedText read(ms_read_string_variable(file.id(), name, row, column, width));
             return QByteArray(read ? read.get() : "null");
         };
-        QCOMPARE(text(0, -1, 40), QByteArray("Detector"));
-        QCOMPARE(text(0, -1, 5), QByteArray("Dete")); // the last byte is the terminator's
-        QCOMPARE(text(0, 2, 5), QByteArray("tect"));
-        QCOMPARE(text(0, -1, 1), QByteArray("null")); // no byte
-        QCOMPARE(text(0, -1, 0), QByteArray("null"));
-        QCOMPARE(text(0, -1, 41), QByteArray("null")); // beyond the width
-        QCOMPARE(text(0, 30, 11), QByteArray("null"));
-        QCOMPARE(text(2, -1, 40), QByteArray("null"));  // beyond the rows
-        QCOMPARE(text(-1, -1, 40), QByteArray("null")); // two dimensions want a row
+        const std::pair<QByteArray, QByteArray> texts[] = {
+            {text(0, -1, 40), "Detector"}, {text(0, -1, 5), "Dete"},    // the last byte is the terminator's
+            {text(0, 2, 5), "tect"},       {text(0, -1, 1), "null"},    // no byte
+            {text(0, -1, 41), "null"},     {text(0, 30, 11), "null"},   // beyond the width
+            {text(2, -1, 40), "null"},     {text(-1, -1, 40), "null"}}; // beyond the rows, or none named
+        for (const auto &[read, expected] : texts)
+            QCOMPARE(read, expected);
         QVERIFY(!ms_read_string_variable(file.id(), file.record()->variables[MsVar_mass_values], -1, -1, 2));
         QCOMPARE(ms_write_string_variable(file.id(), name, 0, -1, 0, "x"), -1);
         QCOMPARE(ms_read_enum_attribute(file.id(), NC_GLOBAL, nullptr), -1);

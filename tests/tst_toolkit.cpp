@@ -81,8 +81,7 @@ private slots:
         std::memcpy(&source, &bits, sizeof source);
         qint32 target = 1;
         ms_transcode_vector(&source, MsFloatFormat, 0, &target, MsFloatFormat, 0);
-        ms_transcode_vector(&source, 73, 1, &target, MsFloatFormat, 0);
-        ms_transcode_vector(&source, MsFloatFormat, 1, &target, 78, 0);
+        ms_transcode_vector(&source, 73, 1, &target, 78, 0);
         ms_transcode_vector(nullptr, MsFloatFormat, 1, &target, MsFloatFormat, 0);
         ms_transcode_vector(&source, MsFloatFormat, 1, nullptr, MsFloatFormat, 0);
         QCOMPARE(target, 1);
@@ -167,13 +166,11 @@ private slots:
     {
         char text[] = "20220426135442-050";
         MsTimestamp stamp = {text, 1, 2, 3, 4, 5, 6, 7};
-        QCOMPARE(ms_timestamp(0, &stamp), -1);
+        MsTimestamp none = {nullptr, 1, 2, 3, 4, 5, 6, 7};
+        for (const int status : {ms_timestamp(0, &stamp), ms_timestamp(0, &none), ms_timestamp(1, nullptr),
+                                 ms_digits_to_int(nullptr, 0, 2), ms_int_to_digits(nullptr, 0, 2, 1)})
+            QCOMPARE(status, -1);
         QCOMPARE(stamp.year, 1);
-        stamp.text = nullptr;
-        QCOMPARE(ms_timestamp(0, &stamp), -1);
-        QCOMPARE(ms_timestamp(1, nullptr), -1);
-        QCOMPARE(ms_digits_to_int(nullptr, 0, 2), -1);
-        QCOMPARE(ms_int_to_digits(nullptr, 0, 2, 1), -1);
     }
 
     void keepsToItsDigits()
@@ -183,7 +180,6 @@ private slots:
         QCOMPARE(ms_int_to_digits(text, 5, 2, std::numeric_limits<qint32>::min()), 0);
         QCOMPARE(text, "x45xx48x");
         QCOMPARE(ms_digits_to_int("2022", 0, 2), 20);
-        QCOMPARE(ms_digits_to_int("2022", 2, 0), 0);
         QCOMPARE(ms_digits_to_int("1 ", 0, 2), -6);
     }
 
@@ -209,11 +205,9 @@ private slots:
         const auto openWrite = [](const char *path, int scans, int hasMasses) {
             return ms_open_write(path, 0, scans, 0, MsFloatFormat, MsFloatFormat, MsFloatFormat, hasMasses, 0);
         };
-        QCOMPARE(ms_close(-1), -1);
-        QCOMPARE(ms_close(77), -1);
-        QCOMPARE(ms_open_read(nullptr), -1);
-        QCOMPARE(ms_open_read(""), -1);
-        QCOMPARE(openWrite("", 1, 1), -1);
+        for (const int status :
+             {ms_close(-1), ms_close(77), ms_open_read(nullptr), ms_open_read(""), openWrite("", 1, 1)})
+            QCOMPARE(status, -1);
 
         const QTemporaryDir folder;
         const auto goBack = qScopeGuard([before = QDir::currentPath()] { QDir::setCurrent(before); });
