@@ -13,15 +13,15 @@
 // null. Memory doesn't grow with the run but where a call returns a number for each scan.
 //
 // What is judged, with the code of the doubt that says so:
-//   scans-in-a-row      scan_index is missing or contradicts the counts, which add up to all points: the
-//                       scans lie one behind the other
-//   counts-from-index   point_count is missing, or scans run into the next ones though scan_index
-//   ascends:
-//                       each scan ends where the next one begins. Flags count, too
-//   made-times          missing times are made from the durations of the scans, else from the run's
-//   length time-units          the file doesn't count in seconds: times are as stored ignored-factor a
-//   scale_factor that is 0, infinite or no number, or such an add_offset: left out claimed-scans       (a
-//   loss) the file claims more scans than it can hold: the rest is left out
+//   * scans-in-a-row: scan_index is missing, or contradicts the counts, which add up to all points. The
+//     scans lie one behind the other.
+//   * counts-from-index: point_count is missing, or scans run into the next ones though scan_index
+//     ascends. Each scan ends where the next one begins. Flags count, too.
+//   * made-times: missing times are made from the durations of the scans, else from the run's length.
+//   * time-units: the file doesn't count in seconds. Times are as stored.
+//   * ignored-factor: a scale_factor of 0, or a factor or an offset that is no number, is left out.
+//   * claimed-scans (a loss): the file claims more scans than it can hold. The rest is left out.
+//
 // Points that were never written, or are infinite or no number, are no data: see MsSpectrum. A scan that
 // was never written, or that lies behind the end of a file that is cut off, comes as one that can't be
 // read. Numbers have the type that they are stored in, whatever the attributes say.
