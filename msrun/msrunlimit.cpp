@@ -6,9 +6,6 @@
 
 namespace {
 
-// A file of a newer kind may be packed. No packing in use makes more than 1,100 bytes of one.
-constexpr qint64 mostPacking = 1100;
-
 // A real file's scans overlap here and there; none uses its points nearly as often as this.
 constexpr qint64 mostUses = 100;
 
@@ -38,7 +35,8 @@ qint64 pointsOf(const MsFile &file, qint64 bytes)
 qint64 RunLimit::mostPoints(const MsFile &file, qint64 length)
 {
     const qint64 bytes = std::min(length, longest);
-    return leastPoints + (isClassic(file) ? mostUses * pointsOf(file, bytes) : mostPacking * bytes);
+    // A file of a newer kind may be packed.
+    return leastPoints + (isClassic(file) ? mostUses * pointsOf(file, bytes) : MsTightestPacking * bytes);
 }
 
 void RunLimit::start(const MsFile &file, qint64 length)
@@ -46,7 +44,7 @@ void RunLimit::start(const MsFile &file, qint64 length)
     const qint64 bytes = std::min(length, longest);
     pointsLeft = mostPoints(file, length);
     // A scan takes a byte, too: a file that has more scans than this only claims them.
-    mostEmpty = std::max(leastEmpty, isClassic(file) ? bytes : mostPacking * bytes);
+    mostEmpty = std::max(leastEmpty, isClassic(file) ? bytes : MsTightestPacking * bytes);
     empty = 0;
 }
 

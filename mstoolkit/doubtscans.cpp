@@ -15,10 +15,10 @@ namespace {
 std::size_t scans_looked_at(const MsFileState &file)
 {
     constexpr qint32 always = 1 << 22;
-    constexpr quint64 bytes_each = 1100; // that a byte of the file can hold
     const MsDimension &scans = file.dimensions[MsDim_scan_number];
     const qint32 count = scans.id == -1 ? 0 : std::max(scans.size, 0);
-    return std::size_t(file.data.can_hold(quint64(count) * bytes_each) ? count : std::min(count, always));
+    return std::size_t(file.data.can_hold(quint64(count) * MsTightestPacking) ? count
+                                                                              : std::min(count, always));
 }
 
 // What a file says of one scan.

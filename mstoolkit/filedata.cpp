@@ -9,13 +9,11 @@
 
 namespace {
 
-// What a file of that length can hold: the tightest packing in use, deflate, makes of a byte 1,032 at the
-// most. The rest is for small variables that were never written.
+// What a file of that length can hold, with room for small variables that were never written.
 quint64 most_bytes_of(quint64 length)
 {
-    constexpr quint64 tightest = 1100;
     constexpr quint64 unwritten = 1 << 20;
-    return length == 0 ? std::numeric_limits<quint64>::max() : length * tightest + unwritten;
+    return length == 0 ? std::numeric_limits<quint64>::max() : length * MsTightestPacking + unwritten;
 }
 
 int get_vara(int ncid, const MsSlab &slab, qint16 *target)

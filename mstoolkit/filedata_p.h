@@ -73,9 +73,9 @@ public:
     // Takes note of a file that was cut since it was opened.
     void look_at_length();
 
-    // Returns the bytes that a variable can have in a file of this length. A file of the newer kinds may
-    // claim any number of elements that were never written; neither time nor memory is spent on those.
-    quint64 most_bytes() const { return most; }
+    // Returns whether a variable can have so many bytes in a file of this length. A file of the newer
+    // kinds may claim any number of elements that were never written; neither time nor memory is spent on
+    // those.
     bool can_hold(quint64 bytes) const { return bytes <= most; }
 
     // Asks for the size of a dimension. Where the header leaves the number of records open, the library
@@ -124,7 +124,7 @@ private:
     int ncid;
     bool constant = false;
     bool reads_bytes = true;
-    quint64 most = std::numeric_limits<quint64>::max(); // see most_bytes
+    quint64 most = std::numeric_limits<quint64>::max(); // see can_hold
     quint64 refusals = 0;                               // of the library
     int error = 0;
     // Of a classic file that is only read: where its data lie, and its bytes.

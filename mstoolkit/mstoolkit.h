@@ -51,6 +51,10 @@ constexpr qint32 MsSeconds = 81;
 constexpr qint32 MsMissingLong = -9999;
 constexpr double MsMissingDouble = -9999.0;
 
+// No packing in use makes more bytes than these of one byte of a file (deflate makes 1,032). What is
+// larger, a file only claims.
+constexpr qint64 MsTightestPacking = 1100;
+
 // Returns a number of a record, such as a factor, or `otherwise` for a missing one.
 constexpr double ms_given(double number, double otherwise)
 {
