@@ -1,4 +1,4 @@
-// Shapes and elements of one variable, read ahead where that can be done unseen.
+// Shapes and elements of one variable, read ahead where nobody can tell the difference.
 
 #include "column_p.h"
 
@@ -84,7 +84,7 @@ MsFetch MsColumn::number(std::size_t index, qint32 wanted, void *target)
         return MsFetch::Failed;
     if (!ms_is_number(found.type))
         return MsFetch::None;
-    // Of a float or double the library would make a whole number of a NaN, too.
+    // The library would make a whole number even of a NaN.
     if ((wanted == NC_SHORT || wanted == NC_LONG)
         && (found.type == NC_FLOAT || found.type == NC_DOUBLE)) {
         double wide = 0.0;

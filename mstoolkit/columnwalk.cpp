@@ -14,7 +14,7 @@ struct Fill {
     double most;
 };
 
-// Floats and doubles with room for the rounded number of the manuals.
+// Floats and doubles have room for the rounded number that manuals give.
 std::optional<Fill> fill_of(nc_type type)
 {
     constexpr double tolerance = 1e-5;
@@ -63,8 +63,8 @@ MsColumnNumber MsColumnWalk::read(std::size_t place)
         || file->data.refused_reads() > refused)
         return at(place - first);
 
-    // Nothing has refused, so the file ends before: it may have been cut since. Or it is a failure that
-    // every other read would share.
+    // The system has refused nothing, so the file ends before: it may have been cut since. Or it is a
+    // failure that every other read would share.
     numbers.clear();
     const std::size_t left = file->data.count_stored(file->variables[slot], claimed);
     stored = left < stored ? left : 0;

@@ -23,17 +23,17 @@ class MsColumnWalk
 public:
     MsColumnWalk(MsFileState &state, int variable_slot);
 
-    // Whether the file has the variable, with so many dimensions.
+    // Whether the file has the variable, and its number of dimensions.
     bool exists() const { return dimensions != -1; }
     int rank() const { return dimensions; }
 
     // Whether it holds numbers along one dimension. Otherwise it has no elements here.
     bool is_usable() const { return kind != NC_NAT; }
 
-    // Elements by the file's header; it may be cut off before.
+    // How many elements the header claims. The file may end before the last one.
     std::size_t length() const { return claimed; }
 
-    // Those that the file has; fewer after a failure that isn't the system's.
+    // How many of them the file has; fewer after a failure that isn't the system's.
     std::size_t stored_length() const { return stored; }
 
     // Whether a number is the one that the library stores where nothing was written.

@@ -144,7 +144,7 @@ constexpr DoubtRow doubt_rows[] = {
 // clang-format on
 static_assert(std::size(doubt_rows) == std::size_t(MsDoubtKind::Count), "a row for each kind");
 
-// Fills a sentence. Not with QString::arg, which takes the markers that are there for the first few.
+// Fills a sentence. QString::arg would number the markers anew where a sentence leaves one out.
 QString fill(const char *sentence, qint64 count, const QStringList &arguments)
 {
     QString result;
@@ -217,7 +217,7 @@ bool is_given_text(int ncid, const QByteArray &name)
     return nc_inq_atttype(ncid, NC_GLOBAL, name.constData(), &type) == NC_NOERR && type == NC_CHAR;
 }
 
-// Whether scans are the odd ones, of so many.
+// Whether these are so few among all scans that they are the odd ones.
 bool is_exception(qint64 count, qint64 of)
 {
     constexpr qint64 enough = 5;
@@ -270,7 +270,7 @@ public:
         list_groups();
         if (tally.knows_globals)
             list_attributes(tally.raw);
-        list_failed_reads(); // at last: the others read, too
+        list_failed_reads(); // last, as the others read, too
         std::stable_sort(listed.begin(), listed.end(), [](const Listed &one, const Listed &other) {
             return one.row->kind < other.row->kind;
         });
@@ -303,7 +303,7 @@ private:
         listed.append({&row, {row.code, count, example, text, row.is_loss, is_system_error}});
     }
 
-    // What of the findings is doubtful, and what hangs on several of them.
+    // Which findings are doubts, and what follows from several of them.
     void judge()
     {
         if (!(options.modulation > 0.0))

@@ -21,7 +21,7 @@ std::size_t scans_looked_at(const MsFileState &file)
                                                                               : std::min(count, always));
 }
 
-// What a file says of one scan.
+// What a file says about one scan.
 struct ScanNumbers {
     qint64 scan = 0;
     MsColumnNumber index;
@@ -290,7 +290,7 @@ void ms_look_at_scans(MsFileState &file)
     Scans scans(file);
     CountsOfScans counts(scans, file.tally.found);
     PointsOfScans points(file, scans, count);
-    // One behind the stored ones stands for all, which a file may claim in any number.
+    // One scan behind the stored ones stands for all of them: a file may claim any number.
     const std::size_t known = std::min(count, scans.stored() + 1);
     for (std::size_t i = 0; i < known; ++i) {
         const ScanNumbers scan = scans.at(i);

@@ -26,8 +26,8 @@ MsScanRecord make_cleared_scan()
     return scan;
 }
 
-// Each scan of a run is cleared twice. To copy a cleared record takes a tenth of the time that a walk over
-// its rows takes.
+// Each scan of a run is cleared twice. To copy a cleared record takes a tenth of the time that a walk
+// over its rows takes.
 void clear_scan(char release, MsScanRecord *scan)
 {
     static const MsScanRecord cleared = make_cleared_scan();

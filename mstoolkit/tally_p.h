@@ -177,7 +177,7 @@ struct MsCensusTally {
     qint64 seen = 0;
     MsRange masses;
     MsFindings found; // by position
-    // Of masses that nearly all are multiples of one or of a tenth: that, and those that aren't.
+    // Where nearly all masses are multiples of 1 or of 0.1: which of the two, and how many masses aren't.
     double grid = 0.0;
     qint64 odd_keys = 0;
 };
@@ -266,7 +266,7 @@ void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &ke
 // Reads where the points of all scans lie and when they were taken, once for a file.
 void ms_look_at_scans(MsFileState &file);
 
-// The same of the times of the first `scans` ones, which is a part of it.
+// A part of that: the times of the first `scans` scans.
 void ms_look_at_times(MsFileState &file, std::size_t scans);
 
 // Reads the total intensity of all scans, once for a file: of a run without masses a reader gets nothing
