@@ -292,6 +292,37 @@ qint32 MsRun::size() const
     return d->size;
 }
 
+int MsRun::fileId() const
+{
+    return d->file.id();
+}
+
+qint64 MsRun::pointCount() const
+{
+    return d->places ? d->places->points() : 0;
+}
+
+qint64 MsRun::positionCount() const
+{
+    return ms_count_positions(d->file.id());
+}
+
+bool MsRun::hasStoredMasses() const
+{
+    return isOpen() && d->file.record()->mass_format == MsFloatFormat && d->scales.mass == 1.0;
+}
+
+bool MsRun::hasStoredIntensities() const
+{
+    return isOpen() && d->file.record()->intensity_format == MsFloatFormat && d->scales.intensity == 1.0
+        && d->scales.offset == 0.0;
+}
+
+bool MsRun::readsScansAlone() const
+{
+    return ms_reads_scans_alone(d->file.id());
+}
+
 MsSpectrum MsRun::spectrum(qint32 index) const
 {
     return d->spectrum(index);

@@ -82,6 +82,22 @@ public:
     // Scans, or entries of a library.
     qint32 size() const;
 
+    // The netCDF id of the open file, for routines that read what is above a run; -1 for none.
+    int fileId() const;
+
+    // Points of all scans, those that several have counted for each and those without data, too; 0 where
+    // there are no masses. And positions of the file's point axis, which a right file's scans share out.
+    qint64 pointCount() const;
+    qint64 positionCount() const;
+
+    // Whether MsSpectrum::storedMasses and storedIntensities are there for scans with points.
+    bool hasStoredMasses() const;
+    bool hasStoredIntensities() const;
+
+    // Whether reading scans makes no call of the netCDF library from now on, see ms_reads_scans_alone.
+    // Compounds, instruments, groups and doubts do make calls.
+    bool readsScansAlone() const;
+
     // Returns a scan. One that can't be read, or isn't there, says so. Scans that are asked for from
     // front to back are read ahead.
     MsSpectrum spectrum(qint32 index) const;

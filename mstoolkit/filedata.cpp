@@ -176,7 +176,7 @@ MsFetch MsFileData::read_line(const MsClassicRun &run, qint32 type, void *target
 // for conversions that are its own.
 std::optional<MsFetch> MsFileData::read_bytes(const MsSlab &slab, qint32 type, void *target)
 {
-    const MsVariableExtent *extent = layout && reads_bytes ? extent_of(slab.varid) : nullptr;
+    const MsVariableExtent *extent = reads_classic_bytes() ? extent_of(slab.varid) : nullptr;
     const bool is_text = type == NC_CHAR; // bytes as they are
     if (!extent || !(is_text ? extent->width == 1 : MsClassicBytes::can_convert(extent->type, type)))
         return std::nullopt;

@@ -111,6 +111,9 @@ public:
     // Has the library read all numbers and texts from now on, for the two ways to be compared.
     void leave_to_library() { reads_bytes = false; }
 
+    // Whether elements come from the bytes of a classic file, but for conversions that are the library's.
+    bool reads_classic_bytes() const { return layout && reads_bytes; }
+
 private:
     std::optional<MsFetch> read_bytes(const MsSlab &slab, qint32 type, void *target);
     MsFetch read_line(const MsClassicRun &run, qint32 type, void *target);

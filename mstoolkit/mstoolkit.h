@@ -683,6 +683,12 @@ qint64 ms_count_positions(int ncid);
 // come from a float, or be the rounded number of the manuals.
 bool ms_is_fill(qint32 type, double number);
 
+// Whether scans come from the file's bytes alone: the file is of a classic kind, and its variables have
+// types that need no conversion of netCDF. Asks netCDF all that the routines above want to know of them,
+// so that those without a library record call it no more; its other users may be busy in other threads
+// then. False for an unknown id.
+bool ms_reads_scans_alone(int ncid);
+
 // Appends a scan to a file made by ms_open_write: numbers and counts at `scan->scan_number`, vectors (in
 // the formats given to ms_open_write) and flags behind the points written so far, and, in a library file,
 // the entry. Either record may be null. Scans may come in any order; one that is written twice appends

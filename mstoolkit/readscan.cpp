@@ -5,6 +5,7 @@
 #include "scanrecord_p.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -31,6 +32,14 @@ struct Axis {
     qint32 nc_type;
 };
 
+// Masses, times and intensities.
+std::array<Axis, 3> axes_of(const MsFileRecord &file)
+{
+    return {Axis{MsVar_mass_values, ms_nc_type_of_format(file.mass_format, NC_SHORT)},
+            Axis{MsVar_time_values, ms_nc_type_of_format(file.time_format, NC_SHORT)},
+            Axis{MsVar_intensity_values, ms_nc_type_of_format(file.intensity_format, NC_LONG)}};
+}
+
 MsBlock<void> read_vector(MsFileState &file, const Axis &axis, qint64 start, qint32 count)
 {
     MsColumn &column = file.column(axis.slot);
@@ -52,10 +61,7 @@ MsBlock<void> read_flags(MsFileState &file, const Axis &axis, qint64 start, qint
 // The points of a scan from position `start` on, and the flags directly behind them.
 int read_vectors(MsFileState &file, qint64 start, MsScanRecord *scan)
 {
-    const Axis masses = {MsVar_mass_values, ms_nc_type_of_format(file.mass_format, NC_SHORT)};
-    const Axis times = {MsVar_time_values, ms_nc_type_of_format(file.time_format, NC_SHORT)};
-    const Axis intensities = {MsVar_intensity_values,
-                              ms_nc_type_of_format(file.intensity_format, NC_LONG)};
+    const auto [masses, times, intensities] = axes_of(file);
     const auto read = [&](const Axis &axis) {
         return read_vector(file, axis, start, scan->point_count).release();
     };
@@ -120,7 +126,33 @@ int read_scan_at(MsFileState &file, const MsScanPlace &place, MsScanRecord *scan
     return read_points(file, place.first, scan);
 }
 
+// Whether numbers of the column come without the library; a column that isn't there costs no read.
+bool reads_alone(MsFileState &file, int slot, qint32 wanted)
+{
+    const MsShape *shape = file.column(slot).shape();
+    if (!shape || !ms_is_number(shape->type))
+        return true;
+    const bool is_whole = wanted == NC_SHORT || wanted == NC_LONG;
+    const bool is_real = shape->type == NC_FLOAT || shape->type == NC_DOUBLE;
+    return MsClassicBytes::can_convert(shape->type, is_whole && is_real ? NC_DOUBLE : wanted);
+}
+
 } // namespace
+
+bool ms_reads_scans_alone(int ncid)
+{
+    MsFileState *file = ms_file_state(ncid);
+    if (!file || !file->data.reads_classic_bytes())
+        return false;
+    bool alone = true;
+    for (const MsVariableRow &row : ms_per_scan_table)
+        alone = reads_alone(*file, row.slot, row.nc_type) && alone;
+    for (const int counter : {MsVar_scan_index, MsVar_point_count, MsVar_flag_count})
+        alone = reads_alone(*file, counter, NC_LONG) && alone;
+    for (const Axis &axis : axes_of(*file))
+        alone = reads_alone(*file, axis.slot, axis.nc_type) && alone;
+    return alone;
+}
 
 int ms_read_scan_header(int ncid, MsScanRecord *scan)
 {
