@@ -22,10 +22,14 @@ install_build_tools() {
         python3-numpy python3-netcdf4
 }
 
-# What the programs of their own need that a plain build leaves out. `switches` turns them on.
+# What the programs and packages of their own need that a plain build leaves out. `switches` turns them on.
 switches=()
 install_convert_tools() { install_missing libpwiz-dev libboost-dev zlib1g-dev; }
-configure_switches() { switches=(-DAIA_CONVERT=ON); }
+install_python_tools() {
+    install_missing libpython3-dev pybind11-dev python3-pytest python3-pandas python3-xarray \
+        python3-dask python3-distributed python3-zarr python3-matplotlib python3-pip python3-venv
+}
+configure_switches() { switches=(-DAIA_CONVERT=ON -DAIA_PYTHON=ON); }
 
 # build PRESET [TARGET...], with the switches
 build() {

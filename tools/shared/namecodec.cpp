@@ -78,6 +78,17 @@ void keepBytesOfNames()
     QTextCodec::setCodecForLocale(new NameCodec); // which Qt destroys at the end
 }
 
+KeptNames::KeptNames() : before(QTextCodec::codecForLocale())
+{
+    static QTextCodec *const codec = new NameCodec; // which Qt destroys at the end
+    QTextCodec::setCodecForLocale(codec);
+}
+
+KeptNames::~KeptNames()
+{
+    QTextCodec::setCodecForLocale(before);
+}
+
 QStringList namesOfFiles(const QStringList &names)
 {
     QStringList found;

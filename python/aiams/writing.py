@@ -1,0 +1,103 @@
+"""Writing runs."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Iterable, Sequence
+from dataclasses import asdict
+from typing import Any
+
+import numpy as np
+
+from . import _core
+from .errors import WriteError
+from .records import COMPOUND_VARIABLES, Compound, Group, Instrument, ScanData
+from .run import Run, Scan
+
+
+def write(
+    path: str | bytes | os.PathLike,
+    scans: Iterable[ScanData | Scan | tuple],
+    *,
+    instruments: Sequence[Instrument] = (),
+    groups: Sequence[Group] = (),
+    library: Sequence[Compound] = (),
+    overwrite: bool = False,
+    **attributes: Any,
+) -> None:
+    """Writes a run, or a library where `library` has the compounds of all scans.
+
+    `scans` are scans that were read, `ScanData`, or tuples (time in s, masses, intensities); a sequence, such as
+    a run, is gone through twice, anything else is kept. Masses, and likewise intensities, are stored as float
+    where all of them are float32, else as double. `attributes` are the global attributes by their names in a
+    file, such as `run.attributes` has them; those that say how the file is made are written anew. A mass range
+    that a scan lacks is worked out.
+
+    The file is made beside its place and moved there when it is whole. Raises WriteError where it can't be
+    written, a mass or intensity is no finite number, or the file exists and `overwrite` isn't set.
+
+    aiams.write("copy.cdf", run, instruments=run.instruments, groups=run.groups, **run.attributes)
+    """
+    if not isinstance(scans, Sequence):
+        scans = list(scans)
+    if library and len(library) != len(scans):
+        raise ValueError("A library wants one compound for each scan.")
+    float_masses, float_intensities = _formats(scans)
+    writer = _core.Writer(
+        path=path,
+        overwrite=overwrite,
+        scans=max(len(scans), 1),
+        float_masses=float_masses,
+        float_intensities=float_intensities,
+        is_library=bool(library),
+        attributes=attributes,
+        instruments=[asdict(component) for component in instruments],
+        groups=[vars(group) for group in groups],
+    )
+    for place, scan in enumerate(scans):
+        if isinstance(scan, Scan) and not scan.has_seconds:
+            raise WriteError(f"Scan {place} can't be written: its time isn't in seconds. ScanData takes one that is.")
+        mz, intensity = _arrays(scan)
+        writer.add(
+            _numbers(scan, mz, intensity),
+            mz,
+            intensity,
+            scan.flags if isinstance(scan, Scan) else ((), ()),
+            _entry(library[place]) if library else {},
+        )
+    writer.finish()
+
+
+def _arrays(scan: ScanData | Scan | tuple) -> tuple[np.ndarray, np.ndarray]:
+    _, mz, intensity = scan if isinstance(scan, tuple) else (None, scan.mz, scan.intensity)
+    return np.asarray(mz), np.asarray(intensity)
+
+
+def _formats(scans: Sequence[ScanData | Scan | tuple]) -> tuple[bool, bool]:
+    if isinstance(scans, Run):
+        mz, intensity, _ = scans.points(0, 0)
+        return mz.dtype == np.float32, intensity.dtype == np.float32
+    kinds = [tuple(array.dtype == np.float32 for array in _arrays(scan)) for scan in scans]
+    return all(mz for mz, _ in kinds), all(intensity for _, intensity in kinds)
+
+
+def _numbers(scan: ScanData | Scan | tuple, mz: np.ndarray, intensity: np.ndarray) -> dict[str, float]:
+    if isinstance(scan, tuple):
+        scan = ScanData(*scan)
+    numbers = dict(scan.numbers)
+    if len(mz) > 0:
+        numbers.setdefault("mass_range_min", float(np.min(mz)))
+        numbers.setdefault("mass_range_max", float(np.max(mz)))
+    total = scan.tic
+    if total is None or np.isnan(total):
+        total = float(np.sum(intensity, dtype=np.float64))
+    numbers["total_intensity"] = float(total)
+    if not np.isnan(scan.time):
+        numbers["scan_acquisition_time"] = float(scan.time)
+    return numbers
+
+
+def _entry(compound: Compound) -> dict[str, Any]:
+    fields = {name: getattr(compound, field) for field, name in COMPOUND_VARIABLES.items()}
+    fields.update({f"other_name_{i}": name for i, name in enumerate(compound.other_names)})
+    return {name: value for name, value in fields.items() if value is not None and value == value}

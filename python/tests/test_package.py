@@ -1,0 +1,215 @@
+"""What programs do with the package, rightly and wrongly."""
+
+import logging
+import os
+import signal
+import threading
+
+import numpy as np
+import pytest
+from conftest import FIXTURES, make_sample
+
+import aiams
+
+
+def test_scans_points_and_slices_agree(sample):
+    with aiams.open(sample) as run:
+        mz, intensity, offsets = run.points()
+        assert (mz.dtype, offsets.dtype, len(offsets), offsets[-1]) == (np.float32, np.int64, 201, len(mz))
+        some = run[10:20:3]
+        assert [scan.index for scan in some] == [10, 13, 16, 19] and len(some[1:]) == 3
+        assert run[-1].index == 199 and run.scan_at(run.times[7]).index == 7
+        part = run.points(5, 8)
+        assert np.array_equal(part[0], mz[offsets[5] : offsets[8]]) and part[2][-1] == len(part[0])
+        # What was read outlives run and scan.
+        kept = run[3].mz
+    assert np.array_equal(kept, mz[offsets[3] : offsets[4]])
+    with pytest.raises(ValueError):
+        kept[0] = 1.0
+
+
+def test_traces_and_averages_are_those_of_the_points(sample):
+    with aiams.open(sample) as run:
+        mz, intensity, offsets = run.points()
+        scan_of = np.repeat(np.arange(len(run)), np.diff(offsets))
+        windows = [(50.0, 100.0), (73.0, 73.5), (1000.0, 2000.0)]
+        for (lowest, highest), trace in zip(windows, run.eic(windows)):
+            inside = (mz >= lowest) & (mz <= highest)
+            np.testing.assert_allclose(trace, np.bincount(scan_of[inside], intensity[inside], 200), rtol=1e-12)
+        peaks = run.average(run.times[10], run.times[12])
+        inside = (scan_of >= 10) & (scan_of <= 12)
+        masses, places = np.unique(mz[inside].astype(float), return_inverse=True)
+        assert np.array_equal(peaks[0], masses)
+        np.testing.assert_allclose(peaks[1], np.bincount(places, intensity[inside]) / 3, rtol=1e-12)
+        np.testing.assert_allclose(run.summed_tic(), np.bincount(scan_of, intensity, 200), rtol=1e-12)
+
+
+@pytest.mark.parametrize(
+    "fixture, sentence",
+    [
+        ("no-such-file", 'The file ".*no-such-file.cdf" doesn\'t exist.'),
+        ("not-netcdf", "isn't a netCDF file"),
+    ],
+)
+def test_unreadable_files(tmp_path, fixture, sentence):
+    if fixture == "not-netcdf":
+        (tmp_path / "not-netcdf.cdf").write_bytes(b"CDF\7nothing")
+    with pytest.raises(aiams.ReadError, match=sentence):
+        aiams.open(tmp_path / f"{fixture}.cdf")
+
+
+@pytest.mark.parametrize("name", ["ä日本.cdf".encode(), b"latin-\xe4.cdf", "-", "blank \n\".cdf"])
+def test_names(sample, tmp_path, monkeypatch, name):
+    monkeypatch.chdir(tmp_path)
+    with aiams.open(sample) as run:
+        aiams.write(name, run[:3])
+    with aiams.open(name) as copy:
+        assert len(copy) == 3 and copy.name == os.fsdecode(name)
+    assert os.listdir(os.fsencode(tmp_path)) == [os.fsencode(name)]
+
+
+def test_misuse_raises(sample):
+    run = aiams.open(sample)
+    for index in (200, -201, 2**40):
+        with pytest.raises(IndexError):
+            run[index]
+    with pytest.raises(TypeError):
+        run["0"]
+    with pytest.raises(TypeError):
+        aiams.open(None)
+    assert len(run.points(50, 10)[0]) == 0
+    scan = run[0]
+    run.close()
+    run.close()
+    assert len(scan.mz) > 0
+    for use in (len, list, lambda r: r.times, lambda r: r[0], lambda r: r.points(), lambda r: r.doubts):
+        with pytest.raises(aiams.ClosedError):
+            use(run)
+
+
+def test_threads_share_a_run(sample):
+    """Some read, one closes: each gets right numbers or ClosedError."""
+    run = aiams.open(sample)
+    expected, wrong = run.points(), []
+
+    def read():
+        try:
+            for _ in range(200):
+                found = run.points()
+                wrong.extend(1 for a, b in zip(found, expected) if not np.array_equal(a, b))
+        except aiams.ClosedError:
+            pass
+
+    threads = [threading.Thread(target=read) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    threads[0].join(0.2)
+    run.close()
+    for thread in threads:
+        thread.join(60)
+        assert not thread.is_alive()
+    assert not wrong
+
+
+def test_a_handler_of_a_signal_cannot_close_what_is_read(sample):
+    long, closed = make_sample(sample.with_name("long.cdf"), "--scans", 20000, "gcms"), []
+
+    def close(*_):
+        try:
+            run.close()
+            closed.append("before")
+        except aiams.ClosedError:
+            closed.append("meanwhile")
+
+    before = signal.signal(signal.SIGALRM, close)
+    for _ in range(50):
+        run = aiams.open(long)
+        signal.setitimer(signal.ITIMER_REAL, 0.001)
+        try:
+            assert len(run.points()[2]) == 20001
+        except aiams.ClosedError:
+            continue
+        if closed[-1:] == ["meanwhile"]:
+            break
+    signal.setitimer(signal.ITIMER_REAL, 0)
+    signal.signal(signal.SIGALRM, before)
+    assert closed[-1] == "meanwhile"
+
+
+def test_times_that_are_no_seconds_are_not_written_as_such(tmp_path):
+    with pytest.raises(aiams.WriteError, match="isn't in seconds"):
+        aiams.write(tmp_path / "copy.cdf", aiams.open(FIXTURES / "time-units.cdf"))
+
+
+def test_a_child_process_opens_its_own(sample):
+    run = aiams.open(sample)
+    child = os.fork()
+    if child == 0:
+        signal.alarm(60)
+        try:
+            list(run)
+        except aiams.ClosedError:
+            with aiams.open(sample) as own:
+                os._exit(0 if len(own) == 200 else 2)
+        os._exit(1)
+    assert os.waitpid(child, 0)[1] == 0
+
+
+@pytest.mark.parametrize("source", ["sample", "groups", "attributes", "library"])
+def test_written_again(sample, tmp_path, source):
+    options = {"sample": (), "groups": ("sim",), "attributes": (), "library": ("library",)}[source]
+    path = FIXTURES / "text-attributes.cdf" if source == "attributes" else sample
+    if options:
+        path = make_sample(tmp_path / "source.cdf", "--scans", 30, *options)
+    copy = tmp_path / "copy.cdf"
+    more = {"a_number": 7, "numbers": [1.5, 2.5], "a text": "ä日本"}
+    with aiams.open(path) as run:
+        attributes = {**run.attributes, **more}
+        aiams.write(
+            copy, run, instruments=run.instruments, groups=run.groups, library=run.library, **attributes
+        )
+        with aiams.open(copy) as again:
+            for old, new in zip(run.points(), again.points()):
+                assert old.dtype == new.dtype and np.array_equal(old, new)
+            assert np.array_equal(run.times, again.times, equal_nan=True)
+            assert run.instruments == again.instruments
+            assert list(map(repr, run.library)) == list(map(repr, again.library))
+            assert [list(group.masses) for group in run.groups] == [list(group.masses) for group in again.groups]
+            made_anew = {name for name in attributes if "revision" in name or "_format" in name}
+            lost = {
+                name: value
+                for name, value in attributes.items()
+                if name not in made_anew and again.attributes.get(name) != value
+            }
+            assert lost == {}
+
+
+@pytest.mark.parametrize(
+    "scans, sentence",
+    [
+        ([(1.0, [50.0], [1.0, 2.0])], "aren't two arrays of one length"),
+        ([(1.0, [50.0], [np.nan])], "infinite or no number"),
+        ([(1.0, [50.0], [9.969209968386869e36])], "infinite or no number"),
+        ([aiams.ScanData(1.0, [50.0], [1.0], numbers={"colour": 3})], '"colour" is no number'),
+    ],
+)
+def test_what_cannot_be_written_leaves_the_old_file(tmp_path, scans, sentence):
+    path = tmp_path / "old.cdf"
+    path.write_bytes(b"old")
+    with pytest.raises(aiams.WriteError, match="exists. With overwrite=True"):
+        aiams.write(path, scans)
+    with pytest.raises(aiams.WriteError, match=sentence):
+        aiams.write(path, scans, overwrite=True)
+    assert os.listdir(tmp_path) == ["old.cdf"] and path.read_bytes() == b"old"
+
+
+def test_messages_go_to_the_logger(caplog):
+    with caplog.at_level(logging.INFO, "aiams"):
+        aiams.open(FIXTURES / "no-attributes.cdf").close()
+    assert any("is missing from file" in record.getMessage() for record in caplog.records)
+    assert all("<b>" not in record.getMessage() for record in caplog.records)
+
+
+def test_pythons_lock_is_let_go_only_where_the_library_is_not_called(sample):
+    assert aiams.open(sample)._core.reads_alone
+    assert not aiams.open(FIXTURES / "groups-no-masses.cdf")._core.reads_alone

@@ -1,0 +1,118 @@
+#include "turn.h"
+
+#include "texts.h"
+
+#include "messageloggerinterface.h"
+#include "terminaltext.h"
+
+#include <QVector>
+
+#include <atomic>
+#include <mutex>
+#include <new>
+#include <pthread.h>
+#include <thread>
+
+namespace {
+
+constexpr int mostMessages = 1000; // of one turn, as a damaged file can make any number
+
+std::mutex mutex;
+std::atomic<std::thread::id> owner{};
+int depth = 0; // turns of the owner
+int leftOut = 0;
+
+struct Message {
+    MessageLoggerInterface::Level level;
+    QString text;
+};
+QVector<Message> messages; // of the owner's turns so far
+
+void keep(MessageLoggerInterface::Level level, const QString &text)
+{
+    if (level == MessageLoggerInterface::Level::Debug)
+        return;
+    if (messages.size() < mostMessages)
+        messages += {level, plainText(text)};
+    else
+        ++leftOut;
+}
+
+// A child process has only the thread that made it, which may not be the one whose turn it was.
+void startAnew()
+{
+    new (&mutex) std::mutex;
+    owner = std::thread::id();
+    depth = 0;
+}
+
+// What fails in the logger is no failure of the call.
+void deliver(const QVector<Message> &said, int others)
+{
+    py::error_scope kept; // a call that fails has set an error of its own
+    try {
+        const py::object log = py::module_::import("logging").attr("getLogger")("aiams");
+        for (const Message &message : said) {
+            const bool isError = message.level == MessageLoggerInterface::Level::Error;
+            log.attr(isError ? "warning" : "info")("%s", pythonText(message.text));
+        }
+        if (others > 0)
+            log.attr("warning")("%d more messages were left out.", others);
+    } catch (py::error_already_set &failure) {
+        failure.discard_as_unraisable("aiams");
+    }
+}
+
+} // namespace
+
+Turn::Turn()
+{
+    const std::thread::id self = std::this_thread::get_id();
+    if (owner != self) {
+        if (!mutex.try_lock()) {
+            const py::gil_scoped_release others;
+            mutex.lock();
+        }
+        owner = self;
+    }
+    ++depth;
+}
+
+Turn::~Turn()
+{
+    if (--depth > 0)
+        return;
+    const QVector<Message> said = std::exchange(messages, {});
+    const int others = std::exchange(leftOut, 0);
+    owner = std::thread::id();
+    mutex.unlock();
+    if (!said.isEmpty())
+        deliver(said, others);
+}
+
+Unlocked::Unlocked(bool allowed) : state(allowed ? PyEval_SaveThread() : nullptr)
+{
+}
+
+Unlocked::~Unlocked()
+{
+    if (state)
+        PyEval_RestoreThread(state);
+}
+
+void Unlocked::checkSignals()
+{
+    const bool wasUnlocked = state != nullptr;
+    if (wasUnlocked)
+        PyEval_RestoreThread(std::exchange(state, nullptr));
+    if (PyErr_CheckSignals() != 0)
+        throw py::error_already_set();
+    if (wasUnlocked)
+        state = PyEval_SaveThread();
+}
+
+void prepareTurns()
+{
+    pthread_atfork(nullptr, nullptr, startAnew);
+    MessageLoggerInterface::setReceiver(keep);
+}
