@@ -1,0 +1,78 @@
+"""How an archive job grows with the workers: tasks over a few large samples, on one worker and on two.
+
+python3 archive.py BUILD-FOLDER [TASKS] prints throughputs, and that each task was done once, also where a
+worker is killed in the middle.
+"""
+
+import collections
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import time
+
+build = pathlib.Path(sys.argv[1]).resolve()
+tasks = int(sys.argv[2]) if len(sys.argv) > 2 else 1000
+os.environ["PYTHONPATH"] = str(build / "lib/python3/dist-packages")
+sys.path.insert(0, os.environ["PYTHONPATH"])
+
+import dask  # noqa: E402
+from dask.distributed import Client, LocalCluster  # noqa: E402
+
+
+def work(number, path, leave):
+    """Reads a run whole, and again until 100 ms of the processor's time are over."""
+    import aiams
+
+    if leave and number == leave[0]:
+        try:
+            os.close(os.open(leave[1], os.O_CREAT | os.O_EXCL))
+            os.kill(os.getpid(), signal.SIGKILL)
+        except FileExistsError:
+            pass
+    start = time.process_time()
+    while time.process_time() - start < 0.1:
+        with aiams.open(path) as run:
+            points = len(run.points()[0])
+    return number, points
+
+
+def run(workers, paths, leave=None):
+    with LocalCluster(workers, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+        with Client(cluster, timeout=300) as client:
+            client.submit(work, -1, paths[0], None).result()  # imports
+            start = time.perf_counter()
+            futures = [
+                client.submit(work, i, paths[i % len(paths)], leave, pure=False) for i in range(tasks)
+            ]
+            done = client.gather(futures)
+            seconds = time.perf_counter() - start
+    counts = collections.Counter(number for number, _ in done)
+    assert sorted(counts) == list(range(tasks)) and set(counts.values()) == {1}
+    assert all(points > 0 for _, points in done)
+    return tasks / seconds
+
+
+def main():
+    dask.config.set({"distributed.comm.timeouts.connect": "300s"})
+    folder = build / "bench" / "files"
+    folder.mkdir(parents=True, exist_ok=True)
+    paths = []
+    for seed in (1, 2, 3):
+        path = folder / f"large-{seed}.cdf"
+        if not path.exists():
+            options = ["--scans", "20000", "--points", "250", "--seed", str(seed), "gcms"]
+            subprocess.run([build / "bin/aia-sample", *options, path], check=True)
+        paths.append(str(path))
+    marker = folder / "killed"
+    marker.unlink(missing_ok=True)
+    one, two = run(1, paths), run(2, paths)
+    killed = run(2, paths, (tasks // 2, str(marker)))
+    assert marker.exists()
+    for what, rate in (("1 worker", one), ("2 workers", two), ("2 workers, one killed", killed)):
+        print(f"{what:<24} {rate:6.1f} tasks/s  x {rate / one:.2f}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,329 @@
+"""Archives of many runs, on Dask.
+
+    from aiams import archive
+
+    scans = archive.scans("archive/**/*.cdf")     # a Dask data frame: nothing is read yet
+    print(scans.groupby("file").tic.max().compute())
+    print(archive.report("archive/**/*.cdf").query("error != ''").compute())
+
+Each function takes a pattern, one path, or a list of both; `**` goes through folders. All tables know their
+columns without reading. What is computed runs wherever Dask is told to: in threads or processes of this
+machine, or on a cluster that a `distributed.Client` is connected to, whose workers have to see the files by
+the same paths. A worker that is killed is restarted there, and its tasks are done anew.
+
+A file that can't be read has no rows in `scans` and `points` and ends nothing: `report` says why.
+"""
+
+from __future__ import annotations
+
+import argparse
+import datetime
+import glob
+import os
+import pathlib
+import shutil
+import subprocess
+from collections.abc import Callable, Iterable
+
+import dask
+import dask.dataframe as dd
+import numpy as np
+import pandas as pd
+
+from .errors import Error
+from .run import Run
+
+Paths = str | os.PathLike | Iterable[str | os.PathLike]
+
+_SCANS = {"file": "object", "scan": "int32", "time": "float64", "tic": "float64", "points": "int64"}
+_POINTS = {"file": "object", "scan": "int32", "time": "float64", "mz": "float64", "intensity": "float64"}
+_REPORT = {
+    "file": "object",
+    "error": "object",  # a sentence, or nothing
+    "kind": "object",
+    "scans": "int64",
+    "points": "int64",
+    "unread": "int64",  # scans that can't be read
+    "losses": "int64",  # doubts that lose something
+    "doubts": "object",  # codes, with blanks between them
+}
+_DONE = {"file": "object", "output": "object", "error": "object"}
+
+# What most ask for; each is a text.
+ATTRIBUTES = (
+    "experiment_title",
+    "experiment_date_time_stamp",
+    "experiment_type",
+    "operator_name",
+    "sample_internal_id",
+    "test_separation_type",
+    "test_ionization_mode",
+    "test_ionization_polarity",
+    "test_scan_function",
+    "source_file_reference",
+    "source_file_format",
+)
+
+
+def files(paths: Paths) -> list[str]:
+    """Returns the files that are meant, sorted and each once. A path without a match stays: `report` tells."""
+    if isinstance(paths, (str, os.PathLike)):
+        paths = [paths]
+    found: set[str] = set()
+    for path in map(os.fspath, paths):
+        matches = [path] if os.path.lexists(path) else glob.glob(path, recursive=True)
+        found.update(matches or [path])
+    return sorted(found)
+
+
+def scans(paths: Paths) -> dd.DataFrame:
+    """Returns a row for each scan: file, scan, time (s), tic, points. One partition a file."""
+    return _table(_scans_of, paths, _SCANS)
+
+
+def points(paths: Paths, scans_per_partition: int | None = None) -> dd.DataFrame:
+    """Returns a row for each point: file, scan, time (s), mz, intensity.
+
+    One partition a file, or one for so many scans of each: files are then opened to count their scans. A
+    point takes 36 bytes and the file's name.
+    """
+    named = files(paths)
+    if scans_per_partition is None:
+        return _table(_points_of, [(name, 0, None) for name in named], _POINTS)
+    if scans_per_partition < 1:
+        raise ValueError("A partition has one scan at least.")
+    counts = dask.compute(*[dask.delayed(_count_scans)(name) for name in named])
+    parts = [
+        (name, first, min(first + scans_per_partition, count))
+        for name, count in zip(named, counts)
+        for first in range(0, max(count, 1), scans_per_partition)
+    ]
+    return _table(_points_of, parts, _POINTS)
+
+
+def attributes(paths: Paths, names: Iterable[str] = ATTRIBUTES) -> dd.DataFrame:
+    """Returns a row for each run: file, and the global attributes of those names as texts, None for none."""
+    names = list(names)
+    return _table(_attributes_of, paths, {"file": "object", **dict.fromkeys(names, "object")}, names)
+
+
+def report(paths: Paths) -> dd.DataFrame:
+    """Returns a row for each file, readable or not.
+
+    file; error, a sentence where the file can't be read, else ""; kind; scans; points; unread (scans that
+    can't be read); losses (doubts that lose something); doubts (their codes). Reads all points.
+    """
+    return _table(_report_of, paths, _REPORT)
+
+
+def store(paths: Paths, folder: str | os.PathLike, format: str = "zarr", overwrite: bool = False) -> dd.DataFrame:
+    """Stores each run as columns for other engines, and returns a row for each file: file, output, error.
+
+    `format` is "zarr" or "netcdf" (the data set of `Run.to_xarray`), or "csv" (the rows of `points`). Outputs
+    are named after their files, of which no two may have the same name, and are made beside their places and
+    moved there when they are whole. One that exists is kept, with an error, unless `overwrite` is set.
+    """
+    if format not in _WRITERS:
+        raise ValueError(f"There is no format {format!r}; it is one of {', '.join(_WRITERS)}.")
+    return _table(_store, _outputs(paths, folder, _suffix(format)), _DONE, format, overwrite)
+
+
+def convert(
+    paths: Paths,
+    folder: str | os.PathLike,
+    suffix: str = "mzML",
+    options: Iterable[str] = (),
+    program: str = "aia-convert",
+) -> dd.DataFrame:
+    """Converts each file with aia-convert, and returns a row for each: file, output, error.
+
+    The output's kind follows from `suffix`: mzML, csv, msp or cdf. `program` has to be there on each worker;
+    `options` are its own, such as "--force". A file that fails has the program's sentences as its error.
+    """
+    return _table(_convert, _outputs(paths, folder, suffix), _DONE, list(options), program)
+
+
+def _table(make: Callable, items, columns: dict[str, str], *arguments) -> dd.DataFrame:
+    """A data frame with one partition for each item, or file; an empty one for none."""
+    meta = _frame(columns)
+    items = list(items) if isinstance(items, list) else files(items)
+    if not items:
+        return dd.from_pandas(meta, npartitions=1)
+    return dd.from_map(make, items, *[[argument] * len(items) for argument in arguments], meta=meta)
+
+
+def _frame(columns: dict[str, str], **values) -> pd.DataFrame:
+    return pd.DataFrame({name: pd.Series(values.get(name, []), dtype=kind) for name, kind in columns.items()})
+
+
+def _names(name: str, count: int) -> np.ndarray:
+    return np.full(count, name, object)
+
+
+def _scans_of(name: str) -> pd.DataFrame:
+    try:
+        with Run(name) as run:
+            counts = np.diff(run.points()[2])
+            return _frame(
+                _SCANS,
+                file=_names(name, len(run)),
+                scan=np.arange(len(run)),
+                time=run.times,
+                tic=run.tic,
+                points=counts,
+            )
+    except (Error, MemoryError):
+        return _frame(_SCANS)
+
+
+def _points_of(part: tuple[str, int, int | None]) -> pd.DataFrame:
+    name, first, end = part
+    try:
+        with Run(name) as run:
+            mz, intensity, offsets = run.points(first, end)
+            counts = np.diff(offsets)
+            numbers = np.arange(first, first + len(counts))
+            return _frame(
+                _POINTS,
+                file=_names(name, len(mz)),
+                scan=np.repeat(numbers, counts),
+                time=np.repeat(run.times[first : first + len(counts)], counts),
+                mz=mz,
+                intensity=intensity,
+            )
+    except (Error, MemoryError):
+        return _frame(_POINTS)
+
+
+def _count_scans(name: str) -> int:
+    try:
+        with Run(name) as run:
+            return len(run)
+    except (Error, MemoryError):
+        return 0
+
+
+def _attributes_of(name: str, names: list[str]) -> pd.DataFrame:
+    columns = {"file": "object", **dict.fromkeys(names, "object")}
+    try:
+        with Run(name) as run:
+            found = run.attributes
+    except (Error, MemoryError):
+        return _frame(columns)
+    texts = {one: [None if found.get(one) is None else str(found[one])] for one in names}
+    return _frame(columns, **{**texts, "file": [name]})
+
+
+def _report_of(name: str) -> pd.DataFrame:
+    row = dict(file=name, error="", kind="", scans=0, points=0, unread=0, losses=0, doubts="")
+    try:
+        with Run(name) as run:
+            row.update(kind=run.kind, scans=len(run))
+            row["points"] = sum(map(len, run))  # one by one, as any file can be read
+            doubts = run.doubts
+            unread = [doubt.count for doubt in doubts if doubt.code == "unreadable-scans"]
+            row.update(
+                unread=sum(unread),
+                losses=sum(doubt.is_loss for doubt in doubts),
+                doubts=" ".join(doubt.code for doubt in doubts),
+            )
+    except (Error, MemoryError) as failure:
+        row["error"] = str(failure) or "The memory doesn't suffice."
+    return _frame(_REPORT, **{column: [value] for column, value in row.items()})
+
+
+def _outputs(paths: Paths, folder: str | os.PathLike, suffix: str) -> list[tuple[str, str]]:
+    pairs = [
+        (name, os.path.join(os.fspath(folder), f"{pathlib.PurePath(name).stem}.{suffix}")) for name in files(paths)
+    ]
+    taken: dict[str, str] = {}
+    for name, output in pairs:
+        other = taken.setdefault(output, name)
+        if other != name:
+            raise ValueError(f"{other!r} and {name!r} would both become {output!r}.")
+    os.makedirs(folder, exist_ok=True)
+    return pairs
+
+
+def _suffix(format: str) -> str:
+    return {"netcdf": "nc"}.get(format, format)
+
+
+def _store_zarr(run: Run, path: str) -> None:
+    run.to_xarray().to_zarr(path, mode="w")
+
+
+def _store_netcdf(run: Run, path: str) -> None:
+    run.to_xarray().to_netcdf(path)
+
+
+def _store_csv(run: Run, path: str) -> None:
+    run.to_dataframe().to_csv(path, index=False)
+
+
+_WRITERS = {"zarr": _store_zarr, "netcdf": _store_netcdf, "csv": _store_csv}
+
+
+def _store(pair: tuple[str, str], format: str, overwrite: bool) -> pd.DataFrame:
+    name, output = pair
+    part = f"{output}.{os.getpid()}.{datetime.datetime.now():%H%M%S%f}.part"
+    error = ""
+    try:
+        if os.path.lexists(output) and not overwrite:
+            raise FileExistsError(f'"{output}" exists. With overwrite=True it is written over.')
+        with Run(name) as run:
+            _WRITERS[format](run, part)
+        if os.path.isdir(output):
+            shutil.rmtree(output)
+        os.replace(part, output)
+    except (Error, MemoryError, OSError, ValueError) as failure:
+        error = str(failure) or "The memory doesn't suffice."
+    finally:
+        if os.path.isdir(part):
+            shutil.rmtree(part)
+        elif os.path.exists(part):
+            os.remove(part)
+    return _frame(_DONE, file=[name], output=["" if error else output], error=[error])
+
+
+def _convert(pair: tuple[str, str], options: list[str], program: str) -> pd.DataFrame:
+    name, output = pair
+    try:
+        done = subprocess.run(
+            [program, *options, "-o", os.path.abspath(output), "--", os.path.abspath(name)],
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            errors="replace",
+        )
+        error = "" if done.returncode == 0 else done.stderr.strip() or f"{program} ended with {done.returncode}."
+    except OSError as failure:
+        error = f"{program} can't be started: {failure}."
+    return _frame(_DONE, file=[name], output=["" if error else output], error=[error])
+
+
+def main(arguments: list[str] | None = None) -> int:
+    """Stores one part of an archive: for schedulers that start a program many times, such as Slurm's arrays."""
+    parser = argparse.ArgumentParser(prog="python3 -m aiams.archive", description=main.__doc__)
+    parser.add_argument("folder", help="where the outputs go, and part-I-of-N.csv: file, output, error")
+    parser.add_argument("paths", nargs="+", help="files, or patterns in quotes; they have to be the same for each part")
+    parser.add_argument("--format", choices=list(_WRITERS), default="zarr")
+    parser.add_argument("--part", default="0/1", metavar="I/N", help="take files I, I + N, I + 2 N... (default 0/1)")
+    parser.add_argument("--overwrite", action="store_true", help="write over outputs that exist")
+    given = parser.parse_args(arguments)
+    try:
+        part, parts = map(int, given.part.split("/"))
+    except ValueError:
+        part, parts = 0, 0
+    if not 0 <= part < parts:
+        parser.error("--part wants I/N, with I from 0 to N - 1.")
+    # All files take part in the choice of names, so that no two parts write the same output.
+    pairs = _outputs(given.paths, given.folder, _suffix(given.format))[part::parts]
+    rows = [_store(pair, given.format, given.overwrite) for pair in pairs]
+    done = pd.concat([_frame(_DONE), *rows])
+    done.to_csv(os.path.join(given.folder, f"part-{part}-of-{parts}.csv"), index=False)
+    return 1 if (done.error != "").any() else 0
+
+
+if __name__ == "__main__":
+    raise SystemExit(main())

@@ -1,0 +1,145 @@
+"""Archives on Dask: all runs count once, whatever happens to files and workers."""
+
+import os
+import signal
+
+import dask
+import numpy as np
+import pandas as pd
+import pytest
+import xarray
+from conftest import make_sample
+from dask.distributed import Client, LocalCluster
+
+import aiams
+from aiams import archive
+
+RUNS = 12
+
+
+@pytest.fixture(scope="module")
+def folder(tmp_path_factory):
+    """Runs of 5, 6, 7... scans, one of which has lost its end, and two files that are none."""
+    folder = tmp_path_factory.mktemp("archive")
+    for i in range(RUNS):
+        make_sample(folder / f"run-{i:02}.cdf", "--scans", 5 + i, "--seed", i + 1, "gcms")
+    whole = (folder / "run-03.cdf").read_bytes()
+    (folder / "run-03.cdf").write_bytes(whole[: len(whole) - 300])
+    (folder / "text.cdf").write_text("no run")
+    (folder / "empty.cdf").touch()
+    return folder
+
+
+def check_counts(scans, report, folder):
+    counts = scans.groupby("file").scan.agg(["count", "nunique"])
+    assert list(counts["count"]) == list(counts["nunique"]) == [5 + i for i in range(RUNS)]
+    assert sorted(report.file) == sorted(map(str, folder.glob("*.cdf")))
+    failed = report[report.error != ""]
+    assert [os.path.basename(name) for name in failed.file] == ["empty.cdf", "text.cdf"]
+    assert failed.error.iloc[0].endswith('empty.cdf" is empty.')
+    lossy = report[report.losses > 0]
+    assert [os.path.basename(name) for name in lossy.file] == ["run-03.cdf"]
+    assert "cut-off" in lossy.doubts.iloc[0] and lossy.unread.iloc[0] > 0
+
+
+@pytest.mark.parametrize("scheduler", ["threads", "processes"])
+def test_on_one_machine(folder, scheduler):
+    with dask.config.set(scheduler=scheduler, num_workers=2):
+        check_counts(archive.scans(folder / "*.cdf").compute(), archive.report(f"{folder}/*.cdf").compute(), folder)
+        points = archive.points(folder / "run-0[01].cdf", scans_per_partition=2)
+        assert points.npartitions == 3 + 3
+        found = points.compute()
+        for i, name in enumerate(sorted(folder.glob("run-0[01].cdf"))):
+            expected = aiams.open(name).to_dataframe()
+            of_run = found[found.file == str(name)].reset_index(drop=True)
+            pd.testing.assert_frame_equal(of_run.drop(columns="file"), expected, check_dtype=False)
+
+
+def test_tables_know_their_columns_without_reading():
+    for make in (archive.scans, archive.points, archive.attributes, archive.report):
+        for paths in ([], ["no-such-file.cdf"]):
+            table = make(paths)
+            found = table.compute()
+            assert dict(found.dtypes) == dict(table.dtypes)
+    assert "doesn't exist" in archive.report(["no-such-file.cdf"]).compute().error[0]
+
+
+def die_once(name, marker):
+    """Ends the worker's process, the first time."""
+    try:
+        os.close(os.open(marker, os.O_CREAT | os.O_EXCL))
+    except FileExistsError:
+        return
+    os.kill(os.getpid(), signal.SIGKILL)
+
+
+def test_a_killed_worker_loses_and_doubles_nothing(folder, tmp_path):
+    marker = str(tmp_path / "killed")
+    victim = str(folder / "run-05.cdf")
+
+    def scans_and_kill(part):
+        if (part.file == victim).any():
+            die_once(victim, marker)
+        return part
+
+    patience = {"distributed.comm.timeouts.connect": "300s", "distributed.comm.timeouts.tcp": "300s"}
+    with dask.config.set(patience):
+        with LocalCluster(2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+            with Client(cluster, timeout=300) as client:
+                before = set(client.run(os.getpid).values())
+                scans = archive.scans(folder / "*.cdf").map_partitions(scans_and_kill).compute()
+                report = archive.report(folder / "*.cdf").compute()
+                client.wait_for_workers(2, timeout=300)
+                after = set(client.run(os.getpid).values())
+    assert os.path.exists(marker) and len(before) == len(after) == 2 and len(before & after) == 1
+    check_counts(scans, report, folder)
+
+
+@pytest.mark.parametrize("format", ["zarr", "netcdf", "csv"])
+def test_columns_for_other_engines(folder, tmp_path, format):
+    paths = [folder / "run-00.cdf", folder / "text.cdf"]
+    done = archive.store(paths, tmp_path, format).compute().reset_index()
+    assert done.error[0] == "" and "isn't a netCDF file" in done.error[1]
+    with aiams.open(paths[0]) as run:
+        mz, intensity, offsets = run.points()
+        if format == "csv":
+            found = pd.read_csv(done.output[0])
+        else:
+            found = xarray.open_dataset(done.output[0], engine={"netcdf": "netcdf4"}.get(format, format))
+            assert np.array_equal(found.row_size, np.diff(offsets))
+            assert found.attrs["experiment_title"] == run.attributes["experiment_title"]
+            assert np.array_equal(found.time, run.times)
+        assert np.array_equal(np.asarray(found.mz, mz.dtype), mz)
+        assert np.array_equal(np.asarray(found.intensity, intensity.dtype), intensity)
+    assert os.listdir(tmp_path) == [os.path.basename(done.output[0])]
+    again = archive.store(paths[:1], tmp_path, format).compute()
+    assert "exists" in again.error[0]
+    assert archive.store(paths[:1], tmp_path, format, overwrite=True).compute().error[0] == ""
+
+
+def test_conversion_of_an_archive(folder, tmp_path):
+    program = os.path.join(os.environ["AIA_BIN"], "aia-convert")
+    if not os.path.exists(program):
+        pytest.skip("aia-convert isn't built")
+    paths = [folder / "run-00.cdf", folder / "text.cdf"]
+    done = archive.convert(paths, tmp_path, "csv", program=program).compute().reset_index()
+    assert done.error[0] == "" and "text.cdf" in done.error[1] and os.listdir(tmp_path) == ["run-00.csv"]
+    with pytest.raises(ValueError, match="would both become"):
+        archive.convert([folder / "run-00.cdf", tmp_path / "run-00.cdf"], tmp_path)
+    gone = archive.convert(paths[:1], tmp_path, "csv", program="no-such-program").compute()
+    assert "can't be started" in gone.error[0]
+
+
+def test_attributes(folder):
+    table = archive.attributes(folder / "*.cdf", ["experiment_title", "no_such"]).compute()
+    assert len(table) == RUNS and table.no_such.isna().all() and table.experiment_title.notna().all()
+
+
+def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path):
+    for part in range(3):
+        archive.main([str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part", f"{part}/3"])
+    tables = [pd.read_csv(path, keep_default_na=False) for path in tmp_path.glob("part-*-of-3.csv")]
+    done = pd.concat(tables)
+    assert sorted(done.file) == sorted(map(str, folder.glob("*.cdf")))
+    assert sorted(done.output[done.error == ""]) == sorted(map(str, tmp_path.glob("run-*.csv")))
+    assert (done.error != "").sum() == 2
