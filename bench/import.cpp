@@ -6,6 +6,7 @@
 #include "dvimportreceiver.h"
 #include "messageloggerinterface.h"
 #include "msfile.h"
+#include "msrun.h"
 
 #include <QPluginLoader>
 #include <QtEndian>
@@ -67,6 +68,24 @@ void importRun(benchmark::State &state, const BenchRun &run)
             || receiver.points != long(run.scans) * run.points)
             state.SkipWithError("not imported in full");
         benchmark::DoNotOptimize(receiver.sum);
+    }
+    setCounters(state, run);
+}
+
+// All spectra of a run.
+void spectraOfRun(benchmark::State &state, const BenchRun &run)
+{
+    const QString path = QString::fromStdString(benchFile(run));
+    for (auto _ : state) {
+        const MsRun opened(path);
+        long points = 0;
+        for (const MsSpectrum &spectrum : opened) {
+            points += spectrum.size();
+            benchmark::DoNotOptimize(spectrum.masses());
+            benchmark::DoNotOptimize(spectrum.intensities());
+        }
+        if (points != long(run.scans) * run.points)
+            state.SkipWithError("not read in full");
     }
     setCounters(state, run);
 }
@@ -170,6 +189,8 @@ int main(int argc, char **argv)
         benchmark::RegisterBenchmark(("floor/" + name).c_str(), floorOfRun, run)
             ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark(("limit/" + name).c_str(), limitOfRun, run)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("spectra/" + name).c_str(), spectraOfRun, run)
             ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark(("import/" + name).c_str(), importRun, run)
             ->Unit(benchmark::kMillisecond);

@@ -6,7 +6,8 @@
 #include "messageloggerinterface.h"
 #include "msfile.h"
 #include "mslook.h"
-#include "runlimit.h"
+#include "msrun.h"
+#include "msrunlimit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -135,6 +136,41 @@ void readWithToolkit(const QString &path)
     infoJson(info.report);
 }
 
+void readWithJudgement(const QString &path)
+{
+    const MsRun run(path);
+    require(run.isOpen() == run.error().isNull());
+    for (qint32 number = -1; number < std::min(run.size(), most) + 1; ++number) {
+        const MsSpectrum scan = run.spectrum(number);
+        require(scan.isRead() ? scan.size() >= 0 : scan.size() == 0);
+        const double *masses = scan.masses();
+        const double *intensities = scan.intensities();
+        double sum = 0.0;
+        for (qint32 i = 0; i < scan.size(); ++i) {
+            require(!std::isnan(masses[i]) && !std::isnan(intensities[i]));
+            sum += intensities[i];
+        }
+        require(!scan.isRead() || sum == scan.summedTotal() || std::isnan(scan.summedTotal())
+                || std::isnan(sum));
+        run.compound(number);
+    }
+    run.spectrum(run.size() - 1);
+    run.doubts();
+    run.instruments();
+    run.groups();
+    // Numbers of more scans take time, and are read the same way.
+    constexpr qint32 few = 1 << 12;
+    if (run.size() > few)
+        return;
+    const std::vector<double> times = run.times();
+    run.scanAt(times.empty() ? 0.0 : times.back());
+    run.extractedTraces({{0.0, 100.0}});
+    const MsPeaks peaks = run.averaged({-1e300, 1e300}, 0.5);
+    require(peaks.masses.size() == peaks.intensities.size()
+            && std::is_sorted(peaks.masses.begin(), peaks.masses.end()));
+    run.modulation();
+}
+
 } // namespace
 
 // The fuzzer's process is one that may die, so no other has to look at a file first.
@@ -163,4 +199,5 @@ void followRoad(const QString &path)
     MessageLoggerInterface::setReceiver([](MessageLoggerInterface::Level, const QString &) {});
     importFile(path);
     readWithToolkit(path);
+    readWithJudgement(path);
 }

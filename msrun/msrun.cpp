@@ -1,5 +1,6 @@
 #include "msrun.h"
 
+#include "heldmessages_p.h"
 #include "msfile.h"
 #include "msinput.h"
 #include "msrunlimit.h"
@@ -7,8 +8,6 @@
 #include "peaksum_p.h"
 #include "scanplaces_p.h"
 #include "scantimes_p.h"
-
-#include "messageloggerinterface.h"
 
 #include <QFileInfo>
 
@@ -20,42 +19,7 @@
 namespace {
 
 constexpr qint32 mostListed = 10000; // components and groups
-
-// Holds the toolkit's messages back for as long as the object lives, and sends them on at its end, but
-// for errors that were taken.
-class HeldMessages
-{
-public:
-    HeldMessages()
-        : previous_(MessageLoggerInterface::setReceiver(
-            [this](MessageLoggerInterface::Level level, const QString &text) {
-                (level == MessageLoggerInterface::Level::Error ? errors_ : warnings_) += text;
-            }))
-    {
-    }
-    ~HeldMessages()
-    {
-        MessageLoggerInterface::setReceiver(std::move(previous_));
-        for (const QString &text : qAsConst(warnings_))
-            MessageLoggerInterface::Warning(text, nullptr);
-        for (const QString &text : qAsConst(errors_))
-            MessageLoggerInterface::Error(text, nullptr);
-    }
-
-    // Returns the errors as a text without mark-up; empty for none.
-    QString takeErrors()
-    {
-        QString text = std::exchange(errors_, QStringList()).join(QLatin1String("; "));
-        return text.remove(QLatin1String("<b>")).remove(QLatin1String("</b>"));
-    }
-
-private:
-    Q_DISABLE_COPY(HeldMessages)
-
-    MessageLoggerInterface::Receiver previous_;
-    QStringList warnings_;
-    QStringList errors_;
-};
+constexpr qint32 mostGroupMasses = 1 << 20;
 
 QString withFullStop(const QString &sentence)
 {
@@ -67,7 +31,8 @@ double factorOf(double stored, bool *isIgnored)
 {
     if (stored == MsMissingDouble)
         return 1.0;
-    const bool isFactor = isKnown(stored) && stored != 0.0;
+    constexpr double largest = 1e30;
+    const bool isFactor = std::abs(stored) <= largest && std::abs(stored) >= 1.0 / largest;
     *isIgnored = *isIgnored || !isFactor;
     return isFactor ? stored : 1.0;
 }
@@ -180,7 +145,7 @@ QString MsRun::Private::fault(const MsRunOptions &options)
     times.emplace(file, globals, size, found);
     if (kind != Kind::Trace) {
         places.emplace(file, size, found);
-        if (places->points() > RunLimit::mostPoints(file, bytes))
+        if (places->points() > mostPointsOf(file, bytes))
             return refusal(QStringLiteral("its scans have more points than the file can hold"));
     }
     return QString();
@@ -192,7 +157,7 @@ void MsRun::Private::judgeScales()
     scales.mass = factorOf(raw.mass_scale_factor, &hasIgnoredFactor);
     scales.intensity = factorOf(raw.intensity_scale_factor, &hasIgnoredFactor);
     scales.offset = raw.intensity_add_offset == MsMissingDouble ? 0.0 : raw.intensity_add_offset;
-    if (!isKnown(scales.offset)) {
+    if (!(std::abs(scales.offset) < NC_FILL_DOUBLE)) {
         scales.offset = 0.0;
         hasIgnoredFactor = true;
     }
@@ -202,20 +167,20 @@ MsSpectrum MsRun::Private::spectrum(qint32 index)
 {
     if (index < 0 || index >= size)
         return MsSpectrum();
-    MsScan scan;
     QString failure;
     if (places) {
-        scan = places->read(index, &failure);
-    } else {
-        const MsScanHeader header = file.scanHeader(index);
-        static_cast<MsScanRecord &>(scan) = header;
-        scan.point_count = 0;
-        scan.flag_count = 0;
-        if (!header.isRead())
-            failure = QStringLiteral("its numbers can't be read");
+        MsScan scan = places->read(index, &failure);
+        const double time = times->of(scan);
+        return MsSpectrum(std::move(scan), scales, time, failure);
     }
-    const double time = times->of(scan);
-    return MsSpectrum(std::move(scan), scales, time, failure);
+    MsScan scan; // without points
+    const MsScanHeader header = file.scanHeader(index);
+    static_cast<MsScanRecord &>(scan) = header;
+    scan.point_count = 0;
+    scan.flag_count = 0;
+    if (!header.isRead())
+        failure = QStringLiteral("its numbers can't be read");
+    return MsSpectrum(std::move(scan), scales, times->of(header), failure);
 }
 
 QList<MsDoubt> MsRun::Private::ownDoubts() const
@@ -443,41 +408,9 @@ MsPeaks MsRun::averaged(const MsInterval &times, double width, const Progress &p
 
 MsCompound MsRun::compound(qint32 index) const
 {
-    MsCompound compound;
     if (kind() != Kind::Library || index < 0 || index >= size())
-        return compound;
-    const MsLibraryEntry entry = d->file.entry(index);
-    const auto number = [](qint32 stored) { return isKnown(stored) ? stored : -1; };
-    compound.casName = textOf(entry.CAS_name);
-    compound.name = textOf(entry.entry_name);
-    if (compound.name.isNull())
-        compound.name = compound.casName;
-    for (const char *other :
-         {entry.other_name_0, entry.other_name_1, entry.other_name_2, entry.other_name_3})
-        compound.otherNames += textOf(other);
-    compound.otherNames.removeAll(QString());
-    compound.id = textOf(entry.entry_id);
-    compound.number = number(entry.entry_number);
-    compound.formula = textOf(entry.chemical_formula);
-    compound.casNumber = number(entry.CAS_number);
-    compound.smiles = textOf(entry.smiles);
-    compound.wiswesser = textOf(entry.wiswesser);
-    compound.source = textOf(entry.source_data_file_reference);
-    compound.molfile = textOf(entry.molfile_reference);
-    compound.structure = textOf(entry.other_structure);
-    compound.information = textOf(entry.entry_other_information);
-    compound.retentionIndex = known(entry.retention_index);
-    compound.retentionType = textOf(entry.retention_type);
-    compound.absoluteRetention = known(entry.absolute_retention);
-    compound.relativeRetention = known(entry.relative_retention);
-    compound.retentionReference = textOf(entry.retention_reference_name);
-    compound.retentionReferenceNumber = number(entry.retention_reference_CAS);
-    compound.meltingPoint = known(double(entry.melting_point));
-    compound.boilingPoint = known(double(entry.boiling_point));
-    compound.chemicalMass = known(entry.chemical_mass);
-    compound.nominalMass = number(entry.nominal_mass);
-    compound.accurateMass = known(entry.accurate_mass);
-    return compound;
+        return MsCompound();
+    return MsCompound(d->file.entry(index));
 }
 
 std::vector<MsInstrument> MsRun::instruments() const
@@ -491,7 +424,10 @@ std::vector<MsInstrument> MsRun::instruments() const
 std::vector<MsGroup> MsRun::groups() const
 {
     std::vector<MsGroup> groups;
-    for (qint32 i = 0; i < std::min(d->file.groupCount(), mostListed); ++i)
+    const qint32 count = std::min(d->file.groupCount(), mostListed); // looks for them
+    const MsFileRecord *record = d->file.record();
+    const qint32 width = record ? std::max(record->dimensions[MsDim_group_max_masses].size, 1) : 1;
+    for (qint32 i = 0; i < std::min(count, std::max(mostGroupMasses / width, 1)); ++i)
         groups.push_back(d->file.group(i));
     return groups;
 }

@@ -32,6 +32,7 @@
 #ifndef MSRUN_H
 #define MSRUN_H
 
+#include "mscompound.h"
 #include "msdoubts.h"
 #include "msmodulation.h"
 #include "msrunfacts.h"
@@ -163,8 +164,8 @@ public:
     // Returns the compound of an entry; an empty one where the run isn't a library.
     MsCompound compound(qint32 index) const;
 
-    // Return the components of the instrument and the groups of monitored masses: the first 10,000, as a
-    // file can claim any number.
+    // Return the components of the instrument and the groups of monitored masses: the first 10,000 of
+    // them, and of groups no more than have a million masses, as a file can claim any number.
     std::vector<MsInstrument> instruments() const;
     std::vector<MsGroup> groups() const;
 

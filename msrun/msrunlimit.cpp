@@ -1,50 +1,9 @@
 #include "msrunlimit.h"
 
-#include "msfile.h"
-
-#include <algorithm>
-
-namespace {
-
-// A real file's scans overlap here and there; none uses its points nearly as often as this.
-constexpr qint64 mostUses = 100;
-
-// What any file may have, whatever its length.
-constexpr qint64 leastPoints = 1 << 24;
-constexpr qint64 leastEmpty = 1 << 20;
-
-// A sparse file can be so long that the numbers below would overflow.
-constexpr qint64 longest = qint64(1) << 50;
-
-bool isClassic(const MsFile &file)
+void RunLimit::start(const MsFile &file, qint64 bytes)
 {
-    int kind = 0;
-    return nc_inq_format(file.id(), &kind) == NC_NOERR
-        && (kind == NC_FORMAT_CLASSIC || kind == NC_FORMAT_64BIT_OFFSET || kind == NC_FORMAT_64BIT_DATA);
-}
-
-// Returns how many points a classic file can hold. A header can claim any number, but each takes a byte.
-qint64 pointsOf(const MsFile &file, qint64 bytes)
-{
-    const MsDimension &points = file.record()->dimensions[MsDim_point_number];
-    return points.id == -1 ? bytes : std::min<qint64>(points.size, bytes);
-}
-
-} // namespace
-
-qint64 RunLimit::mostPoints(const MsFile &file, qint64 length)
-{
-    const qint64 bytes = std::min(length, longest);
-    // A file of a newer kind may be packed.
-    return leastPoints + (isClassic(file) ? mostUses * pointsOf(file, bytes) : MsTightestPacking * bytes);
-}
-
-void RunLimit::start(const MsFile &file, qint64 length)
-{
-    const qint64 bytes = std::min(length, longest);
-    pointsLeft = mostPoints(file, length);
-    // A scan takes a byte, too: a file that has more scans than this only claims them.
-    mostEmpty = std::max(leastEmpty, isClassic(file) ? bytes : MsTightestPacking * bytes);
+    pointsLeft = mostPointsOf(file, bytes);
+    mostEmpty = mostEmptyScansOf(file, bytes);
     empty = 0;
 }
 

@@ -8,13 +8,14 @@
 
 class MsFile;
 
+// Return how many points all scans of an open file of `bytes` can have together, those that several share
+// counted for each, and how many scans in a row may be without any.
+qint64 mostPointsOf(const MsFile &file, qint64 bytes);
+qint64 mostEmptyScansOf(const MsFile &file, qint64 bytes);
+
 class RunLimit
 {
 public:
-    // Returns how many points all scans of an open file of `bytes` can have together, those that several
-    // share counted for each.
-    static qint64 mostPoints(const MsFile &file, qint64 bytes);
-
     // Takes the limit from the length of the file, its kind and the points that it holds.
     void start(const MsFile &file, qint64 bytes);
 

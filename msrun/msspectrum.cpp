@@ -9,50 +9,45 @@
 
 namespace {
 
-// Beyond all numbers that can be data; infinities and NaN aren't below it either.
-constexpr float leastFill = NC_FILL_FLOAT * (1.0f - 1e-5f);
+// No fill value is below this, nor are infinities and NaN, nor what a scale makes infinite.
+constexpr float leastSuspect = NC_FILL_FLOAT * (1.0f - 1e-5f);
 
-template <class Number> constexpr qint32 typeOf()
+template <class Number> bool isFillOfWhole(Number number)
 {
-    if constexpr (std::is_same_v<Number, qint16>)
-        return NC_SHORT;
-    else if constexpr (std::is_same_v<Number, qint32>)
-        return NC_INT;
-    else
-        return NC_DOUBLE;
-}
-
-template <class Number> bool isNoData(Number number)
-{
-    if constexpr (std::is_floating_point_v<Number>)
-        return !std::isfinite(number) || ms_is_fill(NC_DOUBLE, double(number));
-    else
-        return ms_is_fill(typeOf<Number>(), double(number));
+    return number == Number(sizeof(Number) == sizeof(qint16) ? NC_FILL_SHORT : NC_FILL_INT);
 }
 
 // Whether some of the numbers may be no data: a plain loop, as hardly ever one is.
 bool mayLackData(const MsNumbers &numbers)
 {
-    int suspects = 0;
-    numbers.visit([&suspects](const auto *first, qint32 count) {
+    bool may = false;
+    numbers.visit([&may](const auto *first, qint32 count) {
         using Number = std::decay_t<decltype(*first)>;
         int found = 0;
         for (qint32 i = 0; i < count; ++i) {
             if constexpr (std::is_floating_point_v<Number>)
-                found |= !(std::abs(first[i]) < Number(leastFill));
+                found |= int(!(std::abs(first[i]) < Number(leastSuspect)));
             else
-                found |= first[i] == Number(typeOf<Number>() == NC_SHORT ? NC_FILL_SHORT : NC_FILL_INT);
+                found |= int(isFillOfWhole(first[i]));
         }
-        suspects = found;
+        may = found != 0;
     });
-    return suspects != 0;
+    return may;
 }
 
-void mark(const MsNumbers &numbers, std::vector<char> *dropped)
+void mark(const MsNumbers &numbers, double factor, double offset, std::vector<char> *dropped)
 {
-    numbers.visit([dropped](const auto *first, qint32 count) {
-        for (qint32 i = 0; i < count; ++i)
-            (*dropped)[std::size_t(i)] |= isNoData(first[i]);
+    numbers.visit([&](const auto *first, qint32 count) {
+        using Number = std::decay_t<decltype(*first)>;
+        for (qint32 i = 0; i < count; ++i) {
+            bool isNoData = false;
+            if constexpr (std::is_floating_point_v<Number>)
+                isNoData = ms_is_fill(NC_DOUBLE, double(first[i]))
+                    || !std::isfinite(double(first[i]) * factor + offset);
+            else
+                isNoData = isFillOfWhole(first[i]);
+            (*dropped)[std::size_t(i)] |= isNoData;
+        }
     });
 }
 
@@ -68,14 +63,12 @@ void compact(const MsNumbers &numbers, void *block, const std::vector<char> &dro
     });
 }
 
-std::vector<double> scaled(const MsNumbers &numbers, double factor, double offset)
+void scale(const MsNumbers &numbers, double factor, double offset, double *target)
 {
-    std::vector<double> result(std::size_t(numbers.size()));
     numbers.visit([&](const auto *first, qint32 count) {
         for (qint32 i = 0; i < count; ++i)
-            result[std::size_t(i)] = double(first[i]) * factor + offset;
+            target[i] = double(first[i]) * factor + offset;
     });
-    return result;
 }
 
 const float *floatsOf(const MsNumbers &numbers)
@@ -104,8 +97,8 @@ void MsSpectrum::dropPointsWithoutData()
     if (!mayLackData(masses) && !mayLackData(intensities))
         return;
     std::vector<char> dropped(std::size_t(std::max(scan_.point_count, 0)), 0);
-    mark(masses, &dropped);
-    mark(intensities, &dropped);
+    mark(masses, scales_.mass, 0.0, &dropped);
+    mark(intensities, scales_.intensity, scales_.offset, &dropped);
     compact(masses, scan_.mass_values, dropped);
     compact(scan_.times(), scan_.time_values, dropped);
     compact(intensities, scan_.intensity_values, dropped);
@@ -117,18 +110,26 @@ qint32 MsSpectrum::number() const
     return isKnown(scan_.actual_scan_number) ? scan_.actual_scan_number : index();
 }
 
+const double *MsSpectrum::numbers() const
+{
+    if (!numbers_) {
+        numbers_.reset(new double[2 * std::size_t(size_)]); // uncleared
+        if (size_ > 0) { // of a library without masses there are intensities all the same
+            scale(scan_.masses(), scales_.mass, 0.0, numbers_.get());
+            scale(scan_.intensities(), scales_.intensity, scales_.offset, numbers_.get() + size_);
+        }
+    }
+    return numbers_.get();
+}
+
 const double *MsSpectrum::masses() const
 {
-    if (!masses_)
-        masses_ = scaled(scan_.masses(), scales_.mass, 0.0);
-    return masses_->data();
+    return numbers();
 }
 
 const double *MsSpectrum::intensities() const
 {
-    if (!intensities_)
-        intensities_ = scaled(scan_.intensities(), scales_.intensity, scales_.offset);
-    return intensities_->data();
+    return numbers() + size_;
 }
 
 const float *MsSpectrum::storedMasses() const
@@ -151,7 +152,7 @@ double MsSpectrum::summedTotal() const
     double sum = 0.0;
     scan_.intensities().visit([&](const auto *first, qint32 count) {
         double total = 0.0;
-        for (qint32 i = 0; i < count; ++i)
+        for (qint32 i = 0; i < std::min(count, size_); ++i)
             total += double(first[i]) * scales_.intensity + scales_.offset;
         sum = total;
     });

@@ -8,10 +8,9 @@
 #include "msrecords.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <limits>
-#include <optional>
+#include <memory>
 #include <vector>
 
 // A range, both of its ends in it.
@@ -95,6 +94,7 @@ public:
     const MsScanRecord &record() const { return scan_; }
 
 private:
+    const double *numbers() const;
     void dropPointsWithoutData();
 
     MsScan scan_;
@@ -102,36 +102,7 @@ private:
     qint32 size_ = 0;
     double time_ = std::numeric_limits<double>::quiet_NaN();
     QString failure_ = QStringLiteral("there is no such scan");
-    mutable std::optional<std::vector<double>> masses_;
-    mutable std::optional<std::vector<double>> intensities_;
-};
-
-// The compound of a library entry.
-struct MsCompound {
-    QString name;           // entry_name, else the CAS name
-    QStringList otherNames; // other_name_0 to 3, those that are there
-    QString id;             // entry_id
-    qint32 number = -1;     // entry_number; -1 unknown
-    QString formula;
-    QString casName;
-    qint32 casNumber = -1; // without the hyphens; -1 unknown
-    QString smiles;
-    QString wiswesser;
-    QString source;      // source_data_file_reference
-    QString molfile;     // molfile_reference
-    QString structure;   // other_structure
-    QString information; // entry_other_information
-    double retentionIndex = std::numeric_limits<double>::quiet_NaN();
-    QString retentionType;
-    double absoluteRetention = std::numeric_limits<double>::quiet_NaN();
-    double relativeRetention = std::numeric_limits<double>::quiet_NaN();
-    QString retentionReference;           // its name
-    qint32 retentionReferenceNumber = -1; // its CAS number
-    double meltingPoint = std::numeric_limits<double>::quiet_NaN();
-    double boilingPoint = std::numeric_limits<double>::quiet_NaN();
-    double chemicalMass = std::numeric_limits<double>::quiet_NaN(); // the molecular weight
-    qint32 nominalMass = -1;                                        // -1 unknown
-    double accurateMass = std::numeric_limits<double>::quiet_NaN();
+    mutable std::unique_ptr<double[]> numbers_; // masses, and intensities behind them
 };
 
 #endif // MSSPECTRUM_H

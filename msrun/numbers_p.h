@@ -14,7 +14,10 @@ constexpr double unknownNumber = std::numeric_limits<double>::quiet_NaN();
 // Whether a number of a record is there: not missing, never written or infinite.
 inline bool isKnown(double number)
 {
-    return std::isfinite(number) && number != MsMissingDouble && !ms_is_fill(NC_DOUBLE, number);
+    constexpr double belowFill = 9e36; // nearly all numbers are
+    if (std::abs(number) < belowFill)
+        return number != MsMissingDouble;
+    return std::isfinite(number) && !ms_is_fill(NC_DOUBLE, number);
 }
 
 inline double knownOr(double number, double otherwise)

@@ -183,7 +183,7 @@ private:
     // The format in which the toolkit reads for a code that needn't be one.
     static qint32 known(qint32 format, MsDataFormat fallback)
     {
-        return ms_format_of_nc_type(ms_nc_type_of_format(format, NC_NAT), fallback);
+        return format >= MsShortFormat && format <= MsDoubleFormat ? format : fallback;
     }
 
     qint32 massFormat_ = MsShortFormat;

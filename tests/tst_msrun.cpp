@@ -288,6 +288,20 @@ private slots:
         QCOMPARE(join(run.spectrum(2).masses(), 2), QString("60.25 70.5"));
     }
 
+    void survivesALibraryWithoutMasses()
+    {
+        const MsRun run = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 2 ;\nvariables:\n"
+                               " int scan_index(scan_number) ;\n int point_count(scan_number) ;\n"
+                               " short time_values(point_number) ;\n int intensity_values(point_number) ;\n"
+                               " :experiment_type = \"Library Mass Spectrum\" ;\ndata:\n scan_index = 0 ;\n"
+                               " point_count = 2 ;\n time_values = 1, 2 ;\n intensity_values = 3, 4 ;\n}\n");
+        QCOMPARE(int(run.kind()), int(MsRun::Kind::Library));
+        const MsSpectrum entry = run.spectrum(0);
+        QCOMPARE(entry.size(), 0);
+        QVERIFY(entry.masses() == entry.intensities()); // there are none, of either
+        QCOMPARE(entry.summedTotal(), 0.0);
+    }
+
     void knowsTheRun()
     {
         const MsRun run(fixture(QStringLiteral("run-facts")), options);
