@@ -29,7 +29,8 @@ install_python_tools() {
     install_missing libpython3-dev pybind11-dev python3-pytest python3-pandas python3-xarray \
         python3-dask python3-distributed python3-zarr python3-matplotlib python3-pip python3-venv
 }
-configure_switches() { switches=(-DAIA_CONVERT=ON -DAIA_PYTHON=ON); }
+install_view_tools() { install_missing libqcustomplot-dev libqt5svg5-dev; }
+configure_switches() { switches=(-DAIA_CONVERT=ON -DAIA_PYTHON=ON -DAIA_VIEW=ON); } # all of them
 
 # build PRESET [TARGET...], with the switches
 build() {

@@ -441,7 +441,8 @@ InfoResult Gatherer::gather(const QString &path)
     addDimensions(&content);
     addStoredTypes(&content);
     addGlobals(&content);
-    readScans(path);
+    if (options.readsScans)
+        readScans(path);
     addRanges(&content);
     addModulation(options.modulation, &content);
     addInstruments(&content);

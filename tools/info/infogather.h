@@ -13,6 +13,7 @@ struct InfoOptions {
     std::optional<qint32> scan; // the scan to show
     bool everything = false;    // show long lists whole, up to 10000 items
     MsModulation modulation;    // what was guessed of the run's
+    bool readsScans = true;     // for the ranges of their data and for all doubts
 };
 
 struct InfoResult {

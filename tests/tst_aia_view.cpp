@@ -1,0 +1,467 @@
+// The window of aia-view, driven by mouse and keyboard as a user does it, and what it shows then.
+
+#include "compoundlist.h"
+#include "filetree.h"
+#include "mainwindow.h"
+#include "masswindows.h"
+#include "peaktable.h"
+#include "program.h"
+#include "rows.h"
+#include "runpage.h"
+#include "spectrumplot.h"
+#include "traceplot.h"
+
+#include <QtWidgets>
+
+namespace {
+
+struct Opened {
+    QString file;  // a fixture, or a name in the test's folder
+    QString said;  // in place of the run; the beginning of the sentence
+    int scans = 0; // of the run, or entries
+    bool hasSpectra = true;
+};
+
+struct Windows {
+    QString text;
+    QList<QPair<double, double>> windows{};
+    QString fault{};
+};
+
+struct Place {
+    QString text;
+    int scan = -1; // that is shown
+    QString said{};
+};
+
+struct Drawn {
+    QString kind; // of the sample
+    QStringList options;
+};
+
+QPoint pixelOf(const QCustomPlot *plot, double x, double y)
+{
+    return {qRound(plot->xAxis->coordToPixel(x)), qRound(plot->yAxis->coordToPixel(y))};
+}
+
+void wheel(QWidget *widget, const QPoint &at, int steps)
+{
+    QWheelEvent event(at, widget->mapToGlobal(at), QPoint(), QPoint(0, steps * 120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(widget, &event);
+}
+
+void drag(QWidget *widget, Qt::MouseButton button, Qt::KeyboardModifiers modifiers, const QPoint &from,
+          const QPoint &to)
+{
+    QTest::mousePress(widget, button, modifiers, from);
+    for (const QPoint &at : {(from + to) / 2, to}) {
+        QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, button, modifiers);
+        QApplication::sendEvent(widget, &move);
+    }
+    QTest::mouseRelease(widget, button, modifiers, to);
+}
+
+std::vector<double> keysOf(const QCPGraph *graph)
+{
+    std::vector<double> keys;
+    for (const QCPGraphData &point : *graph->data())
+        keys.push_back(point.key);
+    return keys;
+}
+
+} // namespace
+
+class TestAiaView : public QObject
+{
+    Q_OBJECT
+
+    const QTemporaryDir folder;
+    ReadingThread thread;
+    std::unique_ptr<QSettings> settings;
+    std::unique_ptr<MainWindow> window;
+
+    QString sample(const QString &name) const { return folder.filePath(name + QStringLiteral(".cdf")); }
+
+    RunPage *page() const { return window->page(); }
+
+    static bool isSettled(const RunPage *page)
+    {
+        const RunModel *model = page->model();
+        return model->state() == RunModel::State::Refused
+            || (model->state() == RunModel::State::Open && !model->isBusy() && !model->attributes().children.empty());
+    }
+
+    // Opens a file and waits until all of it is read.
+    void open(const QString &path)
+    {
+        window->open({path});
+        QTRY_VERIFY_WITH_TIMEOUT(isSettled(page()), longestWait);
+    }
+
+    void openSample(const QString &name)
+    {
+        open(sample(name));
+        QTRY_VERIFY_WITH_TIMEOUT(page()->scan() != -1, longestWait);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QLocale::setDefault(QLocale::c());
+        for (const char *kind : {"gcms", "library"}) {
+            const Run made = runProgram(AIA_TOOLS "/aia-sample", {kind, "--seed", "3", sample(kind)});
+            QCOMPARE(made.code, 0);
+        }
+        QVERIFY(QFile::copy(sample("gcms"), sample("other")));
+        QVERIFY(writeFile(sample("text"), "not netCDF"));
+        QVERIFY(writeFile(sample("cut"), content(fixture("plain")).left(100)));
+    }
+
+    void init()
+    {
+        settings = std::make_unique<QSettings>(folder.filePath("settings.ini"), QSettings::IniFormat);
+        settings->clear();
+        window = std::make_unique<MainWindow>(*settings, thread);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    void cleanup() { window.reset(); }
+
+    void opens_data()
+    {
+        const Rows<Opened> row;
+        row("run") = {"plain", "", 5};
+        row("library") = {"info-library", "", 22};
+        row("trace") = {"total-ion", "", 3, false};
+        row("no scans") = {"no-scans", "", 0};
+        row("chromatogram") = {"chromatogram", "The file \"%1\" can't be read: it has no dimension"};
+        row("text") = {"text", "The file \"%1\" isn't a netCDF file"};
+        row("header cut off") = {"cut", "The file %1 is damaged: its header can't be right."};
+        row("missing") = {"x", "The file \"%1\" doesn't exist."};
+    }
+    void opens()
+    {
+        const Opened &row = Rows<Opened>::current();
+        const QString path = QFile::exists(fixture(row.file)) ? fixture(row.file) : sample(row.file);
+        open(path);
+        QCOMPARE(page()->model()->state() == RunModel::State::Refused, !row.said.isEmpty());
+        if (row.said.isEmpty()) {
+            QCOMPARE(page()->model()->summary().size, row.scans);
+            QCOMPARE(page()->spectrum()->isVisible(), row.hasSpectra);
+        } else {
+            const QString sentence = row.said.contains("%1") ? row.said.arg(path) : row.said;
+            QVERIFY2(page()->remark().startsWith(sentence), qPrintable(page()->remark()));
+        }
+    }
+
+    // Every fixture is shown or refused with a sentence.
+    void opensAllFixtures()
+    {
+        for (const QString &name : QDir(AIA_FIXTURES).entryList({"*.cdf"}, QDir::Files)) {
+            open(QStringLiteral(AIA_FIXTURES "/") + name);
+            const RunModel *model = page()->model();
+            QVERIFY2(model->state() == RunModel::State::Open || !model->refusal().isEmpty(), qPrintable(name));
+            page()->stepScans(1);
+            QVERIFY(!page()->grab().isNull());
+            QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+            QCOMPARE(window->tabs()->count(), 0);
+        }
+    }
+
+    void clickShowsTheScan()
+    {
+        openSample("gcms");
+        TracePlot *trace = page()->trace();
+        const RunModel *model = page()->model();
+        QCOMPARE(trace->xAxis->label(), QString("Time (min)"));
+        QCOMPARE(trace->yAxis->label(), QString("Total ion current, stored"));
+        QCOMPARE(keysOf(trace->graph(0)).size(), std::size_t(2000));
+
+        const QPoint at = pixelOf(trace, 10.0, trace->yAxis->range().center());
+        QTest::mouseClick(trace, Qt::LeftButton, {}, at);
+        const qint32 clicked = model->scanAt(trace->xAxis->pixelToCoord(at.x()));
+        QTRY_COMPARE(page()->scan(), clicked);
+        std::vector<double> masses = page()->shown().masses;
+        std::sort(masses.begin(), masses.end());
+        QCOMPARE(keysOf(page()->spectrum()->graph(0)), masses);
+
+        for (const auto &[key, scan] : {std::pair(Qt::Key_Right, clicked + 1), std::pair(Qt::Key_Left, clicked),
+                                        std::pair(Qt::Key_PageDown, clicked + 10), std::pair(Qt::Key_Home, 0),
+                                        std::pair(Qt::Key_Left, 0), std::pair(Qt::Key_End, 1999)}) {
+            QTest::keyClick(trace, key);
+            QTRY_COMPARE(page()->scan(), scan);
+        }
+    }
+
+    void zooms()
+    {
+        openSample("gcms");
+        TracePlot *trace = page()->trace();
+        const QCPRange all = trace->xAxis->range();
+        wheel(trace, trace->rect().center(), 1);
+        QVERIFY(trace->xAxis->range().size() < all.size());
+        const QCPRange zoomed = trace->xAxis->range();
+        const QPoint middle = trace->rect().center();
+        drag(trace, Qt::LeftButton, {}, middle, middle + QPoint(40, 0));
+        QVERIFY(trace->xAxis->range().lower < zoomed.lower);
+        drag(trace, Qt::RightButton, {}, pixelOf(trace, 8.0, trace->yAxis->range().upper / 2),
+             pixelOf(trace, 12.0, trace->yAxis->range().upper / 4));
+        QVERIFY(std::abs(trace->xAxis->range().lower - 8.0) < 0.1
+                && std::abs(trace->xAxis->range().upper - 12.0) < 0.1);
+        QTest::mouseDClick(trace, Qt::LeftButton, {}, middle);
+        QCOMPARE(trace->xAxis->range(), all);
+        for (int i = 0; i < 20; ++i)
+            QTest::keyClick(trace, Qt::Key_Minus);
+        QCOMPARE(trace->xAxis->range(), all); // no further out than the run
+    }
+
+    void massViewStaysAndIntensitiesFollow()
+    {
+        openSample("gcms");
+        SpectrumPlot *plot = page()->spectrum();
+        plot->xAxis->setRange(50.0, 100.0);
+        for (int step = 0; step < 3; ++step) {
+            const qint32 next = page()->scan() + 1;
+            QTest::keyClick(page()->trace(), Qt::Key_Right);
+            QTRY_COMPARE(page()->scan(), next);
+            QCOMPARE(plot->xAxis->range(), QCPRange(50.0, 100.0));
+            double highest = 0.0;
+            for (const QCPGraphData &peak : *plot->graph(0)->data()) {
+                if (peak.key >= 50.0 && peak.key <= 100.0)
+                    highest = std::max(highest, peak.value);
+            }
+            QCOMPARE(plot->yAxis->range().lower, 0.0);
+            QVERIFY(plot->yAxis->range().upper > highest && plot->yAxis->range().upper < 1.5 * highest);
+        }
+    }
+
+    void labelsDontOverlap()
+    {
+        openSample("gcms");
+        for (const QSize size : {QSize(300, 200), QSize(900, 400)}) {
+            window->resize(size + QSize(300, 300));
+            page()->spectrum()->resize(size);
+            page()->spectrum()->replot();
+            const std::vector<QRectF> places = page()->spectrum()->labelPlaces();
+            QVERIFY(!places.empty() && page()->spectrum()->peakLabels().join(' ').contains("100%"));
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                for (std::size_t j = 0; j < i; ++j)
+                    QVERIFY(!places[i].intersects(places[j]));
+            }
+        }
+    }
+
+    void massWindows_data()
+    {
+        const Rows<Windows> row;
+        row("nothing") = {""};
+        row("several") = {"43, 57-71;100", {{42.5, 43.5}, {57, 71}, {99.5, 100.5}}};
+        row("decimals") = {"43.05", {{43.045, 43.055}}};
+        row("empty parts") = {" ,43,, ", {{42.5, 43.5}}};
+        row("words") = {"43, x", {}, "\"x\" is neither a mass nor a range such as 57-71."};
+        row("negative") = {"-43", {}, "\"-43\" is neither a mass nor a range such as 57-71."};
+        row("backwards") = {"71-57", {}, "The range \"71-57\" ends before it begins."};
+        row("too many") = {QString("1,").repeated(65), {}, "More than 64 traces can't be shown at once."};
+    }
+    void massWindows()
+    {
+        const Windows &row = Rows<Windows>::current();
+        QString fault;
+        const auto windows = ::massWindows(row.text, &fault);
+        QCOMPARE(fault, row.fault);
+        QCOMPARE(windows.has_value(), row.fault.isEmpty());
+        for (int i = 0; windows && i < row.windows.size(); ++i) {
+            QCOMPARE(windows->size(), std::size_t(row.windows.size()));
+            QCOMPARE((*windows)[std::size_t(i)].masses.from, row.windows[i].first);
+            QCOMPARE((*windows)[std::size_t(i)].masses.to, row.windows[i].second);
+        }
+    }
+
+    void extractsTraces()
+    {
+        openSample("gcms");
+        TracePlot *trace = page()->trace();
+        QTest::keyClick(window.get(), Qt::Key_M, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), "43, 57-71");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_COMPARE(trace->graphCount(), 3);
+        QCOMPARE(trace->graph(2)->name(), QString("m/z 57-71"));
+        QVERIFY(trace->legend->visible());
+        double expected = 0.0;
+        for (std::size_t i = 0; i < page()->shown().masses.size(); ++i) {
+            if (page()->shown().masses[i] >= 57.0 && page()->shown().masses[i] <= 71.0)
+                expected += page()->shown().intensities[i];
+        }
+        QCOMPARE(trace->graph(2)->data()->at(page()->scan())->value, expected);
+
+        SpectrumPlot *plot = page()->spectrum();
+        const QCPGraphData highest = *std::max_element(plot->graph(0)->data()->begin(), plot->graph(0)->data()->end(),
+                                                       [](auto &one, auto &other) { return one.value < other.value; });
+        QTest::mouseClick(plot, Qt::LeftButton, {}, pixelOf(plot, highest.key, highest.value / 2));
+        QTRY_COMPARE(trace->graphCount(), 4);
+        QCOMPARE(page()->masses(), QString("43, 57-71, %1").arg(qRound(highest.key)));
+        page()->setMasses("");
+        QTRY_COMPARE(trace->graphCount(), 1);
+    }
+
+    void averagesLessBackground()
+    {
+        openSample("gcms");
+        TracePlot *trace = page()->trace();
+        const double height = trace->yAxis->range().center();
+        drag(trace, Qt::LeftButton, Qt::ShiftModifier, pixelOf(trace, 6.0, height), pixelOf(trace, 7.0, height));
+        QTRY_VERIFY(page()->shown().title.startsWith("Average of 6."));
+        const double whole =
+            std::accumulate(page()->shown().intensities.begin(), page()->shown().intensities.end(), 0.0);
+        drag(trace, Qt::LeftButton, Qt::ControlModifier, pixelOf(trace, 15.0, height), pixelOf(trace, 18.0, height));
+        QTRY_VERIFY(page()->shown().title.contains("less the background of "));
+        QCOMPARE(page()->scan(), -1);
+        const std::vector<double> &left = page()->shown().intensities;
+        QVERIFY(std::all_of(left.begin(), left.end(), [](double intensity) { return intensity > 0.0; }));
+        QVERIFY(std::accumulate(left.begin(), left.end(), 0.0) < whole);
+    }
+
+    void goesTo_data()
+    {
+        const Rows<Place> row;
+        row("scan") = {"344", 344};
+        row("time") = {"3.0", 0};
+        row("time with its unit") = {"4 min", 100};
+        row("beyond") = {"2000", -1, "There is no scan 2000: the run has 2000 scans, counted from 0."};
+        row("words") = {"here", -1, "&quot;here&quot; is neither a scan, such as 344, nor a time, such as 6.44."};
+    }
+    void goesTo()
+    {
+        const Place &row = Rows<Place>::current();
+        openSample("gcms");
+        const qint32 before = page()->scan();
+        QTest::keyClick(window.get(), Qt::Key_G, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), row.text);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_COMPARE(page()->scan(), row.scan == -1 ? before : row.scan);
+        QCOMPARE(page()->remark(), row.said);
+    }
+
+    void comparesWithALibrary()
+    {
+        openSample("library");
+        CompoundList *list = page()->compounds();
+        QVERIFY(list && list->isVisible() && !page()->trace()->isVisible());
+        const int all = list->view()->model()->rowCount();
+        const QString name = page()->model()->compounds().at(2).name;
+        QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), name.toUpper());
+        QVERIFY(list->view()->model()->rowCount() > 0 && list->view()->model()->rowCount() < all);
+        list->view()->selectRow(0);
+        QTRY_COMPARE(page()->spectrum()->title(), name);
+        window->pinSpectrum();
+
+        openSample("gcms");
+        SpectrumPlot *plot = page()->spectrum();
+        QVERIFY(plot->isMirrored());
+        QCOMPARE(plot->yAxis->label(), QString("Relative abundance (%)"));
+        const auto lower = plot->graph(1)->data();
+        QCOMPARE(std::min_element(lower->begin(), lower->end(),
+                                  [](auto &one, auto &other) { return one.value < other.value; })
+                     ->value,
+                 -100.0);
+        window->unpinSpectrum();
+        QVERIFY(!plot->isMirrored() && lower->isEmpty());
+    }
+
+    void overlaysRuns()
+    {
+        openSample("gcms");
+        openSample("other");
+        QCOMPARE(window->tabs()->count(), 2);
+        window->open({sample("gcms")}); // is open already
+        QCOMPARE(window->tabs()->count(), 2);
+        QCOMPARE(window->tabs()->currentIndex(), 0);
+        QTest::keyClick(window.get(), Qt::Key_L, Qt::ControlModifier);
+        TracePlot *trace = page()->trace();
+        QTRY_COMPARE(trace->graphCount(), 2);
+        QCOMPARE(trace->graph(1)->name(), QString("other.cdf"));
+        trace->replot();
+        const auto *item = trace->legend->item(1);
+        QTest::mouseClick(trace, Qt::LeftButton, {}, item->outerRect().center());
+        QCOMPARE(trace->inFront(), 1);
+        QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+        QTRY_COMPARE(page()->trace()->graphCount(), 1);
+        QCOMPARE(window->recentFiles(), (QStringList{sample("other"), sample("gcms")}));
+    }
+
+    void cancels()
+    {
+        const QString large = sample("large");
+        if (!QFile::exists(large))
+            QCOMPARE(runProgram(AIA_TOOLS "/aia-sample", {"gcms", "--scans", "40000", "--points", "200", large}).code,
+                     0);
+        window->open({large});
+        RunModel *model = page()->model();
+        QSignalSpy progress(model, &RunModel::progressed);
+        QTRY_VERIFY_WITH_TIMEOUT(progress.size() > 1, longestWait);
+        QTest::keyClick(page()->trace(), Qt::Key_Escape);
+        QVERIFY(!model->isBusy() && model->sums().totals.empty());
+        QVERIFY(page()->remark().startsWith("Reading was cancelled"));
+        page()->showScan(7); // the thread is free again
+        QTRY_COMPARE_WITH_TIMEOUT(page()->scan(), 7, longestWait);
+        page()->setSource(RunPage::Source::Summed); // reads on
+        QTRY_COMPARE_WITH_TIMEOUT(model->sums().totals.size(), std::size_t(40000), longestWait);
+    }
+
+    void doubtsComeFirst()
+    {
+        open(fixture("overlapping-scans"));
+        QTreeWidget *tree = page()->tree()->tree();
+        QTreeWidgetItem *doubts = tree->topLevelItem(0);
+        QVERIFY(doubts->childCount() > 0);
+        QCOMPARE(doubts->child(0)->text(0), page()->model()->doubts().list.first().text);
+        page()->tree()->search("experiment_type");
+        int visible = 0;
+        for (int i = 0; i < tree->topLevelItemCount(); ++i)
+            visible += !tree->topLevelItem(i)->isHidden();
+        QVERIFY(visible > 0 && visible < tree->topLevelItemCount() && doubts->isHidden());
+    }
+
+    void copiesPeaks()
+    {
+        openSample("gcms");
+        PeakTable *table = page()->peaks();
+        table->view()->sortByColumn(1, Qt::DescendingOrder);
+        table->copy();
+        const QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), int(page()->shown().masses.size()) + 1);
+        QCOMPARE(lines.first(), QString("m/z\tIntensity\tRelative (%)"));
+        QVERIFY(lines[1].endsWith("\t100.00"));
+    }
+
+    void drawsImages_data()
+    {
+        const Rows<Drawn> row;
+        row("trace") = {"gcms", {"--trace"}};
+        row("scan") = {"gcms", {"--scan", "344"}};
+        row("time") = {"gcms", {"--at", "6.44"}};
+        row("compound") = {"library", {"--scan", "2"}};
+    }
+    void drawsImages()
+    {
+        const Drawn &row = Rows<Drawn>::current();
+        for (const auto &[ending, beginning] :
+             {std::pair("png", "\x89PNG"), std::pair("pdf", "%PDF"), std::pair("svg", "<?xml")}) {
+            const QString image = folder.filePath(QStringLiteral("image.") + ending);
+            const QStringList arguments = QStringList{"--force", "--size", "400x300", "--image", image} + row.options
+                + QStringList(sample(row.kind));
+            const Run drawn = runProgram(AIA_TOOLS "/aia-view", arguments);
+            QCOMPARE(drawn.err, QByteArray());
+            QCOMPARE(drawn.code, 0);
+            QVERIFY(content(image).startsWith(beginning));
+            if (ending == QLatin1String("png"))
+                QCOMPARE(QImage(image).size(), QSize(400, 300));
+        }
+    }
+};
+
+QTEST_MAIN(TestAiaView)
+#include "tst_aia_view.moc"

@@ -1,0 +1,43 @@
+// The compounds of a library, searchable by name, formula and CAS number.
+#ifndef COMPOUNDLIST_H
+#define COMPOUNDLIST_H
+
+#include "rundata.h"
+
+#include <QWidget>
+
+class QLineEdit;
+class QSortFilterProxyModel;
+class QTableView;
+
+class CompoundList : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CompoundList(QWidget *parent = nullptr);
+
+    // Shows the compounds of the first entries; `all` is how many there are.
+    void setCompounds(const std::vector<MsCompound> &compounds, qint32 all);
+
+    void search(const QString &text);
+    void focusSearch();
+    void choose(qint32 entry);
+    QTableView *view() const { return view_; }
+
+signals:
+    void entryChosen(qint32 entry);
+
+private:
+    class Model;
+
+    QLineEdit *search_;
+    QTableView *view_;
+    Model *model_;
+    QSortFilterProxyModel *found_;
+};
+
+// Returns a CAS number with its hyphens; null for -1.
+QString casText(qint32 number);
+
+#endif // COMPOUNDLIST_H

@@ -1,0 +1,39 @@
+// Shows runs and libraries in a window, or draws one to a file.
+
+#include "mainwindow.h"
+#include "standardoptions.h"
+#include "viewimage.h"
+#include "viewoptions.h"
+
+#include <QApplication>
+#include <QSettings>
+
+int main(int argc, char *argv[])
+{
+    setProgram(AIA_PROGRAM, AIA_VERSION);
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // An application with windows needs a display, so there is one only if a window is shown.
+    ViewCommand command;
+    {
+        const QCoreApplication application(argc, argv);
+        command = parseViewCommand(QCoreApplication::arguments());
+    }
+    if (command.exitStatus)
+        return *command.exitStatus;
+    if (command.image) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Qt's remarks on the desktop that there isn't.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    }
+    const QApplication application(argc, argv);
+    if (command.image)
+        return drawImage(command.files.first(), *command.image);
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral(AIA_PROGRAM),
+                       QStringLiteral(AIA_PROGRAM));
+    ReadingThread thread;
+    MainWindow window(settings, thread);
+    window.show();
+    window.open(command.files);
+    return QApplication::exec();
+}

@@ -1,0 +1,317 @@
+#include "mainwindow.h"
+
+#include "helppage.h"
+#include "namecodec.h"
+#include "runpage.h"
+#include "traceplot.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+
+namespace {
+
+constexpr int mostRecent = 10;
+constexpr int progressSteps = 1000;
+
+const QString geometryKey = QStringLiteral("window/geometry");
+const QString layoutKey = QStringLiteral("window/layout");
+const QString folderKey = QStringLiteral("files/folder");
+const QString recentKey = QStringLiteral("files/recent");
+
+} // namespace
+
+MainWindow::MainWindow(QSettings &settings, ReadingThread &thread, QWidget *parent)
+    : QMainWindow(parent), settings_(settings), thread_(thread), tabs_(new QTabWidget),
+      empty_(new QLabel), work_(new QLabel), progress_(new QProgressBar),
+      cancel_(new QPushButton(QStringLiteral("Cancel")))
+{
+    setWindowTitle(QApplication::applicationName());
+    setAcceptDrops(true);
+    empty_->setText(QStringLiteral("Open a .cdf file with Ctrl+O, or drop it here."));
+    empty_->setAlignment(Qt::AlignCenter);
+    empty_->setWordWrap(true);
+    tabs_->setDocumentMode(true);
+    tabs_->setTabsClosable(true);
+    tabs_->setMovable(true);
+    auto *stack = new QStackedWidget;
+    stack->addWidget(empty_);
+    stack->addWidget(tabs_);
+    setCentralWidget(stack);
+    progress_->setRange(0, progressSteps);
+    progress_->setMaximumWidth(220);
+    progress_->setTextVisible(false);
+    statusBar()->addWidget(work_, 1);
+    statusBar()->addPermanentWidget(progress_);
+    statusBar()->addPermanentWidget(cancel_);
+    connect(cancel_, &QPushButton::clicked, this, [this] {
+        if (page())
+            page()->model()->cancel();
+    });
+    connect(tabs_, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
+    connect(tabs_, &QTabWidget::currentChanged, this, &MainWindow::showTab);
+    makeMenus();
+    resize(1200, 800);
+    restoreGeometry(settings_.value(geometryKey).toByteArray());
+    showTab();
+}
+
+QAction *MainWindow::add(QMenu *menu, const QString &text, const QKeySequence &keys,
+                         const std::function<void()> &call, bool needsRun)
+{
+    QAction *action = menu->addAction(text);
+    action->setShortcut(keys);
+    connect(action, &QAction::triggered, this, [this, call, needsRun] {
+        if (!needsRun || page())
+            call();
+    });
+    if (needsRun)
+        needRun_ += action;
+    return action;
+}
+
+QAction *MainWindow::addSwitch(QMenu *menu, const QString &text, const QKeySequence &keys,
+                               const std::function<void()> &call)
+{
+    QAction *action = menu->addAction(text);
+    action->setCheckable(true);
+    action->setShortcut(keys);
+    connect(action, &QAction::toggled, this, call);
+    return action;
+}
+
+void MainWindow::makeMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    add(
+        file, QStringLiteral("&Open\u2026"), QKeySequence::Open, [this] { askForFiles(); }, false);
+    recent_ = file->addMenu(QStringLiteral("Open &recent"));
+    fillRecent();
+    file->addSeparator();
+    add(file, QStringLiteral("&Close"), QKeySequence(Qt::CTRL + Qt::Key_W),
+        [this] { closeTab(tabs_->currentIndex()); });
+    add(
+        file, QStringLiteral("&Quit"), QKeySequence(Qt::CTRL + Qt::Key_Q), [this] { close(); }, false);
+
+    QMenu *go = menuBar()->addMenu(QStringLiteral("&Go"));
+    add(go, QStringLiteral("To &scan or time\u2026"), QKeySequence(Qt::CTRL + Qt::Key_G),
+        [this] { page()->focusGoTo(); });
+    add(go, QStringLiteral("To &masses\u2026"), QKeySequence(Qt::CTRL + Qt::Key_M),
+        [this] { page()->focusMasses(); });
+    add(go, QStringLiteral("To se&arch\u2026"), QKeySequence::Find, [this] { page()->focusSearch(); });
+    go->addSeparator();
+    add(go, QStringLiteral("&Next file"), QKeySequence(Qt::CTRL + Qt::Key_Tab),
+        [this] { tabs_->setCurrentIndex((tabs_->currentIndex() + 1) % tabs_->count()); });
+    add(go, QStringLiteral("&Previous file"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Tab), [this] {
+        tabs_->setCurrentIndex((tabs_->currentIndex() + tabs_->count() - 1) % tabs_->count());
+    });
+
+    QMenu *trace = menuBar()->addMenu(QStringLiteral("&Trace"));
+    overlays_ = addSwitch(trace, QStringLiteral("&Overlay all open runs"),
+                          QKeySequence(Qt::CTRL + Qt::Key_L), [this] { overlay(); });
+    offset_ = addSwitch(trace, QStringLiteral("O&ffset traces"), {}, [this] { overlay(); });
+    normalised_ = addSwitch(trace, QStringLiteral("&Normalise traces"), {}, [this] { overlay(); });
+    trace->addSeparator();
+    add(trace, QStringLiteral("Trace the &largest masses of the pinned spectrum"), {},
+        [this] { page()->traceLargest(pinned_ ? *pinned_ : page()->shown()); });
+    add(trace, QStringLiteral("&Remove all extracted traces"), {},
+        [this] { page()->setMasses(QString()); });
+
+    QMenu *spectrum = menuBar()->addMenu(QStringLiteral("&Spectrum"));
+    add(spectrum, QStringLiteral("&Pin, to compare with others"), QKeySequence(Qt::CTRL + Qt::Key_P),
+        [this] { pinSpectrum(); });
+    add(spectrum, QStringLiteral("&Unpin"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_P),
+        [this] { unpinSpectrum(); });
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    add(
+        help, QStringLiteral("&Mouse and keys"), QKeySequence::HelpContents,
+        [this] { showHelpPage(this); }, false);
+}
+
+RunPage *MainWindow::pageAt(int tab) const
+{
+    return static_cast<RunPage *>(tabs_->widget(tab));
+}
+
+RunPage *MainWindow::page() const
+{
+    return pageAt(tabs_->currentIndex());
+}
+
+void MainWindow::askForFiles()
+{
+    open(QFileDialog::getOpenFileNames(this, QStringLiteral("Open"),
+                                       settings_.value(folderKey).toString(),
+                                       QStringLiteral("AIA MS files (*.cdf *.CDF *.nc);;All files (*)")));
+}
+
+void MainWindow::open(const QStringList &fileNames)
+{
+    for (const QString &name : fileNames)
+        openOne(name);
+}
+
+void MainWindow::openOne(const QString &fileName)
+{
+    const QString place = QFileInfo(fileName).absoluteFilePath();
+    for (int tab = 0; tab < tabs_->count(); ++tab) {
+        if (QFileInfo(pageAt(tab)->model()->fileName()).absoluteFilePath() == place)
+            return tabs_->setCurrentIndex(tab);
+    }
+    auto *page = new RunPage(thread_, fileName);
+    page->restoreLayout(settings_.value(layoutKey).toByteArray());
+    page->setMirrored(pinned_);
+    const auto showWork = [this, page](const QString &what, double part) {
+        if (page != this->page())
+            return;
+        work_->setText(what);
+        progress_->setValue(int(part * progressSteps));
+        progress_->show();
+        cancel_->show();
+    };
+    connect(page, &RunPage::progressed, this, showWork);
+    connect(page, &RunPage::idle, this, [this, page] {
+        if (page == this->page())
+            showTab();
+    });
+    connect(page->model(), &RunModel::opened, this, [this, page, place] {
+        remember(place);
+        if (overlays_->isChecked())
+            overlay();
+        if (page == this->page())
+            page->trace()->setFocus();
+    });
+    connect(page->model(), &RunModel::sumsRead, this, [this] {
+        if (overlays_->isChecked())
+            overlay();
+    });
+    const int tab =
+        tabs_->addTab(page, page->model()->shownName().replace(QLatin1Char('&'), QLatin1String("&&")));
+    tabs_->setTabToolTip(tab, shownName(place));
+    tabs_->setCurrentIndex(tab);
+}
+
+void MainWindow::closeTab(int tab)
+{
+    QWidget *page = tabs_->widget(tab);
+    if (!page)
+        return;
+    settings_.setValue(layoutKey, pageAt(tab)->layoutState());
+    tabs_->removeTab(tab);
+    delete page;
+    if (overlays_->isChecked())
+        overlay();
+}
+
+void MainWindow::showTab()
+{
+    static_cast<QStackedWidget *>(centralWidget())->setCurrentIndex(tabs_->count() > 0 ? 1 : 0);
+    RunPage *front = page();
+    const bool isBusy = front && front->model()->isBusy();
+    progress_->setVisible(isBusy);
+    cancel_->setVisible(isBusy);
+    if (!isBusy)
+        work_->clear();
+    for (QAction *action : qAsConst(needRun_))
+        action->setEnabled(front);
+    setWindowTitle(front ? QStringLiteral("%1 \u2013 %2")
+                               .arg(front->model()->shownName(), QApplication::applicationName())
+                         : QApplication::applicationName());
+    if (front)
+        front->trace()->setFocus();
+}
+
+QStringList MainWindow::recentFiles() const
+{
+    return settings_.value(recentKey).toStringList();
+}
+
+void MainWindow::remember(const QString &fileName)
+{
+    QStringList names = recentFiles();
+    names.removeAll(fileName);
+    names.prepend(fileName);
+    settings_.setValue(recentKey, QStringList(names.mid(0, mostRecent)));
+    settings_.setValue(folderKey, QFileInfo(fileName).absolutePath());
+    fillRecent();
+}
+
+void MainWindow::fillRecent()
+{
+    recent_->clear();
+    for (const QString &name : recentFiles()) {
+        QAction *action =
+            recent_->addAction(shownName(name).replace(QLatin1Char('&'), QLatin1String("&&")));
+        connect(action, &QAction::triggered, this, [this, name] { openOne(name); });
+    }
+    recent_->setEnabled(!recent_->isEmpty());
+}
+
+void MainWindow::overlay()
+{
+    for (int tab = 0; tab < tabs_->count(); ++tab) {
+        Overlay overlay;
+        overlay.isOffset = offset_->isChecked();
+        overlay.isNormalised = normalised_->isChecked();
+        for (int other = 0; overlays_->isChecked() && other < tabs_->count(); ++other) {
+            const RunModel *run = pageAt(other)->model();
+            if (other != tab && run->state() == RunModel::State::Open
+                && run->summary().kind != MsRun::Kind::Library)
+                overlay.runs += pageAt(other)->model();
+        }
+        pageAt(tab)->setOverlay(overlay);
+    }
+}
+
+void MainWindow::pinSpectrum()
+{
+    if (!page() || page()->shown().masses.empty())
+        return;
+    pinned_ = page()->shown();
+    pinned_->title = QStringLiteral("%1, %2").arg(pinned_->title, page()->model()->shownName());
+    for (int tab = 0; tab < tabs_->count(); ++tab)
+        pageAt(tab)->setMirrored(pinned_);
+}
+
+void MainWindow::unpinSpectrum()
+{
+    pinned_.reset();
+    for (int tab = 0; tab < tabs_->count(); ++tab)
+        pageAt(tab)->setMirrored(pinned_);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    settings_.setValue(geometryKey, saveGeometry());
+    if (page())
+        settings_.setValue(layoutKey, page()->layoutState());
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    for (const QUrl &url : event->mimeData()->urls()) {
+        if (url.isLocalFile())
+            openOne(url.toLocalFile());
+    }
+    event->acceptProposedAction();
+}

@@ -1,0 +1,55 @@
+#include "masswindows.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace {
+
+constexpr std::size_t mostWindows = 64; // each is a pass over the points and a curve
+
+// Half a unit of the last digit.
+double halfStep(const QString &number)
+{
+    const int point = number.indexOf(QLatin1Char('.'));
+    const int decimals = point == -1 ? 0 : number.size() - point - 1;
+    return 0.5 * std::pow(10.0, -decimals);
+}
+
+} // namespace
+
+std::optional<std::vector<ExtractedTrace>> massWindows(const QString &text, QString *fault)
+{
+    static const QRegularExpression separators(QStringLiteral("[,;]"));
+    static const QRegularExpression pattern(QStringLiteral(
+        "^\\s*(\\d{1,7}(?:\\.\\d{1,9})?)\\s*(?:[-\u2013]\\s*(\\d{1,7}(?:\\.\\d{1,9})?)\\s*)?$"));
+    std::vector<ExtractedTrace> windows;
+    for (const QString &part : text.split(separators)) {
+        if (part.trimmed().isEmpty())
+            continue;
+        const QRegularExpressionMatch match = pattern.match(part);
+        if (!match.hasMatch()) {
+            *fault =
+                QStringLiteral("\"%1\" is neither a mass nor a range such as 57-71.").arg(part.trimmed());
+            return std::nullopt;
+        }
+        const QString from = match.captured(1);
+        const QString to = match.captured(2);
+        ExtractedTrace window;
+        window.name = part.simplified();
+        if (to.isEmpty())
+            window.masses = {from.toDouble() - halfStep(from), from.toDouble() + halfStep(from)};
+        else
+            window.masses = {from.toDouble(), to.toDouble()};
+        if (window.masses.from > window.masses.to) {
+            *fault = QStringLiteral("The range \"%1\" ends before it begins.").arg(window.name);
+            return std::nullopt;
+        }
+        windows.push_back(window);
+    }
+    if (windows.size() > mostWindows) {
+        *fault = QStringLiteral("More than %1 traces can't be shown at once.").arg(mostWindows);
+        return std::nullopt;
+    }
+    return windows;
+}

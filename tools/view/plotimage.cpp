@@ -1,0 +1,61 @@
+#include "plotimage.h"
+
+#include "outputfile.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+
+#include <qcustomplot.h>
+
+namespace {
+
+constexpr int dotsPerInch = 96;
+
+} // namespace
+
+QByteArray plotImage(QCustomPlot *plot, const QString &name, double scale)
+{
+    plot->replot(); // labels go by the plot's size
+    const QString kind = QFileInfo(name).suffix().toLower();
+    const QSize size = plot->size();
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (kind == QLatin1String("png")) {
+        const QPixmap image = plot->toPixmap(size.width(), size.height(), scale);
+        return image.save(&buffer, "PNG") ? buffer.data() : QByteArray();
+    }
+    QCPPainter painter;
+    painter.setMode(QCPPainter::pmVectorized);
+    painter.setMode(QCPPainter::pmNoCaching);
+    if (kind == QLatin1String("pdf")) {
+        QPdfWriter writer(&buffer);
+        writer.setResolution(dotsPerInch);
+        writer.setPageMargins(QMarginsF());
+        writer.setPageSize(QPageSize(QSizeF(size) * (72.0 / dotsPerInch), QPageSize::Point, QString(),
+                                     QPageSize::ExactMatch));
+        if (!painter.begin(&writer))
+            return QByteArray();
+        plot->toPainter(&painter, size.width(), size.height());
+        painter.end();
+        return buffer.data();
+    }
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setResolution(dotsPerInch);
+    generator.setSize(size);
+    generator.setViewBox(QRect(QPoint(), size));
+    if (!painter.begin(&generator))
+        return QByteArray();
+    plot->toPainter(&painter, size.width(), size.height());
+    painter.end();
+    return buffer.data();
+}
+
+QString writeBytes(OutputFile *output, const QByteArray &bytes)
+{
+    const bool isWritten =
+        output->open() && output->write(bytes.constData(), std::size_t(bytes.size())) && output->commit();
+    return isWritten ? QString() : output->errorText();
+}

@@ -1,0 +1,56 @@
+// What the window shows of a run, as plain values that were read on the reading thread.
+#ifndef RUNDATA_H
+#define RUNDATA_H
+
+#include "inforeport.h"
+#include "msrun.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+// A run as a whole, known as soon as it is open.
+struct RunSummary {
+    MsRun::Kind kind = MsRun::Kind::Trace;
+    qint32 size = 0;
+    bool isProfile = false;
+    QString title;
+    QString timeLabel;         // of an axis, with its unit
+    double timeUnit = 1.0;     // in the run's own unit: 60 where times are shown in minutes
+    std::vector<double> times; // of each scan, as they are shown; NaN unknown
+    std::vector<double> storedTotals;
+    bool hasTimes = false;  // some are known; if not, scan numbers stand for them
+    bool hasStored = false; // some are known
+};
+
+// What takes reading all scans: a number for each, NaN for one that can't be read.
+struct ScanSums {
+    std::vector<double> totals;
+    std::vector<double> basePeaks; // the largest intensity
+};
+
+// A spectrum to be shown.
+struct SpectrumData {
+    QString title;
+    QString failure;  // a sentence that says why there is no spectrum; null where there is one
+    qint32 scan = -1; // -1 for an average, or one of no run
+    double time = 0.0;
+    bool isProfile = false;
+    std::vector<double> masses; // in any order
+    std::vector<double> intensities;
+};
+
+// Intensities of one window of masses, a number for each scan.
+struct ExtractedTrace {
+    QString name;
+    MsInterval masses;
+    std::vector<double> values;
+};
+
+struct RunDoubts {
+    QList<MsDoubt> list;
+    bool isSettled = false; // all scans were read
+};
+
+#endif // RUNDATA_H

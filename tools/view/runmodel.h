@@ -1,0 +1,102 @@
+// A run that is read in the background. Its calls return at once; what they ask for comes with a signal.
+#ifndef RUNMODEL_H
+#define RUNMODEL_H
+
+#include "readingthread.h"
+#include "rundata.h"
+
+#include <QObject>
+
+#include <functional>
+#include <map>
+#include <memory>
+
+class RunModel : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class State { Opening, Refused, Open };
+
+    // Opens the file of that name. `thread` has to outlive the object.
+    RunModel(ReadingThread &thread, const QString &fileName, QObject *parent = nullptr);
+    // Gives up what is still being read.
+    ~RunModel() override;
+
+    State state() const { return state_; }
+    QString fileName() const { return fileName_; }
+    QString shownName() const; // without its folder
+
+    // The sentence that says why the file was refused.
+    QString refusal() const { return refusal_; }
+
+    const RunSummary &summary() const { return summary_; }
+    const ScanSums &sums() const { return sums_; } // empty until sumsRead
+    const RunDoubts &doubts() const { return doubts_; }
+    const InfoNode &attributes() const { return attributes_; } // empty until attributesRead
+    const std::vector<MsCompound> &compounds() const { return compounds_; }
+
+    // The time of a scan as it is shown: its number where the run has no times.
+    double shownTime(qint32 scan) const;
+    // Returns the scan whose shown time is nearest; -1 where there is none.
+    qint32 scanAt(double shownTime) const;
+
+    // Ask for a scan, for the average of a range of shown times less that of another one, and for traces.
+    // A newer request of a kind replaces the older one. An interval without a number is none.
+    void requestSpectrum(qint32 scan);
+    void requestAverage(const MsInterval &times, const MsInterval &background);
+    void requestTraces(const std::vector<ExtractedTrace> &wanted);
+
+    // Reads all scans for the sums, as it happens without asking once the file is open.
+    void requestSums();
+
+    // Whether long work is under way, and the call that ends all of it.
+    bool isBusy() const { return !tickets_.empty(); }
+    void cancel();
+
+signals:
+    void opened();
+    void refused(const QString &sentence);
+    void attributesRead();
+    void sumsRead();
+    void doubtsChanged();
+    void compoundsRead();
+    void spectrumRead(const SpectrumData &spectrum);
+    void tracesRead(const std::vector<ExtractedTrace> &traces);
+    void progressed(const QString &what, double part); // 0 to 1
+    void idle(bool wasCancelled);                      // long work has come to its end
+    void failed(const QString &sentence);              // work that couldn't be done
+
+private:
+    enum class Kind { Sums, Traces, Average, Compounds };
+    struct Shared;
+    using Progress = MsRun::Progress;
+
+    void open();
+    void readAttributes();
+    void readCompounds();
+    void takeSummary(RunSummary summary);
+
+    // Has `read` done on the thread with the run and a progress, which it has to ask. What it returns is
+    // called back here unless the work was cancelled.
+    using Answer = std::function<void()>;
+    void startLong(Kind kind, const QString &what,
+                   std::function<Answer(const MsRun &, const Progress &)> read);
+    void finishLong(Kind kind, const Ticket &ticket, const Answer &done, const QString &failure);
+    void stop(Kind kind);
+
+    ReadingThread &thread_;
+    const QString fileName_;
+    std::shared_ptr<Shared> shared_;
+    State state_ = State::Opening;
+    QString refusal_;
+    RunSummary summary_;
+    std::vector<std::pair<double, qint32>> scansByTime_;
+    ScanSums sums_;
+    RunDoubts doubts_;
+    InfoNode attributes_;
+    std::vector<MsCompound> compounds_;
+    std::map<Kind, Ticket> tickets_;
+};
+
+#endif // RUNMODEL_H

@@ -1,0 +1,132 @@
+// A run in its tab: trace or list of compounds, spectrum, and beside them what the file says and the
+// table of peaks.
+#ifndef RUNPAGE_H
+#define RUNPAGE_H
+
+#include "runmodel.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <optional>
+
+class CompoundList;
+class FileTree;
+class PeakTable;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QSplitter;
+class QStackedWidget;
+class QTabWidget;
+class SpectrumPlot;
+class TracePlot;
+
+// How other runs' traces lie over a run's own.
+struct Overlay {
+    QList<QPointer<RunModel>> runs{};
+    bool isOffset = false;
+    bool isNormalised = false;
+};
+
+class RunPage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // What the trace is made of.
+    enum class Source { Stored, Summed, BasePeak };
+
+    RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent = nullptr);
+
+    RunModel *model() const { return model_; }
+    TracePlot *trace() const { return trace_; }
+    SpectrumPlot *spectrum() const { return spectrum_; }
+    PeakTable *peaks() const { return peaks_; }
+    FileTree *tree() const { return tree_; }
+    CompoundList *compounds() const { return compounds_; }
+
+    // The spectrum that is shown, and its scan; -1 for an average.
+    const SpectrumData &shown() const { return shown_; }
+    qint32 scan() const { return shown_.scan; }
+
+    void showScan(qint32 scan);
+    // By so many scans, not beyond the first or last one.
+    void stepScans(qint32 by);
+    // To a scan number, or to a time: a number with a decimal point or a unit. Says so if there is none.
+    void goTo(const QString &text);
+    void showAverage(const MsInterval &times, bool isBackground);
+
+    void setSource(Source source);
+    Source source() const { return source_; }
+    // Shows the traces of these masses, see massWindows(). Says so if that can't be.
+    void setMasses(const QString &text);
+    QString masses() const;
+    void setOverlay(const Overlay &overlay);
+    void setMirrored(const std::optional<SpectrumData> &spectrum);
+    // Adds traces of the largest masses of a spectrum.
+    void traceLargest(const SpectrumData &spectrum);
+
+    void focusSearch();
+    void focusMasses();
+    void focusGoTo();
+
+    // What is said below the plots; null where nothing is.
+    QString remark() const;
+
+    // How the parts share the room, to be kept for the next time.
+    QByteArray layoutState() const;
+    void restoreLayout(const QByteArray &state);
+
+signals:
+    void progressed(const QString &what, double part);
+    void idle();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    QWidget *makeTracePane();
+    QWidget *makeSide();
+    void connectParts();
+    void takeRun();
+    void fillSources();
+    void takeSpectrum(const SpectrumData &spectrum);
+    void showTraces(bool keepsView);
+    void showHighest();
+    void addMass(double mass);
+    void removeCurve(int curve);
+    void markShown();
+    void say(const QString &sentence);
+    bool has(Source source) const;
+    const std::vector<double> &values(const RunModel &run) const;
+    QString describe(double time, double *nearest) const;
+
+    RunModel *model_;
+    QStackedWidget *stack_;
+    QLabel *sentence_;
+    QSplitter *across_ = nullptr;
+    QSplitter *down_ = nullptr;
+    QTabWidget *side_ = nullptr;
+    QComboBox *sources_ = nullptr;
+    QLineEdit *masses_ = nullptr;
+    QLineEdit *goTo_ = nullptr;
+    QWidget *tracePane_ = nullptr;
+    TracePlot *trace_ = nullptr;
+    SpectrumPlot *spectrum_ = nullptr;
+    PeakTable *peaks_ = nullptr;
+    FileTree *tree_ = nullptr;
+    CompoundList *compounds_ = nullptr;
+    QLabel *remark_ = nullptr;
+
+    Source source_ = Source::Stored;
+    bool hasChosenSource_ = false;
+    SpectrumData shown_;
+    qint32 wanted_ = -1; // the scan that was asked for last
+    MsInterval average_;
+    MsInterval background_;
+    std::vector<ExtractedTrace> traces_;
+    Overlay overlay_;
+};
+
+#endif // RUNPAGE_H

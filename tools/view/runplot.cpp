@@ -1,0 +1,168 @@
+#include "runplot.h"
+
+#include "plotlook.h"
+
+namespace {
+
+constexpr int leastDrag = 4; // pixels; less is a click
+
+} // namespace
+
+RunPlot::RunPlot(QWidget *parent) : QCustomPlot(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
+    axisRect()->setRangeDrag(Qt::Horizontal);
+    axisRect()->setRangeZoom(Qt::Horizontal);
+    setMinimumSize(160, 100);
+    titleElement_ = new QCPTextElement(this, QString(), font());
+    titleElement_->setMargins(QMargins(0, 3, 0, 0));
+    plotLayout()->insertRow(0);
+    plotLayout()->addElement(0, 0, titleElement_);
+    plotLayout()->setRowSpacing(0);
+    setSelectionRect(new QCPSelectionRect(this));
+    connect(selectionRect(), &QCPSelectionRect::accepted, this,
+            [this](const QRect &box, const QMouseEvent *event) {
+                if (selectionRectMode() != QCP::srmCustom || box.width() < leastDrag)
+                    return;
+                const double from = xAxis->pixelToCoord(box.left());
+                const double to = xAxis->pixelToCoord(box.right());
+                rangeSelected(QCPRange(from, to), event->modifiers());
+            });
+    connect(xAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
+            [this](const QCPRange &range) { keepInBounds(xAxis, bounds_, range); });
+    connect(yAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
+            [this](const QCPRange &range) { keepInBounds(yAxis, heights_, range); });
+    applyLook();
+}
+
+void RunPlot::setTitle(const QString &title)
+{
+    title_ = title;
+    fitTitle();
+}
+
+void RunPlot::fitTitle()
+{
+    const QFontMetrics metrics(titleElement_->font());
+    titleElement_->setText(
+        metrics.elidedText(title_.simplified(), Qt::ElideRight, width() - 2 * metrics.height()));
+    titleElement_->setMinimumSize(1, metrics.height());
+}
+
+void RunPlot::resizeEvent(QResizeEvent *event)
+{
+    fitTitle();
+    QCustomPlot::resizeEvent(event);
+}
+
+void RunPlot::showAll()
+{
+}
+
+bool RunPlot::selectsRange(Qt::KeyboardModifiers) const
+{
+    return false;
+}
+
+void RunPlot::rangeSelected(const QCPRange &, Qt::KeyboardModifiers)
+{
+}
+
+void RunPlot::zoom(double factor)
+{
+    xAxis->scaleRange(factor);
+    replot(rpQueuedReplot);
+}
+
+void RunPlot::move(double part)
+{
+    xAxis->moveRange(part * xAxis->range().size());
+    replot(rpQueuedReplot);
+}
+
+void RunPlot::setDirections(Qt::Orientations directions)
+{
+    directions_ = directions;
+    axisRect()->setRangeDrag(directions);
+    axisRect()->setRangeZoom(directions);
+}
+
+void RunPlot::setBounds(const QCPRange &bounds, const QCPRange &heights)
+{
+    heights_ = heights;
+    bounds_ = bounds;
+    if (!(bounds_.size() > 0.0))
+        bounds_ = QCPRange(bounds.lower - 0.5, bounds.lower + 0.5);
+}
+
+void RunPlot::keepInBounds(QCPAxis *axis, const QCPRange &bounds, const QCPRange &range)
+{
+    if (!(bounds.size() > 0.0))
+        return;
+    const QCPRange kept = range.bounded(bounds.lower, bounds.upper);
+    if (kept != range)
+        axis->setRange(kept);
+}
+
+void RunPlot::mousePressEvent(QMouseEvent *event)
+{
+    pressedAt_ = event->pos();
+    isClick_ = event->button() == Qt::LeftButton;
+    if (event->button() == Qt::RightButton)
+        setSelectionRectMode(QCP::srmZoom);
+    else if (event->button() == Qt::LeftButton && selectsRange(event->modifiers()))
+        setSelectionRectMode(QCP::srmCustom);
+    else
+        setSelectionRectMode(QCP::srmNone);
+    QCustomPlot::mousePressEvent(event);
+}
+
+void RunPlot::mouseReleaseEvent(QMouseEvent *event)
+{
+    const bool wasClick = isClick_ && (event->pos() - pressedAt_).manhattanLength() < leastDrag
+        && event->modifiers() == Qt::NoModifier;
+    isClick_ = false;
+    QCustomPlot::mouseReleaseEvent(event);
+    if (wasClick && axisRect()->rect().contains(event->pos()))
+        emit clickedAt(
+            QPointF(xAxis->pixelToCoord(event->pos().x()), yAxis->pixelToCoord(event->pos().y())));
+}
+
+void RunPlot::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    QCustomPlot::mouseDoubleClickEvent(event);
+    isClick_ = false;
+    if (event->button() == Qt::LeftButton)
+        showAll();
+}
+
+void RunPlot::wheelEvent(QWheelEvent *event)
+{
+    const bool isAtValues = event->position().x() < axisRect()->left();
+    axisRect()->setRangeZoom(isAtValues ? Qt::Vertical : directions_);
+    QCustomPlot::wheelEvent(event);
+    event->accept();
+}
+
+void RunPlot::changeEvent(QEvent *event)
+{
+    QCustomPlot::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        applyLook();
+        replot(rpQueuedReplot);
+    }
+}
+
+void RunPlot::applyLook()
+{
+    PlotLook::apply(this);
+    titleElement_->setFont(font());
+    titleElement_->setTextColor(palette().color(QPalette::Text));
+    fitTitle();
+    const QColor chosen = palette().color(QPalette::Highlight);
+    QColor filled = chosen;
+    filled.setAlpha(50);
+    selectionRect()->setPen(chosen);
+    selectionRect()->setBrush(filled);
+}

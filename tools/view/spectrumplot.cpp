@@ -1,0 +1,265 @@
+#include "spectrumplot.h"
+
+#include "plotlook.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+constexpr double percent = 100.0;
+constexpr int mostLabels = 40;          // of each spectrum
+constexpr std::size_t mostTried = 400;  // peaks that are tried for a label
+constexpr double leastLabelled = 0.005; // of the highest peak that is seen
+constexpr double pickDistance = 8.0;    // pixels
+constexpr double labelGap = 3.0;        // pixels
+
+// Both halves of a mirrored plot count up from the middle.
+class AbsoluteTicker : public QCPAxisTicker
+{
+protected:
+    QString getTickLabel(double tick, const QLocale &locale, QChar format, int precision) override
+    {
+        return QCPAxisTicker::getTickLabel(std::abs(tick), locale, format, precision);
+    }
+};
+
+QString labelOf(double mass, double relative)
+{
+    QString text = QString::number(mass, 'f', 2);
+    while (text.endsWith(QLatin1Char('0')))
+        text.chop(1);
+    if (text.endsWith(QLatin1Char('.')))
+        text.chop(1);
+    return QStringLiteral("%1\n%2%").arg(text, QString::number(relative, 'f', relative < 9.95 ? 1 : 0));
+}
+
+bool isBefore(const QCPGraphData &point, double mass)
+{
+    return point.key < mass;
+}
+
+} // namespace
+
+SpectrumPlot::SpectrumPlot(QWidget *parent) : RunPlot(parent)
+{
+    xAxis->setLabel(QStringLiteral("m/z"));
+    yAxis->setTicker(QSharedPointer<AbsoluteTicker>::create());
+    PlotLook::usePowers(yAxis);
+    upper_.graph = addGraph();
+    lower_.graph = addGraph();
+    connect(xAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this, &SpectrumPlot::fitHeight);
+    connect(this, &QCustomPlot::beforeReplot, this, &SpectrumPlot::placeLabels);
+    connect(this, &RunPlot::clickedAt, this, &SpectrumPlot::pickAt);
+    applyLook();
+    update();
+}
+
+void SpectrumPlot::take(const SpectrumData &spectrum, Side *side)
+{
+    side->isShown = true;
+    side->isProfile = spectrum.isProfile;
+    side->title = spectrum.failure.isNull() ? spectrum.title : spectrum.failure;
+    side->peaks.clear();
+    side->base = 0.0;
+    for (std::size_t i = 0; i < spectrum.masses.size(); ++i) {
+        side->peaks.emplace_back(spectrum.masses[i], spectrum.intensities[i]);
+        side->base = std::max(side->base, spectrum.intensities[i]);
+    }
+    if (!std::is_sorted(side->peaks.begin(), side->peaks.end(), qcpLessThanSortKey<QCPGraphData>))
+        std::stable_sort(side->peaks.begin(), side->peaks.end(), qcpLessThanSortKey<QCPGraphData>);
+}
+
+void SpectrumPlot::setSpectrum(const SpectrumData &spectrum)
+{
+    take(spectrum, &upper_);
+    update();
+}
+
+void SpectrumPlot::setMirrored(const std::optional<SpectrumData> &spectrum)
+{
+    if (spectrum)
+        take(*spectrum, &lower_);
+    else
+        lower_ = Side{false, false, {}, {}, 0.0, lower_.graph};
+    update();
+}
+
+void SpectrumPlot::draw(Side *side, double sign)
+{
+    const double factor = isMirrored() ? sign * percent / (side->base > 0.0 ? side->base : 1.0) : 1.0;
+    QVector<QCPGraphData> points;
+    points.reserve(int(side->peaks.size()));
+    for (const QCPGraphData &peak : side->peaks)
+        points.push_back({peak.key, peak.value * factor});
+    side->graph->data()->set(points, true);
+    side->graph->setLineStyle(side->isProfile ? QCPGraph::lsLine : QCPGraph::lsImpulse);
+}
+
+void SpectrumPlot::update()
+{
+    draw(&upper_, 1.0);
+    draw(&lower_, -1.0);
+    setTitle(isMirrored() ? QStringLiteral("%1; below: %2").arg(upper_.title, lower_.title)
+                          : upper_.title);
+    yAxis->setLabel(isMirrored() ? QStringLiteral("Relative abundance (%)")
+                                 : QStringLiteral("Intensity"));
+    double least = std::numeric_limits<double>::infinity();
+    double most = -least;
+    for (const Side *side : {&upper_, &lower_}) {
+        if (side->peaks.empty())
+            continue;
+        least = std::min(least, side->peaks.front().key);
+        most = std::max(most, side->peaks.back().key);
+    }
+    if (least <= most) {
+        // A view that is zoomed stays; bounds only widen, so that it can.
+        const double room = std::max(1.0, 0.02 * (most - least));
+        const QCPRange all(least - room, most + room);
+        const bool showsAll = !hasView_ || xAxis->range() == bounds();
+        setBounds(hasView_ ? bounds().expanded(all) : all);
+        hasView_ = true;
+        if (showsAll)
+            xAxis->setRange(bounds());
+    }
+    fitHeight();
+    replot(rpQueuedReplot);
+}
+
+void SpectrumPlot::showAll()
+{
+    xAxis->setRange(bounds());
+    fitHeight();
+    replot(rpQueuedReplot);
+}
+
+void SpectrumPlot::fitHeight()
+{
+    double least = 0.0;
+    double most = 0.0;
+    for (const Side *side : {&upper_, &lower_}) {
+        bool isFound = false;
+        const QCPRange height = side->graph->getValueRange(isFound, QCP::sdBoth, xAxis->range());
+        if (isFound) {
+            least = std::min(least, height.lower);
+            most = std::max(most, height.upper);
+        }
+    }
+    if (!(most > least))
+        most = 1.0;
+    // Room for the labels of the highest peaks, at each end that has some.
+    const double label = 2.0 * QFontMetricsF(font()).lineSpacing() + 2.0 * labelGap;
+    const double room = (least < 0.0 ? 2.0 : 1.0) * label;
+    const double inPlot = std::max(axisRect()->height() - room, room);
+    const double perPixel = (most - least) / inPlot;
+    yAxis->setRange(least < 0.0 ? least - label * perPixel : 0.0, most + label * perPixel);
+}
+
+void SpectrumPlot::placeLabels()
+{
+    updateLayout(); // labels go by pixels
+    fitHeight();
+    std::vector<QRectF> taken;
+    int used = 0;
+    labelSide(upper_, 1.0, &taken, &used);
+    labelSide(lower_, -1.0, &taken, &used);
+    for (std::size_t i = std::size_t(used); i < labels_.size(); ++i)
+        labels_[i]->setVisible(false);
+    shownLabels_ = used;
+    places_ = std::move(taken);
+}
+
+void SpectrumPlot::labelSide(const Side &side, double sign, std::vector<QRectF> *taken, int *used)
+{
+    auto first = std::lower_bound(side.peaks.begin(), side.peaks.end(), xAxis->range().lower, isBefore);
+    const auto last = std::lower_bound(first, side.peaks.end(), xAxis->range().upper, isBefore);
+    std::vector<const QCPGraphData *> candidates;
+    for (auto peak = first; peak != last; ++peak) {
+        const bool isTop = (peak == side.peaks.begin() || std::prev(peak)->value <= peak->value)
+            && (std::next(peak) == side.peaks.end() || std::next(peak)->value < peak->value);
+        if (peak->value > 0.0 && (isTop || !side.isProfile))
+            candidates.push_back(&*peak);
+    }
+    const std::size_t tried = std::min(candidates.size(), mostTried);
+    std::partial_sort(
+        candidates.begin(), candidates.begin() + std::ptrdiff_t(tried), candidates.end(),
+        [](const QCPGraphData *one, const QCPGraphData *other) { return one->value > other->value; });
+    candidates.resize(tried);
+
+    const QFontMetricsF metrics(font());
+    const double factor = isMirrored() ? sign * percent / (side.base > 0.0 ? side.base : 1.0) : 1.0;
+    const QRectF inside(axisRect()->rect());
+    int placed = 0;
+    for (const QCPGraphData *peak : candidates) {
+        if (placed == mostLabels || peak->value < leastLabelled * candidates.front()->value)
+            break;
+        const QString text = labelOf(peak->key, percent * peak->value / side.base);
+        const QSizeF size = metrics.size(0, text);
+        const double tip = yAxis->coordToPixel(peak->value * factor);
+        const double top = sign > 0.0 ? tip - labelGap - size.height() : tip + labelGap;
+        const QRectF place(QPointF(xAxis->coordToPixel(peak->key) - size.width() / 2.0, top), size);
+        const QRectF room = place.adjusted(-labelGap, -1.0, labelGap, 1.0);
+        const bool isFree = inside.contains(place)
+            && std::none_of(taken->begin(), taken->end(),
+                            [&](const QRectF &other) { return other.intersects(room); });
+        if (!isFree)
+            continue;
+        if (std::size_t(*used) == labels_.size()) {
+            labels_.push_back(new QCPItemText(this));
+            labels_.back()->setSelectable(false);
+            labels_.back()->setPadding(QMargins());
+        }
+        QCPItemText *label = labels_[std::size_t(*used)];
+        label->setVisible(true);
+        label->setText(text);
+        label->setFont(font());
+        label->setColor(palette().color(QPalette::Text));
+        label->setPositionAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        label->position->setType(QCPItemPosition::ptAbsolute);
+        label->position->setCoords(place.center().x(), place.top());
+        taken->push_back(place);
+        ++*used;
+        ++placed;
+    }
+}
+
+QStringList SpectrumPlot::peakLabels() const
+{
+    std::vector<const QCPItemText *> shown(labels_.begin(), labels_.begin() + shownLabels_);
+    std::sort(shown.begin(), shown.end(), [](const QCPItemText *one, const QCPItemText *other) {
+        return one->position->coords().x() < other->position->coords().x();
+    });
+    QStringList texts;
+    for (const QCPItemText *label : shown)
+        texts += label->text().replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return texts;
+}
+
+std::vector<QRectF> SpectrumPlot::labelPlaces() const
+{
+    return places_;
+}
+
+void SpectrumPlot::pickAt(const QPointF &place)
+{
+    const Side &side = place.y() < 0.0 && isMirrored() ? lower_ : upper_;
+    const double at = xAxis->coordToPixel(place.x());
+    const QCPGraphData *best = nullptr;
+    const double reach = std::abs(xAxis->pixelToCoord(at + pickDistance) - place.x());
+    for (auto peak = std::lower_bound(side.peaks.begin(), side.peaks.end(), place.x() - reach, isBefore);
+         peak != side.peaks.end() && peak->key <= place.x() + reach; ++peak) {
+        if (!best || peak->value > best->value)
+            best = &*peak;
+    }
+    if (best)
+        emit massPicked(best->key);
+}
+
+void SpectrumPlot::applyLook()
+{
+    RunPlot::applyLook();
+    upper_.graph->setPen(QPen(PlotLook::curveColour(0, palette()), 1.0));
+    lower_.graph->setPen(QPen(PlotLook::curveColour(1, palette()), 1.0));
+    legend->setVisible(false);
+}

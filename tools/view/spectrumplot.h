@@ -1,0 +1,64 @@
+// A spectrum, and below it another one to compare it with, mirrored. The intensity axis follows what is
+// seen, from zero up; the view of masses stays from one spectrum to the next.
+#ifndef SPECTRUMPLOT_H
+#define SPECTRUMPLOT_H
+
+#include "rundata.h"
+#include "runplot.h"
+
+#include <optional>
+#include <vector>
+
+class SpectrumPlot : public RunPlot
+{
+    Q_OBJECT
+
+public:
+    explicit SpectrumPlot(QWidget *parent = nullptr);
+
+    void setSpectrum(const SpectrumData &spectrum);
+    // Shows a spectrum mirrored below the current one; both are in percent of their largest peaks then.
+    void setMirrored(const std::optional<SpectrumData> &spectrum);
+    bool isMirrored() const { return lower_.isShown; }
+
+    void showAll() override;
+
+    // The labels of peaks as they are shown, from left to right: mass and percent of the largest peak.
+    QStringList peakLabels() const;
+    // The places that they take.
+    std::vector<QRectF> labelPlaces() const;
+
+signals:
+    void massPicked(double mass);
+
+protected:
+    void applyLook() override;
+
+private:
+    // One of the two spectra, by ascending mass.
+    struct Side {
+        bool isShown = false;
+        bool isProfile = false;
+        QString title;
+        std::vector<QCPGraphData> peaks; // as they are drawn
+        double base = 0.0;               // the largest of them
+        QCPGraph *graph = nullptr;
+    };
+
+    void take(const SpectrumData &spectrum, Side *side);
+    void draw(Side *side, double sign);
+    void update();
+    void fitHeight();
+    void placeLabels();
+    void labelSide(const Side &side, double sign, std::vector<QRectF> *taken, int *used);
+    void pickAt(const QPointF &place);
+
+    Side upper_;
+    Side lower_;
+    bool hasView_ = false;
+    std::vector<QCPItemText *> labels_;
+    int shownLabels_ = 0;
+    std::vector<QRectF> places_;
+};
+
+#endif // SPECTRUMPLOT_H

@@ -1,0 +1,96 @@
+#include "viewimage.h"
+
+#include "outputfile.h"
+#include "plotimage.h"
+#include "runpage.h"
+#include "spectrumplot.h"
+#include "standardoptions.h"
+#include "terminaltext.h"
+#include "traceplot.h"
+#include "viewoptions.h"
+
+#include <QEventLoop>
+
+namespace {
+
+using What = ImageRequest::What;
+
+// Waits until a run is open and read. Returns whether it is open.
+bool waitFor(RunPage *page)
+{
+    QEventLoop loop;
+    QObject::connect(page, &RunPage::idle, &loop, &QEventLoop::quit);
+    QObject::connect(page->model(), &RunModel::attributesRead, &loop, [&loop, page] {
+        if (!page->model()->isBusy())
+            loop.quit();
+    });
+    loop.exec();
+    return page->model()->state() == RunModel::State::Open;
+}
+
+// Has a spectrum shown, and waits for it. Returns a sentence that says why there is none; null for one.
+QString showSpectrum(RunPage *page, const ImageRequest &request)
+{
+    const RunSummary &summary = page->model()->summary();
+    const qint32 scan =
+        request.what == What::Scan ? request.scan : page->model()->scanAt(request.minutes);
+    if (summary.kind == MsRun::Kind::Trace)
+        return QStringLiteral("The run has no masses, so it has no spectra.");
+    if (request.what == What::Time && (!summary.hasTimes || scan == -1))
+        return QStringLiteral("No scan of the run has a time.");
+    if (scan >= summary.size)
+        return QStringLiteral("There is no scan %1: the run has %2 scans, counted from 0.")
+            .arg(scan)
+            .arg(summary.size);
+    QEventLoop loop;
+    SpectrumData found;
+    QObject::connect(page->model(), &RunModel::spectrumRead, &loop, [&](const SpectrumData &spectrum) {
+        found = spectrum;
+        if (spectrum.scan == scan)
+            loop.quit();
+    });
+    page->showScan(scan);
+    loop.exec();
+    return found.failure;
+}
+
+} // namespace
+
+int drawImage(const QString &fileName, const ImageRequest &request)
+{
+    OutputFile output(request.output, request.existing);
+    const QString objection = output.objection({fileName});
+    if (!objection.isNull())
+        return refuseOutput(objection);
+    ReadingThread thread;
+    RunPage page(thread, fileName);
+    if (!waitFor(&page)) {
+        report(page.model()->refusal());
+        return Failure;
+    }
+    RunPlot *plot = page.trace();
+    QString fault;
+    if (request.what == What::Trace && page.model()->summary().kind == MsRun::Kind::Library)
+        fault = QStringLiteral("A library has no trace; the option --scan draws one of its spectra.");
+    if (request.what != What::Trace) {
+        plot = page.spectrum();
+        fault = showSpectrum(&page, request);
+    }
+    if (!fault.isNull()) {
+        report(fault);
+        return Failure;
+    }
+    plot->setParent(nullptr);
+    plot->resize(request.width, request.height);
+    plot->show(); // lays it out
+    static_cast<TracePlot *>(page.trace())->markTime(std::numeric_limits<double>::quiet_NaN());
+    const QByteArray image = plotImage(plot, request.output, 1.0);
+    plot->setParent(&page);
+    const QString failure =
+        image.isEmpty() ? QStringLiteral("The image can't be drawn.") : writeBytes(&output, image);
+    for (const MsDoubt &doubt : page.model()->doubts().list)
+        report(doubt.text);
+    if (!failure.isNull())
+        report(failure);
+    return failure.isNull() ? Success : Failure;
+}

@@ -1,0 +1,108 @@
+#include "viewoptions.h"
+
+#include "namecodec.h"
+#include "standardoptions.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include <cmath>
+
+namespace {
+
+constexpr int leastSide = 100;
+constexpr int mostSide = 10000;
+
+// Reads a size such as 1200x600.
+bool readSize(const QString &text, ImageRequest *image)
+{
+    const QStringList sides = text.split(QLatin1Char('x'));
+    bool isWidth = false;
+    bool isHeight = false;
+    image->width = sides.value(0).toInt(&isWidth);
+    image->height = sides.value(1).toInt(&isHeight);
+    const auto fits = [](int side) { return side >= leastSide && side <= mostSide; };
+    return sides.size() == 2 && isWidth && isHeight && fits(image->width) && fits(image->height);
+}
+
+} // namespace
+
+ViewCommand parseViewCommand(const QStringList &arguments)
+{
+    const QCommandLineOption imageOption(
+        QStringLiteral("image"),
+        QStringLiteral("Draw the run to OUT (.png, .pdf or .svg) and show no window."),
+        QStringLiteral("OUT"));
+    const QCommandLineOption trace(QStringLiteral("trace"),
+                                   QStringLiteral("Draw the trace; so without any of these."));
+    const QCommandLineOption scan(QStringLiteral("scan"),
+                                  QStringLiteral("Draw the spectrum of scan N, counted from 0."),
+                                  QStringLiteral("N"));
+    const QCommandLineOption at(QStringLiteral("at"), QStringLiteral("Draw the spectrum at MIN minutes."),
+                                QStringLiteral("MIN"));
+    const QCommandLineOption size(
+        QStringLiteral("size"),
+        QStringLiteral("Size of the image in pixels, such as 1200x600, which it is else."),
+        QStringLiteral("WIDTHxHEIGHT"));
+    const QCommandLineOption force = forceOption();
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Shows runs and libraries of AIA MS files."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to show, each in a tab."),
+                                 QStringLiteral("[FILE...]"));
+    parser.addOptions({imageOption, trace, scan, at, size, force});
+    const StandardOptions standard(&parser);
+    const bool isRight = parser.parse(arguments);
+    ViewCommand command;
+    if (standard.answer(parser)) {
+        command.exitStatus = Success;
+        return command;
+    }
+    const auto refused = [&command](const QString &why) {
+        command.exitStatus = refuse(why);
+        return command;
+    };
+    if (!isRight)
+        return refused(parser.errorText());
+    command.files = namesOfFiles(parser.positionalArguments());
+    const int kinds = parser.isSet(trace) + parser.isSet(scan) + parser.isSet(at);
+    if (!parser.isSet(imageOption)) {
+        if (kinds > 0 || parser.isSet(size) || parser.isSet(force))
+            return refused(QStringLiteral("These options go with --image only."));
+        return command;
+    }
+
+    ImageRequest image;
+    image.output = parser.value(imageOption);
+    static const QStringList endings{QStringLiteral("png"), QStringLiteral("pdf"), QStringLiteral("svg")};
+    if (!endings.contains(QFileInfo(image.output).suffix().toLower()))
+        return refused(QStringLiteral("The name of the image \"%1\" has to end in .png, .pdf or .svg.")
+                           .arg(image.output));
+    if (command.files.size() != 1)
+        return refused(QStringLiteral("The option --image takes one file."));
+    if (kinds > 1)
+        return refused(QStringLiteral("Only one of --trace, --scan and --at can be drawn."));
+    if (parser.isSet(size) && !readSize(parser.value(size), &image))
+        return refused(
+            QStringLiteral("\"%1\" isn't a size: two numbers from %2 to %3 are needed, such as 1200x600.")
+                .arg(parser.value(size))
+                .arg(leastSide)
+                .arg(mostSide));
+    bool isNumber = true;
+    if (parser.isSet(scan)) {
+        image.what = ImageRequest::What::Scan;
+        image.scan = parser.value(scan).toInt(&isNumber);
+        if (!isNumber || image.scan < 0)
+            return refused(QStringLiteral("\"%1\" isn't the number of a scan: they are counted from 0.")
+                               .arg(parser.value(scan)));
+    }
+    if (parser.isSet(at)) {
+        image.what = ImageRequest::What::Time;
+        image.minutes = parser.value(at).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(image.minutes))
+            return refused(QStringLiteral("\"%1\" isn't a time in minutes.").arg(parser.value(at)));
+    }
+    if (parser.isSet(force))
+        image.existing = OutputFile::Existing::Replace;
+    command.image = image;
+    return command;
+}
