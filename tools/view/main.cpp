@@ -28,12 +28,13 @@ int main(int argc, char *argv[])
     }
     const QApplication application(argc, argv);
     if (command.image)
-        return drawImage(command.files.first(), *command.image);
+        return drawImage(command.files.first(), *command.image, command.modulation);
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral(AIA_PROGRAM),
                        QStringLiteral(AIA_PROGRAM));
     ReadingThread thread;
     MainWindow window(settings, thread);
     window.show();
+    window.setModulation(command.modulation);
     window.open(command.files);
     return QApplication::exec();
 }

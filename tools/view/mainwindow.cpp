@@ -119,6 +119,8 @@ void MainWindow::makeMenus()
     });
 
     QMenu *trace = menuBar()->addMenu(QStringLiteral("&Trace"));
+    add(trace, QStringLiteral("&Map or trace"), QKeySequence(Qt::CTRL + Qt::Key_D),
+        [this] { page()->showMap(!page()->showsMap()); });
     overlays_ = addSwitch(trace, QStringLiteral("&Overlay all open runs"),
                           QKeySequence(Qt::CTRL + Qt::Key_L), [this] { overlay(); });
     offset_ = addSwitch(trace, QStringLiteral("O&ffset traces"), {}, [this] { overlay(); });
@@ -174,6 +176,8 @@ void MainWindow::openOne(const QString &fileName)
     auto *page = new RunPage(thread_, fileName);
     page->restoreLayout(settings_.value(layoutKey).toByteArray());
     page->setMirrored(pinned_);
+    if (modulation_ > 0.0)
+        page->setModulation(modulation_);
     const auto showWork = [this, page](const QString &what, double part) {
         if (page != this->page())
             return;

@@ -30,6 +30,10 @@ public:
     // Opens each file in a tab of its own, or shows the tab that it has.
     void open(const QStringList &fileNames);
 
+    // Sets the length of the modulation of the files that are opened from now on, in s; 0 leaves it to
+    // the guess.
+    void setModulation(double seconds) { modulation_ = seconds; }
+
     RunPage *page() const; // of the tab in front; null where there is none
     QTabWidget *tabs() const { return tabs_; }
     QStringList recentFiles() const;
@@ -71,6 +75,7 @@ private:
     QAction *normalised_ = nullptr;
     QList<QAction *> needRun_;
     std::optional<SpectrumData> pinned_;
+    double modulation_ = 0.0;
 };
 
 #endif // MAINWINDOW_H

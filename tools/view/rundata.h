@@ -20,14 +20,16 @@ struct RunSummary {
     double timeUnit = 1.0;     // in the run's own unit: 60 where times are shown in minutes
     std::vector<double> times; // of each scan, as they are shown; NaN unknown
     std::vector<double> storedTotals;
-    bool hasTimes = false;  // some are known; if not, scan numbers stand for them
-    bool hasStored = false; // some are known
+    bool hasTimes = false;   // some are known; if not, scan numbers stand for them
+    bool hasStored = false;  // some are known
+    MsModulation modulation; // guessed from the stored totals
 };
 
 // What takes reading all scans: a number for each, NaN for one that can't be read.
 struct ScanSums {
     std::vector<double> totals;
     std::vector<double> basePeaks; // the largest intensity
+    MsModulation modulation;       // guessed from the totals
 };
 
 // A spectrum to be shown.

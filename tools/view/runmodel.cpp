@@ -56,6 +56,8 @@ RunSummary summaryOf(const MsRun &run)
                    drawable);
     summary.hasTimes = isSome(summary.times);
     summary.hasStored = isSome(summary.storedTotals);
+    if (summary.hasStored && run.hasSeconds())
+        summary.modulation = run.modulation();
     summary.timeLabel = QStringLiteral("Scan");
     if (summary.hasTimes && run.hasSeconds())
         summary.timeLabel = QStringLiteral("Time (min)");
@@ -223,6 +225,21 @@ void RunModel::takeSummary(RunSummary summary)
         requestSums();
 }
 
+std::vector<double> RunModel::seconds() const
+{
+    std::vector<double> seconds;
+    if (summary_.timeUnit == secondsOfMinute)
+        seconds = summary_.times;
+    for (double &time : seconds)
+        time *= summary_.timeUnit;
+    return seconds;
+}
+
+const MsModulation &RunModel::modulation() const
+{
+    return summary_.hasStored || sums_.totals.empty() ? summary_.modulation : sums_.modulation;
+}
+
 double RunModel::shownTime(qint32 scan) const
 {
     if (scan < 0 || scan >= summary_.size)
@@ -341,6 +358,8 @@ void RunModel::requestSums()
     startLong(Kind::Sums, QStringLiteral("Reading all scans"),
               [this](const MsRun &run, const Progress &progress) {
                   auto sums = std::make_shared<ScanSums>(sumsOf(run, progress));
+                  if (run.hasSeconds())
+                      sums->modulation = ms_guess_modulation(run.times(), sums->totals);
                   auto doubts = std::make_shared<RunDoubts>();
                   doubts->list = run.doubts();
                   doubts->isSettled = true;

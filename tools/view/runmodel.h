@@ -36,6 +36,11 @@ public:
     const InfoNode &attributes() const { return attributes_; } // empty until attributesRead
     const std::vector<MsCompound> &compounds() const { return compounds_; }
 
+    // The times of the scans in seconds; empty where the file counts in another unit.
+    std::vector<double> seconds() const;
+    // What is guessed of the modulation, by the stored totals or else by the summed ones.
+    const MsModulation &modulation() const;
+
     // The time of a scan as it is shown: its number where the run has no times.
     double shownTime(qint32 scan) const;
     // Returns the scan whose shown time is nearest; -1 where there is none.

@@ -2,6 +2,8 @@
 
 #include "compoundlist.h"
 #include "filetree.h"
+#include "mappane.h"
+#include "mapplot.h"
 #include "masswindows.h"
 #include "peaktable.h"
 #include "spectrumplot.h"
@@ -71,12 +73,18 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
 
     spectrum_ = new SpectrumPlot;
     down_ = new QSplitter(Qt::Vertical);
-    down_->addWidget(makeTracePane());
+    views_ = new QStackedWidget;
+    views_->addWidget(makeTracePane());
+    map_ = new MapPane;
+    views_->addWidget(map_);
+    down_->addWidget(views_);
     down_->addWidget(spectrum_);
     down_->setChildrenCollapsible(false);
     across_ = new QSplitter(Qt::Horizontal);
     across_->addWidget(down_);
     across_->addWidget(makeSide());
+    down_->setSizes({1000, 1000}); // as parts
+    across_->setSizes({3000, 1000});
     across_->setStretchFactor(0, 3);
     across_->setStretchFactor(1, 1);
     remark_ = new QLabel;
@@ -195,6 +203,7 @@ void RunPage::connectParts()
     connect(goTo_, &QLineEdit::returnPressed, this, [this] { goTo(goTo_->text()); });
     connect(sources_, qOverload<int>(&QComboBox::activated), this,
             [this](int place) { setSource(Source(sources_->itemData(place).toInt())); });
+    connect(map_->plot(), &MapPlot::scanPicked, this, &RunPage::showScan);
     trace_->setDescription([this](double time, double *nearest) { return describe(time, nearest); });
 }
 
@@ -204,7 +213,7 @@ void RunPage::takeRun()
     if (summary.kind == MsRun::Kind::Library) {
         compounds_ = new CompoundList;
         connect(compounds_, &CompoundList::entryChosen, this, &RunPage::showScan);
-        tracePane_->hide();
+        views_->hide();
         down_->insertWidget(0, compounds_);
     }
     spectrum_->setVisible(summary.kind != MsRun::Kind::Trace);
@@ -214,6 +223,8 @@ void RunPage::takeRun()
                          ? model_->shownName()
                          : QStringLiteral("%1: %2").arg(model_->shownName(), summary.title));
     tree_->setDoubts(model_->doubts());
+    map_->setTimes(model_->seconds());
+    map_->plot()->setTitle(trace_->title());
     source_ = summary.hasStored || summary.kind == MsRun::Kind::Trace ? Source::Stored : Source::Summed;
     fillSources();
     showTraces(false);
@@ -291,6 +302,45 @@ void RunPage::showTraces(bool keepsView)
     }
     trace_->setLabels(model_->summary().timeLabel, QString::fromLatin1(rowOf(source_).label));
     trace_->setCurves(curves, keepsView);
+    fillMap();
+}
+
+void RunPage::fillMap()
+{
+    const MsModulation &guess = model_->modulation();
+    std::vector<MapPane::Values> values;
+    values.push_back({trace_->yAxis->label(), this->values(*model_)});
+    for (const ExtractedTrace &trace : traces_)
+        values.push_back({QStringLiteral("m/z %1").arg(trace.name), trace.values});
+    map_->setValues(values);
+    map_->setGuess(guess);
+    if (guess.isConfident && !hasChosenView_)
+        views_->setCurrentWidget(map_);
+}
+
+void RunPage::showMap(bool isShown)
+{
+    hasChosenView_ = true;
+    if (model_->summary().kind == MsRun::Kind::Library)
+        return;
+    views_->setCurrentWidget(isShown ? static_cast<QWidget *>(map_) : tracePane_);
+    upperPlot()->setFocus();
+}
+
+bool RunPage::showsMap() const
+{
+    return views_->currentWidget() == map_;
+}
+
+void RunPage::setModulation(double seconds)
+{
+    map_->setLength(seconds);
+    showMap(true);
+}
+
+RunPlot *RunPage::upperPlot() const
+{
+    return showsMap() ? static_cast<RunPlot *>(map_->plot()) : trace_;
 }
 
 void RunPage::showHighest()
@@ -379,6 +429,8 @@ void RunPage::markShown()
     const QCPRange average = rangeOf(average_);
     const QCPRange background = rangeOf(background_);
     trace_->markTime(shown_.scan != -1 ? shown_.time : unknown);
+    if (shown_.scan != -1)
+        map_->choose(shown_.time * model_->summary().timeUnit);
     trace_->markRanges(std::isnan(average_.from) ? nullptr : &average,
                        std::isnan(background_.from) ? nullptr : &background);
 }
@@ -520,7 +572,7 @@ void RunPage::restoreLayout(const QByteArray &state)
 
 void RunPage::keyPressEvent(QKeyEvent *event)
 {
-    RunPlot *plot = spectrum_->hasFocus() ? static_cast<RunPlot *>(spectrum_) : trace_;
+    RunPlot *plot = spectrum_->hasFocus() ? spectrum_ : upperPlot();
     const bool isControl = event->modifiers().testFlag(Qt::ControlModifier);
     switch (event->key()) {
     case Qt::Key_Left:

@@ -12,6 +12,7 @@
 
 class CompoundList;
 class FileTree;
+class MapPane;
 class PeakTable;
 class QComboBox;
 class QLabel;
@@ -19,6 +20,7 @@ class QLineEdit;
 class QSplitter;
 class QStackedWidget;
 class QTabWidget;
+class RunPlot;
 class SpectrumPlot;
 class TracePlot;
 
@@ -41,6 +43,7 @@ public:
 
     RunModel *model() const { return model_; }
     TracePlot *trace() const { return trace_; }
+    MapPane *map() const { return map_; }
     SpectrumPlot *spectrum() const { return spectrum_; }
     PeakTable *peaks() const { return peaks_; }
     FileTree *tree() const { return tree_; }
@@ -51,6 +54,12 @@ public:
     qint32 scan() const { return shown_.scan; }
 
     void showScan(qint32 scan);
+    // Shows the map of a GCxGC run in place of the trace, or the trace again.
+    void showMap(bool isShown);
+    bool showsMap() const;
+    // Sets the length of the modulation in s, whatever is guessed.
+    void setModulation(double seconds);
+
     // By so many scans, not beyond the first or last one.
     void stepScans(qint32 by);
     // To a scan number, or to a time: a number with a decimal point or a unit. Says so if there is none.
@@ -93,6 +102,8 @@ private:
     void fillSources();
     void takeSpectrum(const SpectrumData &spectrum);
     void showTraces(bool keepsView);
+    void fillMap();
+    RunPlot *upperPlot() const;
     void showHighest();
     void addMass(double mass);
     void removeCurve(int curve);
@@ -112,6 +123,8 @@ private:
     QLineEdit *masses_ = nullptr;
     QLineEdit *goTo_ = nullptr;
     QWidget *tracePane_ = nullptr;
+    MapPane *map_ = nullptr;
+    QStackedWidget *views_ = nullptr; // trace and map
     TracePlot *trace_ = nullptr;
     SpectrumPlot *spectrum_ = nullptr;
     PeakTable *peaks_ = nullptr;
@@ -121,6 +134,7 @@ private:
 
     Source source_ = Source::Stored;
     bool hasChosenSource_ = false;
+    bool hasChosenView_ = false;
     SpectrumData shown_;
     qint32 wanted_ = -1; // the scan that was asked for last
     MsInterval average_;

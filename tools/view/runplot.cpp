@@ -12,8 +12,8 @@ RunPlot::RunPlot(QWidget *parent) : QCustomPlot(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
-    axisRect()->setRangeDrag(Qt::Horizontal);
-    axisRect()->setRangeZoom(Qt::Horizontal);
+    xAxis->axisRect()->setRangeDrag(Qt::Horizontal);
+    xAxis->axisRect()->setRangeZoom(Qt::Horizontal);
     setMinimumSize(160, 100);
     titleElement_ = new QCPTextElement(this, QString(), font());
     titleElement_->setMargins(QMargins(0, 3, 0, 0));
@@ -84,8 +84,8 @@ void RunPlot::move(double part)
 void RunPlot::setDirections(Qt::Orientations directions)
 {
     directions_ = directions;
-    axisRect()->setRangeDrag(directions);
-    axisRect()->setRangeZoom(directions);
+    xAxis->axisRect()->setRangeDrag(directions);
+    xAxis->axisRect()->setRangeZoom(directions);
 }
 
 void RunPlot::setBounds(const QCPRange &bounds, const QCPRange &heights)
@@ -124,7 +124,7 @@ void RunPlot::mouseReleaseEvent(QMouseEvent *event)
         && event->modifiers() == Qt::NoModifier;
     isClick_ = false;
     QCustomPlot::mouseReleaseEvent(event);
-    if (wasClick && axisRect()->rect().contains(event->pos()))
+    if (wasClick && xAxis->axisRect()->rect().contains(event->pos()))
         emit clickedAt(
             QPointF(xAxis->pixelToCoord(event->pos().x()), yAxis->pixelToCoord(event->pos().y())));
 }
@@ -139,8 +139,8 @@ void RunPlot::mouseDoubleClickEvent(QMouseEvent *event)
 
 void RunPlot::wheelEvent(QWheelEvent *event)
 {
-    const bool isAtValues = event->position().x() < axisRect()->left();
-    axisRect()->setRangeZoom(isAtValues ? Qt::Vertical : directions_);
+    const bool isAtValues = event->position().x() < xAxis->axisRect()->left();
+    xAxis->axisRect()->setRangeZoom(isAtValues ? Qt::Vertical : directions_);
     QCustomPlot::wheelEvent(event);
     event->accept();
 }

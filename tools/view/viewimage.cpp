@@ -1,5 +1,7 @@
 #include "viewimage.h"
 
+#include "mappane.h"
+#include "mapplot.h"
 #include "outputfile.h"
 #include "plotimage.h"
 #include "runpage.h"
@@ -56,7 +58,7 @@ QString showSpectrum(RunPage *page, const ImageRequest &request)
 
 } // namespace
 
-int drawImage(const QString &fileName, const ImageRequest &request)
+int drawImage(const QString &fileName, const ImageRequest &request, double modulation)
 {
     OutputFile output(request.output, request.existing);
     const QString objection = output.objection({fileName});
@@ -70,9 +72,19 @@ int drawImage(const QString &fileName, const ImageRequest &request)
     }
     RunPlot *plot = page.trace();
     QString fault;
-    if (request.what == What::Trace && page.model()->summary().kind == MsRun::Kind::Library)
-        fault = QStringLiteral("A library has no trace; the option --scan draws one of its spectra.");
-    if (request.what != What::Trace) {
+    if ((request.what == What::Trace || request.what == What::Map)
+        && page.model()->summary().kind == MsRun::Kind::Library)
+        fault = QStringLiteral(
+            "A library has no trace and no map; the option --scan draws one of its spectra.");
+    if (request.what == What::Map) {
+        plot = page.map()->plot();
+        if (modulation > 0.0)
+            page.setModulation(modulation);
+        fault = page.map()->fault();
+        if (page.map()->length() == 0.0)
+            fault = QStringLiteral(
+                "The trace doesn't show the length of the modulation; the option --gcxgc gives it.");
+    } else if (request.what != What::Trace) {
         plot = page.spectrum();
         fault = showSpectrum(&page, request);
     }

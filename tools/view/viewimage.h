@@ -5,8 +5,8 @@
 struct ImageRequest;
 class QString;
 
-// Draws the image of a file that the request describes. Reports what goes wrong. Returns the status with
-// which the program ends.
-int drawImage(const QString &fileName, const ImageRequest &request);
+// Draws the image of a file that the request describes. `modulation` is its length in s, 0 for the guess.
+// Reports what goes wrong. Returns the status with which the program ends.
+int drawImage(const QString &fileName, const ImageRequest &request, double modulation);
 
 #endif // VIEWIMAGE_H

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int leastSide = 100;
 constexpr int mostSide = 10000;
+constexpr double longestModulation = 100.0;
 
 // Reads a size such as 1200x600.
 bool readSize(const QString &text, ImageRequest *image)
@@ -35,6 +36,11 @@ ViewCommand parseViewCommand(const QStringList &arguments)
         QStringLiteral("OUT"));
     const QCommandLineOption trace(QStringLiteral("trace"),
                                    QStringLiteral("Draw the trace; so without any of these."));
+    const QCommandLineOption map(QStringLiteral("map"), QStringLiteral("Draw the map of a GCxGC run."));
+    const QCommandLineOption gcxgc(
+        QStringLiteral("gcxgc"),
+        QStringLiteral("Take LENGTH seconds for the modulation; else it is guessed from the trace."),
+        QStringLiteral("LENGTH"));
     const QCommandLineOption scan(QStringLiteral("scan"),
                                   QStringLiteral("Draw the spectrum of scan N, counted from 0."),
                                   QStringLiteral("N"));
@@ -49,7 +55,7 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     parser.setApplicationDescription(QStringLiteral("Shows runs and libraries of AIA MS files."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to show, each in a tab."),
                                  QStringLiteral("[FILE...]"));
-    parser.addOptions({imageOption, trace, scan, at, size, force});
+    parser.addOptions({gcxgc, imageOption, trace, map, scan, at, size, force});
     const StandardOptions standard(&parser);
     const bool isRight = parser.parse(arguments);
     ViewCommand command;
@@ -63,8 +69,17 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     };
     if (!isRight)
         return refused(parser.errorText());
+    bool isNumber = true;
+    if (parser.isSet(gcxgc)) {
+        command.modulation = parser.value(gcxgc).toDouble(&isNumber);
+        if (!isNumber || !(command.modulation > 0.0 && command.modulation <= longestModulation))
+            return refused(
+                QStringLiteral("\"%1\" isn't a modulation length: a number above 0, up to 100, "
+                               "is needed.")
+                    .arg(parser.value(gcxgc)));
+    }
     command.files = namesOfFiles(parser.positionalArguments());
-    const int kinds = parser.isSet(trace) + parser.isSet(scan) + parser.isSet(at);
+    const int kinds = parser.isSet(trace) + parser.isSet(map) + parser.isSet(scan) + parser.isSet(at);
     if (!parser.isSet(imageOption)) {
         if (kinds > 0 || parser.isSet(size) || parser.isSet(force))
             return refused(QStringLiteral("These options go with --image only."));
@@ -80,14 +95,15 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     if (command.files.size() != 1)
         return refused(QStringLiteral("The option --image takes one file."));
     if (kinds > 1)
-        return refused(QStringLiteral("Only one of --trace, --scan and --at can be drawn."));
+        return refused(QStringLiteral("Only one of --trace, --map, --scan and --at can be drawn."));
     if (parser.isSet(size) && !readSize(parser.value(size), &image))
         return refused(
             QStringLiteral("\"%1\" isn't a size: two numbers from %2 to %3 are needed, such as 1200x600.")
                 .arg(parser.value(size))
                 .arg(leastSide)
                 .arg(mostSide));
-    bool isNumber = true;
+    if (parser.isSet(map))
+        image.what = ImageRequest::What::Map;
     if (parser.isSet(scan)) {
         image.what = ImageRequest::What::Scan;
         image.scan = parser.value(scan).toInt(&isNumber);

@@ -18,13 +18,13 @@ struct ImageRequest {
     What what = What::Trace;
     qint32 scan = -1;
     double minutes = 0.0;
-    double modulation = 0.0; // in seconds; 0 where none is given
     int width = 1200;
     int height = 600;
 };
 
 struct ViewCommand {
     QStringList files;
+    double modulation = 0.0; // in s; 0 where none is given
     std::optional<ImageRequest> image;
     std::optional<int> exitStatus; // set where the program has done all it was asked for
 };

@@ -1,0 +1,160 @@
+#include "mappane.h"
+
+#include "mapplot.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QDoubleValidator>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double longest = 100.0; // s
+constexpr double percent = 100.0;
+
+QDoubleSpinBox *secondsBox(double least, const QString &prefix)
+{
+    auto *box = new QDoubleSpinBox;
+    box->setRange(least, longest);
+    box->setDecimals(3);
+    box->setSingleStep(0.1);
+    box->setSuffix(QStringLiteral(" s"));
+    box->setPrefix(prefix);
+    box->setKeyboardTracking(false);
+    return box;
+}
+
+QLineEdit *valueField(const QString &placeholder, QWidget *parent)
+{
+    auto *field = new QLineEdit;
+    field->setPlaceholderText(placeholder);
+    auto *validator = new QDoubleValidator(parent);
+    validator->setLocale(QLocale::c());
+    field->setValidator(validator);
+    field->setMaximumWidth(field->fontMetrics().horizontalAdvance(QLatin1Char('0')) * 11);
+    field->setToolTip(QStringLiteral("The ends of the range of colours; automatic where they are empty"));
+    return field;
+}
+
+} // namespace
+
+MapPane::MapPane(QWidget *parent)
+    : QWidget(parent), plot_(new MapPlot), length_(secondsBox(0.0, QStringLiteral("Modulation: "))),
+      shift_(secondsBox(-longest, QStringLiteral("Shift: "))), shown_(new QComboBox),
+      scale_(new QComboBox), from_(valueField(QStringLiteral("from"), this)),
+      to_(valueField(QStringLiteral("to"), this)), interpolates_(new QCheckBox(QStringLiteral("Smooth"))),
+      remark_(new QLabel), chosen_(std::numeric_limits<double>::quiet_NaN())
+{
+    length_->setSpecialValueText(QStringLiteral("Modulation: not known"));
+    scale_->addItems(
+        {QStringLiteral("Linear"), QStringLiteral("Square root"), QStringLiteral("Logarithmic")});
+    shown_->setToolTip(QStringLiteral("What the colours show"));
+    remark_->setWordWrap(true);
+    remark_->setMargin(4);
+    auto *bar = new QHBoxLayout;
+    bar->setContentsMargins(4, 4, 4, 2);
+    for (QWidget *widget :
+         {static_cast<QWidget *>(length_), static_cast<QWidget *>(shift_), static_cast<QWidget *>(shown_),
+          static_cast<QWidget *>(scale_), static_cast<QWidget *>(from_), static_cast<QWidget *>(to_),
+          static_cast<QWidget *>(interpolates_)})
+        bar->addWidget(widget);
+    bar->addStretch();
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(bar);
+    layout->addWidget(remark_);
+    layout->addWidget(plot_, 1);
+
+    connect(length_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(false); });
+    connect(shift_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(true); });
+    connect(shown_, qOverload<int>(&QComboBox::activated), this, [this] { fold(true); });
+    connect(scale_, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            [this](int place) { plot_->setScale(MapPlot::Scale(place)); });
+    connect(interpolates_, &QCheckBox::toggled, plot_, &MapPlot::setInterpolated);
+    connect(from_, &QLineEdit::editingFinished, this, &MapPane::setRange);
+    connect(to_, &QLineEdit::editingFinished, this, &MapPane::setRange);
+}
+
+void MapPane::setTimes(const std::vector<double> &seconds)
+{
+    times_ = seconds;
+}
+
+void MapPane::setValues(const std::vector<Values> &values)
+{
+    const QString before = shown_->currentText();
+    choices_ = values;
+    shown_->clear();
+    for (const Values &choice : choices_)
+        shown_->addItem(choice.name);
+    shown_->setCurrentIndex(std::max(shown_->findText(before), 0));
+    fold(true);
+}
+
+void MapPane::setGuess(const MsModulation &guess)
+{
+    guess_ = guess;
+    if (guess_.isConfident && length() == 0.0)
+        length_->setValue(guess_.seconds);
+    fold(true);
+}
+
+void MapPane::setLength(double seconds)
+{
+    length_->setValue(seconds);
+}
+
+double MapPane::length() const
+{
+    return length_->value();
+}
+
+void MapPane::choose(double seconds)
+{
+    chosen_ = seconds;
+    plot_->choose(seconds);
+}
+
+void MapPane::fold(bool keepsView)
+{
+    fault_.clear();
+    const bool isGuess = std::isfinite(guess_.seconds);
+    QString remark;
+    if (isGuess)
+        remark = QStringLiteral("The trace repeats every %1 s (confidence %2%).")
+                     .arg(guess_.seconds, 0, 'g', 5)
+                     .arg(percent * guess_.confidence, 0, 'f', 0);
+    ModulationMap map;
+    const int place = shown_->currentIndex();
+    if (length() == 0.0)
+        fault_ = QStringLiteral("Type the length of the modulation, which the file doesn't hold.");
+    else if (place < 0 || choices_[std::size_t(place)].numbers.empty())
+        fault_ = QStringLiteral("The run is still being read.");
+    else
+        map = foldTrace(times_, choices_[std::size_t(place)].numbers, length(), shift_->value(), &fault_);
+    const bool isNew = plot_->map().isEmpty();
+    plot_->setMap(map, shown_->currentText(), keepsView && !isNew);
+    plot_->choose(chosen_);
+    remark_->setText(fault_.isEmpty() ? remark : QStringLiteral("%1 %2").arg(fault_, remark).trimmed());
+    remark_->setVisible(!remark_->text().isEmpty());
+}
+
+void MapPane::setRange()
+{
+    bool hasFrom = false;
+    bool hasTo = false;
+    const double from = QLocale::c().toDouble(from_->text(), &hasFrom);
+    const double to = QLocale::c().toDouble(to_->text(), &hasTo);
+    plot_->setAutomaticRange();
+    const QCPRange automatic = plot_->valueRange();
+    const QCPRange wanted(hasFrom ? from : automatic.lower, hasTo ? to : automatic.upper);
+    if ((hasFrom || hasTo) && wanted.size() > 0.0)
+        plot_->setValueRange(wanted);
+}
