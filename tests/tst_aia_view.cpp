@@ -188,7 +188,7 @@ private slots:
         TracePlot *trace = page()->trace();
         const RunModel *model = page()->model();
         QCOMPARE(trace->xAxis->label(), QString("Time (min)"));
-        QCOMPARE(trace->yAxis->label(), QString("Total ion current, stored"));
+        QCOMPARE(trace->yAxis->label(), QString("Total, stored"));
         QCOMPARE(keysOf(trace->graph(0)).size(), std::size_t(2000));
 
         const QPoint at = pixelOf(trace, 10.0, trace->yAxis->range().center());
@@ -472,7 +472,9 @@ private slots:
         QCOMPARE(plot->secondCut()->dataCount(), map.rows);
         const double seconds = page()->shown().time * 60.0;
         QCOMPARE(map.scan(map.columnOf(seconds), map.rowOf(seconds)), page()->scan());
-        QMouseEvent move(QEvent::MouseMove, at, Qt::NoButton, {}, {});
+        plot->replot(); // the labels of the new cuts may have moved the map
+        const QPoint cell = pixelOf(plot, page()->shown().time, (map.rowOf(seconds) + 0.5) * map.step);
+        QMouseEvent move(QEvent::MouseMove, cell, Qt::NoButton, {}, {});
         QApplication::sendEvent(plot, &move);
         QVERIFY2(plot->pointerText().contains(QString("scan %1 ").arg(page()->scan())),
                  qPrintable(plot->pointerText()));
@@ -490,6 +492,54 @@ private slots:
 
         QTest::keyClick(plot, Qt::Key_D, Qt::ControlModifier);
         QVERIFY(!page()->showsMap() && page()->trace()->isVisible());
+    }
+
+    void laysTheHostsPointsOver()
+    {
+        openSample("gcms");
+        QTest::keyClick(window.get(), Qt::Key_H, Qt::ControlModifier);
+        const QCPGraph *points = page()->spectrum()->hostPoints();
+        QTRY_VERIFY_WITH_TIMEOUT(!points->data()->isEmpty(), longestWait);
+        page()->stepScans(1);
+        QTRY_COMPARE(points->dataCount(), int(page()->shown().masses.size()));
+        QVERIFY(page()->spectrum()->title().contains("as the host gets it"));
+        // The same, by the table's hundredths.
+        for (int i = 0; i < points->dataCount(); ++i) {
+            QVERIFY(std::abs(points->data()->at(i)->key - page()->shown().masses[std::size_t(i)]) < 0.006);
+            QCOMPARE(points->data()->at(i)->value, page()->shown().intensities[std::size_t(i)]);
+        }
+        QTest::keyClick(window.get(), Qt::Key_H, Qt::ControlModifier);
+        QTRY_VERIFY(points->data()->isEmpty());
+    }
+
+    void saves()
+    {
+        openSample("gcms");
+        const QString trace = folder.filePath("trace.csv");
+        QCOMPARE(page()->saveUpper(trace), QString());
+        const QList<QByteArray> lines = content(trace).split('\n');
+        QCOMPARE(lines.first().trimmed(), QByteArray("Trace,Time (min),\"Total, stored\""));
+        QCOMPARE(lines.size(), 2002); // and nothing behind the last line end
+        const QString spectrum = folder.filePath("spectrum.csv");
+        QCOMPARE(page()->saveSpectrum(spectrum), QString());
+        QCOMPARE(content(spectrum).count('\n'), int(page()->shown().masses.size()) + 1);
+        const QString library = folder.filePath("spectrum.msp");
+        QCOMPARE(page()->saveSpectrum(library), QString());
+        QVERIFY2(content(library).contains("\nRT: "), content(library).left(200));
+        for (const char *image : {"plot.png", "plot.pdf", "plot.svg"}) {
+            QCOMPARE(page()->saveUpper(folder.filePath(image)), QString());
+            QVERIFY(QFileInfo(folder.filePath(image)).size() > 1000);
+        }
+        QVERIFY(page()->saveSpectrum(folder.filePath("plot.txt")).contains("has to end in"));
+        QVERIFY(!QFile::exists(folder.filePath("plot.txt")));
+        const QByteArray before = content(sample("gcms"));
+        QVERIFY(!page()->saveUpper(sample("gcms")).isNull() && content(sample("gcms")) == before); // the run itself
+
+        openSample("library");
+        QCOMPARE(page()->saveSpectrum(library), QString());
+        const MsCompound &compound = page()->model()->compounds()[std::size_t(page()->scan())];
+        QVERIFY2(content(library).startsWith("Name: " + compound.name.toLatin1()), content(library).left(200));
+        QVERIFY(content(library).contains("\nFormula: " + compound.formula.toLatin1()));
     }
 
     void doubtsComeFirst()

@@ -13,17 +13,6 @@ constexpr double secondsPerMinute = 60.0;
 constexpr int mostNamed = 10; // entries that one sentence names
 constexpr int longestName = 60;
 
-// Returns a CAS number with its hyphens: its last digit checks the others.
-QString casNumber(qint32 number)
-{
-    if (number <= 0)
-        return QString();
-    return QStringLiteral("%1-%2-%3")
-        .arg(number / 1000)
-        .arg(number / 10 % 100, 2, 10, QLatin1Char('0'))
-        .arg(number % 10);
-}
-
 QString minuteText(double minutes)
 {
     return QString::number(minutes, 'f', 3) + QStringLiteral(" min");
@@ -61,30 +50,18 @@ private:
                 "it is a library, whose entries are all taken, without --scan, --at and --sum"));
         const bool isWhole =
             forEachScan(run, ScanWalk::Only, progress, [this](const MsSpectrum &spectrum) {
-                put(entryOf(spectrum));
+                put(compoundOf(spectrum));
                 return !output.hasFailed();
             });
         return isWhole || (output.hasFailed() ? false : log->fail(QStringLiteral("it was interrupted")));
     }
 
-    MspEntry entryOf(const MsSpectrum &spectrum) const
+    MspEntry compoundOf(const MsSpectrum &spectrum) const
     {
-        const MsCompound compound = run.compound(spectrum.index());
-        MspEntry entry = pointsOf(spectrum);
-        entry.name =
-            compound.name.isNull() ? QStringLiteral("Entry %1").arg(spectrum.index()) : compound.name;
-        entry.synonyms = compound.otherNames;
-        if (!compound.casName.isNull() && compound.casName != compound.name)
-            entry.synonyms += compound.casName;
-        entry.formula = compound.formula;
-        entry.molecularWeight = !std::isnan(compound.chemicalMass) ? compound.chemicalMass
-            : compound.nominalMass > 0                             ? double(compound.nominalMass)
-                                                                   : entry.molecularWeight;
-        entry.exactMass = compound.accurateMass;
-        entry.casNumber = casNumber(compound.casNumber);
-        entry.retentionIndex = compound.retentionIndex;
-        entry.minutes = compound.absoluteRetention / secondsPerMinute;
-        entry.comment = compound.information;
+        MspEntry entry = entryOf(run.compound(spectrum.index()), spectrum.index());
+        MspEntry points = pointsOf(spectrum);
+        entry.masses = std::move(points.masses);
+        entry.intensities = std::move(points.intensities);
         return entry;
     }
 

@@ -78,6 +78,36 @@ QByteArray asciiLine(const QString &text)
     return line.simplified();
 }
 
+QString casText(qint32 number)
+{
+    if (number <= 0)
+        return QString();
+    return QStringLiteral("%1-%2-%3") // the last digit checks the others
+        .arg(number / 1000)
+        .arg(number / 10 % 100, 2, 10, QLatin1Char('0'))
+        .arg(number % 10);
+}
+
+MspEntry entryOf(const MsCompound &compound, qint32 number)
+{
+    constexpr double secondsPerMinute = 60.0;
+    MspEntry entry;
+    entry.name = compound.name.isNull() ? QStringLiteral("Entry %1").arg(number) : compound.name;
+    entry.synonyms = compound.otherNames;
+    if (!compound.casName.isNull() && compound.casName != compound.name)
+        entry.synonyms += compound.casName;
+    entry.formula = compound.formula;
+    entry.molecularWeight = !std::isnan(compound.chemicalMass) ? compound.chemicalMass
+        : compound.nominalMass > 0                             ? double(compound.nominalMass)
+                                                               : entry.molecularWeight;
+    entry.exactMass = compound.accurateMass;
+    entry.casNumber = casText(compound.casNumber);
+    entry.retentionIndex = compound.retentionIndex;
+    entry.minutes = compound.absoluteRetention / secondsPerMinute;
+    entry.comment = compound.information;
+    return entry;
+}
+
 bool writeMspEntry(TextOutput &output, const MspEntry &entry)
 {
     qint64 count = 0;

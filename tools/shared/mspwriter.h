@@ -2,6 +2,7 @@
 #ifndef MSPWRITER_H
 #define MSPWRITER_H
 
+#include "msrun.h"
 #include "textoutput.h"
 
 #include <QStringList>
@@ -23,6 +24,13 @@ struct MspEntry {
     std::vector<double> masses;
     std::vector<double> intensities; // as many
 };
+
+// Returns what a library says of a compound, under the name of its entry where it has none. The peaks are
+// left to the caller.
+MspEntry entryOf(const MsCompound &compound, qint32 entry);
+
+// Returns a CAS number with its hyphens; null for none.
+QString casText(qint32 number);
 
 // Appends an entry and the blank line behind it. Texts are written in ASCII on one line. Points below
 // mass 1, and those without a finite intensity above 0, are left out. Returns false, and writes nothing,

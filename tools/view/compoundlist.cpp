@@ -1,5 +1,7 @@
 #include "compoundlist.h"
 
+#include "mspwriter.h"
+
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -18,17 +20,6 @@ constexpr int soughtRole = Qt::UserRole;
 constexpr int orderRole = Qt::UserRole + 1;
 
 } // namespace
-
-QString casText(qint32 number)
-{
-    if (number < 0)
-        return QString();
-    // The last digit checks the others; two stand before it.
-    return QStringLiteral("%1-%2-%3")
-        .arg(number / 1000)
-        .arg(number / 10 % 100, 2, 10, QLatin1Char('0'))
-        .arg(number % 10);
-}
 
 class CompoundList::Model : public QAbstractTableModel
 {
@@ -84,7 +75,7 @@ public:
         if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
             return QAbstractTableModel::headerData(section, orientation, role);
         return QStringList{QStringLiteral("Entry"), QStringLiteral("Name"), QStringLiteral("Formula"),
-                           QStringLiteral("CAS number"), QStringLiteral("Molecular weight")}[section];
+                           QStringLiteral("CAS number"), QStringLiteral("Weight")}[section];
     }
 
 private:
@@ -126,6 +117,10 @@ CompoundList::CompoundList(QWidget *parent)
 void CompoundList::setCompounds(const std::vector<MsCompound> &compounds, qint32 all)
 {
     model_->take(compounds);
+    QHeaderView *header = view_->horizontalHeader();
+    constexpr int looked = 100; // rows, as there may be very many
+    header->setResizeContentsPrecision(looked);
+    view_->resizeColumnsToContents();
     if (qint32(compounds.size()) < all)
         search_->setPlaceholderText(
             QStringLiteral("Name, formula or CAS number; only the first %1 of %2 entries are listed")

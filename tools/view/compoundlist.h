@@ -37,7 +37,4 @@ private:
     QSortFilterProxyModel *found_;
 };
 
-// Returns a CAS number with its hyphens; null for -1.
-QString casText(qint32 number);
-
 #endif // COMPOUNDLIST_H

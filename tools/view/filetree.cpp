@@ -22,6 +22,7 @@ QString shownValue(const QVariant &value)
 void addNode(const InfoNode &node, QTreeWidgetItem *parent)
 {
     auto *item = new QTreeWidgetItem(parent, {node.name, QString()});
+    item->setToolTip(0, node.name);
     if (node.kind == InfoNode::Kind::Value) {
         const QString value = shownValue(node.value);
         item->setText(
@@ -70,8 +71,8 @@ FileTree::FileTree(QWidget *parent) : QWidget(parent), search_(new QLineEdit), t
     tree_->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Value")});
     tree_->setUniformRowHeights(false);
     tree_->setWordWrap(true);
-    tree_->header()->setSectionResizeMode(0, QHeaderView::Interactive);
-    tree_->header()->resizeSection(0, fontMetrics().horizontalAdvance(QLatin1Char('x')) * 26);
+    tree_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    tree_->header()->resizeSection(0, fontMetrics().horizontalAdvance(QLatin1Char('x')) * 24);
     doubts_ = new QTreeWidgetItem(tree_, {QStringLiteral("Doubts")});
     doubts_->setExpanded(true);
     auto *layout = new QVBoxLayout(this);

@@ -17,6 +17,7 @@ constexpr HelpRow helpRows[] = {
     {"", "Files"},
     {"Ctrl+O", "open files; they can also be dropped on the window"},
     {"Ctrl+W", "close the file"},
+    {"Ctrl+S, Ctrl+Shift+S", "save the trace or map, or the spectrum: an image or a table"},
     {"Ctrl+Tab, Ctrl+Shift+Tab", "next file, previous file"},
     {"Ctrl+F", "search what the file says, or the compounds of a library"},
     {"Escape", "cancel what is being read"},
@@ -43,6 +44,7 @@ constexpr HelpRow helpRows[] = {
     {"Ctrl+D", "map of a GCxGC run, or its trace"},
     {"Ctrl+L", "lay the traces of all open runs over each other"},
     {"Ctrl+P, Ctrl+Shift+P", "pin the spectrum, to compare it with others; unpin it"},
+    {"Ctrl+H", "lay over the spectrum what the host gets of it"},
     {"Ctrl+C in the table of peaks", "copy the chosen rows, or all"},
     // clang-format on
 };

@@ -6,6 +6,7 @@
 #include "viewoptions.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QSettings>
 
 int main(int argc, char *argv[])
@@ -33,6 +34,7 @@ int main(int argc, char *argv[])
                        QStringLiteral(AIA_PROGRAM));
     ReadingThread thread;
     MainWindow window(settings, thread);
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral(AIA_PROGRAM)));
     window.show();
     window.setModulation(command.modulation);
     window.open(command.files);

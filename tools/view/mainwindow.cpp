@@ -12,9 +12,11 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -100,6 +102,20 @@ void MainWindow::makeMenus()
     recent_ = file->addMenu(QStringLiteral("Open &recent"));
     fillRecent();
     file->addSeparator();
+    const QString images = QStringLiteral("Images (*.png *.pdf *.svg)");
+    add(file, QStringLiteral("Save &trace or map\u2026"), QKeySequence(Qt::CTRL + Qt::Key_S),
+        [this, images] { save(&RunPage::saveUpper, images + QStringLiteral(";;Table (*.csv)")); });
+    add(file, QStringLiteral("&Save spectrum\u2026"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S),
+        [this, images] {
+            save(&RunPage::saveSpectrum, images + QStringLiteral(";;Table (*.csv);;Spectrum (*.msp)"));
+        });
+    add(file, QStringLiteral("Con&vert the run\u2026"), {}, [this] {
+        const QString name = askForName(
+            QStringLiteral("mzML (*.mzML);;Clean file (*.cdf);;Table (*.csv);;Spectra (*.msp)"));
+        if (!name.isEmpty())
+            page()->convertTo(name);
+    });
+    file->addSeparator();
     add(file, QStringLiteral("&Close"), QKeySequence(Qt::CTRL + Qt::Key_W),
         [this] { closeTab(tabs_->currentIndex()); });
     add(
@@ -137,6 +153,12 @@ void MainWindow::makeMenus()
     add(spectrum, QStringLiteral("&Unpin"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_P),
         [this] { unpinSpectrum(); });
 
+    host_ = addSwitch(spectrum, QStringLiteral("As the &host gets it"),
+                      QKeySequence(Qt::CTRL + Qt::Key_H), [this] {
+                          for (int tab = 0; tab < tabs_->count(); ++tab)
+                              pageAt(tab)->setHost(host_->isChecked());
+                      });
+
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(
         help, QStringLiteral("&Mouse and keys"), QKeySequence::HelpContents,
@@ -160,6 +182,30 @@ void MainWindow::askForFiles()
                                        QStringLiteral("AIA MS files (*.cdf *.CDF *.nc);;All files (*)")));
 }
 
+QString MainWindow::askForName(const QString &kinds)
+{
+    QString chosen;
+    QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
+                                                settings_.value(folderKey).toString(), kinds, &chosen);
+    // A name without an ending gets that of the kind that was chosen.
+    if (!name.isEmpty() && QFileInfo(name).suffix().isEmpty())
+        name +=
+            chosen.section(QLatin1Char('*'), 1).section(QRegularExpression(QStringLiteral("[ )]")), 0, 0);
+    return name;
+}
+
+void MainWindow::save(QString (RunPage::*write)(const QString &), const QString &kinds)
+{
+    const QString name = askForName(kinds);
+    if (name.isEmpty())
+        return;
+    const QString failure = (page()->*write)(name);
+    if (failure.isNull())
+        statusBar()->showMessage(QStringLiteral("Saved to %1").arg(name), 5000);
+    else
+        QMessageBox::warning(this, QApplication::applicationName(), failure);
+}
+
 void MainWindow::open(const QStringList &fileNames)
 {
     for (const QString &name : fileNames)
@@ -176,6 +222,7 @@ void MainWindow::openOne(const QString &fileName)
     auto *page = new RunPage(thread_, fileName);
     page->restoreLayout(settings_.value(layoutKey).toByteArray());
     page->setMirrored(pinned_);
+    page->setHost(host_->isChecked());
     if (modulation_ > 0.0)
         page->setModulation(modulation_);
     const auto showWork = [this, page](const QString &what, double part) {

@@ -54,6 +54,8 @@ private:
     QAction *addSwitch(QMenu *menu, const QString &text, const QKeySequence &keys,
                        const std::function<void()> &call);
     void askForFiles();
+    QString askForName(const QString &kinds);
+    void save(QString (RunPage::*write)(const QString &), const QString &kinds);
     void openOne(const QString &fileName);
     void closeTab(int tab);
     void showTab();
@@ -73,6 +75,7 @@ private:
     QAction *overlays_ = nullptr;
     QAction *offset_ = nullptr;
     QAction *normalised_ = nullptr;
+    QAction *host_ = nullptr;
     QList<QAction *> needRun_;
     std::optional<SpectrumData> pinned_;
     double modulation_ = 0.0;

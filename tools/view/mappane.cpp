@@ -55,8 +55,7 @@ MapPane::MapPane(QWidget *parent)
     scale_->addItems(
         {QStringLiteral("Linear"), QStringLiteral("Square root"), QStringLiteral("Logarithmic")});
     shown_->setToolTip(QStringLiteral("What the colours show"));
-    remark_->setWordWrap(true);
-    remark_->setMargin(4);
+    remark_->setMargin(2);
     auto *bar = new QHBoxLayout;
     bar->setContentsMargins(4, 4, 4, 2);
     for (QWidget *widget :
@@ -64,12 +63,11 @@ MapPane::MapPane(QWidget *parent)
           static_cast<QWidget *>(scale_), static_cast<QWidget *>(from_), static_cast<QWidget *>(to_),
           static_cast<QWidget *>(interpolates_)})
         bar->addWidget(widget);
-    bar->addStretch();
+    bar->addWidget(remark_, 1);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
-    layout->addWidget(remark_);
     layout->addWidget(plot_, 1);
 
     connect(length_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(false); });
@@ -128,7 +126,7 @@ void MapPane::fold(bool keepsView)
     const bool isGuess = std::isfinite(guess_.seconds);
     QString remark;
     if (isGuess)
-        remark = QStringLiteral("The trace repeats every %1 s (confidence %2%).")
+        remark = QStringLiteral("Guessed: %1 s, confidence %2%")
                      .arg(guess_.seconds, 0, 'g', 5)
                      .arg(percent * guess_.confidence, 0, 'f', 0);
     ModulationMap map;
@@ -142,7 +140,11 @@ void MapPane::fold(bool keepsView)
     const bool isNew = plot_->map().isEmpty();
     plot_->setMap(map, shown_->currentText(), keepsView && !isNew);
     plot_->choose(chosen_);
-    remark_->setText(fault_.isEmpty() ? remark : QStringLiteral("%1 %2").arg(fault_, remark).trimmed());
+    remark_->setText(remark);
+    // Cut where the window is narrow, so that the bar doesn't keep it wide.
+    remark_->setToolTip(remark);
+    remark_->setMinimumWidth(1);
+    plot_->setFault(fault_);
     remark_->setVisible(!remark_->text().isEmpty());
 }
 

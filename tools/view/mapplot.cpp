@@ -10,7 +10,7 @@ namespace {
 
 constexpr double secondsOfMinute = 60.0;
 constexpr double logarithmicDepth = 1e4; // how far below the largest value an automatic range reaches
-constexpr int cutSize = 90;              // pixels
+constexpr int cutSize = 64;              // pixels
 
 // Even steps of lightness, which people with any colour vision see in the same order.
 constexpr QRgb evenColours[] = {
@@ -46,7 +46,7 @@ MapPlot::MapPlot(QWidget *parent)
     : RunPlot(parent), cells_(new QCPColorMap(xAxis, yAxis)), colours_(new QCPColorScale(this)),
       firstRect_(new QCPAxisRect(this)), secondRect_(new QCPAxisRect(this)),
       across_(new QCPItemStraightLine(this)), up_(new QCPItemStraightLine(this)),
-      pointerText_(new QCPItemText(this))
+      pointerText_(new QCPItemText(this)), faultText_(new QCPItemText(this))
 {
     setDirections(Qt::Horizontal | Qt::Vertical);
     xAxis->setLabel(QStringLiteral("First dimension (min)"));
@@ -95,6 +95,9 @@ MapPlot::MapPlot(QWidget *parent)
     cells_->setInterpolate(false);
     PlotLook::makeRemark(pointerText_, Qt::AlignLeft | Qt::AlignTop);
     pointerText_->setVisible(false);
+    PlotLook::makeRemark(faultText_, Qt::AlignHCenter | Qt::AlignVCenter);
+    faultText_->position->setCoords(0.5, 0.5);
+    faultText_->setVisible(false);
     for (QCPItemStraightLine *line : {across_, up_}) {
         line->setSelectable(false);
         line->setVisible(false);
@@ -123,6 +126,14 @@ void MapPlot::setMap(const ModulationMap &map, const QString &name, bool keepsVi
               QCPRange(0.0, map_.length));
     if (!keepsView)
         showAll();
+    replot(rpQueuedReplot);
+}
+
+void MapPlot::setFault(const QString &sentence)
+{
+    faultText_->setText(sentence);
+    faultText_->setVisible(!sentence.isEmpty());
+    cells_->setVisible(sentence.isEmpty());
     replot(rpQueuedReplot);
 }
 
@@ -314,6 +325,7 @@ void MapPlot::applyLook()
     // On the map itself, whatever the palette.
     for (QCPItemStraightLine *line : {across_, up_})
         line->setPen(QPen(QColor(255, 255, 255, 160), 0, Qt::DashLine));
+    faultText_->setBrush(colours.color(QPalette::Base));
     pointerText_->setColor(Qt::white);
     pointerText_->setBrush(QColor(0, 0, 0, 140));
     pointerText_->setPadding(QMargins(4, 1, 4, 1));

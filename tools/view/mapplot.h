@@ -17,6 +17,8 @@ public:
     // Shows a map. `name` says what its values are.
     void setMap(const ModulationMap &map, const QString &name, bool keepsView);
     const ModulationMap &map() const { return map_; }
+    // Says in the plot why there is no map; null for nothing to say.
+    void setFault(const QString &sentence);
 
     void setScale(Scale scale);
     // The values at the ends of the gradient; without numbers, those of the map.
@@ -63,6 +65,7 @@ private:
     QCPItemStraightLine *across_;
     QCPItemStraightLine *up_;
     QCPItemText *pointerText_;
+    QCPItemText *faultText_;
 };
 
 #endif // MAPPLOT_H

@@ -41,6 +41,8 @@ QByteArray plotImage(QCustomPlot *plot, const QString &name, double scale)
         painter.end();
         return buffer.data();
     }
+    if (kind != QLatin1String("svg"))
+        return QByteArray();
     QSvgGenerator generator;
     generator.setOutputDevice(&buffer);
     generator.setResolution(dotsPerInch);

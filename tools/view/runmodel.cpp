@@ -134,6 +134,7 @@ QString rangeText(const MsInterval &times, const RunSummary &summary)
 // What belongs to the reading thread: the run is opened, read and closed there.
 struct RunModel::Shared {
     std::unique_ptr<MsRun> run;
+    std::unique_ptr<HostScans> host; // once asked for
     std::atomic<quint64> newestSpectrum = 0;
     std::atomic<bool> isGone = false;
 };
@@ -166,7 +167,10 @@ RunModel::~RunModel()
         ticket.second.cancel();
     shared_->isGone = true;
     // Behind the long work that may still use the run.
-    thread_.postLong([shared = std::move(shared_)] { shared->run.reset(); });
+    thread_.postLong([shared = std::move(shared_)] {
+        shared->run.reset();
+        shared->host.reset();
+    });
 }
 
 QString RunModel::shownName() const
@@ -490,5 +494,17 @@ void RunModel::requestTraces(const std::vector<ExtractedTrace> &wanted)
                   for (std::size_t i = 0; i < values.size(); ++i)
                       (*traces)[i].values = std::move(values[i]);
                   return [this, traces] { emit tracesRead(*traces); };
+              });
+}
+
+void RunModel::requestHostScan(qint32 scan)
+{
+    startLong(Kind::Host, QStringLiteral("Importing as the host does"),
+              [this, scan, shared = shared_, name = fileName_](const MsRun &,
+                                                               const Progress &progress) -> Answer {
+                  if (!shared->host)
+                      shared->host = std::make_unique<HostScans>(name);
+                  auto found = std::make_shared<HostScan>(shared->host->scan(scan, progress));
+                  return [this, scan, found] { emit hostScanRead(scan, *found); };
               });
 }

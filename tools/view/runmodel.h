@@ -2,6 +2,7 @@
 #ifndef RUNMODEL_H
 #define RUNMODEL_H
 
+#include "hostscans.h"
 #include "readingthread.h"
 #include "rundata.h"
 
@@ -50,6 +51,8 @@ public:
     // A newer request of a kind replaces the older one. An interval without a number is none.
     void requestSpectrum(qint32 scan);
     void requestAverage(const MsInterval &times, const MsInterval &background);
+    // Asks for a scan as the host gets it.
+    void requestHostScan(qint32 scan);
     void requestTraces(const std::vector<ExtractedTrace> &wanted);
 
     // Reads all scans for the sums, as it happens without asking once the file is open.
@@ -68,12 +71,13 @@ signals:
     void compoundsRead();
     void spectrumRead(const SpectrumData &spectrum);
     void tracesRead(const std::vector<ExtractedTrace> &traces);
+    void hostScanRead(qint32 scan, const HostScan &hostScan);
     void progressed(const QString &what, double part); // 0 to 1
     void idle(bool wasCancelled);                      // long work has come to its end
     void failed(const QString &sentence);              // work that couldn't be done
 
 private:
-    enum class Kind { Sums, Traces, Average, Compounds };
+    enum class Kind { Sums, Traces, Average, Compounds, Host };
     struct Shared;
     using Progress = MsRun::Progress;
 

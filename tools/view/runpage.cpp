@@ -5,14 +5,20 @@
 #include "mappane.h"
 #include "mapplot.h"
 #include "masswindows.h"
+#include "outputfile.h"
 #include "peaktable.h"
+#include "plotimage.h"
 #include "spectrumplot.h"
 #include "traceplot.h"
+#include "viewexport.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -35,15 +41,14 @@ constexpr std::size_t largestTraced = 3;
 
 struct SourceRow {
     RunPage::Source source;
-    const char *name;  // in the list of sources
-    const char *label; // of the axis
+    const char *name; // in the list of sources and at the axis
 };
 
 constexpr SourceRow sourceRows[] = {
     // clang-format off
-    {RunPage::Source::Stored,   "Total, stored", "Total ion current, stored"},
-    {RunPage::Source::Summed,   "Total, summed", "Total ion current, summed"},
-    {RunPage::Source::BasePeak, "Base peak",     "Base peak intensity"},
+    {RunPage::Source::Stored,   "Total, stored"},
+    {RunPage::Source::Summed,   "Total, summed"},
+    {RunPage::Source::BasePeak, "Base peak"},
     // clang-format on
 };
 
@@ -51,6 +56,14 @@ const SourceRow &rowOf(RunPage::Source source)
 {
     return *std::find_if(std::begin(sourceRows), std::end(sourceRows),
                          [source](const SourceRow &row) { return row.source == source; });
+}
+
+QString writeImage(RunPlot *plot, const QString &name, OutputFile *output)
+{
+    constexpr double pixelsOfOne = 2.0; // fine enough for print
+    const QByteArray image = plotImage(plot, name, pixelsOfOne);
+    return image.isEmpty() ? QStringLiteral("\"%1\" has to end in .png, .pdf, .svg or .csv.").arg(name)
+                           : writeBytes(output, image);
 }
 
 QCPRange rangeOf(const MsInterval &interval)
@@ -107,6 +120,16 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
     connectParts();
 }
 
+RunPage::~RunPage()
+{
+    if (!conversion_)
+        return;
+    constexpr int patience = 3000; // ms, in which it removes what it has begun
+    conversion_->disconnect(this);
+    conversion_->terminate();
+    conversion_->waitForFinished(patience);
+}
+
 QWidget *RunPage::makeTracePane()
 {
     sources_ = new QComboBox;
@@ -143,7 +166,7 @@ QWidget *RunPage::makeSide()
     side_->addTab(tree_, QStringLiteral("File"));
     side_->addTab(peaks_, QStringLiteral("Peaks"));
     side_->setDocumentMode(true);
-    side_->setMinimumWidth(160);
+    side_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('x')) * 34);
     return side_;
 }
 
@@ -171,6 +194,12 @@ void RunPage::connectParts()
     connect(model_, &RunModel::tracesRead, this, [this](const std::vector<ExtractedTrace> &traces) {
         traces_ = traces;
         showTraces(true);
+    });
+    connect(model_, &RunModel::hostScanRead, this, [this](qint32 scan, const HostScan &hostScan) {
+        if (!showsHost_ || scan != shown_.scan)
+            return;
+        spectrum_->setHost(hostScan);
+        say(hostScan.fault);
     });
     connect(model_, &RunModel::progressed, this, &RunPage::progressed);
     connect(model_, &RunModel::failed, this, &RunPage::say);
@@ -215,6 +244,7 @@ void RunPage::takeRun()
         connect(compounds_, &CompoundList::entryChosen, this, &RunPage::showScan);
         views_->hide();
         down_->insertWidget(0, compounds_);
+        down_->setSizes({1000, 0, 1000});
     }
     spectrum_->setVisible(summary.kind != MsRun::Kind::Trace);
     masses_->setVisible(summary.kind != MsRun::Kind::Trace);
@@ -300,7 +330,7 @@ void RunPage::showTraces(bool keepsView)
         if (run && run->state() == RunModel::State::Open)
             curves.push_back({run->shownName(), timesOf(*run), values(*run)});
     }
-    trace_->setLabels(model_->summary().timeLabel, QString::fromLatin1(rowOf(source_).label));
+    trace_->setLabels(model_->summary().timeLabel, name);
     trace_->setCurves(curves, keepsView);
     fillMap();
 }
@@ -422,6 +452,7 @@ void RunPage::takeSpectrum(const SpectrumData &spectrum)
     spectrum_->setSpectrum(spectrum);
     peaks_->setSpectrum(spectrum);
     markShown();
+    askHost();
 }
 
 void RunPage::markShown()
@@ -501,6 +532,85 @@ void RunPage::setOverlay(const Overlay &overlay)
 void RunPage::setMirrored(const std::optional<SpectrumData> &spectrum)
 {
     spectrum_->setMirrored(spectrum);
+}
+
+void RunPage::setHost(bool isShown)
+{
+    showsHost_ = isShown;
+    if (!isShown)
+        say(QString());
+    askHost();
+}
+
+void RunPage::askHost()
+{
+    spectrum_->setHost({});
+    if (showsHost_ && shown_.scan != -1 && model_->summary().kind != MsRun::Kind::Trace)
+        model_->requestHostScan(shown_.scan);
+}
+
+QString RunPage::saveUpper(const QString &name)
+{
+    if (compounds_)
+        return QStringLiteral("A library has no trace and no map.");
+    OutputFile output(name, OutputFile::Existing::Replace);
+    const QString objection = output.objection({model_->fileName()});
+    if (!objection.isNull())
+        return objection;
+    const bool isTable = QFileInfo(name).suffix().toLower() == QLatin1String("csv");
+    if (!isTable)
+        return writeImage(upperPlot(), name, &output);
+    if (showsMap())
+        return writeMapCsv(map_->plot()->map(), map_->values()->currentText(), &output);
+    return writeTracesCsv(trace_->curves(), trace_->xAxis->label(), trace_->yAxis->label(), &output);
+}
+
+QString RunPage::saveSpectrum(const QString &name)
+{
+    OutputFile output(name, OutputFile::Existing::Replace);
+    const QString objection = output.objection({model_->fileName()});
+    if (!objection.isNull())
+        return objection;
+    const QString kind = QFileInfo(name).suffix().toLower();
+    if (kind == QLatin1String("csv"))
+        return writeSpectrumCsv(shown_, &output);
+    if (kind != QLatin1String("msp"))
+        return writeImage(spectrum_, name, &output);
+    MspEntry about;
+    if (shown_.scan >= 0 && std::size_t(shown_.scan) < model_->compounds().size())
+        about = entryOf(model_->compounds()[std::size_t(shown_.scan)], shown_.scan);
+    else {
+        about.name = QStringLiteral("%1, %2").arg(model_->shownName(), shown_.title);
+        if (shown_.scan != -1 && model_->summary().timeUnit != 1.0)
+            about.minutes = shown_.time;
+    }
+    return writeSpectrumMsp(shown_, about, &output);
+}
+
+void RunPage::convertTo(const QString &name)
+{
+    if (conversion_)
+        return say(QStringLiteral("A conversion is under way."));
+    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/aia-convert");
+    if (!QFileInfo(program).isExecutable())
+        return say(QStringLiteral(
+            "The program aia-convert isn't beside this one, so the run can't be converted."));
+    conversion_ = new QProcess(this);
+    connect(conversion_, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+            [this, name](int code, QProcess::ExitStatus status) {
+                const bool isDone = code == 0 && status == QProcess::NormalExit;
+                const QString words =
+                    QString::fromLocal8Bit(conversion_->readAllStandardError()).simplified();
+                say(isDone
+                        ? QStringLiteral("The run was converted to \"%1\". %2").arg(name, words).trimmed()
+                        : QStringLiteral("The run wasn't converted. %1").arg(words));
+                conversion_->deleteLater();
+                conversion_ = nullptr;
+            });
+    say(QStringLiteral("Converting \u2026"));
+    conversion_->start(program,
+                       {QStringLiteral("--quiet"), QStringLiteral("--force"), QStringLiteral("-o"), name,
+                        QStringLiteral("--"), model_->fileName()});
 }
 
 void RunPage::say(const QString &sentence)

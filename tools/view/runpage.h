@@ -17,6 +17,7 @@ class PeakTable;
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QProcess;
 class QSplitter;
 class QStackedWidget;
 class QTabWidget;
@@ -40,6 +41,8 @@ public:
     enum class Source { Stored, Summed, BasePeak };
 
     RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent = nullptr);
+    // Ends a conversion that is under way.
+    ~RunPage() override;
 
     RunModel *model() const { return model_; }
     TracePlot *trace() const { return trace_; }
@@ -73,6 +76,17 @@ public:
     QString masses() const;
     void setOverlay(const Overlay &overlay);
     void setMirrored(const std::optional<SpectrumData> &spectrum);
+    // Lays what the host gets over each spectrum that is shown, or no longer.
+    void setHost(bool isShown);
+
+    // Write what is shown above, a trace or a map, or the spectrum, as the ending of the name says: .png,
+    // .pdf, .svg, .csv, and .msp for a spectrum. Return a sentence that says why that failed; null if it
+    // didn't. A file that is there is written over, but never the run's own.
+    QString saveUpper(const QString &name);
+    QString saveSpectrum(const QString &name);
+    // Has aia-convert make a file of the whole run, and says then how that went.
+    void convertTo(const QString &name);
+
     // Adds traces of the largest masses of a spectrum.
     void traceLargest(const SpectrumData &spectrum);
 
@@ -105,6 +119,7 @@ private:
     void fillMap();
     RunPlot *upperPlot() const;
     void showHighest();
+    void askHost();
     void addMass(double mass);
     void removeCurve(int curve);
     void markShown();
@@ -135,6 +150,8 @@ private:
     Source source_ = Source::Stored;
     bool hasChosenSource_ = false;
     bool hasChosenView_ = false;
+    bool showsHost_ = false;
+    QProcess *conversion_ = nullptr;
     SpectrumData shown_;
     qint32 wanted_ = -1; // the scan that was asked for last
     MsInterval average_;

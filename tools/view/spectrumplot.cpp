@@ -15,14 +15,22 @@ constexpr double leastLabelled = 0.005; // of the highest peak that is seen
 constexpr double pickDistance = 8.0;    // pixels
 constexpr double labelGap = 3.0;        // pixels
 
-// Both halves of a mirrored plot count up from the middle.
+// Both halves of a mirrored plot count up from the middle, to 100%; the room behind that is the labels'.
 class AbsoluteTicker : public QCPAxisTicker
 {
+public:
+    explicit AbsoluteTicker(const SpectrumPlot *plot) : plot_(plot) { }
+
 protected:
     QString getTickLabel(double tick, const QLocale &locale, QChar format, int precision) override
     {
-        return QCPAxisTicker::getTickLabel(std::abs(tick), locale, format, precision);
+        const bool isBehind = plot_->isMirrored() && std::abs(tick) > percent;
+        return isBehind ? QString()
+                        : QCPAxisTicker::getTickLabel(std::abs(tick), locale, format, precision);
     }
+
+private:
+    const SpectrumPlot *plot_;
 };
 
 QString labelOf(double mass, double relative)
@@ -45,10 +53,12 @@ bool isBefore(const QCPGraphData &point, double mass)
 SpectrumPlot::SpectrumPlot(QWidget *parent) : RunPlot(parent)
 {
     xAxis->setLabel(QStringLiteral("m/z"));
-    yAxis->setTicker(QSharedPointer<AbsoluteTicker>::create());
+    yAxis->setTicker(QSharedPointer<AbsoluteTicker>::create(this));
     PlotLook::usePowers(yAxis);
     upper_.graph = addGraph();
     lower_.graph = addGraph();
+    hostGraph_ = addGraph();
+    hostGraph_->setLineStyle(QCPGraph::lsNone);
     connect(xAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this, &SpectrumPlot::fitHeight);
     connect(this, &QCustomPlot::beforeReplot, this, &SpectrumPlot::placeLabels);
     connect(this, &RunPlot::clickedAt, this, &SpectrumPlot::pickAt);
@@ -86,6 +96,12 @@ void SpectrumPlot::setMirrored(const std::optional<SpectrumData> &spectrum)
     update();
 }
 
+void SpectrumPlot::setHost(const HostScan &hostScan)
+{
+    host_ = hostScan;
+    update();
+}
+
 void SpectrumPlot::draw(Side *side, double sign)
 {
     const double factor = isMirrored() ? sign * percent / (side->base > 0.0 ? side->base : 1.0) : 1.0;
@@ -101,8 +117,17 @@ void SpectrumPlot::update()
 {
     draw(&upper_, 1.0);
     draw(&lower_, -1.0);
-    setTitle(isMirrored() ? QStringLiteral("%1; below: %2").arg(upper_.title, lower_.title)
-                          : upper_.title);
+    const double hostFactor = isMirrored() ? percent / (upper_.base > 0.0 ? upper_.base : 1.0) : 1.0;
+    QVector<QCPGraphData> hostPoints;
+    for (std::size_t i = 0; i < host_.masses.size(); ++i)
+        hostPoints.push_back({host_.masses[i], host_.abundances[i] * hostFactor});
+    hostGraph_->data()->set(hostPoints);
+    QString title = upper_.title;
+    if (!host_.masses.empty())
+        title += QStringLiteral("; crosses: as the host gets it");
+    if (isMirrored())
+        title += QStringLiteral("; below: %1").arg(lower_.title);
+    setTitle(title);
     yAxis->setLabel(isMirrored() ? QStringLiteral("Relative abundance (%)")
                                  : QStringLiteral("Intensity"));
     double least = std::numeric_limits<double>::infinity();
@@ -261,5 +286,7 @@ void SpectrumPlot::applyLook()
     RunPlot::applyLook();
     upper_.graph->setPen(QPen(PlotLook::curveColour(0, palette()), 1.0));
     lower_.graph->setPen(QPen(PlotLook::curveColour(1, palette()), 1.0));
+    hostGraph_->setScatterStyle(QCPScatterStyle(
+        QCPScatterStyle::ssCross, QPen(PlotLook::curveColour(1, palette()), 1.5), Qt::NoBrush, 7));
     legend->setVisible(false);
 }

@@ -3,6 +3,7 @@
 #ifndef SPECTRUMPLOT_H
 #define SPECTRUMPLOT_H
 
+#include "hostscans.h"
 #include "rundata.h"
 #include "runplot.h"
 
@@ -19,6 +20,9 @@ public:
     void setSpectrum(const SpectrumData &spectrum);
     // Shows a spectrum mirrored below the current one; both are in percent of their largest peaks then.
     void setMirrored(const std::optional<SpectrumData> &spectrum);
+    // Lays the host's points over the current spectrum, as crosses; none for an empty scan.
+    void setHost(const HostScan &hostScan);
+    const QCPGraph *hostPoints() const { return hostGraph_; }
     bool isMirrored() const { return lower_.isShown; }
 
     void showAll() override;
@@ -55,6 +59,8 @@ private:
 
     Side upper_;
     Side lower_;
+    HostScan host_;
+    QCPGraph *hostGraph_ = nullptr;
     bool hasView_ = false;
     std::vector<QCPItemText *> labels_;
     int shownLabels_ = 0;

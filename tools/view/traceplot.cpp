@@ -229,6 +229,9 @@ void TracePlot::applyLook()
         // A pen wider than 1 takes many times as long to draw.
         graph(i)->setPen(QPen(PlotLook::curveColour(i, palette()), 1.0));
     }
+    QColor cover = palette().color(QPalette::Base);
+    cover.setAlpha(200);
+    pointerText_->setBrush(cover);
     pointer_->setPen(QPen(text, 0, Qt::DotLine));
     shown_->setPen(QPen(palette().color(QPalette::Highlight), 1.0));
     QColor chosen = palette().color(QPalette::Highlight);

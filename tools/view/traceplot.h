@@ -24,6 +24,7 @@ public:
 
     // Shows these curves, the first one in front. The view stays, if `keepsView`.
     void setCurves(const std::vector<TraceCurve> &curves, bool keepsView);
+    const std::vector<TraceCurve> &curves() const { return curves_; }
     // Other runs' curves: each a part of the height above the one before it, and as high as the first
     // one.
     void setStacking(bool isOffset, bool isNormalised);
