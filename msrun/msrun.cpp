@@ -76,6 +76,7 @@ public:
 
     MsSpectrum spectrum(qint32 index);
     QList<MsDoubt> ownDoubts() const;
+    bool hasOtherUnit() const { return !hasSeconds && kind != Kind::Library; } // of times
 
 private:
     void open(const MsRunOptions &options);
@@ -189,7 +190,7 @@ QList<MsDoubt> MsRun::Private::ownDoubts() const
     if (places)
         doubts += places->doubts(name);
     doubts += times->doubts(name);
-    if (!hasSeconds && kind != Kind::Library) {
+    if (hasOtherUnit()) {
         doubts +=
             {"time-units",
              1,
@@ -449,6 +450,8 @@ QList<MsDoubt> MsRun::doubts() const
     QStringList mended = d->times->mended();
     if (d->places)
         mended += d->places->mended();
+    if (d->hasOtherUnit())
+        mended += QStringLiteral("time-units"); // which is said of all units but seconds
     QList<MsDoubt> doubts;
     for (const MsDoubt &doubt : ms_list_doubts(d->file.id(), d->name)) {
         if (!mended.contains(QLatin1String(doubt.code)))

@@ -122,7 +122,7 @@ constexpr DoubtRow doubt_rows[] = {
      "In \"%1\", raw_data_mass_format says %4, though the masses are stored as %3."},
     {MsDoubtKind::IntensityFormat, "intensity-format", false, true,
      "In \"%1\", raw_data_intensity_format says %4, though the intensities are stored as %3."},
-    {MsDoubtKind::TimeUnit, "time-unit", false, true,
+    {MsDoubtKind::TimeUnit, "time-units", false, true,
      "In \"%1\", the unit of time is %4, which isn't known: times are handed over as they are stored."},
     {MsDoubtKind::TimeRange, "time-range", false, true,
      "In \"%1\", the times of the scans go from %3, beyond global_time_min and global_time_max, which say %4."},

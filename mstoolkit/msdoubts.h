@@ -55,7 +55,7 @@
 //     uneven-times            scans      of a GCxGC run: more than a step out of an even spacing
 //     mass-format             1          the attribute names another format than the stored one
 //     intensity-format        1          the same of the intensities
-//     time-unit               1          another text than those of the template, or than minutes
+//     time-units              1          another text than those of the template, or than minutes
 //     time-range              1          scans were taken outside global_time_min and global_time_max
 //     acquisition-date        1          experiment_date_time_stamp isn't a date in the form of the template
 //     starting-scan           1          starting_scan_number isn't the first actual_scan_number, give or take one

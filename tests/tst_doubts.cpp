@@ -379,7 +379,7 @@ private slots:
                                                         "wrong-totals 1"};
         row("a trace of texts") = {
             QStringLiteral("string-total"), {}, "unreadable-scans 2, missing-masses 6, bad-totals 3"};
-        row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-unit 1"};
+        row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-units 1"};
         row("GCxGC, evenly spaced") = {QStringLiteral("gcxgc"), {}, "", {}, 4.0};
         row("GCxGC, a pause") = {
             QStringLiteral("gcxgc"), add("scan_acquisition_time", 10, 5, 10), "uneven-times 16, time-range 1", {}, 4.0};
