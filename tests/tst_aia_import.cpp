@@ -118,7 +118,8 @@ private slots:
         row("points") = {"import-odd-scans", "Points read: +4"};
         row("unread scan") = {"import-odd-scans", "Scans not read: +1 \\(.* 3\\)"}; // the empty one isn't meant
         row("unread total") = {"total-ion", "Scans not read: +1 \\(.* 2\\)"};
-        row("no warning") = {"gcgc", "Warnings: +none"};
+        row("no warning") = {"plain", "Warnings: +none"};
+        row("messages only") = {"gcgc", "Warnings: +\\d+ on standard error"};
         row("warning") = {"import-odd-scans", "Warning: +In \"import-odd-scans.cdf\", 2 intensities are infinite .*"};
         row("nothing to read") = {"total-ion-no-intensity",
                                   "Scans not read: +all 3: the file has neither masses nor .*"};
@@ -146,7 +147,7 @@ private slots:
         row("summary and warnings") = {{"FILE"}, warning, 6};
         // First and last time for the header, then each scan; not the second look at two of them.
         row("once each") = {{"FILE"}, "Data type mismatch while loading \"scan_acquisition_time\" (6 times).\n", 6};
-        row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 30, false};
+        row("for a script") = {{"--json", "-", "FILE"}, "Title:  ", 31, false};
         row("account") = {{"--verbose", "FILE"}, "nb de scans : 4\n", 13};
         row("account of several") = {{"--verbose", other, "FILE"}, "\"FILE\": nb de scans : 4\n", 24};
         row("errors") = {{"--quiet", "FILE"}, "The file \"FILE\" was not imported in full", 3, false};
@@ -190,6 +191,8 @@ private slots:
         row("right") = {{"--strict", fixture("plain")}, 0};
         row("doubted") = {{fixture("overlapping-scans")}, 0};
         row("doubted, strictly") = {{"--strict", fixture("overlapping-scans")}, 1, "and the option --strict is set.\n"};
+        row("messages, strictly and quietly") = {
+            {"--strict", "--quiet", fixture("gcgc")}, 1, "aia-import: Warning for the file \""};
         row("doubted, strictly and quietly") = {
             {"--strict", "--quiet", fixture("overlapping-scans")}, 1, "\", 2 of 3 scans begin among the points"};
         row("lossy") = {{fixture("total-ion")}, 1, "was not imported in full.\n"};
@@ -228,6 +231,7 @@ private slots:
         QVERIFY2(hasLine(result.err, "Scans not read: +\\d+ of 20000, as the import stopped before them, and 15 more"),
                  result.err);
         QVERIFY(result.out.contains("\"complete\":false,\"doubts\":["));
+        QVERIFY(result.out.contains("{\"code\":\"unreadable-scans\"")); // though there was more to come
     }
 
     // The length holds for each file, and a refused file leaves nothing behind for the next. Two imports are

@@ -8,6 +8,10 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <sys/types.h>
+#include <utility>
+
 namespace {
 
 const QString tool = QStringLiteral(AIA_TOOLS "/aia-info");
@@ -156,19 +160,50 @@ private slots:
         const QByteArray name = cut.toUtf8();
         const QByteArray start = "file: " + name + "\ncomplete: false\ndoubts:\n  - \"" + name + "\" is cut off: ";
         QCOMPARE(result.out.left(start.size()), start);
+        QVERIFY(!result.err.contains("cut off")); // which is said
         const QJsonObject json = QJsonDocument::fromJson(run({"--json", cut}).out).object();
         QCOMPARE(at(json, "complete"), QJsonValue(false));
         QCOMPARE(at(json, "doubts/0/code"), QJsonValue("cut-off"));
         QCOMPARE(at(json, "doubts/0/loss"), QJsonValue(true));
     }
 
+    void aRefusedFileHasAnObject()
+    {
+        const QString path = folder.filePath("damaged.cdf");
+        QVERIFY(writeFile(path, content(fixture("plain")).left(200)));
+        const Run result = run({"--json", path});
+        QCOMPARE(result.code, 1);
+        const QJsonObject json = QJsonDocument::fromJson(result.out).object();
+        QCOMPARE(json["complete"], QJsonValue(false));
+        QCOMPARE(result.err, "aia-info: " + json["error"].toString().toUtf8() + '\n');
+    }
+
+    // The pipe is full long before the last file.
+    void stopsAtCtrlC()
+    {
+        QStringList files;
+        for (int i = 0; i < 1000; ++i)
+            files += fixture("info-library");
+        QProcess program;
+        program.start(tool, files);
+        QVERIFY(program.waitForReadyRead(longestWait));
+        ::kill(pid_t(program.processId()), SIGINT);
+        const Run result = finish(program);
+        QCOMPARE(result.code, 1);
+        QVERIFY2(result.err.contains("The program stopped before it looked at "), result.err);
+    }
+
     // Said once, as the next file can't be shown either.
     void refusedOutput()
     {
         const QString file = fixture("info-library");
-        const Run result = runProgram("/bin/sh", {"-c", "exec \"$0\" \"$@\" 1</dev/null", tool, file, file});
-        QCOMPARE(result.code, 1);
-        QCOMPARE(result.err.count("aia-info: Standard output can't be written: Bad file descriptor.\n"), 1);
+        for (const auto &[output, reason] :
+             {std::pair{"1</dev/null", "Bad file descriptor"}, std::pair{">/dev/full", "No space left on device"}}) {
+            const Run result = runProgram(
+                "/bin/sh", {"-c", QStringLiteral("exec \"$0\" --json \"$@\" %1").arg(output), tool, file, file});
+            QCOMPARE(result.code, 1);
+            QCOMPARE(result.err.count(QByteArray("aia-info: Standard output can't be written: ") + reason + ".\n"), 1);
+        }
     }
 
     void claimsStayBounded()

@@ -117,8 +117,11 @@ private slots:
             for (const char *locale : {"C", "C.UTF-8"}) {
                 const Run result = run(program, locale, row.name);
                 QVERIFY2(result.err.contains(row.refusal), result.err);
-                const QString shown = QJsonDocument::fromJson(result.out).object()["file"].toString();
-                QCOMPARE(shown, row.refusal.isEmpty() ? QString::fromUtf8(file) : QString());
+                const QJsonObject shown = QJsonDocument::fromJson(result.out).object();
+                const bool isTaken = row.refusal.isEmpty();
+                const bool isNamed = isTaken || program == QByteArray("aia-info");
+                QCOMPARE(shown["complete"].toBool(), isTaken);
+                QCOMPARE(shown["file"].toString(), isNamed ? QString::fromUtf8(isTaken ? file : row.name) : QString());
             }
         }
     }

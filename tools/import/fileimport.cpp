@@ -54,9 +54,9 @@ bool FileImport::run()
             json->endFile(false, {});
         closePrototype();
     }
-    messages.reportAll(options.quiet         ? MessageList::Level::Error
-                           : options.verbose ? MessageList::Level::Debug
-                                             : MessageList::Level::Warning);
+    messages.reportAll(options.verbose                        ? MessageList::Level::Debug
+                           : options.quiet && !options.strict ? MessageList::Level::Error
+                                                              : MessageList::Level::Warning);
     return imported;
 }
 
@@ -84,8 +84,7 @@ bool FileImport::importIfPossible()
         closePrototype();
         return false;
     }
-    const std::unique_ptr<DVImportAnalysisInterface> copy(prototype.clone());
-    return importOn(*copy);
+    return importOn(std::unique_ptr<DVImportAnalysisInterface>(prototype.clone()));
 }
 
 // The prototype keeps a file that it opened and that isn't imported. A copy takes the file over and
@@ -133,15 +132,20 @@ bool FileImport::takeModulation()
     return false;
 }
 
-bool FileImport::importOn(DVImportAnalysisInterface &copy)
+bool FileImport::importOn(std::unique_ptr<DVImportAnalysisInterface> copy)
 {
-    working = &copy;
-    copy.setReceiver(this);
+    working = copy.get();
+    copy->setReceiver(this);
     const bool finished =
-        copy.import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr) && complaint.isNull();
+        copy->import(fileName, QFileInfo(fileName).fileName(), fileName, nullptr) && complaint.isNull();
     working = nullptr;
     progress.clear();
-    return judge(finished, doubtsOf(copy));
+    // Of a run that stopped, the copy lists what hangs on points when it ends.
+    std::vector<RunDoubt> doubts;
+    QObject::connect(copy.get(), &QObject::destroyed,
+                     [&doubts](QObject *ending) { doubts = doubtsOf(*ending); });
+    copy.reset();
+    return judge(finished, doubts);
 }
 
 // Says what came of the run, and returns whether that will do.
@@ -156,9 +160,12 @@ bool FileImport::judge(bool finished, const std::vector<RunDoubt> &doubts)
         if (options.quiet && (doubt.isLoss || options.strict))
             report(doubt.text);
     }
+    messages.dropCutOff();
+    const int otherWarnings = messages.count(MessageList::Level::Warning);
     if (started && !options.quiet)
-        writeSummary(doubts);
+        writeSummary(doubts, otherWarnings);
 
+    const bool hasWarnings = !doubts.empty() || otherWarnings > 0;
     if (!complaint.isNull())
         report(
             QStringLiteral("The import of the file \"%1\" was given up: %2.").arg(fileName, complaint));
@@ -167,20 +174,20 @@ bool FileImport::judge(bool finished, const std::vector<RunDoubt> &doubts)
                    .arg(fileName, QString::number(scansDone), QString::number(scanCount)));
     } else if (isLossy) {
         report(QStringLiteral("The file \"%1\" was not imported in full.").arg(fileName));
-    } else if (options.strict && !doubts.empty()) {
+    } else if (options.strict && hasWarnings) {
         report(QStringLiteral("The file \"%1\" has warnings, and the option --strict is set.")
                    .arg(fileName));
     }
-    return finished && !isLossy && !(options.strict && !doubts.empty());
+    return finished && !isLossy && !(options.strict && hasWarnings);
 }
 
-void FileImport::writeSummary(const std::vector<RunDoubt> &doubts)
+void FileImport::writeSummary(const std::vector<RunDoubt> &doubts, int otherWarnings)
 {
     std::FILE *stream = options.json == QLatin1String("-") ? stderr : stdout;
     const int largest = summary.largestScan();
     summary.write(stream,
                   largest == -1 ? std::nullopt : timeOfScan(file, largest, facts && facts->inMinutes),
-                  doubts);
+                  doubts, otherWarnings);
     if (options.verbose)
         summary.writeHeader(stream);
 }

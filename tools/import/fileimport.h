@@ -15,6 +15,7 @@
 #include "progressbar.h"
 #include "runfacts.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -39,10 +40,10 @@ private:
     void closePrototype();
     void askParameters();
     bool takeModulation();
-    bool importOn(DVImportAnalysisInterface &copy);
+    bool importOn(std::unique_ptr<DVImportAnalysisInterface> copy);
     void showAccount(const QString &line) const;
     bool judge(bool finished, const std::vector<RunDoubt> &doubts);
-    void writeSummary(const std::vector<RunDoubt> &doubts);
+    void writeSummary(const std::vector<RunDoubt> &doubts, int otherWarnings);
     QString refusal(const QString &hostText);
 
     DVImportAnalysisInterface &prototype;

@@ -245,7 +245,7 @@ QString ImportSummary::unreadText() const
 }
 
 void ImportSummary::write(std::FILE *stream, std::optional<double> largestTime,
-                          const std::vector<RunDoubt> &doubts) const
+                          const std::vector<RunDoubt> &doubts, int otherWarnings) const
 {
     Lines all = lines;
     if (const QString pause = pauseText(); !pause.isNull())
@@ -262,10 +262,15 @@ void ImportSummary::write(std::FILE *stream, std::optional<double> largestTime,
     else
         all.emplace_back("Trace maximum", QStringLiteral("%1 in scan %2").arg(value, scan));
     all.emplace_back("Scans not read", unreadText());
-    if (doubts.empty())
+    if (doubts.empty() && otherWarnings == 0)
         all.emplace_back("Warnings", added < scanCount ? "none so far" : "none");
     for (const RunDoubt &doubt : doubts)
         all.emplace_back("Warning", doubt.text);
+    if (otherWarnings > 0)
+        all.emplace_back(
+            "Warnings",
+            QStringLiteral("%1%2 on standard error")
+                .arg(QString::number(otherWarnings), QLatin1String(doubts.empty() ? "" : " more")));
     writeFields(stream, all);
     writeLine(stream, QString());
 }

@@ -33,8 +33,9 @@ public:
     int largestScan() const { return largest.scan; }
 
     // Writes the summary. `largestTime` is the time of the scan with the largest total, if it is known.
-    void write(std::FILE *stream, std::optional<double> largestTime,
-               const std::vector<RunDoubt> &doubts) const;
+    // `otherWarnings` are those that come as messages.
+    void write(std::FILE *stream, std::optional<double> largestTime, const std::vector<RunDoubt> &doubts,
+               int otherWarnings) const;
 
     // Writes the header as the host gets it.
     void writeHeader(std::FILE *stream) const;

@@ -26,6 +26,7 @@ bool canOpenDisplay(int argc, char **argv)
 {
     const pid_t child = fork();
     if (child == 0) {
+        forgetInterruptions();
         constexpr unsigned patience = 20; // seconds
         alarm(patience);
         const rlimit noCore = {0, 0};
@@ -89,7 +90,6 @@ int runProgram(const ImportOptions &options)
                        QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString())));
         return Failure;
     }
-    watchInterruptions();
     const int status = importAll(*prototype, options);
     return flushOutput() && !hasLostReports() ? status : Failure;
 }
@@ -99,6 +99,7 @@ int runProgram(const ImportOptions &options)
 int main(int argc, char *argv[])
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
+    watchInterruptions(); // first of all: a plugin takes its time to load
     // An application with dialogs needs a display, so there is one only if a dialog is asked for.
     CommandLine commandLine;
     {

@@ -2,6 +2,7 @@
 
 #include "infofields.h"
 #include "inforanges.h"
+#include "interruption.h"
 #include "messageredirection.h"
 #include "msdoubts.h"
 #include "msrunlimit.h"
@@ -193,7 +194,9 @@ void Gatherer::readScans(const QString &path)
     limit.start(file, QFileInfo(path).size());
     for (qint32 i = 0; i < file.scanCount(); ++i) {
         const MsScan scan = file.scan(i);
-        const QString complaint = limit.add(scan.isRead() ? std::max(scan.point_count, 0) : 0, 0.0);
+        const QString complaint = isInterrupted()
+            ? QStringLiteral("the program was interrupted")
+            : limit.add(scan.isRead() ? std::max(scan.point_count, 0) : 0, 0.0);
         if (!complaint.isNull())
             return problem(QStringLiteral("Only the first %1 of %2 scans were read: %3.")
                                .arg(QString::number(i), QString::number(file.scanCount()), complaint));

@@ -2,6 +2,7 @@
 
 #include "infogather.h"
 #include "inforeport.h"
+#include "interruption.h"
 #include "messagelist.h"
 #include "messageredirection.h"
 #include "msinput.h"
@@ -39,37 +40,50 @@ QJsonObject jsonOf(const InfoNode &report)
 
 bool print(const InfoNode &report, Format format)
 {
-    const QByteArray bytes = format == Format::Json ? QJsonDocument(jsonOf(report)).toJson()
-                                                    : infoText(report).toUtf8() + '\n';
-    std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
+    writeBytes(stdout,
+               format == Format::Json ? QJsonDocument(jsonOf(report)).toJson()
+                                      : infoText(report).toUtf8() + '\n');
     return flushOutput();
 }
 
-int fail(const QString &sentence)
+// Reports why a file can't be shown, and prints it where a reader waits for an object for each file.
+int fail(const QString &path, const QString &sentence, Format format)
 {
     report(sentence);
+    if (format == Format::Json) {
+        InfoNode failure;
+        failure.addValue(QStringLiteral("file"), shownName(path));
+        failure.addValue(QStringLiteral("complete"), false);
+        failure.addValue(QStringLiteral("error"), sentence);
+        print(failure, format);
+    }
     return Failure;
 }
 
 // Returns what the program has to tell the shell about the file.
-int show(const QString &path, const CommandLine &line, const MessageList &messages)
+int show(const QString &path, const CommandLine &line, MessageList &messages)
 {
     const QString obstacle = whyUnreadable(path);
     if (!obstacle.isEmpty())
-        return fail(obstacle);
+        return fail(path, obstacle, line.format);
     const MsFile file = openInput(path);
-    if (!file && messages.has(MessageList::Level::Error))
-        return Failure; // the error says more
-    if (!file)
-        return fail(QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut "
-                                   "off.")
-                        .arg(path));
+    if (!file) {
+        const QString reason = messages.takeSentences(MessageList::Level::Error).join(QLatin1Char(' '));
+        return fail(path,
+                    reason.isEmpty()
+                        ? QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is "
+                                         "damaged or cut off.")
+                              .arg(path)
+                        : reason,
+                    line.format);
+    }
     InfoOptions options = line.info;
     {
         const Silence silence; // the same messages come from the file that is shown
         options.modulation = MsRun(path).modulation();
     }
     const InfoResult result = gatherInfo(file, path, options);
+    messages.dropCutOff(); // a doubt says it
     return print(result.report, line.format) && result.complete ? Success : Failure;
 }
 
@@ -82,7 +96,8 @@ int showWithMessages(const QString &path, const CommandLine &line)
     try {
         code = show(path, line, messages);
     } catch (const std::bad_alloc &) {
-        report(QStringLiteral("There isn't enough memory to show the file \"%1\".").arg(path));
+        fail(path, QStringLiteral("There isn't enough memory to show the file \"%1\".").arg(path),
+             line.format);
     }
     messages.reportAll(MessageList::Level::Debug);
     return code;
@@ -135,6 +150,7 @@ int parse(const QStringList &arguments, CommandLine *line)
 int main(int argc, char **argv)
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
+    watchInterruptions();
     const QCoreApplication application(argc, argv);
     CommandLine line;
     const int early = parse(QCoreApplication::arguments(), &line);
@@ -142,11 +158,20 @@ int main(int argc, char **argv)
         return early;
 
     int code = Success;
+    int done = 0;
     for (const QString &path : qAsConst(line.paths)) {
+        if (isInterrupted())
+            break;
+        ++done;
         if (showWithMessages(path, line) != Success)
             code = Failure;
         if (std::ferror(stdout) != 0)
             break; // reported already, and nobody would see more
+    }
+    if (isInterrupted() && done < line.paths.size()) {
+        report(QStringLiteral("The program stopped before it looked at %1 of %2 files.")
+                   .arg(QString::number(line.paths.size() - done), QString::number(line.paths.size())));
+        code = Failure;
     }
     return hasLostReports() ? int(Failure) : code;
 }

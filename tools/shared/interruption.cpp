@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr int watchedSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
 volatile std::sig_atomic_t interrupted = 0;
 
 QByteArray word; // made beforehand: a handler may do next to nothing
@@ -40,10 +42,18 @@ void watchInterruptions()
         + ": The program was interrupted and stops at the next scan. Ctrl-C once more ends it at once.\n";
     if (isatty(STDERR_FILENO))
         word.prepend('\n'); // behind the "^C" of the terminal
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : watchedSignals) {
         // What the program was started to ignore stays ignored.
         if (std::signal(signal, SIG_IGN) != SIG_IGN)
             std::signal(signal, onInterruption);
+    }
+}
+
+void forgetInterruptions()
+{
+    for (const int signal : watchedSignals) {
+        if (std::signal(signal, SIG_IGN) != SIG_IGN)
+            std::signal(signal, SIG_DFL);
     }
 }
 

@@ -6,6 +6,9 @@
 // to an orderly end. Ctrl-C once more ends it at once, without the file that it was writing.
 void watchInterruptions();
 
+// Leaves them to the system again: for a process that has no word to say.
+void forgetInterruptions();
+
 bool isInterrupted();
 
 // Makes a failed write of what would end the process: a file beyond the limit on its size, a pipe that

@@ -35,30 +35,52 @@ void MessageList::add(Level level, const QString &text)
     entries.push_back({level, text, 1});
 }
 
-bool MessageList::has(Level level) const
+int MessageList::count(Level level) const
 {
-    return std::any_of(entries.begin(), entries.end(),
-                       [level](const Entry &entry) { return entry.level == level; });
+    return int(std::count_if(entries.begin(), entries.end(),
+                             [level](const Entry &entry) { return entry.level == level; }));
+}
+
+QString MessageList::sentence(const Entry &entry)
+{
+    const QString times = entry.count > 1 ? QStringLiteral(" (%1 times)").arg(entry.count) : QString();
+    return withFullStop(plainText(entry.text) + times);
 }
 
 QStringList MessageList::take(Level level)
 {
-    return takeIf([level](const Entry &entry) { return entry.level == level; });
+    return takeIf([level](const Entry &entry) { return entry.level == level; },
+                  [](const Entry &entry) { return plainText(entry.text); });
+}
+
+QStringList MessageList::takeSentences(Level level)
+{
+    return takeIf([level](const Entry &entry) { return entry.level == level; }, sentence);
 }
 
 void MessageList::drop(const QString &text)
 {
-    takeIf([&text](const Entry &entry) { return plainText(entry.text) == text; });
+    takeIf([&text](const Entry &entry) { return plainText(entry.text) == text; }, sentence);
 }
 
-template <class Condition> QStringList MessageList::takeIf(Condition &&condition)
+void MessageList::dropCutOff()
+{
+    takeIf(
+        [](const Entry &entry) {
+            return entry.level == Level::Warning && entry.text.contains(QLatin1String(" is cut off: "));
+        },
+        sentence);
+}
+
+template <class Condition>
+QStringList MessageList::takeIf(Condition &&condition, QString (*textOf)(const Entry &))
 {
     QStringList taken;
     std::vector<Entry> kept;
     places.clear();
     for (const Entry &entry : entries) {
         if (condition(entry)) {
-            taken.append(plainText(entry.text));
+            taken.append(textOf(entry));
             continue;
         }
         places.insert({int(entry.level), entry.text}, kept.size());
@@ -73,10 +95,8 @@ void MessageList::reportAll(Level least) const
     for (const Entry &entry : entries) {
         if (entry.level < least)
             continue;
-        const QString times =
-            entry.count > 1 ? QStringLiteral(" (%1 times)").arg(entry.count) : QString();
-        report(withFullStop(QStringLiteral("%1 for the file \"%2\": %3")
-                                .arg(label(entry.level), fileName, plainText(entry.text) + times)));
+        report(QStringLiteral("%1 for the file \"%2\": %3")
+                   .arg(label(entry.level), fileName, sentence(entry)));
     }
     if (leftOut > 0) {
         const QString text = leftOut == 1

@@ -19,14 +19,21 @@ public:
 
     void add(Level level, const QString &text);
 
-    // Returns whether there is a message of that level.
-    bool has(Level level) const;
+    // Returns how many messages of that level there are.
+    int count(Level level) const;
 
     // Takes the texts of a level out of the list and returns them, as plain text.
     QStringList take(Level level);
 
     // Takes a text, given as plain text, out of the list: for who says it elsewhere.
     void drop(const QString &text);
+
+    // The same as sentences, with the count of those that came more than once.
+    QStringList takeSentences(Level level);
+
+    // Takes the toolkit's word on a file that is cut off out of the list: for who lists the doubts of the
+    // file, which say it, too.
+    void dropCutOff();
 
     // Reports the messages from level `least` on, in the order in which they were first seen.
     void reportAll(Level least) const;
@@ -41,7 +48,9 @@ private:
         int count;
     };
 
-    template <class Condition> QStringList takeIf(Condition &&condition);
+    static QString sentence(const Entry &entry);
+    template <class Condition>
+    QStringList takeIf(Condition &&condition, QString (*textOf)(const Entry &));
 
     const QString fileName;
     std::vector<Entry> entries;

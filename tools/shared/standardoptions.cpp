@@ -27,7 +27,7 @@ StandardOptions::StandardOptions(QCommandLineParser *parser)
 bool StandardOptions::answer(const QCommandLineParser &parser) const
 {
     if (parser.isSet(help)) {
-        std::fputs(terminalBytes(parser.helpText()).constData(), stdout);
+        writeBytes(stdout, terminalBytes(parser.helpText()));
         return true;
     }
     if (parser.isSet(version)) {

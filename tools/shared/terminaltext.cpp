@@ -7,6 +7,12 @@
 
 #include <cerrno>
 
+namespace {
+
+int outputError = 0; // the first one of standard output
+
+} // namespace
+
 QString plainText(const QString &richText)
 {
     static const QRegularExpression tag(QStringLiteral("</?[A-Za-z][^<>]*>"));
@@ -45,7 +51,14 @@ void writeLine(std::FILE *stream, const QString &text)
             character = QLatin1Char('?');
     }
     line += QLatin1Char('\n');
-    std::fputs(terminalBytes(line).constData(), stream);
+    writeBytes(stream, terminalBytes(line));
+}
+
+void writeBytes(std::FILE *stream, const QByteArray &bytes)
+{
+    const auto size = std::size_t(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, stream) < size && stream == stdout && outputError == 0)
+        outputError = errno;
 }
 
 void report(const QString &sentence)
@@ -55,12 +68,12 @@ void report(const QString &sentence)
 
 bool flushOutput()
 {
-    const bool failedBefore = std::ferror(stdout) != 0;
-    const bool isFlushed = std::fflush(stdout) == 0;
-    const QString reason = isFlushed ? QString() : QLatin1String(": ") + qt_error_string(errno);
-    if (failedBefore || !isFlushed)
-        report(withFullStop(QStringLiteral("Standard output can't be written") + reason));
-    return isFlushed && !failedBefore;
+    if (std::fflush(stdout) != 0 && outputError == 0)
+        outputError = errno;
+    if (outputError != 0)
+        report(withFullStop(QStringLiteral("Standard output can't be written: ")
+                            + qt_error_string(outputError)));
+    return outputError == 0;
 }
 
 bool hasLostReports()

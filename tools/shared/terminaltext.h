@@ -20,6 +20,9 @@ QString shortened(const QString &text, int longest);
 // terminal would obey, become question marks.
 void writeLine(std::FILE *stream, const QString &text);
 
+// Writes bytes. Why standard output doesn't take them is kept for flushOutput().
+void writeBytes(std::FILE *stream, const QByteArray &bytes);
+
 // Writes a sentence to standard error, behind the program's name: see setProgram(). All that a program
 // has to say goes this way.
 void report(const QString &sentence);
