@@ -103,11 +103,14 @@ bool setDescription(const char *name, const QString &text, MsGlobalRecords *glob
         for (const MsAttributeRow &row : table) {
             if (qstrcmp(row.name, name) != 0 || !isDescription(row))
                 continue;
-            if (row.enumerated)
-                *reinterpret_cast<qint32 *>(static_cast<char *>(record) + row.field) =
-                    ms_enum_code(text.toLatin1().constData());
-            else
+            char *field = static_cast<char *>(record) + row.field;
+            if (row.enumerated) {
+                *reinterpret_cast<qint32 *>(field) = ms_enum_code(text.toLatin1().constData());
+            } else {
+                if (row.nc_type == NC_CHAR)
+                    ms_free(*reinterpret_cast<char **>(field)); // an earlier text
                 ms_store_variant(record, row.field, QVariant(text), row.nc_type);
+            }
             isSet = true;
         }
     });
