@@ -51,6 +51,38 @@ def best_seconds(command, times=3):
     return min(seconds(command) for _ in range(times))
 
 
+def convert(build, source, target, *options):
+    """Seconds of the processor of a conversion, and the KiB that it took at most."""
+    command = [os.path.join(build, "bin", "aia-convert"), "--force", "--quiet", *options, source, "-o", target]
+    _, status, usage = os.wait4(subprocess.Popen(command).pid, 0)
+    if status != 0:
+        sys.exit(f"{command}: {status}")
+    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+
+
+def report_conversions(build, files):
+    """6 million points to mzML beside the library's own writer, and what conversions take of time and memory."""
+    source, small, mzml, other, table = (os.path.join(files, name) for name in
+                                         ("convert.cdf", "convert-small.cdf", "convert.mzML", "floor.mzML",
+                                          "convert.csv"))
+    for path, scans in ((source, 60000), (small, 6000)):
+        if not os.path.exists(path):
+            subprocess.run([os.path.join(build, "bin", "aia-sample"), "gcms", "--scans", str(scans), "--points", "100",
+                            path], check=True)
+    for packing, options in (("none", ["--no-compression"]), ("zlib", [])):
+        ours = min(convert(build, source, mzml, *options)[0] for _ in range(3))
+        floor = min(float(subprocess.run([os.path.join(build, "bin", "bench_mzml"), mzml, other, packing], check=True,
+                                         capture_output=True, text=True).stdout) for _ in range(3))
+        row(f"to mzML / library's writer from memory, {packing}", ours / floor, 1.3, f"{ours:.2f} s / {floor:.2f} s")
+    points = min(convert(build, source, table, "--csv", "points")[0] for _ in range(3))
+    row("CSV of 6 million points / 3 s", points / 3.0, 1.0, f"{6 / points:.1f} million points a second")
+    for name, target, options in (("mzML", mzml, []), ("CSV", table, ["--csv", "points"]),
+                                  (".cdf", os.path.join(files, "clean.cdf"), [])):
+        large, little = (convert(build, path, target, *options)[1] for path in (source, small))
+        row(f"memory for 6 million points / for 600,000, {name}", large / little, 1.3,
+            f"{large / 1024:.0f} MiB / {little / 1024:.0f} MiB")
+
+
 def row(measure, figure, bar, detail=""):
     held = "" if bar is None else "held" if figure <= bar else "NOT HELD"
     print(f"{measure:<52} {figure:8.2f} {'' if bar is None else bar:>8} {held:<9} {detail}")
@@ -91,6 +123,7 @@ def main():
                            capture_output=True, text=True).stdout.splitlines()
     for measure, figure, bar, detail in (line.split(";") for line in lines):
         row(measure, float(figure), float(bar), detail)
+    report_conversions(build, files)
     if os.path.exists(REAL_RUN):
         whole = best_seconds([os.path.join(build, "bin", "aia-import"), REAL_RUN], 5)
         header = best_seconds(["ncdump", "-h", REAL_RUN], 5)

@@ -162,6 +162,14 @@ private slots:
         mzMLInMinutesAndBack = {"convert --minutes plain.cdf -o a.mzML && convert a.mzML -o b.cdf &&"
                                 "convert b.cdf -o - --to csv > out"};
         mzMLInMinutesAndBack.madePart = "0,5.25,1100,1100\n";
+        row("modulation that the trace shows") = {"sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML &&"
+                                                  "grep -cE '1002085|\"modulation length\" value=\"4\"' a.mzML > out",
+                                                  0, "modulated every 4 s", "2\n"};
+        row("mzXML") = {"convert " AIA_TEST_SOURCES "/convert/two-scans.mzXML -o a.cdf &&"
+                        "convert a.cdf --csv points -o - --to csv > out",
+                        0, "",
+                        "scan,time (s),mass (m/z),intensity (Total Counts)\n"
+                        "0,60.5,50.0099983215332,100\n0,60.5,77.25,2.5\n1,61,91.05000305175781,7000000\n"};
         Call &attributesThroughMzML = row("attributes through mzML");
         attributesThroughMzML = {"sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML &&"
                                  "convert a.mzML -o b.cdf && ncdump -v instrument_name b.cdf > out"};

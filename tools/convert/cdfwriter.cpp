@@ -71,18 +71,14 @@ CdfWriter::CdfWriter(const QByteArray &path, const Head &head) : head_(head)
 
     // The ranges are known at the end only. The first writing makes room for them in the file's header.
     check(writeGlobals() && writeGroups());
-    for (std::size_t i = 0; i < head.instruments.size(); ++i) {
-        MsInstrumentRecord instrument = *head.instruments[i];
-        instrument.component_index = qint32(i);
-        QByteArray unknown("Unknown");
+    const MsInstrumentDraft none(0);
+    for (qint32 i = 0; i < layout.instrument_count; ++i) {
+        MsInstrumentRecord instrument =
+            head.instruments.empty() ? none : *head.instruments[std::size_t(i)];
+        instrument.component_index = i;
+        QByteArray name(instrument.instrument_model ? instrument.instrument_model : "Unknown");
         if (i == 0 && !instrument.instrument_name) // some readers refuse a file without it
-            instrument.instrument_name = asText(&unknown);
-        check(file.write(instrument));
-    }
-    if (head.instruments.empty()) {
-        MsInstrumentDraft instrument(0);
-        QByteArray unknown("Unknown");
-        instrument.instrument_name = asText(&unknown);
+            instrument.instrument_name = asText(&name);
         check(file.write(instrument));
     }
 }

@@ -110,6 +110,10 @@ private:
         if (isWritten || sentence.isNull()) {
             for (const QString &text : log.losses())
                 say(text);
+            for (const QString &text : log.notes()) {
+                if (!wanted.quiet)
+                    say(text);
+            }
             for (const QString &text : log.warnings()) {
                 if (!wanted.quiet || wanted.strict)
                     say(text);

@@ -2,6 +2,7 @@
 
 #include "cdfwriter.h"
 #include "interruption.h"
+#include "mzmlchoice.h"
 #include "mzmlterms.h"
 #include "namecodec.h"
 #include "statedglobals.h"
@@ -15,7 +16,6 @@
 #include <exception>
 #include <iterator>
 #include <memory>
-#include <set>
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
 #include <pwiz/utility/misc/random_access_compressed_ifstream.hpp>
@@ -75,17 +75,6 @@ bool hasNarrowArrays(const QString &input)
         && !has("precision=\"64\"");
 }
 
-// Which spectra of a file are taken, and how many there are of the others.
-struct Choice {
-    std::vector<std::size_t> spectra;
-    std::set<int> levels;
-    std::set<CVID> polarities; // CVID_Unknown among them where a spectrum says none
-    std::size_t otherLevels = 0;
-    std::size_t otherPolarities = 0;
-    int profiles = 0;
-    int selectedIons = 0;
-};
-
 class MzMlConversion
 {
 public:
@@ -100,8 +89,9 @@ public:
     {
         if (!source.run.spectrumListPtr || source.run.spectrumListPtr->size() == 0)
             return writeTrace(path);
-        if (!choose())
+        if (!chooseSpectra(*source.run.spectrumListPtr, options, &choice, log))
             return false;
+        warnOfOtherTraces();
         describe();
         const bool isNarrow = hasNarrowArrays(input);
         bool doesFit = true;
@@ -112,66 +102,6 @@ public:
     }
 
 private:
-    bool choose()
-    {
-        const SpectrumList &list = *source.run.spectrumListPtr;
-        constexpr std::size_t mostSpectra = 1 << 30;
-        if (list.size() > mostSpectra)
-            return log->fail(QStringLiteral("it has too many spectra"));
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            if (isInterrupted())
-                return log->fail(QStringLiteral("it was interrupted"));
-            const SpectrumPtr spectrum = list.spectrum(i, false);
-            const int level = std::max(spectrum->cvParam(MS_ms_level).value.empty()
-                                           ? 1
-                                           : textOf(spectrum->cvParam(MS_ms_level).value).toInt(),
-                                       1);
-            const CVID polarity = spectrum->hasCVParam(MS_positive_scan) ? MS_positive_scan
-                : spectrum->hasCVParam(MS_negative_scan)                 ? MS_negative_scan
-                                                                         : CVID_Unknown;
-            if (level != options.msLevel.value_or(1)) {
-                choice.levels.insert(level);
-                ++choice.otherLevels;
-                continue;
-            }
-            if (options.isPositive
-                && polarity != (*options.isPositive ? MS_positive_scan : MS_negative_scan)) {
-                ++choice.otherPolarities;
-                continue;
-            }
-            choice.polarities.insert(polarity);
-            hasCompounds = hasCompounds || !spectrum->userParam(compoundName).value.empty();
-            choice.profiles += spectrum->hasCVParam(MS_profile_spectrum);
-            choice.selectedIons += spectrum->hasCVParam(MS_SIM_spectrum);
-            choice.spectra.push_back(i);
-        }
-        return judgeChoice();
-    }
-
-    bool judgeChoice()
-    {
-        if (choice.otherLevels > 0 && !options.msLevel)
-            return log->fail(
-                QStringLiteral("it has spectra of several MS levels, of which the option --ms-level "
-                               "chooses one"));
-        if (choice.polarities.size() > 1)
-            return log->fail(
-                QStringLiteral("it has spectra of several polarities, of which the option --polarity "
-                               "chooses one"));
-        if (choice.spectra.empty())
-            return log->fail(QStringLiteral("it has no such spectra"));
-        if (choice.otherLevels > 0)
-            log->warn(
-                QStringLiteral("%1 spectra of other MS levels are left out.").arg(choice.otherLevels));
-        if (choice.otherPolarities > 0)
-            log->warn(QStringLiteral("%1 spectra of the other polarity are left out.")
-                          .arg(choice.otherPolarities));
-        warnOfOtherTraces();
-        if (hasCompounds)
-            log->warn(QStringLiteral("The names of the compounds are left out."));
-        return true;
-    }
-
     // All chromatograms but that of the total ion current.
     void warnOfOtherTraces()
     {
@@ -226,16 +156,15 @@ private:
 
     void describe()
     {
-        globals.admin.experiment_type = choice.profiles > 0 ? MsContinuumSpectrum : MsCentroidedSpectrum;
+        globals.admin.experiment_type = choice.isProfile ? MsContinuumSpectrum : MsCentroidedSpectrum;
         globals.raw.mass_units = ms_enum_code("M/Z");
         globals.raw.time_units = MsSeconds;
         globals.test.test_scan_function =
-            ms_enum_code(choice.selectedIons > 0 ? "Selected Ion Detection" : "Mass Scan");
-        const CVID polarity = choice.polarities.empty() ? CVID_Unknown : *choice.polarities.begin();
-        globals.test.test_ionization_polarity = polarity == MS_positive_scan
+            ms_enum_code(choice.isSelectedIons ? "Selected Ion Detection" : "Mass Scan");
+        globals.test.test_ionization_polarity = choice.polarity == MS_positive_scan
             ? ms_enum_code("Positive Polarity")
-            : polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
-                                           : -1;
+            : choice.polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
+                                                  : -1;
         for (qint32 *unknown : {&globals.test.test_separation_type, &globals.test.test_ms_inlet,
                                 &globals.test.test_ionization_mode, &globals.test.test_detector_type,
                                 &globals.test.test_resolution_type, &globals.test.test_scan_direction,
@@ -276,10 +205,10 @@ private:
             set("sample_external_id", textOf(sample->name.empty() ? sample->id : sample->name));
             globals.sample.sample_state = templateCode(TermFamily::SampleState, *sample);
         }
-        for (const SoftwarePtr &software : source.softwarePtrs) {
-            if (software)
-                set("post_experiment_program_name", textOf(software->id + ' ' + software->version));
-        }
+        const SoftwarePtr software =
+            source.softwarePtrs.empty() ? SoftwarePtr() : source.softwarePtrs.front();
+        if (software)
+            set("post_experiment_program_name", textOf(software->id + ' ' + software->version));
     }
 
     void describeInstrument()
@@ -304,13 +233,21 @@ private:
         storeText(&first, "instrument_serial_no",
                   textOf(configuration->cvParam(MS_instrument_serial_number).value));
         for (const UserParam &parameter : configuration->userParams) {
-            const QStringList words = textOf(parameter.name).split(QLatin1Char(' '));
+            const QStringList words = templateName(textOf(parameter.name)).split(QLatin1Char(' '));
             constexpr int mostComponents = 100;
             const int number = words.size() > 1 ? words[1].toInt() : 1;
             if (number >= 1 && number <= mostComponents)
                 storeText(&component(std::size_t(number - 1)), words[0].toLatin1().constData(),
                           textOf(parameter.value));
         }
+    }
+
+    // The library's names of what mzXML says of the instrument, in the template's words.
+    static QString templateName(const QString &name)
+    {
+        if (name == QLatin1String("msManufacturer"))
+            return QStringLiteral("instrument_mfr");
+        return name == QLatin1String("msModel") ? QStringLiteral("instrument_model") : name;
     }
 
     OwnedInstrument &component(std::size_t place)
@@ -493,8 +430,7 @@ private:
     ProgressBar *progress;
     ConversionLog *log;
     MSDataFile source;
-    Choice choice;
-    bool hasCompounds = false;
+    MzMlChoice choice;
     OwnedGlobals globals;
     std::vector<std::unique_ptr<OwnedInstrument>> instruments;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand

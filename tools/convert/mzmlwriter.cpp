@@ -1,9 +1,11 @@
 #include "mzmlwriter.h"
 
 #include "interruption.h"
+#include "mzmldocument.h"
 #include "mzmlspectra.h"
 #include "mzmlterms.h"
 #include "outputstream.h"
+#include "runmodulation.h"
 #include "scanwalk.h"
 #include "statedglobals.h"
 
@@ -21,8 +23,7 @@
 #include <numeric>
 
 #include <boost/make_shared.hpp>
-#include <pwiz/data/msdata/IO.hpp>
-#include <pwiz/data/msdata/SHA1OutputObserver.hpp>
+#include <pwiz/utility/misc/IterationListener.hpp>
 
 using namespace pwiz::cv;
 using namespace pwiz::msdata;
@@ -95,6 +96,9 @@ public:
         identity->id = "TIC";
         chromatograms.push_back(identity);
     }
+
+    // The library's own would refer to a chromatogram that is gone.
+    const ChromatogramIdentity &chromatogramIdentity(size_t) const override { return *chromatograms[0]; }
 
     ChromatogramPtr chromatogram(size_t, bool) const override
     {
@@ -379,10 +383,11 @@ private:
         data.run.defaultSourceFilePtr = data.fileDescription.sourceFilePtrs[0];
         if (said.acquired.hasZone && said.acquired.time.isValid())
             data.run.startTimeStamp = said.acquired.time.toUTC().toString(Qt::ISODate).toStdString();
-        if (options.modulation && *options.modulation > 0.0) {
+        const double modulation = modulationOf(run, options, log);
+        if (modulation > 0.0) {
             data.run.set(MS_two_dimensional_gas_chromatography_with_fixed_modulation_time);
-            data.run.userParams.emplace_back("modulation length", exactText(*options.modulation),
-                                             "xsd:double", UO_second);
+            data.run.userParams.emplace_back("modulation length", exactText(modulation), "xsd:double",
+                                             UO_second);
         } else {
             const CVID separation = mzmlTerm(TermFamily::Separation, globals.test.test_separation_type);
             if (separation != CVID_Unknown)
@@ -420,12 +425,6 @@ private:
             leaveOut(QStringLiteral("compounds but for their names"));
     }
 
-    // ------------------------------------------------------------------------------------------------
-    // The document
-    // ------------------------------------------------------------------------------------------------
-
-    using Positions = std::vector<boost::iostreams::stream_offset>;
-
     void writeDocument(std::ostream &stream, OutputFile *output)
     {
         encoding.precision = BinaryDataEncoder::Precision_64;
@@ -435,65 +434,10 @@ private:
             encoding.precisionOverrides[MS_m_z_array] = BinaryDataEncoder::Precision_32;
         if (isFloatIntensities)
             encoding.precisionOverrides[MS_intensity_array] = BinaryDataEncoder::Precision_32;
-
-        SHA1OutputObserver observer;
-        pwiz::minimxml::XMLWriter::Config config;
-        config.outputObserver = &observer;
-        pwiz::minimxml::XMLWriter writer(stream, config);
-        writer.processingInstruction("xml", "version=\"1.0\" encoding=\"utf-8\"");
-        pwiz::minimxml::XMLWriter::Attributes attributes;
-        attributes.add("xmlns", "http://psi.hupo.org/ms/mzml");
-        attributes.add("xmlns:xsi", "http://www.w3.org/2001/XMLSchema-instance");
-        attributes.add("xsi:schemaLocation",
-                       "http://psi.hupo.org/ms/mzml "
-                       "http://psidev.info/files/ms/mzML/xsd/mzML1.1.2_idx.xsd");
-        writer.startElement("indexedmzML", attributes);
-        Positions spectrumPositions;
-        Positions chromatogramPositions;
         pwiz::util::IterationListenerRegistry listeners;
         const std::size_t period = std::max<std::size_t>(facts.scans.size() / 100, 1);
         listeners.addListener(boost::make_shared<Listener>(spectra.get(), output, progress), period);
-        IO::write(writer, data, encoding, &spectrumPositions, &chromatogramPositions, &listeners);
-        writeIndex(writer, observer, spectrumPositions, chromatogramPositions);
-        writer.endElement();
-    }
-
-    void writeIndex(pwiz::minimxml::XMLWriter &writer, SHA1OutputObserver &observer,
-                    const Positions &spectrumPositions, const Positions &chromatogramPositions)
-    {
-        pwiz::minimxml::XMLWriter::Attributes attributes;
-        const auto start = writer.positionNext();
-        attributes.add("count", std::to_string(isTrace() ? 1 : 2));
-        writer.startElement("indexList", attributes);
-        const auto writeList = [&writer](const char *name, const Positions &positions,
-                                         const auto &nameOf) {
-            pwiz::minimxml::XMLWriter::Attributes one;
-            one.add("name", name);
-            writer.startElement("index", one);
-            writer.pushStyle(pwiz::minimxml::XMLWriter::StyleFlag_InlineInner);
-            for (std::size_t i = 0; i < positions.size(); ++i) {
-                one.clear();
-                one.add("idRef", nameOf(i));
-                writer.startElement("offset", one);
-                writer.characters(std::to_string(positions[i]));
-                writer.endElement();
-            }
-            writer.popStyle();
-            writer.endElement();
-        };
-        if (!isTrace())
-            writeList("spectrum", spectrumPositions,
-                      [this](std::size_t i) { return spectra->spectrumIdentity(i).id; });
-        writeList("chromatogram", chromatogramPositions, [](std::size_t) { return std::string("TIC"); });
-        writer.endElement();
-        writer.pushStyle(pwiz::minimxml::XMLWriter::StyleFlag_InlineInner);
-        writer.startElement("indexListOffset");
-        writer.characters(std::to_string(start));
-        writer.endElement();
-        writer.startElement("fileChecksum");
-        writer.characters(observer.hash());
-        writer.endElement();
-        writer.popStyle();
+        writeMzMlDocument(data, encoding, listeners, stream);
     }
 
     const MsRun &run;

@@ -1,6 +1,7 @@
 #include "runtocsv.h"
 
 #include "csvwriter.h"
+#include "runmodulation.h"
 #include "scanwalk.h"
 
 #include <algorithm>
@@ -222,11 +223,11 @@ private:
     // The trace of a modulated run, folded: a column for each modulation, a row for each place in it.
     bool writeMap()
     {
-        if (!options.modulation || *options.modulation <= 0.0)
+        const double length = modulationOf(run, options, log);
+        if (!(length > 0.0))
             return log->fail(
-                QStringLiteral("a map needs the length of a modulation, which the option --modulation "
-                               "takes"));
-        const double length = *options.modulation;
+                QStringLiteral("its trace doesn't show the length of a modulation, which the option "
+                               "--modulation takes for a map"));
         const std::vector<double> times = run.times();
         const std::vector<double> totals = run.storedTotals();
         const std::size_t count = times.size();

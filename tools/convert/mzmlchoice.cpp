@@ -1,0 +1,77 @@
+#include "mzmlchoice.h"
+
+#include "interruption.h"
+#include "mzmlterms.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+
+using namespace pwiz::cv;
+using namespace pwiz::msdata;
+
+namespace {
+
+constexpr std::size_t mostSpectra = 1 << 30;
+
+// Returns the MS level of a spectrum; 1 where it says none.
+int levelOf(const Spectrum &spectrum)
+{
+    return std::max(std::atoi(spectrum.cvParam(MS_ms_level).value.c_str()), 1);
+}
+
+CVID polarityOf(const Spectrum &spectrum)
+{
+    if (spectrum.hasCVParam(MS_positive_scan))
+        return MS_positive_scan;
+    return spectrum.hasCVParam(MS_negative_scan) ? MS_negative_scan : CVID_Unknown;
+}
+
+} // namespace
+
+bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, MzMlChoice *choice,
+                   ConversionLog *log)
+{
+    if (list.size() > mostSpectra)
+        return log->fail(QStringLiteral("it has too many spectra"));
+    std::set<CVID> polarities; // CVID_Unknown among them where a spectrum says none
+    std::size_t otherLevels = 0;
+    std::size_t otherPolarities = 0;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (isInterrupted())
+            return log->fail(QStringLiteral("it was interrupted"));
+        const SpectrumPtr spectrum = list.spectrum(i, false);
+        const CVID polarity = polarityOf(*spectrum);
+        if (levelOf(*spectrum) != options.msLevel.value_or(1)) {
+            ++otherLevels;
+        } else if (options.isPositive
+                   && polarity != (*options.isPositive ? MS_positive_scan : MS_negative_scan)) {
+            ++otherPolarities;
+        } else {
+            polarities.insert(polarity);
+            choice->isProfile = choice->isProfile || spectrum->hasCVParam(MS_profile_spectrum);
+            choice->isSelectedIons = choice->isSelectedIons || spectrum->hasCVParam(MS_SIM_spectrum);
+            choice->hasCompounds =
+                choice->hasCompounds || !spectrum->userParam(compoundName).value.empty();
+            choice->spectra.push_back(i);
+        }
+    }
+    if (otherLevels > 0 && !options.msLevel)
+        return log->fail(
+            QStringLiteral("it has spectra of several MS levels, of which the option --ms-level chooses "
+                           "one"));
+    if (polarities.size() > 1)
+        return log->fail(
+            QStringLiteral("it has spectra of several polarities, of which the option --polarity chooses "
+                           "one"));
+    if (choice->spectra.empty())
+        return log->fail(QStringLiteral("it has no such spectra"));
+    choice->polarity = *polarities.begin();
+    if (otherLevels > 0)
+        log->warn(QStringLiteral("%1 spectra of other MS levels are left out.").arg(otherLevels));
+    if (otherPolarities > 0)
+        log->warn(QStringLiteral("%1 spectra of the other polarity are left out.").arg(otherPolarities));
+    if (choice->hasCompounds)
+        log->warn(QStringLiteral("The names of the compounds are left out."));
+    return true;
+}
