@@ -313,7 +313,7 @@ private slots:
         changed("masses 0", "zero-masses 3", put("mass_values", 155, 0, 3));
         changed("points of 0 at the end of a scan", "", [](int id) {
             put("mass_values", 178, 0, 2)(id);
-            for (const std::size_t i : {178, 179}) {
+            for (const std::size_t i : {std::size_t(178), std::size_t(179)}) {
                 double intensity = 0.0;
                 nc_get_var1_double(id, variable(id, "intensity_values"), &i, &intensity);
                 add("total_intensity", 5, -intensity)(id);

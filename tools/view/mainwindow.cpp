@@ -33,6 +33,17 @@ const QString layoutKey = QStringLiteral("window/layout");
 const QString folderKey = QStringLiteral("files/folder");
 const QString recentKey = QStringLiteral("files/recent");
 
+// A modifier and a key are of two enumerations, which aren't added as they are.
+QKeySequence control(Qt::Key key)
+{
+    return QKeySequence(int(Qt::CTRL) + int(key));
+}
+
+QKeySequence controlShift(Qt::Key key)
+{
+    return QKeySequence(int(Qt::CTRL) + int(Qt::SHIFT) + int(key));
+}
+
 } // namespace
 
 MainWindow::MainWindow(QSettings &settings, ReadingThread &thread, QWidget *parent)
@@ -103,12 +114,11 @@ void MainWindow::makeMenus()
     fillRecent();
     file->addSeparator();
     const QString images = QStringLiteral("Images (*.png *.pdf *.svg)");
-    add(file, QStringLiteral("Save &trace or map\u2026"), QKeySequence(Qt::CTRL + Qt::Key_S),
+    add(file, QStringLiteral("Save &trace or map\u2026"), control(Qt::Key_S),
         [this, images] { save(&RunPage::saveUpper, images + QStringLiteral(";;Table (*.csv)")); });
-    add(file, QStringLiteral("&Save spectrum\u2026"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S),
-        [this, images] {
-            save(&RunPage::saveSpectrum, images + QStringLiteral(";;Table (*.csv);;Spectrum (*.msp)"));
-        });
+    add(file, QStringLiteral("&Save spectrum\u2026"), controlShift(Qt::Key_S), [this, images] {
+        save(&RunPage::saveSpectrum, images + QStringLiteral(";;Table (*.csv);;Spectrum (*.msp)"));
+    });
     add(file, QStringLiteral("Con&vert the run\u2026"), {}, [this] {
         const QString name = askForName(
             QStringLiteral("mzML (*.mzML);;Clean file (*.cdf);;Table (*.csv);;Spectra (*.msp)"));
@@ -116,29 +126,27 @@ void MainWindow::makeMenus()
             page()->convertTo(name);
     });
     file->addSeparator();
-    add(file, QStringLiteral("&Close"), QKeySequence(Qt::CTRL + Qt::Key_W),
-        [this] { closeTab(tabs_->currentIndex()); });
+    add(file, QStringLiteral("&Close"), control(Qt::Key_W), [this] { closeTab(tabs_->currentIndex()); });
     add(
-        file, QStringLiteral("&Quit"), QKeySequence(Qt::CTRL + Qt::Key_Q), [this] { close(); }, false);
+        file, QStringLiteral("&Quit"), control(Qt::Key_Q), [this] { close(); }, false);
 
     QMenu *go = menuBar()->addMenu(QStringLiteral("&Go"));
-    add(go, QStringLiteral("To &scan or time\u2026"), QKeySequence(Qt::CTRL + Qt::Key_G),
+    add(go, QStringLiteral("To &scan or time\u2026"), control(Qt::Key_G),
         [this] { page()->focusGoTo(); });
-    add(go, QStringLiteral("To &masses\u2026"), QKeySequence(Qt::CTRL + Qt::Key_M),
-        [this] { page()->focusMasses(); });
+    add(go, QStringLiteral("To &masses\u2026"), control(Qt::Key_M), [this] { page()->focusMasses(); });
     add(go, QStringLiteral("To se&arch\u2026"), QKeySequence::Find, [this] { page()->focusSearch(); });
     go->addSeparator();
-    add(go, QStringLiteral("&Next file"), QKeySequence(Qt::CTRL + Qt::Key_Tab),
+    add(go, QStringLiteral("&Next file"), control(Qt::Key_Tab),
         [this] { tabs_->setCurrentIndex((tabs_->currentIndex() + 1) % tabs_->count()); });
-    add(go, QStringLiteral("&Previous file"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Tab), [this] {
+    add(go, QStringLiteral("&Previous file"), controlShift(Qt::Key_Tab), [this] {
         tabs_->setCurrentIndex((tabs_->currentIndex() + tabs_->count() - 1) % tabs_->count());
     });
 
     QMenu *trace = menuBar()->addMenu(QStringLiteral("&Trace"));
-    add(trace, QStringLiteral("&Map or trace"), QKeySequence(Qt::CTRL + Qt::Key_D),
+    add(trace, QStringLiteral("&Map or trace"), control(Qt::Key_D),
         [this] { page()->showMap(!page()->showsMap()); });
-    overlays_ = addSwitch(trace, QStringLiteral("&Overlay all open runs"),
-                          QKeySequence(Qt::CTRL + Qt::Key_L), [this] { overlay(); });
+    overlays_ = addSwitch(trace, QStringLiteral("&Overlay all open runs"), control(Qt::Key_L),
+                          [this] { overlay(); });
     offset_ = addSwitch(trace, QStringLiteral("O&ffset traces"), {}, [this] { overlay(); });
     normalised_ = addSwitch(trace, QStringLiteral("&Normalise traces"), {}, [this] { overlay(); });
     trace->addSeparator();
@@ -148,16 +156,14 @@ void MainWindow::makeMenus()
         [this] { page()->setMasses(QString()); });
 
     QMenu *spectrum = menuBar()->addMenu(QStringLiteral("&Spectrum"));
-    add(spectrum, QStringLiteral("&Pin, to compare with others"), QKeySequence(Qt::CTRL + Qt::Key_P),
+    add(spectrum, QStringLiteral("&Pin, to compare with others"), control(Qt::Key_P),
         [this] { pinSpectrum(); });
-    add(spectrum, QStringLiteral("&Unpin"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_P),
-        [this] { unpinSpectrum(); });
+    add(spectrum, QStringLiteral("&Unpin"), controlShift(Qt::Key_P), [this] { unpinSpectrum(); });
 
-    host_ = addSwitch(spectrum, QStringLiteral("As the &host gets it"),
-                      QKeySequence(Qt::CTRL + Qt::Key_H), [this] {
-                          for (int tab = 0; tab < tabs_->count(); ++tab)
-                              pageAt(tab)->setHost(host_->isChecked());
-                      });
+    host_ = addSwitch(spectrum, QStringLiteral("As the &host gets it"), control(Qt::Key_H), [this] {
+        for (int tab = 0; tab < tabs_->count(); ++tab)
+            pageAt(tab)->setHost(host_->isChecked());
+    });
 
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(

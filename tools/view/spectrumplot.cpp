@@ -102,7 +102,7 @@ void SpectrumPlot::setHost(const HostScan &hostScan)
     update();
 }
 
-void SpectrumPlot::draw(Side *side, double sign)
+void SpectrumPlot::drawSide(Side *side, double sign)
 {
     const double factor = isMirrored() ? sign * percent / (side->base > 0.0 ? side->base : 1.0) : 1.0;
     QVector<QCPGraphData> points;
@@ -115,8 +115,8 @@ void SpectrumPlot::draw(Side *side, double sign)
 
 void SpectrumPlot::update()
 {
-    draw(&upper_, 1.0);
-    draw(&lower_, -1.0);
+    drawSide(&upper_, 1.0);
+    drawSide(&lower_, -1.0);
     const double hostFactor = isMirrored() ? percent / (upper_.base > 0.0 ? upper_.base : 1.0) : 1.0;
     QVector<QCPGraphData> hostPoints;
     for (std::size_t i = 0; i < host_.masses.size(); ++i)

@@ -50,7 +50,7 @@ private:
     };
 
     void take(const SpectrumData &spectrum, Side *side);
-    void draw(Side *side, double sign);
+    void drawSide(Side *side, double sign);
     void update();
     void fitHeight();
     void placeLabels();
