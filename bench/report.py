@@ -119,10 +119,12 @@ def main():
 
     got = benchmark(build, "bench_write", ".")
     row("ms_write_per_scan / bare nc_put_vara", got["toolkit"]["cpu_time"] / got["floor"]["cpu_time"], 1.3)
-    lines = subprocess.run([sys.executable, os.path.join(HERE, "package.py"), build], check=True,
-                           capture_output=True, text=True).stdout.splitlines()
-    for measure, figure, bar, detail in (line.split(";") for line in lines):
-        row(measure, float(figure), float(bar), detail)
+    for command in ([sys.executable, os.path.join(HERE, "package.py"), build],
+                    [os.path.join(build, "bin", "bench_view"), os.path.join(files, "long-fixed.cdf"),
+                     os.path.join(files, "hundred-million.cdf")]):
+        lines = subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
+        for measure, figure, bar, detail in (line.split(";") for line in lines):
+            row(measure, float(figure), float(bar), detail)
     report_conversions(build, files)
     if os.path.exists(REAL_RUN):
         whole = best_seconds([os.path.join(build, "bin", "aia-import"), REAL_RUN], 5)
