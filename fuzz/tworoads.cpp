@@ -1,6 +1,7 @@
 #include "tworoads.h"
 
 #include "filestate_p.h"
+#include "msfile.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,18 +9,11 @@
 
 namespace {
 
-class OpenFile
+// Null for no file.
+MsFileData *dataOf(const MsFile &file)
 {
-public:
-    explicit OpenFile(const QByteArray &path) : id(ms_open_read(path.constData())) { }
-    ~OpenFile() { ms_close(id); }
-    Q_DISABLE_COPY(OpenFile)
-
-    MsFileData *data() const { return id == -1 ? nullptr : &ms_file_state(id)->data; }
-
-private:
-    int id;
-};
+    return file ? &ms_file_state(file.id())->data : nullptr;
+}
 
 // A part of a variable, with room for it.
 struct Part {
@@ -80,9 +74,9 @@ const char *difference(MsFileData &own, MsFileData &library, int variable, const
 
 QByteArray differenceOfRoads(const QByteArray &path)
 {
-    const OpenFile files[] = {OpenFile(path), OpenFile(path)};
-    MsFileData *const own = files[0].data();
-    MsFileData *const library = files[1].data();
+    const MsFile files[] = {MsFile(path.constData()), MsFile(path.constData())};
+    MsFileData *const own = dataOf(files[0]);
+    MsFileData *const library = dataOf(files[1]);
     if (!own || !library)
         return own || library ? "opening" : "";
     if (!own->classic_layout())

@@ -29,11 +29,17 @@ public:
             MessageLoggerInterface::Error(text, nullptr);
     }
 
-    // Returns the errors as a text without mark-up; empty for none.
+    // Returns the errors as sentences without mark-up; empty for none.
     QString takeErrors()
     {
-        QString text = std::exchange(errors_, QStringList()).join(QLatin1String("; "));
-        return text.remove(QLatin1String("<b>")).remove(QLatin1String("</b>"));
+        QStringList sentences = std::exchange(errors_, QStringList());
+        for (QString &text : sentences) {
+            if (!text.endsWith(QLatin1Char('.')))
+                text += QLatin1Char('.');
+        }
+        return sentences.join(QLatin1Char(' '))
+            .remove(QLatin1String("<b>"))
+            .remove(QLatin1String("</b>"));
     }
 
 private:

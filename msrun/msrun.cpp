@@ -21,11 +21,6 @@ namespace {
 constexpr qint32 mostListed = 10000; // components and groups
 constexpr qint32 mostGroupMasses = 1 << 20;
 
-QString withFullStop(const QString &sentence)
-{
-    return sentence.endsWith(QLatin1Char('.')) ? sentence : sentence + QLatin1Char('.');
-}
-
 // A factor of the file. One that can't be a factor counts as none.
 double factorOf(double stored, bool *isIgnored)
 {
@@ -114,7 +109,7 @@ QString MsRun::Private::fault(const MsRunOptions &options)
         return why.isEmpty()
             ? QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut off.")
                   .arg(name)
-            : withFullStop(why);
+            : why;
     }
     if (file.record()->dimensions[MsDim_scan_number].id == -1)
         return refusal(
@@ -123,8 +118,8 @@ QString MsRun::Private::fault(const MsRunOptions &options)
     globals = file.globals();
     if (!globals.isRead()) {
         const QString why = messages.takeErrors();
-        return refusal(QStringLiteral("its global attributes can't be read%1")
-                           .arg(why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
+        const QString refused = refusal(QStringLiteral("its global attributes can't be read"));
+        return why.isEmpty() ? refused : refused + QLatin1Char(' ') + why;
     }
 
     // A scan takes a byte at least, so a file that has more scans than this only claims them.

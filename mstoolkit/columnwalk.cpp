@@ -58,17 +58,13 @@ MsColumnNumber MsColumnWalk::read(std::size_t place)
     const std::size_t count = std::min(numbers_at_once, stored - first);
     numbers.resize(count);
     const quint64 refused = file->data.refused_reads();
-    if (file->data.read_parts(file->variables[slot], {first, count}, NC_DOUBLE, numbers.data(), &lost)
-            == MsFetch::Read
-        || file->data.refused_reads() > refused)
-        return at(place - first);
-
-    // The system has refused nothing, so the file ends before: it may have been cut since. Or it is a
-    // failure that every other read would share.
-    numbers.clear();
-    const std::size_t left = file->data.count_stored(file->variables[slot], claimed);
-    stored = left < stored ? left : 0;
-    return read(place);
+    const MsFetch result =
+        file->data.read_parts(file->variables[slot], {first, count}, NC_DOUBLE, numbers.data(), &lost);
+    // Where the system has refused nothing, the file was cut before these since it was opened, or it is a
+    // failure that all reads behind would share.
+    if (result != MsFetch::Read && file->data.refused_reads() == refused)
+        stored = first;
+    return at(place - first);
 }
 
 bool MsColumnWalk::is_lost(std::size_t place) const

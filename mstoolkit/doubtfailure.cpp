@@ -1,6 +1,6 @@
 // Why a scan can't be read, found out afterwards: the readers themselves only fail.
 
-#include "tally_p.h"
+#include "doubtfailure_p.h"
 
 #include "columnwalk_p.h"
 #include "filestate_p.h"

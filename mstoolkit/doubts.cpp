@@ -3,6 +3,8 @@
 #include "msdoubts.h"
 
 #include "columnwalk_p.h"
+#include "doubtfailure_p.h"
+#include "doubtscans_p.h"
 #include "filestate_p.h"
 #include "msrecords.h"
 #include "path_p.h"

@@ -1,8 +1,11 @@
 // What the numbers of all scans say about a run: where their points lie, and what they come to.
 
+#include "doubtscans_p.h"
+
 #include "columnwalk_p.h"
+#include "doubttimes_p.h"
 #include "filestate_p.h"
-#include "tally_p.h"
+#include "wholerun_p.h"
 
 #include <algorithm>
 #include <cmath>

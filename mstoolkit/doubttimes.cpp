@@ -1,5 +1,7 @@
 // When the scans of a run were taken, and what of it can't be right.
 
+#include "doubttimes_p.h"
+
 #include "columnwalk_p.h"
 #include "filestate_p.h"
 #include "tally_p.h"

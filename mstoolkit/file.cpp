@@ -30,7 +30,7 @@ std::string exact_path(const char *path)
 void report_damage(const char *path)
 {
     MessageLoggerInterface::Error(
-        QStringLiteral("The file <b>%1</b> is damaged: its header can't be right")
+        QStringLiteral("The file <b>%1</b> is damaged: its header can't be right.")
             .arg(ms_shown_name(path)),
         nullptr);
 }
@@ -38,14 +38,14 @@ void report_damage(const char *path)
 void report_change(const char *path)
 {
     MessageLoggerInterface::Error(
-        QStringLiteral("The file <b>%1</b> was changed while it was opened").arg(ms_shown_name(path)),
+        QStringLiteral("The file <b>%1</b> was changed while it was opened.").arg(ms_shown_name(path)),
         nullptr);
 }
 
 void report_missing_data(const char *path, const MsFileData &data)
 {
     MessageLoggerInterface::Warning(
-        QStringLiteral("The file <b>%1</b> is cut off: %2 of %3 bytes are missing")
+        QStringLiteral("The file <b>%1</b> is cut off: %2 of %3 bytes are missing.")
             .arg(ms_shown_name(path), QString::number(data.missing_bytes()),
                  QString::number(data.classic_layout()->needed)),
         nullptr);

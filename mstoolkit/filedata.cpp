@@ -44,6 +44,15 @@ quint64 elements_of(const MsSlab &slab)
     return result;
 }
 
+// Adds a part behind those that are lost.
+void lose(MsPart part, std::vector<MsPart> *lost)
+{
+    if (!lost->empty() && lost->back().end() == part.start)
+        lost->back().count += part.count;
+    else
+        lost->push_back(part);
+}
+
 } // namespace
 
 void MsFileData::open_read(quint64 length)
@@ -251,10 +260,7 @@ MsFetch MsFileData::split(int varid, MsPart part, qint32 type, unsigned char *ta
     if (result != MsFetch::Failed || refused_reads() == before)
         return result;
     if (part.count == 1 || is_in_one_sector(varid, part)) {
-        if (!lost->empty() && lost->back().end() == part.start)
-            lost->back().count += part.count;
-        else
-            lost->push_back(part);
+        lose(part, lost);
         return MsFetch::Read;
     }
     const std::size_t half = part.count / 2;
@@ -267,12 +273,20 @@ MsFetch MsFileData::split(int varid, MsPart part, qint32 type, unsigned char *ta
 MsFetch MsFileData::read_parts(int varid, MsPart whole, qint32 type, void *target,
                                std::vector<MsPart> *lost)
 {
+    auto *const bytes = static_cast<unsigned char *>(target);
     lost->clear();
-    const MsFetch result = split(varid, whole, type, static_cast<unsigned char *>(target), lost);
-    std::size_t missing = 0;
-    for (const MsPart &part : *lost)
-        missing += part.count;
-    return result == MsFetch::Read && missing == whole.count ? MsFetch::Failed : result;
+    MsFetch result = split(varid, whole, type, bytes, lost);
+    const std::size_t end = result == MsFetch::None ? count_stored(varid, whole.end()) : whole.end();
+    if (end > whole.start && end < whole.end()) {
+        lost->clear();
+        result = split(varid, {whole.start, end - whole.start}, type, bytes, lost);
+        lose({end, whole.end() - end}, lost);
+    }
+    if (!lost->empty() && lost->front().count == whole.count)
+        result = MsFetch::Failed;
+    if (result != MsFetch::Read)
+        *lost = {whole};
+    return result;
 }
 
 MsBlock<void> MsFileData::read_array(const MsSlab &slab, qint32 type)

@@ -92,10 +92,10 @@ public:
     // NC_CHAR for one whose elements are a byte wide. `target` has room for all of them.
     MsFetch read(const MsSlab &slab, qint32 type, void *target);
 
-    // Reads `count` numbers from `start` on of a variable of one dimension, as `type`. Where the system
-    // refuses, they are read in ever smaller parts, down to what lies in one sector of a disk. `lost`
-    // gets the parts that don't come, in their order; only where all of them are lost the whole has
-    // failed.
+    // Reads `count` numbers from `start` on of a variable of one dimension, as `type`, as far as they can
+    // be had. Where the system refuses, they are read in ever smaller parts, down to what lies in one
+    // sector of a disk; where the file ends before the last one, those before its end are read. `lost`
+    // gets the parts that don't come, in their order. Only where nothing comes the whole isn't read.
     MsFetch read_parts(int varid, MsPart whole, qint32 type, void *target, std::vector<MsPart> *lost);
 
     // Reads the same as a new array. Null on failure; memory is made only for elements that the file has.

@@ -204,7 +204,7 @@ int ms_look_first(const char *path, const QString &program, int milliseconds)
     }
     if (!why.isNull()) {
         MessageLoggerInterface::Error(
-            QStringLiteral("The file <b>%1</b> was not opened: %2").arg(ms_shown_name(path), why),
+            QStringLiteral("The file <b>%1</b> wasn't opened: %2.").arg(ms_shown_name(path), why),
             nullptr);
         return -1;
     }

@@ -38,7 +38,8 @@ QString ms_system_text(int error)
 
 void ms_report_refusal(const char *path, int error)
 {
-    MessageLoggerInterface::Error(QStringLiteral("The system refused to read from file <b>%1</b>: %2")
-                                      .arg(ms_shown_name(path), ms_system_text(error).toHtmlEscaped()),
-                                  nullptr);
+    MessageLoggerInterface::Error(
+        QStringLiteral("The system refused to read from the file <b>%1</b>: %2.")
+            .arg(ms_shown_name(path), ms_system_text(error).toHtmlEscaped()),
+        nullptr);
 }

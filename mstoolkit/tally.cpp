@@ -4,6 +4,7 @@
 #include "tally_p.h"
 
 #include "columnwalk_p.h"
+#include "doubtfailure_p.h"
 #include "filestate_p.h"
 #include "msformat.h"
 #include "widevectors_p.h"
@@ -83,9 +84,9 @@ bool is_given(double number)
 
 // A range that two numbers of the file claim, from either end. None where both are 0: some writers leave
 // them so.
-MsRange claimed_range(double one, double other)
+MsNumberRange claimed_range(double one, double other)
 {
-    MsRange range;
+    MsNumberRange range;
     if (is_given(one) && is_given(other) && (one != 0.0 || other != 0.0))
         range = {std::min(one, other), std::max(one, other)};
     return range;
@@ -98,7 +99,7 @@ bool is_usable_scale(double scale)
 
 // With room for rounding, and as stored or as scaled: the template doesn't say which of them the range is
 // of.
-MsRange stored_range(const MsRange &claimed, double scale, double offset)
+MsNumberRange stored_range(const MsNumberRange &claimed, double scale, double offset)
 {
     constexpr double slack = 1e-3;
     if (!claimed.is_known() || !is_usable_scale(scale) || !std::isfinite(offset))
@@ -203,7 +204,7 @@ private:
         const bool is_ordered = rises(numbers, count);
         const double first = double(numbers[0]);
         const double last = double(numbers[count - 1]);
-        MsRange range;
+        MsNumberRange range;
         qint32 odd = 0;
         if (is_ordered && first > 0.0 && last < huge)
             range = {first, last};
@@ -220,7 +221,7 @@ private:
     }
 
     // Returns how many can't be right, or are none; the others are in the range.
-    template <class Stored> qint32 look_at_masses(const Stored *numbers, MsRange *range)
+    template <class Stored> qint32 look_at_masses(const Stored *numbers, MsNumberRange *range)
     {
         const nc_type type = ms_nc_type_of_format(file.mass_format, NC_NAT);
         qint32 odd = 0;
@@ -257,22 +258,22 @@ private:
     }
 
     // Some writers leave the last scan, which was stopped, with the window that was set.
-    bool is_window(const MsRange &claimed, const MsRange &measured) const
+    bool is_window(const MsNumberRange &claimed, const MsNumberRange &measured) const
     {
         return place == file.dimensions[MsDim_scan_number].size - 1 && claimed.least <= measured.least
             && claimed.most >= measured.most && claimed.least == std::trunc(claimed.least)
             && claimed.most == std::trunc(claimed.most);
     }
 
-    void compare_masses(const MsRange &measured)
+    void compare_masses(const MsNumberRange &measured)
     {
         // Claims are often whole masses, or those of the scan's nominal window.
         constexpr double slack = 1.0;
-        const auto is_beyond = [&measured](const MsRange &claimed) {
+        const auto is_beyond = [&measured](const MsNumberRange &claimed) {
             return claimed.is_known()
                 && (measured.least < claimed.least - slack || measured.most > claimed.most + slack);
         };
-        const MsRange claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
+        const MsNumberRange claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
         if (claimed.is_known() && !is_window(claimed, measured)) {
             tally.least_masses.compare(place, claimed.least, measured.least);
             tally.most_masses.compare(place, claimed.most, measured.most);
@@ -287,7 +288,7 @@ private:
 
     template <class Stored> void take_times(const Stored *numbers)
     {
-        MsRange range;
+        MsNumberRange range;
         for (qint32 i = 0; i < scan.point_count; ++i) {
             const double number = double(numbers[i]);
             if (is_given(number))
@@ -295,7 +296,7 @@ private:
         }
         // Beyond rounding, and as stored or as scaled, as above.
         constexpr double slack = 0.01;
-        const MsRange claimed = claimed_range(scan.time_range_min, scan.time_range_max);
+        const MsNumberRange claimed = claimed_range(scan.time_range_min, scan.time_range_max);
         const double room = slack * (claimed.most - claimed.least) + slack;
         const auto is_inside = [&](double factor) {
             return range.least * factor >= claimed.least - room

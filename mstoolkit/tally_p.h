@@ -15,7 +15,6 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
-#include <utility>
 #include <vector>
 
 struct MsFileState;
@@ -147,7 +146,7 @@ private:
 };
 
 // A range of numbers.
-struct MsRange {
+struct MsNumberRange {
     void add(double number)
     {
         least = std::min(least, number);
@@ -164,8 +163,8 @@ struct MsClaims {
     double mass_scale = 1.0;
     double intensity_scale = 1.0;
     double intensity_offset = 0.0;
-    MsRange masses;
-    MsRange intensities; // as they are stored, with room for rounding
+    MsNumberRange masses;
+    MsNumberRange intensities; // as they are stored, with room for rounding
 };
 
 // What the last census of masses came to.
@@ -175,7 +174,7 @@ struct MsCensusTally {
     qint64 keys = 0;
     // Of masses that all come to one key.
     qint64 seen = 0;
-    MsRange masses;
+    MsNumberRange masses;
     MsFindings found; // by position
     // Where nearly all masses are multiples of 1 or of 0.1: which of the two, and how many masses aren't.
     double grid = 0.0;
@@ -225,7 +224,7 @@ struct MsTally {
     // Of the scans' own numbers, which are read once, and the totals of a trace likewise.
     bool knows_scans = false;
     bool knows_totals = false;
-    MsRange times;
+    MsNumberRange times;
     MsAgreement trace_totals;
     double second_time = 0.0;   // where the first one is 0 and far before it
     qint64 points_of_scans = 0; // flags count, too
@@ -240,7 +239,7 @@ struct MsTally {
     MsAgreement least_masses;
     MsAgreement most_masses;
     MsAgreement stored_masses; // the largest as it is stored, where the file has a scale
-    MsRange claimed_totals;
+    MsNumberRange claimed_totals;
     bool has_failure = false;
     qint32 failed_scan = -1;                 // the last one
     std::optional<MsScanPlace> failed_place; // where its points were looked for, if not by its counters
@@ -262,24 +261,5 @@ void ms_tally_masses(MsCensusTally &census, const void *masses, qint32 format, q
 
 // Takes note of the end of a census.
 void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &keys, qint32 decimals);
-
-// Reads where the points of all scans lie and when they were taken, once for a file.
-void ms_look_at_scans(MsFileState &file);
-
-// A part of that: the times of the first `scans` scans.
-void ms_look_at_times(MsFileState &file, std::size_t scans);
-
-// Reads the total intensity of all scans, once for a file: of a run without masses a reader gets nothing
-// else.
-void ms_look_at_totals(MsFileState &file);
-
-// Whether ms_read_total_intensity takes a variable: one with a number for each scan, whatever its rank.
-bool ms_is_trace(MsFileState &file, int slot, qint32 scan_count);
-
-// Looks at the groups of masses: those that can't be, and how many there are.
-std::pair<MsFinding, qint32> ms_look_at_groups(MsFileState &file);
-
-// Why a scan can't be read, as the rest of a sentence: "scan_index is missing". `place` as above.
-QString ms_describe_failure(MsFileState &file, qint32 scan, const MsScanPlace *place = nullptr);
 
 #endif // TALLY_P_H

@@ -1,5 +1,7 @@
 // Readers of a variable over a whole run.
 
+#include "wholerun_p.h"
+
 #include "filestate_p.h"
 #include "masskeys_p.h"
 #include "msformat.h"
@@ -157,17 +159,8 @@ MsBlock<double> read_trace(MsFileState &file, int slot, qint32 scan_count)
     }
 
     std::vector<MsPart> lost;
-    std::size_t stored = size;
-    MsFetch result = file.data.read_parts(varid, {0, size}, NC_DOUBLE, trace.get(), &lost);
-    if (result == MsFetch::None) {
-        stored = file.data.count_stored(varid, size);
-        if (stored < 1 || stored == size)
-            return nullptr;
-        result = file.data.read_parts(varid, {0, stored}, NC_DOUBLE, trace.get(), &lost);
-    }
-    if (result != MsFetch::Read)
+    if (file.data.read_parts(varid, {0, size}, NC_DOUBLE, trace.get(), &lost) != MsFetch::Read)
         return nullptr;
-    std::fill(trace.get() + stored, trace.get() + size, MsMissingDouble);
     for (const MsPart &part : lost)
         std::fill_n(trace.get() + part.start, part.count, MsMissingDouble);
     return trace;
@@ -190,9 +183,10 @@ int count_stretches(MsFileState &file, qint64 stored, qint32 type, double scale,
     for (qint64 start = 0; start < stored && !census->is_over(); start += masses_at_once) {
         const MsPart whole = {std::size_t(start),
                               std::size_t(std::min<qint64>(masses_at_once, stored - start))};
+        const quint64 refused = file.data.refused_reads();
         const MsFetch result =
             file.data.read_parts(file.variables[MsVar_mass_values], whole, type, buffer.get(), &lost);
-        if (result != MsFetch::Read && lost.empty())
+        if (result != MsFetch::Read && file.data.refused_reads() == refused)
             return -1;
         std::size_t from = whole.start;
         lost.push_back({whole.end(), 0});

@@ -25,8 +25,8 @@ void account(const char *text)
 void reportNoFile(const QString &name)
 {
     MessageLoggerInterface::Error(
-        name.isEmpty() ? QStringLiteral("No file is open, so none can be imported")
-                       : QStringLiteral("The file <b>%1</b> isn't open, so it can't be imported")
+        name.isEmpty() ? QStringLiteral("No file is open, so none can be imported.")
+                       : QStringLiteral("The file <b>%1</b> isn't open, so it can't be imported.")
                              .arg(name.toHtmlEscaped()),
         nullptr);
 }

@@ -195,9 +195,9 @@ class TestDoubts : public QObject
         QFile::copy(path(name), copy);
         int id = -1;
         nc_open(QFile::encodeName(copy).constData(), NC_WRITE, &id);
+        const MsFile file = MsFile::adopt(id);
         for (const Change &change : changes)
             change(id);
-        nc_close(id);
         return copy;
     }
 

@@ -102,7 +102,7 @@ private slots:
 
         Receiver receiver;
         QVERIFY(!import(prototype(), &receiver)); // its file went to the copy
-        QCOMPARE(messages.last(), "The file <b>" + fixture("one-scan") + "</b> isn't open, so it can't be imported");
+        QCOMPARE(messages.last(), "The file <b>" + fixture("one-scan") + "</b> isn't open, so it can't be imported.");
         QCOMPARE(receiver.scanCount, -1);
         QVERIFY(import(copy.get(), &receiver)); // its file is open still
         QCOMPARE(int(receiver.scans.size()), 2);

@@ -130,7 +130,7 @@ private slots:
         QCOMPARE(waitpid(-1, nullptr, WNOHANG), -1);
         QCOMPARE(errno, ECHILD);
         QCOMPARE(messages.size(), row.said.isNull() ? 0 : 1);
-        const QString start = "E The file " + path.toHtmlEscaped() + " was not opened: ";
+        const QString start = "E The file " + path.toHtmlEscaped() + " wasn't opened: ";
         const QString message = messages.join('\n');
         QVERIFY2(row.said.isNull() || (message.startsWith(start) && message.contains(row.said)), qPrintable(message));
     }
@@ -206,7 +206,7 @@ private slots:
         QVERIFY(!plugin.canImport(write("damaged.cdf", damagedNewer(crashingPlace))));
         QCOMPARE(openFiles(), before);
         QCOMPARE(messages.size(), 2);
-        QVERIFY2(messages.first().contains("damaged.cdf was not opened: a first look at it "),
+        QVERIFY2(messages.first().contains("damaged.cdf wasn't opened: a first look at it "),
                  qPrintable(messages.first()));
         QCOMPARE(messages.last(), QStringLiteral("W ms_open_read failed!"));
         const Plugin::Copy copy = plugin.copyFor(fixture("wide-values"));

@@ -6,7 +6,7 @@
 #include "failingreads.h"
 #include "filestate_p.h"
 #include "messageredirection.h"
-#include "msrecords.h"
+#include "msfile.h"
 #include "plugin.h"
 #include "program.h"
 #include "rows.h"
@@ -118,7 +118,7 @@ class TestReads : public QObject, private Plugin
             && nc_open(QFile::encodeName(made).constData(), NC_WRITE, &id) == NC_NOERR && nc_redef(id) == NC_NOERR
             && nc_put_att_text(id, NC_GLOBAL, "experiment_title", std::size_t(title.size()), title.constData())
                 == NC_NOERR
-            && nc_close(id) == NC_NOERR
+            && nc_enddef(id) == NC_NOERR && MsFile::adopt(id).finish()
             && runProgram(QStringLiteral("nccopy"), {QStringLiteral("-u"), made, copied}).code == 0;
         return isMade ? content(isFixed ? copied : made) : QByteArray();
     }
@@ -205,8 +205,8 @@ private slots:
         for (const QByteArray &bytes : runs) {
             put(bytes);
             const Imported whole = importRun();
-            const int id = ms_open_read(pathBytes.constData());
-            MsFileState *const state = ms_file_state(id);
+            const MsFile file(pathBytes.constData());
+            MsFileState *const state = ms_file_state(file.id());
             const MsClassicLayout &layout = *state->data.classic_layout();
             int lost = 0;
             for (quint64 bad = (layout.header + 2 * 8192) / 512 * 512; bad < quint64(bytes.size()); bad += 512) {
@@ -221,7 +221,6 @@ private slots:
                 lost += result.lost();
             }
             QVERIFY(lost > scanCount);
-            ms_close(id);
         }
     }
 
@@ -265,14 +264,13 @@ private slots:
     void keepsTheRestOfATrace()
     {
         put(runs[1]);
-        const int id = ms_open_read(pathBytes.constData());
-        const MsTrace whole(id, scanCount);
-        MsFileState *const state = ms_file_state(id);
+        const MsFile file(pathBytes.constData());
+        const MsTrace whole = file.trace();
+        MsFileState *const state = ms_file_state(file.id());
         const auto variable = std::size_t(state->variables[MsVar_total_intensity]);
         const quint64 bad = state->data.classic_layout()->variables[variable].begin / 512 * 512 + 512;
         reads = {pathBytes.constData(), 0, false, ReadFault::Error, EIO, qint64(bad), qint64(bad) + 512};
-        const MsTrace trace(id, scanCount);
-        ms_close(id);
+        const MsTrace trace = file.trace();
         QVERIFY(trace.isRead());
         int missing = 0;
         for (int scan = 0; scan < scanCount; ++scan) {

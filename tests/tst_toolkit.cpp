@@ -1,6 +1,7 @@
 // The toolkit's routines that work on memory: types, vectors, vocabulary, time stamps; and its registry.
 
 #include "mstoolkit.h"
+#include "openfixture.h"
 #include "rows.h"
 
 #include <QScopeGuard>
@@ -158,8 +159,7 @@ private slots:
         QCOMPARE((QVector<int>{stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second, stamp.zone}),
                  row.numbers);
         QCOMPARE(ms_timestamp(1, &stamp), 0);
-        QCOMPARE(QByteArray(stamp.text), row.written);
-        ms_free(stamp.text);
+        QCOMPARE(OwnedText(stamp.text).get(), row.written.constData());
     }
 
     void refusesStamps()

@@ -74,7 +74,7 @@ private slots:
         row("import of what is missing") = {"aia-import x.cdf", 1, "The file \"x.cdf\" doesn't exist."};
         row("header cut off") = {"aia-import cut.cdf", 1,
                                  "The file \"cut.cdf\" is damaged: its header can't be right."};
-        row("first look") = {"aia-import newer.cdf", 1, "The file \"newer.cdf\" was not opened: a first look at it "};
+        row("first look") = {"aia-import newer.cdf", 1, "The file \"newer.cdf\" wasn't opened: a first look at it "};
         row("extension") = {
             "aia-import run.txt", 1,
             "The name of the file \"run.txt\" doesn't end in an extension that this import takes: .cdf."};
@@ -84,8 +84,8 @@ private slots:
                                   "spectrometry file of the AIA MS template.")};
         row("attributes") = {"aia-import --quiet error-log-rank-1.cdf", 1,
                              cannot("error-log-rank-1",
-                                    "its global attributes can't be read (Size type mismatch "
-                                    "while loading \"error_log\").")};
+                                    "its global attributes can't be read. Size type mismatch "
+                                    "while loading \"error_log\".")};
 
         row("show nothing") = {"aia-info", 2, "No file is named."};
         row("misspelled") = {"aia-info --jsn gcgc.cdf", 2, "Unknown option 'jsn'."};
@@ -93,7 +93,7 @@ private slots:
         row("negative scan") = {"aia-info --scan=-1 gcgc.cdf", 2, noScan("-1")};
         row("version") = {"aia-info --version", 0, "", "aia-info 1."};
         row("first look of aia-info") = {"aia-info newer.cdf", 1,
-                                         "The file \"newer.cdf\" was not opened: a first look at it "};
+                                         "The file \"newer.cdf\" wasn't opened: a first look at it "};
         row("device") = {"aia-info /dev/null", 1, "\"/dev/null\" isn't a regular file."};
         row("not netCDF") = {"aia-info text.cdf", 1,
                              "The file \"text.cdf\" isn't a netCDF file, or its header is damaged or cut off."};

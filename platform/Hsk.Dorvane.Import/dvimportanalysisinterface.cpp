@@ -34,7 +34,7 @@ bool DVImportAnalysisInterface::import(const QString &name, const QString &, con
         return run();
     } catch (const std::bad_alloc &) {
         MessageLoggerInterface::Error(
-            QStringLiteral("There isn't enough memory to import the file <b>%1</b>")
+            QStringLiteral("There isn't enough memory to import the file <b>%1</b>.")
                 .arg(name.toHtmlEscaped()),
             nullptr);
         return false;

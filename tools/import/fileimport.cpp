@@ -236,7 +236,7 @@ QString FileImport::refusal(const QString &hostText)
 {
     // Neither is reported by itself: the sentence says what the notes say, and it has the errors in it.
     const QStringList traces = messages.take(MessageList::Level::Debug);
-    const QStringList errors = messages.take(MessageList::Level::Error);
+    const QString errors = messages.takeSentences(MessageList::Level::Error).join(QLatin1Char(' '));
     if (!hostText.isEmpty())
         return hostText;
     const QString obstacle = whyUnreadable(fileName);
@@ -246,7 +246,7 @@ QString FileImport::refusal(const QString &hostText)
     QString reason;
     if (traces.contains(QStringLiteral("ms_open_read failed!"))) {
         if (!errors.isEmpty())
-            return errors.join(QLatin1String("; ")) + QLatin1Char('.');
+            return errors;
         reason =
             QStringLiteral("netCDF can't open it: it isn't a netCDF file, or its header is damaged or "
                            "cut off");
@@ -259,7 +259,7 @@ QString FileImport::refusal(const QString &hostText)
             QStringLiteral("it has no dimension \"scan_number\", so it isn't a mass spectrometry file "
                            "of the AIA MS template");
     }
-    if (!errors.isEmpty())
-        reason += QStringLiteral(" (%1)").arg(errors.join(QLatin1String("; ")));
-    return QStringLiteral("The file \"%1\" can't be imported: %2.").arg(fileName, reason);
+    const QString refused =
+        QStringLiteral("The file \"%1\" can't be imported: %2.").arg(fileName, reason);
+    return errors.isEmpty() ? refused : refused + QLatin1Char(' ') + errors;
 }

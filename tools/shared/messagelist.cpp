@@ -43,8 +43,10 @@ int MessageList::count(Level level) const
 
 QString MessageList::sentence(const Entry &entry)
 {
-    const QString times = entry.count > 1 ? QStringLiteral(" (%1 times)").arg(entry.count) : QString();
-    return withFullStop(plainText(entry.text) + times);
+    QString text = withFullStop(plainText(entry.text));
+    if (entry.count > 1)
+        text.insert(text.size() - 1, QStringLiteral(" (%1 times)").arg(entry.count));
+    return text;
 }
 
 QStringList MessageList::take(Level level)
