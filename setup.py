@@ -28,7 +28,8 @@ class CMakeBuild(build_ext):
             check=True,
         )  # fmt: skip
         subprocess.run(["cmake", "--build", build, "--target", "aiams"], check=True)
-        subprocess.run(["cmake", "--install", build, "--prefix", target, "--component", "aiams"], check=True)
+        for component in "aiams", "aiams-needs":
+            subprocess.run(["cmake", "--install", build, "--prefix", target, "--component", component], check=True)
 
 
 os.chdir(ROOT)
