@@ -3,6 +3,7 @@
 #define HELDMESSAGES_P_H
 
 #include "messageloggerinterface.h"
+#include "messagetext.h"
 
 #include <QStringList>
 
@@ -29,17 +30,13 @@ public:
             MessageLoggerInterface::Error(text, nullptr);
     }
 
-    // Returns the errors as sentences without mark-up; empty for none.
+    // Returns the errors as sentences; empty for none.
     QString takeErrors()
     {
         QStringList sentences = std::exchange(errors_, QStringList());
-        for (QString &text : sentences) {
-            if (!text.endsWith(QLatin1Char('.')))
-                text += QLatin1Char('.');
-        }
-        return sentences.join(QLatin1Char(' '))
-            .remove(QLatin1String("<b>"))
-            .remove(QLatin1String("</b>"));
+        for (QString &text : sentences)
+            text = withFullStop(plainText(text));
+        return sentences.join(QLatin1Char(' '));
     }
 
 private:

@@ -150,7 +150,7 @@ private slots:
         row("no scans") = {"no-scans", "", 0};
         row("chromatogram") = {"chromatogram", "The file \"%1\" can't be read: it has no dimension"};
         row("text") = {"text", "The file \"%1\" isn't a netCDF file"};
-        row("header cut off") = {"cut", "The file %1 is damaged: its header can't be right."};
+        row("header cut off") = {"cut", "The file \"%1\" is damaged: its header can't be right."};
         row("missing") = {"x", "The file \"%1\" doesn't exist."};
     }
     void opens()

@@ -104,8 +104,9 @@ private slots:
         row("other template") = {"aia-info info-chromatogram.cdf", 0, "", "lacks"};
         row("bad file first") = {"aia-info x.cdf info-library.cdf", 1, "The file \"x.cdf\" doesn't exist.", "Toluene"};
 
-        row("unknown kind") = {"aia-sample lcms x.cdf", 2, "There is no kind \"lcms\"."};
-        row("no file") = {"aia-sample gcms", 2, "A kind and a file have to be named."};
+        row("unknown kind") = {"aia-sample lcms x.cdf", 2,
+                               "There is no kind \"lcms\": the kinds are gcms, gcxgc, tic, library, sim."};
+        row("no file") = {"aia-sample gcms", 2, "One kind and one file have to be named."};
         row("no scan") = {"aia-sample gcms --scans 0 x.cdf", 2,
                           "The option --scans takes a number from 1 to 100000000."};
         row("too many points") = {"aia-sample gcms --scans 200000 --points 501 x.cdf", 2,

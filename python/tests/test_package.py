@@ -49,11 +49,13 @@ def test_traces_and_averages_are_those_of_the_points(sample):
     [
         ("no-such-file", 'The file ".*no-such-file.cdf" doesn\'t exist.'),
         ("not-netcdf", "isn't a netCDF file"),
+        ("cut & off", 'The file ".*cut & off.cdf" is damaged'),
     ],
 )
 def test_unreadable_files(tmp_path, fixture, sentence):
-    if fixture == "not-netcdf":
-        (tmp_path / "not-netcdf.cdf").write_bytes(b"CDF\7nothing")
+    beginnings = {"not-netcdf": b"CDF\7nothing", "cut & off": b"CDF\1\0"}
+    if fixture in beginnings:
+        (tmp_path / f"{fixture}.cdf").write_bytes(beginnings[fixture])
     with pytest.raises(aiams.ReadError, match=sentence):
         aiams.open(tmp_path / f"{fixture}.cdf")
 

@@ -159,7 +159,10 @@ private:
             return name == QLatin1String(row.name);
         });
         if (table == std::end(tables))
-            return fail(QStringLiteral("There is no CSV table \"%1\".").arg(name));
+            return fail(
+                QStringLiteral(
+                    "There is no CSV table \"%1\": the tables are trace, scans, points, matrix, map.")
+                    .arg(name));
         conversion->table = table->table;
         if (parser.isSet(options.masses)) {
             for (const QString &mass : parser.value(options.masses).split(QLatin1Char(',')))

@@ -449,7 +449,7 @@ bool convertToCdf(const QString &input, const QByteArray &path, const Conversion
     } catch (const std::bad_alloc &) {
         throw;
     } catch (const std::exception &reason) { // all that the library throws
-        return log->fail(
-            QStringLiteral("it can't be read: %1").arg(QString::fromUtf8(reason.what()).simplified()));
+        return log->fail(QStringLiteral("it can't be read, and may be cut off or damaged: %1")
+                             .arg(QString::fromUtf8(reason.what()).simplified()));
     }
 }

@@ -68,15 +68,9 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
         complete = import.run() && complete;
         ++done;
     }
-    if (done < options.files.size()) {
-        report(QStringLiteral("The program stopped before it looked at %1 of %2 files.")
-                   .arg(QString::number(options.files.size() - done),
-                        QString::number(options.files.size())));
-        complete = false;
-    }
     if (writesJson)
         complete = finishJson(json, output) && complete;
-    return complete ? Success : Failure;
+    return reportFilesLeft(done, options.files.size()) && complete ? Success : Failure;
 }
 
 int runProgram(const ImportOptions &options)

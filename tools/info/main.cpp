@@ -168,10 +168,7 @@ int main(int argc, char **argv)
         if (std::ferror(stdout) != 0)
             break; // reported already, and nobody would see more
     }
-    if (isInterrupted() && done < line.paths.size()) {
-        report(QStringLiteral("The program stopped before it looked at %1 of %2 files.")
-                   .arg(QString::number(line.paths.size() - done), QString::number(line.paths.size())));
+    if (isInterrupted() && !reportFilesLeft(done, line.paths.size()))
         code = Failure;
-    }
     return hasLostReports() ? int(Failure) : code;
 }

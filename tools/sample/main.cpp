@@ -109,6 +109,14 @@ int numberOf(const QCommandLineParser &parser, const char *option, qint64 limit,
     return isNumber && number >= 1 && number <= limit ? number : -1;
 }
 
+QString listOfKinds()
+{
+    QStringList names;
+    for (const auto &kind : kinds)
+        names += QLatin1String(kind.name);
+    return names.join(QLatin1String(", "));
+}
+
 // Returns how many points a scan can have at most.
 qint64 mostPoints(const SampleOptions &sample)
 {
@@ -158,10 +166,11 @@ int parse(const QStringList &arguments, CommandLine *line)
 
     const QStringList words = parser.positionalArguments();
     if (words.size() != 2 || words[1].isEmpty())
-        return refuse(QStringLiteral("A kind and a file have to be named."));
+        return refuse(QStringLiteral("One kind and one file have to be named."));
     const auto kind = findName(kinds, words[0]);
     if (kind == std::end(kinds))
-        return refuse(QStringLiteral("There is no kind \"%1\".").arg(words[0]));
+        return refuse(
+            QStringLiteral("There is no kind \"%1\": the kinds are %2.").arg(words[0], listOfKinds()));
     line->sample.kind = kind->kind;
     line->path = words[1];
     const QString wrong = readOptions(parser, &line->sample);

@@ -1,6 +1,7 @@
 #include "interruption.h"
 
 #include "outputfile.h"
+#include "terminaltext.h"
 
 #include <QCoreApplication>
 
@@ -60,6 +61,14 @@ void forgetInterruptions()
 bool isInterrupted()
 {
     return interrupted != 0;
+}
+
+bool reportFilesLeft(int done, int count)
+{
+    if (done < count)
+        report(QStringLiteral("The program stopped before it looked at %1 of %2 files.")
+                   .arg(QString::number(count - done), QString::number(count)));
+    return done >= count;
 }
 
 void survivePipesAndLimits()

@@ -11,6 +11,10 @@ void forgetInterruptions();
 
 bool isInterrupted();
 
+// For a program that has looked at `done` of `count` files: returns whether these are all, and reports it
+// where they aren't.
+bool reportFilesLeft(int done, int count);
+
 // Makes a failed write of what would end the process: a file beyond the limit on its size, a pipe that
 // nobody reads.
 void survivePipesAndLimits();

@@ -2,16 +2,11 @@
 #ifndef TERMINALTEXT_H
 #define TERMINALTEXT_H
 
+#include "messagetext.h"
+
 #include <QString>
 
 #include <cstdio>
-
-// Returns a message's rich text without its tags: bold names in quotes, entities as the characters that
-// they stand for.
-QString plainText(const QString &richText);
-
-// Returns the text with a full stop, unless it ends in a mark of that kind. For texts of libraries.
-QString withFullStop(const QString &text);
 
 // Returns the beginning of a text that has more than `longest` characters, and how many it has.
 QString shortened(const QString &text, int longest);
