@@ -4,19 +4,31 @@
 
 #include "program.h"
 
-// Bytes behind the signature of the file's heap, in the length of its first object: the library goes on
-// reading behind its buffer for an object of 256 MiB, and never gets on from one of none.
-constexpr int crashingPlace = 27;
-constexpr int hangingPlace = 24;
+// One byte of a fixture.
+struct Damage {
+    const char *fixture;
+    const char *signature; // of a part of the file
+    int place;             // behind the beginning of the signature
+    char byte;
+};
+
+// The length of the first object of a heap: the library goes on reading behind its buffer for an object of
+// 256 MiB, and never gets on from one of none.
+constexpr Damage crashingDamage = {"wide-values", "GCOL", 27, '\x10'};
+constexpr Damage hangingDamage = {"wide-values", "GCOL", 24, '\0'};
+
+// The names of many variables: the library frees a table of them that it never filled. What happens then
+// depends on what the memory held before.
+constexpr Damage unfilledDamage = {"string-masses", "FHDB", 22, '\x10'};
 
 // A right file with that byte changed.
-inline QByteArray damagedNewer(int place)
+inline QByteArray damagedNewer(const Damage &damage)
 {
-    QByteArray bytes = content(fixture(QStringLiteral("wide-values")));
-    const int heap = bytes.indexOf("GCOL");
-    if (heap == -1)
-        qFatal("the fixture has no heap");
-    bytes[heap + place] = place == hangingPlace ? '\0' : '\x10';
+    QByteArray bytes = content(fixture(damage.fixture));
+    const int part = bytes.indexOf(damage.signature);
+    if (part == -1)
+        qFatal("the fixture has no such part");
+    bytes[part + damage.place] = damage.byte;
     return bytes;
 }
 

@@ -31,7 +31,7 @@ private slots:
         const QByteArray right = content(fixture("gcgc"));
         const std::pair<const char *, QByteArray> others[] = {
             {"text.cdf", "not netCDF"}, {"empty.cdf", {}}, {"cut.cdf", right.left(100)},
-            {"run.txt", right},         {"B.CDF", right},  {"newer.cdf", damagedNewer(crashingPlace)},
+            {"run.txt", right},         {"B.CDF", right},  {"newer.cdf", damagedNewer(crashingDamage)},
         };
         for (const auto &[name, bytes] : others)
             QVERIFY(writeFile(folder.filePath(name), bytes));

@@ -57,6 +57,7 @@ int main(int argc, char *argv[])
         return 2;
     const QByteArray path = QByteArray::fromPercentEncoding(argv[1]);
     watchProcess(ms_look_limits(path.constData()));
+    fillMemory();
     try {
         if (const MsFile file(path.constData()); file)
             readAll(file);
