@@ -40,17 +40,23 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
     const MsMassKeys massKeys(raw.mass_scale_factor, massFactor);
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
+    const bool isPlain = scale == 1.0 && offset == 0.0;
     OrderedSum total;
     for (int first = 0; first < count; first += MsMassKeys::block_size) {
         const int size = std::min(MsMassKeys::block_size, count - first);
         massKeys.compute(masses + first, size, &keys);
 
         float *const abundances = place.abundances + first;
-        for (int i = 0; i < size; ++i) {
-            values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;
-            abundances[i] = float(values[std::size_t(i)]);
+        if (isPlain && total.addWhole(intensities + first, size)) {
+            for (int i = 0; i < size; ++i)
+                abundances[i] = float(intensities[first + i]) + 0.0f; // no negative zeros
+        } else {
+            for (int i = 0; i < size; ++i) {
+                values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;
+                abundances[i] = float(values[std::size_t(i)]);
+            }
+            total.add(values.data(), size);
         }
-        total.add(values.data(), size);
 
         unsigned short *const positions = place.positions + first;
         int unknown = known.find(keys.data(), size, positions);

@@ -40,6 +40,13 @@ double sumInBlocks(const std::vector<double> &numbers, int block)
     });
 }
 
+struct Whole {
+    double most = 1.0; // of 512 numbers: 0, -1, 1, this, and again
+    double before = 0.0;
+    bool isAdded = true;
+    int count = 512;
+};
+
 quint64 bitsOf(double number)
 {
     quint64 bits = 0;
@@ -52,6 +59,25 @@ quint64 bitsOf(double number)
 class TestOrderedSum : public QObject
 {
     Q_OBJECT
+
+    template <class Number> void addWholes()
+    {
+        const Whole &row = Rows<Whole>::current();
+        if (std::is_integral_v<
+                Number> && !(row.most == std::trunc(row.most) && std::abs(row.most) <= double(std::numeric_limits<Number>::max())))
+            return;
+        std::vector<Number> numbers;
+        OrderedSum sum;
+        sum.add(&row.before, 1);
+        double expected = row.before;
+        for (int i = 0; i < row.count; ++i) {
+            numbers.push_back(i % 4 == 3 ? Number(row.most) : Number(i % 4 == 1 ? -1 : i % 4 / 2));
+            expected += row.isAdded ? double(numbers.back()) : 0.0;
+        }
+        const bool isAdded = ms_with_widest_vectors([&](auto) { return sum.addWhole(numbers.data(), row.count); });
+        QCOMPARE(isAdded, row.isAdded);
+        QCOMPARE(bitsOf(sum.total()), bitsOf(expected));
+    }
 
 private slots:
     void sums_data()
@@ -86,6 +112,33 @@ private slots:
             for (const int block : {1, 63, 64, 100, 512})
                 QCOMPARE(bitsOf(sumInBlocks(numbers, block)), bitsOf(expected));
         }
+    }
+
+    // In the types that files store, as far as these have the number.
+    void wholes_data()
+    {
+        constexpr double most = OrderedSum::largestWhole;
+        const Rows<Whole> row;
+        row("counts") = {30000.0, 17.0};
+        row("the largest") = {most, std::ldexp(1.0, 52)};
+        row("the least") = {-most, -std::ldexp(1.0, 52)};
+        row("negative zeros") = {-0.0};
+        row("too large") = {most + 1.0, 0.0, false};
+        row("too small") = {-most - 1.0, 0.0, false};
+        row("far too large") = {1e9, 0.0, false};
+        row("a fraction") = {0.5, 0.0, false};
+        row("not a number") = {std::numeric_limits<double>::quiet_NaN(), 0.0, false};
+        row("infinite") = {std::numeric_limits<double>::infinity(), 0.0, false};
+        row("behind a fraction") = {1.0, 0.5, false};
+        row("behind a very large one") = {1.0, std::ldexp(1.0, 53), false};
+        row("too many") = {most, 0.0, false, 513};
+    }
+    void wholes()
+    {
+        addWholes<qint16>();
+        addWholes<qint32>();
+        addWholes<float>();
+        addWholes<double>();
     }
 
     void notANumber()
