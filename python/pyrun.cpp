@@ -55,7 +55,7 @@ PyRun::PyRun(const py::object &path, const py::object &lookProgram) : process_(g
     MsRunOptions options;
     options.lookProgram = fileName(lookProgram);
     name_ = fileName(path);
-    run_.emplace(name_, options);
+    run_ = std::make_unique<MsRun>(name_, options);
     if (!run_->isOpen()) {
         const QString error = run_->error();
         run_.reset();
@@ -74,6 +74,10 @@ void PyRun::close()
     if (!run_)
         return;
     const Turn turn;
+    if (uses_ > 0 && process_ != getpid()) { // who used it stayed there, in the middle of a call
+        static_cast<void>(run_.release());
+        return;
+    }
     if (uses_ > 0)
         throwClosedError(QStringLiteral("The run \"%1\" is being read and can't be closed.").arg(name_));
     run_.reset();
@@ -103,14 +107,16 @@ const MsRun &PyRun::run() const
     return *run_;
 }
 
-qint32 PyRun::place(qint64 index) const
+qint32 PyRun::place(const py::int_ &index) const
 {
     const qint32 size = run().size();
-    const qint64 place = index < 0 ? index + size : index;
-    if (place < 0 || place >= size)
-        throw py::index_error("There is no scan " + std::to_string(index) + " in a run of "
-                              + std::to_string(size) + " scans.");
-    return qint32(place);
+    int overflow = 0;
+    const long long number = PyLong_AsLongLongAndOverflow(index.ptr(), &overflow);
+    if (overflow != 0 || number < -qint64(size) || number >= size)
+        throw py::index_error("There is no scan "
+                              + (overflow == 0 ? std::to_string(number) : "of that number")
+                              + " in a run of " + std::to_string(size) + " scans.");
+    return qint32(number < 0 ? number + size : number);
 }
 
 py::str PyRun::kind() const
@@ -144,7 +150,7 @@ bool PyRun::readsAlone() const
     return readsAlone_;
 }
 
-PyScan PyRun::scan(qint64 index) const
+PyScan PyRun::scan(const py::int_ &index) const
 {
     const Turn turn;
     const MsRun &open = run();
@@ -252,8 +258,9 @@ py::array PyRun::extractedTraces(const std::vector<std::pair<double, double>> &w
     const std::vector<std::vector<double>> traces = runLong(
         [&](const MsRun::Progress &progress) { return open.extractedTraces(intervals, progress); });
     py::array_t<double> result({py::ssize_t(windows.size()), py::ssize_t(open.size())});
-    for (std::size_t i = 0; i < traces.size(); ++i)
-        std::copy(traces[i].begin(), traces[i].end(), result.mutable_data(py::ssize_t(i), 0));
+    double *target = result.mutable_data();
+    for (const std::vector<double> &trace : traces)
+        target = std::copy(trace.begin(), trace.end(), target);
     return result;
 }
 
@@ -306,7 +313,7 @@ py::list PyRun::groups() const
     return result;
 }
 
-py::dict PyRun::compound(qint64 index) const
+py::dict PyRun::compound(const py::int_ &index) const
 {
     const Turn turn;
     return compoundOf(run().compound(place(index)));
@@ -323,9 +330,15 @@ py::list PyRun::doubts() const
 
 void definePyRun(py::module_ &module)
 {
-    py::class_<PyRun>(module, "Run")
-        .def(py::init<py::object, py::object>(), py::arg("path"), py::arg("look_program"))
-        .def("close", &PyRun::close)
+    module.def(
+        "open",
+        [](const py::object &path, const py::object &lookProgram) {
+            return std::make_unique<PyRun>(path, lookProgram);
+        },
+        py::arg("path"), py::arg("look_program"));
+    py::class_<PyRun> type(module, "Run");
+    forbidNew(type);
+    type.def("close", &PyRun::close)
         .def_property_readonly("closed", &PyRun::isClosed)
         .def_property_readonly("name", [](const PyRun &run) { return pythonText(run.name()); })
         .def_property_readonly("kind", &PyRun::kind)

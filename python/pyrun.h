@@ -9,7 +9,7 @@
 
 #include <pybind11/numpy.h>
 
-#include <optional>
+#include <memory>
 #include <unistd.h>
 #include <vector>
 
@@ -30,7 +30,7 @@ public:
     bool readsAlone() const;
 
     // Throws IndexError for a scan that isn't there. A negative index counts from the end.
-    PyScan scan(qint64 index) const;
+    PyScan scan(const py::int_ &index) const;
     qint32 scanAt(double time) const;
 
     py::array times() const;
@@ -48,7 +48,7 @@ public:
     py::dict variableAttributes() const;
     py::list instruments() const;
     py::list groups() const;
-    py::dict compound(qint64 index) const;
+    py::dict compound(const py::int_ &index) const;
     py::list doubts() const;
 
 private:
@@ -68,14 +68,14 @@ private:
 
     const MsRun &run() const;
     template <class Operation> auto runLong(const Operation &operation) const;
-    qint32 place(qint64 index) const;
+    qint32 place(const py::int_ &index) const;
     template <class Mass, class Intensity> py::tuple pointsAs(qint32 first, qint32 end) const;
 
     QString name_;
     pid_t process_;
     bool readsAlone_ = false; // without the netCDF library, so without the interpreter's lock
     mutable int uses_ = 0;    // long operations that are at work on the run
-    std::optional<MsRun> run_;
+    std::unique_ptr<MsRun> run_;
 };
 
 void definePyRun(py::module_ &module);

@@ -52,11 +52,12 @@ py::dict numbers(const PyScan &scan)
 
 void definePyScan(py::module_ &module)
 {
-    py::class_<PyScan>(module, "Scan", R"(One scan of a run, or one spectrum of a library.
+    py::class_<PyScan> type(module, "Scan", R"(One scan of a run, or one spectrum of a library.
 
 It owns its numbers: they stay when the run is closed. Points that were never written, are infinite or no
-number are left out.)")
-        .def_readonly("has_seconds", &PyScan::hasSeconds, "Whether the time is in s.")
+number are left out.)");
+    forbidNew(type);
+    type.def_readonly("has_seconds", &PyScan::hasSeconds, "Whether the time is in s.")
         .def("__len__", [](const PyScan &scan) { return scan.spectrum->size(); })
         .def_property_readonly(
             "index", [](const PyScan &scan) { return scan.spectrum->index(); },

@@ -4,11 +4,17 @@
 #include "texts.h"
 #include "turn.h"
 
+#include "msspectrum.h"
+#include "numbers_p.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,45 +32,40 @@ template <std::size_t count> bool isOneOf(const char *const (&names)[count], con
     return std::any_of(names, names + count, [&name](const char *one) { return name == one; });
 }
 
-bool isWholeNumber(const py::handle &value)
+// The whole number that 32 bits hold, if it is one.
+std::optional<qint32> wholeNumber(const py::handle &value)
 {
-    return py::isinstance<py::int_>(value) || py::hasattr(value, "__index__");
+    int overflow = 0;
+    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+    const long long number = index ? PyLong_AsLongLongAndOverflow(index.ptr(), &overflow) : 0;
+    PyErr_Clear();
+    if (!index || overflow != 0 || number != qint32(number))
+        return std::nullopt;
+    return qint32(number);
 }
 
-bool isNumber(const py::handle &value)
-{
-    return isWholeNumber(value) || PyFloat_Check(value.ptr()) || py::hasattr(value, "__float__");
-}
-
-// The whole number, where 32 bits hold it. Throws OverflowError where even 64 don't.
-bool fits32(const py::handle &value)
-{
-    const auto number = value.cast<qint64>();
-    return number >= std::numeric_limits<qint32>::min() && number <= std::numeric_limits<qint32>::max();
-}
-
-// A number for a field of that type. Returns false where the type doesn't hold it.
+// A number for a field of that type. Returns false where it isn't one that the type holds and a reader
+// would take for one.
 bool storeNumber(const py::handle &value, qint32 type, std::size_t field, void *record)
 {
     if (type == NC_SHORT || type == NC_LONG) {
-        if (!isWholeNumber(value) || !fits32(value))
+        const std::optional<qint32> number = wholeNumber(value);
+        if (!number || (type == NC_SHORT && *number != qint16(*number)) || !isKnown(*number)
+            || ms_is_fill(type, *number))
             return false;
-        const auto number = value.cast<qint32>();
-        if (type == NC_SHORT && number != qint16(number))
-            return false;
-        ms_store_variant(record, field, QVariant(number), type);
+        ms_store_variant(record, field, QVariant(*number), type);
         return true;
     }
-    if (!isNumber(value))
+    const double number = py::isinstance<py::str>(value) ? unknownNumber : PyFloat_AsDouble(value.ptr());
+    const bool isNumber = PyErr_Occurred() == nullptr;
+    PyErr_Clear();
+    if (!isNumber || !isKnown(number) || (type == NC_FLOAT && !isKnown(double(float(number)))))
         return false;
-    ms_store_variant(record, field,
-                     QVariant(py::float_(py::reinterpret_borrow<py::object>(value)).cast<double>()),
-                     type);
+    ms_store_variant(record, field, QVariant(number), type);
     return true;
 }
 
-template <class Record>
-const MsVariableRow *rowOf(const MsTable<MsVariableRow> &table, const Record &name)
+const MsVariableRow *rowOf(const MsTable<MsVariableRow> &table, const QByteArray &name)
 {
     const auto *row = std::find_if(table.begin(), table.end(),
                                    [&name](const MsVariableRow &one) { return name == one.name; });
@@ -72,6 +73,12 @@ const MsVariableRow *rowOf(const MsTable<MsVariableRow> &table, const Record &na
 }
 
 template <class Number> using Numbers = py::array_t<Number, py::array::c_style | py::array::forcecast>;
+
+bool areNumbers(const py::array &array)
+{
+    const char kind = array.dtype().kind();
+    return kind == 'i' || kind == 'u' || kind == 'f';
+}
 
 // The numbers as the file has them, and a pointer to the first; null for none.
 struct Vector {
@@ -86,25 +93,79 @@ struct Vector {
 
     void *data() const { return array.size() > 0 ? const_cast<void *>(array.data()) : nullptr; }
 
+    // Calls `use` with the first number and the end, of the type that the file has.
+    template <class Use> auto with(const Use &use) const
+    {
+        const auto *floats = static_cast<const float *>(array.data());
+        const auto *doubles = static_cast<const double *>(array.data());
+        return isFloat ? use(floats, floats + array.size()) : use(doubles, doubles + array.size());
+    }
+
     // Whether a reader would take each number for one.
     bool areData() const
     {
-        const auto check = [this](const auto *numbers) {
-            return std::all_of(numbers, numbers + array.size(), [](auto number) {
+        return with([](const auto *first, const auto *end) {
+            return std::all_of(first, end, [](auto number) {
                 return std::isfinite(number) && !ms_is_fill(NC_DOUBLE, double(number));
             });
-        };
-        return isFloat ? check(static_cast<const float *>(array.data()))
-                       : check(static_cast<const double *>(array.data()));
+        });
+    }
+
+    double sum() const
+    {
+        return with([](const auto *first, const auto *end) { return std::accumulate(first, end, 0.0); });
+    }
+
+    // The lowest and the highest number, where there are any.
+    std::optional<MsInterval> range() const
+    {
+        if (array.size() == 0)
+            return std::nullopt;
+        return with([](const auto *first, const auto *end) {
+            const auto [lowest, highest] = std::minmax_element(first, end);
+            return MsInterval{double(*lowest), double(*highest)};
+        });
     }
 
     py::array array;
     bool isFloat = false;
 };
 
+// Returns the object as text for messages.
+QString shown(const py::handle &object)
+{
+    return QString::fromStdString(
+        py::reinterpret_steal<py::object>(PyObject_ASCII(object.ptr())).cast<std::string>());
+}
+
+// Returns the text in UTF-8. Throws WriteError for one that would come back in another form.
 QByteArray bytesOf(const py::handle &text)
 {
-    return QByteArray::fromStdString(py::str(text).cast<std::string>()); // UTF-8
+    const py::str whole(text);
+    Py_ssize_t size = 0;
+    const char *utf8 = PyUnicode_AsUTF8AndSize(whole.ptr(), &size);
+    PyErr_Clear();
+    if (!utf8 || std::memchr(utf8, 0, std::size_t(size)))
+        throwWriteError(QStringLiteral("%1 can't be written, as it has a NUL or half a character.")
+                            .arg(shown(whole)));
+    return QByteArray(utf8, int(size));
+}
+
+qint32 widthOf(const MsVariableRow &row)
+{
+    const auto *dimension =
+        std::find_if(ms_dimension_table.begin(), ms_dimension_table.end(),
+                     [&row](const MsDimensionRow &one) { return one.slot == row.dims[1]; });
+    return dimension->size - 1; // without the NUL behind it
+}
+
+// Why a variable doesn't take a value, as the rest of a sentence.
+QString refusal(const MsVariableRow &row, const py::handle &value)
+{
+    const QString name = QLatin1String(row.name);
+    if (row.nc_type == NC_CHAR)
+        return QStringLiteral("%1 has at most %2 characters, all of Latin-1").arg(name).arg(widthOf(row));
+    return QStringLiteral("%1 can't be %2").arg(name, shown(value));
 }
 
 } // namespace
@@ -116,11 +177,15 @@ PyWriter::PyWriter(const py::object &path, bool overwrite, const PyLayout &layou
     const Turn turn;
     const KeptNames kept;
     name_ = fileName(path);
+    if (name_.isEmpty())
+        throwWriteError(QStringLiteral("The name of the file is empty."));
     const QString name = name_ == QLatin1String("-") ? QStringLiteral("./-") : name_;
     output_ = std::make_unique<OutputFile>(
         name, overwrite ? OutputFile::Existing::Replace : OutputFile::Existing::Keep);
     if (output_->isDirect())
         throwWriteError(QStringLiteral("\"%1\" isn't a regular file.").arg(name_));
+    if (layout.scans < 1)
+        fail(QStringLiteral("there are no scans"));
     if (!overwrite && QFileInfo(output_->place()).isFile())
         throwWriteError(
             QStringLiteral("The file \"%1\" exists. With overwrite=True it is written over.").arg(name_));
@@ -129,13 +194,22 @@ PyWriter::PyWriter(const py::object &path, bool overwrite, const PyLayout &layou
         throwWriteError(objection);
     if (!output_->open())
         throwWriteError(output_->errorText());
+    try {
+        begin(attributes, instruments, groups);
+    } catch (...) {
+        file_.close(); // as long as it is this thread's turn
+        throw;
+    }
+}
 
+void PyWriter::begin(const py::dict &attributes, const py::list &instruments, const py::list &groups)
+{
     MsFileLayout made;
-    made.experiment_type = layout.isLibrary ? MsLibrarySpectrum : MsCentroidedSpectrum;
-    made.scan_count = layout.scans;
+    made.experiment_type = layout_.isLibrary ? MsLibrarySpectrum : MsCentroidedSpectrum;
+    made.scan_count = layout_.scans;
     made.instrument_count = qint32(instruments.size());
-    made.mass_format = layout.floatMasses ? MsFloatFormat : MsDoubleFormat;
-    made.intensity_format = layout.floatIntensities ? MsFloatFormat : MsDoubleFormat;
+    made.mass_format = layout_.floatMasses ? MsFloatFormat : MsDoubleFormat;
+    made.intensity_format = layout_.floatIntensities ? MsFloatFormat : MsDoubleFormat;
     file_ = MsFile::create(output_->path().constData(), made);
     if (!file_)
         fail(QStringLiteral("netCDF can't create it"));
@@ -158,10 +232,21 @@ void PyWriter::fail(const QString &reason)
     throwWriteError(output_->errorText());
 }
 
-char *PyWriter::keep(const py::handle &text)
+char *PyWriter::keep(const QByteArray &text)
 {
-    texts_.push_back(bytesOf(text));
+    texts_.push_back(text);
     return texts_.back().data();
+}
+
+// Returns the text as a variable has it, in Latin-1; null where it doesn't.
+char *PyWriter::keepFor(const MsVariableRow &row, const py::handle &text)
+{
+    const auto latin1 = py::reinterpret_steal<py::object>(PyUnicode_AsLatin1String(py::str(text).ptr()));
+    PyErr_Clear();
+    const QByteArray bytes =
+        latin1 ? QByteArray::fromStdString(latin1.cast<std::string>()) : QByteArray();
+    const bool fits = latin1 && bytes.size() <= widthOf(row) && !bytes.contains('\0');
+    return fits ? keep(bytes) : nullptr;
 }
 
 void PyWriter::writeGlobals(const py::dict &attributes)
@@ -188,7 +273,7 @@ void PyWriter::writeGlobals(const py::dict &attributes)
                 *reinterpret_cast<qint32 *>(field) = ms_enum_code(bytesOf(value).constData());
                 isSet = *reinterpret_cast<qint32 *>(field) != -1;
             } else if (row.nc_type == NC_CHAR && isText && !isOneOf(fixed, row.name)) {
-                *reinterpret_cast<char **>(field) = keep(value);
+                *reinterpret_cast<char **>(field) = keep(bytesOf(value));
                 isSet = true;
             } else if (row.nc_type != NC_CHAR && !row.enumerated && !isText) {
                 isSet = storeNumber(value, row.nc_type, row.field, record);
@@ -229,16 +314,21 @@ bool PyWriter::putOthers(const py::dict &attributes)
             continue;
         }
         const py::array given = py::array::ensure(value);
-        const bool isWhole = given && (given.dtype().kind() == 'i' || given.dtype().kind() == 'u');
-        if (!given || given.ndim() > 1 || !(isWhole || given.dtype().kind() == 'f'))
+        if (!given || given.ndim() > 1 || !areNumbers(given))
             throwWriteError(QStringLiteral("The attribute \"%1\" is neither a text nor numbers.")
                                 .arg(QString::fromUtf8(name)));
         const Numbers<double> numbers(given);
+        const bool isWhole = given.dtype().kind() != 'f';
+        const auto areWithin = [&numbers](double lowest, double highest) {
+            return std::all_of(numbers.data(), numbers.data() + numbers.size(),
+                               [=](double number) { return number >= lowest && number <= highest; });
+        };
+        constexpr double highestExact = 9007199254740992.0; // 2^53, from where double rounds
+        if (isWhole && !areWithin(1.0 - highestExact, highestExact - 1.0))
+            throwWriteError(QStringLiteral("The attribute \"%1\" is too large to be stored exactly.")
+                                .arg(QString::fromUtf8(name)));
         const bool fits =
-            isWhole && std::all_of(numbers.data(), numbers.data() + numbers.size(), [](double number) {
-                return number >= std::numeric_limits<qint32>::min()
-                    && number <= std::numeric_limits<qint32>::max();
-            });
+            isWhole && areWithin(std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max());
         written = written
             && nc_put_att_double(file_.id(), NC_GLOBAL, name.constData(), fits ? NC_INT : NC_DOUBLE,
                                  std::size_t(numbers.size()), numbers.data())
@@ -255,8 +345,12 @@ void PyWriter::writeInstruments(const py::list &instruments)
         constexpr std::size_t prefix = sizeof("instrument_") - 1;
         for (const MsVariableRow &row : ms_instrument_table) {
             const py::object text = one.attr("get")(row.name + prefix);
-            if (!text.is_none())
-                *reinterpret_cast<char **>(reinterpret_cast<char *>(&component) + row.field) = keep(text);
+            if (text.is_none())
+                continue;
+            char *kept = keepFor(row, text);
+            if (!kept)
+                fail(refusal(row, text));
+            *reinterpret_cast<char **>(reinterpret_cast<char *>(&component) + row.field) = kept;
         }
         if (!file_.write(component))
             fail(QStringLiteral("netCDF refuses a component of the instrument"));
@@ -268,26 +362,44 @@ void PyWriter::writeGroups(const py::list &groups)
     if (groups.empty())
         return;
     std::size_t most = 1;
-    for (const py::handle &group : groups)
-        most = std::max(most, py::len(group["masses"]));
+    for (const py::handle &group : groups) {
+        for (const char *name : {"masses", "sampling_times", "delay_times"})
+            most = std::max(most, py::len(group[name]));
+    }
     bool written = file_.defineGroups(qint32(groups.size()), qint32(most));
     qint32 place = 0;
     for (const py::handle &group : groups) {
+        const auto refuse = [&](const char *name) {
+            fail(QStringLiteral("the %1 of a group can't be %2")
+                     .arg(QLatin1String(name), shown(group[name])));
+        };
+        const auto whole = [&](const char *name) {
+            const std::optional<qint32> number = wholeNumber(group[name]);
+            if (!number)
+                refuse(name);
+            return *number;
+        };
+        MsGroupDraft record(place++);
+        record.group_mass_count = whole("mass_count");
+        record.group_starting_scan = whole("starting_scan");
         const auto widened = [&](const char *name) {
+            const py::array given = py::array::ensure(group[name]);
+            if (!given || given.ndim() != 1 || !areNumbers(given)
+                || given.size() > std::max(record.group_mass_count, 0))
+                refuse(name); // a reader takes as many as are counted
+            const Numbers<double> stored(given);
             std::vector<double> numbers(most, MsMissingDouble);
-            const Numbers<double> given(group[name]);
-            for (std::size_t i = 0; i < std::min(most, std::size_t(given.size())); ++i) {
-                const double number = given.data()[i];
-                numbers[i] = std::isnan(number) ? MsMissingDouble : number;
+            for (std::size_t i = 0; i < std::size_t(stored.size()); ++i) {
+                const double number = stored.data()[i];
+                if (!std::isnan(number) && !isKnown(number))
+                    refuse(name);
+                numbers[i] = knownOr(number, MsMissingDouble);
             }
             return numbers;
         };
         std::vector<double> masses = widened("masses");
         std::vector<double> samplingTimes = widened("sampling_times");
         std::vector<double> delayTimes = widened("delay_times");
-        MsGroupDraft record(place++);
-        record.group_mass_count = group["mass_count"].cast<qint32>();
-        record.group_starting_scan = group["starting_scan"].cast<qint32>();
         record.group_masses = masses.data();
         record.group_sampling_times = samplingTimes.data();
         record.group_delay_times = delayTimes.data();
@@ -312,6 +424,8 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
     if (masses.ndim() != 1 || intensities.ndim() != 1 || masses.size() != intensities.size()
         || masses.size() > std::numeric_limits<qint32>::max())
         refuse(QStringLiteral("masses and intensities aren't two arrays of one length"));
+    if (!areNumbers(masses) || !areNumbers(intensities))
+        refuse(QStringLiteral("masses and intensities aren't numbers"));
     const Vector storedMasses(masses, layout_.floatMasses);
     const Vector storedIntensities(intensities, layout_.floatIntensities);
     if (!storedMasses.areData() || !storedIntensities.areData())
@@ -319,12 +433,18 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
 
     MsScanDraft scan(place);
     for (const auto &[key, value] : numbers) {
-        const auto name = key.cast<std::string>();
+        const QByteArray name = bytesOf(key);
         const MsVariableRow *row = rowOf(ms_per_scan_table, name);
-        if (!row || !storeNumber(value, row->nc_type, row->field, static_cast<MsScanRecord *>(&scan)))
-            refuse(
-                QStringLiteral("\"%1\" is no number that scans have").arg(QString::fromStdString(name)));
+        if (!row)
+            refuse(QStringLiteral("\"%1\" is no number that scans have").arg(QString::fromUtf8(name)));
+        if (!storeNumber(value, row->nc_type, row->field, static_cast<MsScanRecord *>(&scan)))
+            refuse(refusal(*row, value));
     }
+    if (const std::optional<MsInterval> range = storedMasses.range()) {
+        scan.mass_range_min = knownOr(scan.mass_range_min, range->from);
+        scan.mass_range_max = knownOr(scan.mass_range_max, range->to);
+    }
+    scan.total_intensity = knownOr(scan.total_intensity, storedIntensities.sum());
     scan.point_count = qint32(masses.size());
     scan.mass_values = storedMasses.data();
     scan.intensity_values = storedIntensities.data();
@@ -341,17 +461,21 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
     MsLibraryDraft compound(place);
     const std::size_t before = texts_.size();
     for (const auto &[key, value] : entry) {
-        const auto name = key.cast<std::string>();
+        const QByteArray name = bytesOf(key);
         const MsVariableRow *row = rowOf(ms_library_table, name);
+        if (!row)
+            refuse(QStringLiteral("\"%1\" is nothing that compounds have").arg(QString::fromUtf8(name)));
         auto *record = static_cast<MsLibraryRecord *>(&compound);
-        bool isSet = row != nullptr;
-        if (row && row->nc_type == NC_CHAR)
-            *reinterpret_cast<char **>(reinterpret_cast<char *>(record) + row->field) = keep(value);
-        else if (row)
+        bool isSet = false;
+        if (row->nc_type == NC_CHAR) {
+            char *&text = *reinterpret_cast<char **>(reinterpret_cast<char *>(record) + row->field);
+            text = keepFor(*row, value);
+            isSet = text != nullptr;
+        } else {
             isSet = storeNumber(value, row->nc_type, row->field, record);
+        }
         if (!isSet)
-            refuse(QStringLiteral("\"%1\" is nothing that compounds have")
-                       .arg(QString::fromStdString(name)));
+            refuse(refusal(*row, value));
     }
     const bool written = layout_.isLibrary ? file_.write(scan, compound) : file_.write(scan);
     texts_.resize(before);
@@ -363,6 +487,8 @@ void PyWriter::finish()
 {
     const Turn turn;
     const KeptNames kept;
+    if (next_ != layout_.scans)
+        fail(QStringLiteral("only %1 of its %2 scans came").arg(next_).arg(layout_.scans));
     if (!file_.finish())
         fail(QStringLiteral("netCDF can't end it"));
     if (!output_->commit())
@@ -371,17 +497,19 @@ void PyWriter::finish()
 
 void definePyWriter(py::module_ &module)
 {
-    py::class_<PyWriter>(module, "Writer")
-        .def(py::init([](const py::object &path, bool overwrite, qint32 scans, bool floatMasses,
-                         bool floatIntensities, bool isLibrary, const py::dict &attributes,
-                         const py::list &instruments, const py::list &groups) {
-                 return std::make_unique<PyWriter>(
-                     path, overwrite, PyLayout{scans, floatMasses, floatIntensities, isLibrary},
-                     attributes, instruments, groups);
-             }),
-             py::kw_only(), py::arg("path"), py::arg("overwrite"), py::arg("scans"),
-             py::arg("float_masses"), py::arg("float_intensities"), py::arg("is_library"),
-             py::arg("attributes"), py::arg("instruments"), py::arg("groups"))
-        .def("add", &PyWriter::add)
-        .def("finish", &PyWriter::finish);
+    module.def(
+        "create",
+        [](const py::object &path, bool overwrite, qint32 scans, bool floatMasses, bool floatIntensities,
+           bool isLibrary, const py::dict &attributes, const py::list &instruments,
+           const py::list &groups) {
+            return std::make_unique<PyWriter>(path, overwrite,
+                                              PyLayout{scans, floatMasses, floatIntensities, isLibrary},
+                                              attributes, instruments, groups);
+        },
+        py::kw_only(), py::arg("path"), py::arg("overwrite"), py::arg("scans"), py::arg("float_masses"),
+        py::arg("float_intensities"), py::arg("is_library"), py::arg("attributes"),
+        py::arg("instruments"), py::arg("groups"));
+    py::class_<PyWriter> type(module, "Writer");
+    forbidNew(type);
+    type.def("add", &PyWriter::add).def("finish", &PyWriter::finish);
 }

@@ -30,20 +30,23 @@ public:
              const py::list &instruments, const py::list &groups);
     ~PyWriter();
 
-    // Adds the next scan. `numbers` are its numbers by their names in the file, `entry` what a library
-    // has of its compound, likewise; `flags` two lists of the same length, peaks and values.
+    // Adds the next scan. `numbers` are its numbers by their names in the file; of these, a total and a
+    // mass range that are missing are worked out. `entry` is what a library has of its compound,
+    // likewise; `flags` two lists of the same length, peaks and values.
     void add(const py::dict &numbers, const py::array &masses, const py::array &intensities,
              const py::tuple &flags, const py::dict &entry);
 
-    // Ends the file.
+    // Ends the file, which has all its scans by now.
     void finish();
 
 private:
+    void begin(const py::dict &attributes, const py::list &instruments, const py::list &groups);
     void writeGlobals(const py::dict &attributes);
     void writeInstruments(const py::list &instruments);
     void writeGroups(const py::list &groups);
     bool putOthers(const py::dict &attributes);
-    char *keep(const py::handle &text);
+    char *keep(const QByteArray &text);
+    char *keepFor(const MsVariableRow &row, const py::handle &text);
     [[noreturn]] void fail(const QString &reason);
 
     QString name_;

@@ -1,4 +1,4 @@
-// Texts and names of files between Qt and Python.
+// Texts, names of files and classes between C++ and Python.
 #ifndef TEXTS_H
 #define TEXTS_H
 
@@ -33,11 +33,21 @@ inline py::object pythonTextOrNone(const QString &text)
 }
 
 // Returns the name of the file that Python knows by that path: a str, bytes, or os.PathLike. It leads
-// back to the file while an object KeptNames lives.
+// back to the file while an object KeptNames lives. Throws ValueError for one with a NUL, where the
+// system would take the beginning for the name.
 inline QString fileName(const py::object &path)
 {
     const py::bytes bytes = py::module_::import("os").attr("fsencode")(path);
-    return QFile::decodeName(QByteArray::fromStdString(std::string(bytes)));
+    const QByteArray name = QByteArray::fromStdString(std::string(bytes));
+    if (name.contains('\0'))
+        throw py::value_error("The name of a file can't have a NUL.");
+    return QFile::decodeName(name);
+}
+
+// Leaves it to C++ to make objects of a class: Python would make some that have no content.
+inline void forbidNew(const py::handle &type)
+{
+    reinterpret_cast<PyTypeObject *>(type.ptr())->tp_new = nullptr;
 }
 
 #endif // TEXTS_H

@@ -38,15 +38,20 @@ void keep(MessageLoggerInterface::Level level, const QString &text)
         ++leftOut;
 }
 
-// A child process has only the thread that made it, which may not be the one whose turn it was.
+// A child process has only the thread that made it. Another one whose turn it was is gone, and may have
+// been in the middle of a message.
 void startAnew()
 {
+    if (owner == std::this_thread::get_id())
+        return;
     new (&mutex) std::mutex;
+    new (&messages) QVector<Message>;
     owner = std::thread::id();
     depth = 0;
+    leftOut = 0;
 }
 
-// What fails in the logger is no failure of the call.
+// What fails in the logger is no failure of the call. Ctrl-C isn't lost: it comes again.
 void deliver(const QVector<Message> &said, int others)
 {
     py::error_scope kept; // a call that fails has set an error of its own
@@ -59,7 +64,10 @@ void deliver(const QVector<Message> &said, int others)
         if (others > 0)
             log.attr("warning")("%d more messages were left out.", others);
     } catch (py::error_already_set &failure) {
-        failure.discard_as_unraisable("aiams");
+        if (failure.matches(PyExc_KeyboardInterrupt))
+            PyErr_SetInterrupt();
+        else
+            failure.discard_as_unraisable("aiams");
     }
 }
 

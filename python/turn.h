@@ -10,7 +10,8 @@ namespace py = pybind11;
 // with the interpreter's lock held, which it lets go while it waits, so whoever has the turn can get that
 // lock. A thread that has the turn already gets it again. At the end of a thread's first one, what the
 // toolkit said meanwhile goes to Python's logger "aiams": its errors as warnings, since a call that fails
-// throws, and its warnings, of which every odd file has some, as information.
+// throws, and its warnings, of which every odd file has some, as information. Ctrl-C meanwhile raises
+// KeyboardInterrupt behind the call.
 class Turn
 {
 public:

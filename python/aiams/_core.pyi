@@ -34,8 +34,9 @@ class Scan:
     @property
     def intensity(self) -> np.ndarray: ...
 
+def open(path: str | bytes | os.PathLike, look_program: str) -> Run: ...
+
 class Run:
-    def __init__(self, path: str | bytes | os.PathLike, look_program: str) -> None: ...
     def close(self) -> None: ...
     @property
     def closed(self) -> bool: ...
@@ -64,20 +65,20 @@ class Run:
     def compound(self, index: int) -> dict[str, Any]: ...
     def doubts(self) -> list[dict[str, Any]]: ...
 
+def create(
+    *,
+    path: str | bytes | os.PathLike,
+    overwrite: bool,
+    scans: int,
+    float_masses: bool,
+    float_intensities: bool,
+    is_library: bool,
+    attributes: dict[str, Any],
+    instruments: list[dict[str, Any]],
+    groups: list[dict[str, Any]],
+) -> Writer: ...
+
 class Writer:
-    def __init__(
-        self,
-        *,
-        path: str | bytes | os.PathLike,
-        overwrite: bool,
-        scans: int,
-        float_masses: bool,
-        float_intensities: bool,
-        is_library: bool,
-        attributes: dict[str, Any],
-        instruments: list[dict[str, Any]],
-        groups: list[dict[str, Any]],
-    ) -> None: ...
     def add(
         self,
         numbers: dict[str, float],

@@ -125,4 +125,3 @@ class ScanData:
     intensity: np.ndarray  # as many
     tic: float | None = None  # None: the sum of the intensities
     numbers: dict[str, float] = field(default_factory=dict)  # others, by their names in the file
-    compound: Compound | None = None  # of a library

@@ -55,7 +55,7 @@ class Run(Sequence[Scan]):
 
     def __init__(self, path: str | bytes | os.PathLike):
         """Opens the file. Raises ReadError where that can't be done."""
-        self._core = _core.Run(path, _LOOK_PROGRAM)
+        self._core = _core.open(path, _LOOK_PROGRAM)
 
     def __enter__(self) -> Run:
         return self
@@ -179,10 +179,10 @@ class Run(Sequence[Scan]):
         steps = np.diff(np.unique(times))
         if len(steps) == 0:
             return np.empty((0, 0))
-        step = np.median(steps)
+        length, step = float(length), float(np.median(steps))
         since = times - times.min()
-        if not length > 2 * step or not since.max() / length * (length / step) < 1e8:
-            raise ValueError(f"A modulation can't be {length} s long where scans follow each other by {step:g} s.")
+        if not (length > 2 * step and (float(since.max()) + length) / step < 1e8):
+            raise ValueError(f"A modulation can't be {length:g} s long where scans follow each other by {step:g} s.")
         columns = round(length / step)
         # Half a step before its modulation begins, a scan belongs to it already.
         rows = np.floor((since + step / 2) / length).astype(np.int64)

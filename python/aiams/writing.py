@@ -18,6 +18,7 @@ from .run import Run, Scan
 def write(
     path: str | bytes | os.PathLike,
     scans: Iterable[ScanData | Scan | tuple],
+    /,
     *,
     instruments: Sequence[Instrument] = (),
     groups: Sequence[Group] = (),
@@ -34,7 +35,8 @@ def write(
     that a scan lacks is worked out.
 
     The file is made beside its place and moved there when it is whole. Raises WriteError where it can't be
-    written, a mass or intensity is no finite number, or the file exists and `overwrite` isn't set.
+    written, the file exists and `overwrite` isn't set, or a number or text isn't one that a file holds: a mass
+    that isn't finite or is masked, a name of a compound that is longer than its place or beyond Latin-1.
 
     aiams.write("copy.cdf", run, instruments=run.instruments, groups=run.groups, **run.attributes)
     """
@@ -43,10 +45,10 @@ def write(
     if library and len(library) != len(scans):
         raise ValueError("A library wants one compound for each scan.")
     float_masses, float_intensities = _formats(scans)
-    writer = _core.Writer(
+    writer = _core.create(
         path=path,
         overwrite=overwrite,
-        scans=max(len(scans), 1),
+        scans=len(scans),
         float_masses=float_masses,
         float_intensities=float_intensities,
         is_library=bool(library),
@@ -57,11 +59,9 @@ def write(
     for place, scan in enumerate(scans):
         if isinstance(scan, Scan) and not scan.has_seconds:
             raise WriteError(f"Scan {place} can't be written: its time isn't in seconds. ScanData takes one that is.")
-        mz, intensity = _arrays(scan)
         writer.add(
-            _numbers(scan, mz, intensity),
-            mz,
-            intensity,
+            _numbers(scan),
+            *_arrays(scan),
             scan.flags if isinstance(scan, Scan) else ((), ()),
             _entry(library[place]) if library else {},
         )
@@ -70,6 +70,8 @@ def write(
 
 def _arrays(scan: ScanData | Scan | tuple) -> tuple[np.ndarray, np.ndarray]:
     _, mz, intensity = scan if isinstance(scan, tuple) else (None, scan.mz, scan.intensity)
+    if np.ma.is_masked(mz) or np.ma.is_masked(intensity):
+        raise WriteError("Masked points can't be written: leave them out of masses and intensities.")
     return np.asarray(mz), np.asarray(intensity)
 
 
@@ -81,20 +83,13 @@ def _formats(scans: Sequence[ScanData | Scan | tuple]) -> tuple[bool, bool]:
     return all(mz for mz, _ in kinds), all(intensity for _, intensity in kinds)
 
 
-def _numbers(scan: ScanData | Scan | tuple, mz: np.ndarray, intensity: np.ndarray) -> dict[str, float]:
+def _numbers(scan: ScanData | Scan | tuple) -> dict[str, float]:
     if isinstance(scan, tuple):
         scan = ScanData(*scan)
-    numbers = dict(scan.numbers)
-    if len(mz) > 0:
-        numbers.setdefault("mass_range_min", float(np.min(mz)))
-        numbers.setdefault("mass_range_max", float(np.max(mz)))
-    total = scan.tic
-    if total is None or np.isnan(total):
-        total = float(np.sum(intensity, dtype=np.float64))
-    numbers["total_intensity"] = float(total)
-    if not np.isnan(scan.time):
-        numbers["scan_acquisition_time"] = float(scan.time)
-    return numbers
+    numbers = {**scan.numbers, "scan_acquisition_time": float(scan.time)}
+    if scan.tic is not None:
+        numbers["total_intensity"] = float(scan.tic)
+    return {name: number for name, number in numbers.items() if number == number}
 
 
 def _entry(compound: Compound) -> dict[str, Any]:

@@ -72,9 +72,17 @@ def test_names(sample, tmp_path, monkeypatch, name):
 
 def test_misuse_raises(sample):
     run = aiams.open(sample)
-    for index in (200, -201, 2**40):
+    for index in (200, -201, 2**40, -(2**70)):
         with pytest.raises(IndexError):
             run[index]
+    for length in (0.1, np.nan, 1e9, 1e300):
+        with pytest.raises(ValueError, match="A modulation can't be"):
+            run.map(length)
+    with pytest.raises(ValueError, match="NUL"):
+        aiams.open(f"{sample}\0.txt")
+    for kind in (type(run[0]), type(run._core)):
+        with pytest.raises(TypeError):
+            kind.__new__(kind)
     with pytest.raises(TypeError):
         run["0"]
     with pytest.raises(TypeError):
@@ -144,17 +152,42 @@ def test_times_that_are_no_seconds_are_not_written_as_such(tmp_path):
 
 
 def test_a_child_process_opens_its_own(sample):
-    run = aiams.open(sample)
-    child = os.fork()
-    if child == 0:
-        signal.alarm(60)
-        try:
-            list(run)
-        except aiams.ClosedError:
-            with aiams.open(sample) as own:
-                os._exit(0 if len(own) == 200 else 2)
-        os._exit(1)
-    assert os.waitpid(child, 0)[1] == 0
+    """Also where a thread is reading when the process forks, which is gone in the child."""
+    run, done = aiams.open(make_sample(sample.with_name("forked.cdf"), "--scans", 20000, "gcms")), []
+    thread = threading.Thread(target=lambda: [run.points() for _ in iter(lambda: len(done), 20)])
+    thread.start()
+    for _ in range(20):
+        child = os.fork()
+        if child == 0:
+            signal.alarm(60)
+            try:
+                list(run)
+            except aiams.ClosedError:
+                run.close()
+                with aiams.open(sample) as own:
+                    os._exit(0 if run.closed and len(own) == 200 else 2)
+            os._exit(1)
+        done.append(os.waitpid(child, 0)[1])
+    thread.join(60)
+    assert not thread.is_alive() and not any(done)
+
+
+def test_ctrl_c_among_messages_is_not_lost():
+    class Press(logging.Filter):
+        def filter(self, record):
+            signal.raise_signal(signal.SIGINT)
+            return True
+
+    logger, press = logging.getLogger("aiams"), Press()
+    logger.addFilter(press)
+    logger.setLevel(logging.INFO)
+    try:
+        with pytest.raises(KeyboardInterrupt):
+            aiams.open(FIXTURES / "no-attributes.cdf")
+            list(range(1000))
+    finally:
+        logger.removeFilter(press)
+        logger.setLevel(logging.NOTSET)
 
 
 @pytest.mark.parametrize("source", ["sample", "groups", "attributes", "library"])
@@ -186,22 +219,96 @@ def test_written_again(sample, tmp_path, source):
             assert lost == {}
 
 
+MASSES = np.arange(50.0, 60.0)
+
+
 @pytest.mark.parametrize(
-    "scans, sentence",
+    "masses",
     [
-        ([(1.0, [50.0], [1.0, 2.0])], "aren't two arrays of one length"),
-        ([(1.0, [50.0], [np.nan])], "infinite or no number"),
-        ([(1.0, [50.0], [9.969209968386869e36])], "infinite or no number"),
-        ([aiams.ScanData(1.0, [50.0], [1.0], numbers={"colour": 3})], '"colour" is no number'),
+        MASSES[::-2],
+        MASSES.astype(">f8"),
+        MASSES.astype(">f4"),
+        MASSES.astype(np.float16),
+        MASSES.astype(np.int8),
+        MASSES.reshape(2, 5)[:, 0],
+        MASSES.tolist(),
+        np.ma.array(MASSES),
+        [],
     ],
 )
-def test_what_cannot_be_written_leaves_the_old_file(tmp_path, scans, sentence):
+def test_arrays_of_any_make_are_written(tmp_path, masses):
+    path = tmp_path / "copy.cdf"
+    aiams.write(path, ((time, masses, masses) for time in (1.0, np.nan)))
+    with aiams.open(path) as run:
+        for scan in run:
+            assert scan.mz.tolist() == scan.intensity.tolist() == [float(mass) for mass in masses]
+            assert scan.tic == sum(masses)
+            if len(masses) > 0:
+                assert scan.mass_range == (min(masses), max(masses))
+        assert run[0].time == 1.0
+
+
+def test_texts_of_compounds(tmp_path):
+    path, compound = tmp_path / "library.cdf", aiams.Compound(name="é" * 254, formula="C2H6")
+    aiams.write(path, [(np.nan, [31.0], [1.0])], library=[compound])
+    with aiams.open(path) as run:
+        assert (run.library[0].name, run.library[0].formula) == (compound.name, compound.formula)
+
+
+def scan_with(**numbers):
+    return [aiams.ScanData(1.0, [50.0], [1.0], numbers=numbers)]
+
+
+def group_with(mass_count=2, masses=(50.0, 60.0), times=(1.0, 1.0)):
+    return [aiams.Group(mass_count, 0, np.array(masses), np.array(times), np.array(times))]
+
+
+ONE = [(1.0, [50.0], [1.0])]
+
+
+class Short(list):
+    def __len__(self):
+        return 3
+
+
+@pytest.mark.parametrize(
+    "scans, more, sentence",
+    [
+        ([(1.0, [50.0], [1.0, 2.0])], {}, "aren't two arrays of one length"),
+        ([(1.0, 50.0, 1.0)], {}, "aren't two arrays of one length"),
+        ([(1.0, [50.0], [np.nan])], {}, "infinite or no number"),
+        ([(1.0, [50.0], [9.969209968386869e36])], {}, "infinite or no number"),
+        ([(1.0, [50.0 + 1j], [1.0])], {}, "aren't numbers"),
+        ([(1.0, ["50"], [1.0])], {}, "aren't numbers"),
+        ([(1.0, np.ma.masked_equal([50.0], 50.0), [1.0])], {}, "Masked points"),
+        ([(np.inf, [50.0], [1.0])], {}, "scan_acquisition_time can't be inf"),
+        ([(-9999.0, [50.0], [1.0])], {}, "scan_acquisition_time can't be -9999"),
+        ([], {}, "there are no scans"),
+        (Short(ONE), {}, "only 1 of its 3 scans"),
+        (scan_with(colour=3), {}, '"colour" is no number'),
+        (scan_with(actual_scan_number=2**70), {}, "actual_scan_number can't be"),
+        (scan_with(a_d_coaddition_factor=2**15), {}, "a_d_coaddition_factor can't be"),
+        (ONE, {"note": 2**53 + 1}, "too large"),
+        (ONE, {"note": "a\0b"}, "has a NUL"),
+        (ONE, {"note": "\ud800"}, "half a character"),
+        (ONE, {"note": True}, "neither a text nor numbers"),
+        (ONE, {"number_of_times_processed": 2**70}, "neither a text nor numbers"),
+        (ONE, {"library": [aiams.Compound(name="n" * 255)]}, "at most 254 characters"),
+        (ONE, {"library": [aiams.Compound(name="日本")]}, "all of Latin-1"),
+        (ONE, {"library": [aiams.Compound(melting_point=1e300)]}, "melting_point can't be"),
+        (ONE, {"instruments": [aiams.Instrument(model="m" * 32)]}, "at most 31 characters"),
+        (ONE, {"groups": group_with(mass_count=1)}, "the masses of a group can't be"),
+        (ONE, {"groups": group_with(mass_count=2**31)}, "the mass_count of a group can't be"),
+        (ONE, {"groups": group_with(times=(1.0, np.inf))}, "the sampling_times of a group can't be"),
+    ],
+)
+def test_what_cannot_be_written_leaves_the_old_file(tmp_path, scans, more, sentence):
     path = tmp_path / "old.cdf"
     path.write_bytes(b"old")
     with pytest.raises(aiams.WriteError, match="exists. With overwrite=True"):
-        aiams.write(path, scans)
+        aiams.write(path, ONE)
     with pytest.raises(aiams.WriteError, match=sentence):
-        aiams.write(path, scans, overwrite=True)
+        aiams.write(path, scans, overwrite=True, **more)
     assert os.listdir(tmp_path) == ["old.cdf"] and path.read_bytes() == b"old"
 
 
