@@ -33,7 +33,10 @@ import pandas as pd
 from .errors import Error
 from .run import Run
 
-Paths = str | os.PathLike | Iterable[str | os.PathLike]
+Paths = str | bytes | os.PathLike | Iterable[str | bytes | os.PathLike]
+
+# What can be wrong with a file; a ValueError is about its name.
+_FAILURES = (Error, MemoryError, ValueError)
 
 _SCANS = {"file": "object", "scan": "int32", "time": "float64", "tic": "float64", "points": "int64"}
 _POINTS = {"file": "object", "scan": "int32", "time": "float64", "mz": "float64", "intensity": "float64"}
@@ -67,11 +70,14 @@ ATTRIBUTES = (
 
 def files(paths: Paths) -> list[str]:
     """Returns the files that are meant, sorted and each once. A path without a match stays: `report` tells."""
-    if isinstance(paths, (str, os.PathLike)):
+    if isinstance(paths, (str, bytes, os.PathLike)):
         paths = [paths]
     found: set[str] = set()
-    for path in map(os.fspath, paths):
-        matches = [path] if os.path.lexists(path) else glob.glob(path, recursive=True)
+    for path in map(os.fsdecode, paths):
+        try:
+            matches = [path] if os.path.lexists(path) else glob.glob(path, recursive=True)
+        except ValueError:  # no file has such a name
+            matches = []
         found.update(matches or [path])
     return sorted(found)
 
@@ -121,7 +127,8 @@ def store(paths: Paths, folder: str | os.PathLike, format: str = "zarr", overwri
 
     `format` is "zarr" or "netcdf" (the data set of `Run.to_xarray`), or "csv" (the rows of `points`). Outputs
     are named after their files, of which no two may have the same name, and are made beside their places and
-    moved there when they are whole. One that exists is kept, with an error, unless `overwrite` is set.
+    moved there when they are whole. One that exists when this is called is kept, with an error, unless
+    `overwrite` is set; one that a task made before it was done again is right.
     """
     if format not in _WRITERS:
         raise ValueError(f"There is no format {format!r}; it is one of {', '.join(_WRITERS)}.")
@@ -138,9 +145,16 @@ def convert(
     """Converts each file with aia-convert, and returns a row for each: file, output, error.
 
     The output's kind follows from `suffix`: mzML, csv, msp or cdf. `program` has to be there on each worker;
-    `options` are its own, such as "--force". A file that fails has the program's sentences as its error.
+    `options` are its own, such as "--force". A file that fails has the program's sentences as its error. Outputs
+    that exist are treated as by `store`.
     """
     return _table(_convert, _outputs(paths, folder, suffix), _DONE, list(options), program)
+
+
+def _sentence(failure: Exception) -> str:
+    if isinstance(failure, MemoryError):
+        return "The memory doesn't suffice."
+    return str(failure) or type(failure).__name__
 
 
 def _table(make: Callable, items, columns: dict[str, str], *arguments) -> dd.DataFrame:
@@ -172,7 +186,7 @@ def _scans_of(name: str) -> pd.DataFrame:
                 tic=run.tic,
                 points=counts,
             )
-    except (Error, MemoryError):
+    except _FAILURES:
         return _frame(_SCANS)
 
 
@@ -191,7 +205,7 @@ def _points_of(part: tuple[str, int, int | None]) -> pd.DataFrame:
                 mz=mz,
                 intensity=intensity,
             )
-    except (Error, MemoryError):
+    except _FAILURES:
         return _frame(_POINTS)
 
 
@@ -199,7 +213,7 @@ def _count_scans(name: str) -> int:
     try:
         with Run(name) as run:
             return len(run)
-    except (Error, MemoryError):
+    except _FAILURES:
         return 0
 
 
@@ -208,7 +222,7 @@ def _attributes_of(name: str, names: list[str]) -> pd.DataFrame:
     try:
         with Run(name) as run:
             found = run.attributes
-    except (Error, MemoryError):
+    except _FAILURES:
         return _frame(columns)
     texts = {one: [None if found.get(one) is None else str(found[one])] for one in names}
     return _frame(columns, **{**texts, "file": [name]})
@@ -227,22 +241,31 @@ def _report_of(name: str) -> pd.DataFrame:
                 losses=sum(doubt.is_loss for doubt in doubts),
                 doubts=" ".join(doubt.code for doubt in doubts),
             )
-    except (Error, MemoryError) as failure:
-        row["error"] = str(failure) or "The memory doesn't suffice."
+    except _FAILURES as failure:
+        row["error"] = _sentence(failure)
     return _frame(_REPORT, **{column: [value] for column, value in row.items()})
 
 
-def _outputs(paths: Paths, folder: str | os.PathLike, suffix: str) -> list[tuple[str, str]]:
-    pairs = [
-        (name, os.path.join(os.fspath(folder), f"{pathlib.PurePath(name).stem}.{suffix}")) for name in files(paths)
-    ]
+def _outputs(paths: Paths, folder: str | os.PathLike, suffix: str) -> list[tuple[str, str, bool]]:
+    """Files, their outputs, and whether these exist by now."""
+    folder = os.fspath(folder)
+    os.makedirs(folder, exist_ok=True)
     taken: dict[str, str] = {}
-    for name, output in pairs:
+    for name in files(paths):
+        output = os.path.join(folder, f"{pathlib.PurePath(name).stem}.{suffix}")
         other = taken.setdefault(output, name)
         if other != name:
             raise ValueError(f"{other!r} and {name!r} would both become {output!r}.")
-    os.makedirs(folder, exist_ok=True)
-    return pairs
+    return [(name, output, os.path.lexists(output)) for output, name in taken.items()]
+
+
+def _is_made(output: str, existed: bool) -> bool:
+    """Whether an earlier attempt of the task made the output, whose worker ended before it could say so."""
+    return not existed and os.path.lexists(output)
+
+
+def _done(name: str, output: str, error: str) -> pd.DataFrame:
+    return _frame(_DONE, file=[name], output=["" if error else output], error=[error])
 
 
 def _suffix(format: str) -> str:
@@ -264,30 +287,34 @@ def _store_csv(run: Run, path: str) -> None:
 _WRITERS = {"zarr": _store_zarr, "netcdf": _store_netcdf, "csv": _store_csv}
 
 
-def _store(pair: tuple[str, str], format: str, overwrite: bool) -> pd.DataFrame:
-    name, output = pair
+def _store(task: tuple[str, str, bool], format: str, overwrite: bool) -> pd.DataFrame:
+    name, output, existed = task
+    if _is_made(output, existed):
+        return _done(name, output, "")
     part = f"{output}.{os.getpid()}.{datetime.datetime.now():%H%M%S%f}.part"
     error = ""
     try:
-        if os.path.lexists(output) and not overwrite:
+        if existed and not overwrite:
             raise FileExistsError(f'"{output}" exists. With overwrite=True it is written over.')
         with Run(name) as run:
             _WRITERS[format](run, part)
         if os.path.isdir(output):
             shutil.rmtree(output)
         os.replace(part, output)
-    except (Error, MemoryError, OSError, ValueError) as failure:
-        error = str(failure) or "The memory doesn't suffice."
+    except Exception as failure:  # whatever the writers make of it, other files follow
+        error = _sentence(failure)
     finally:
         if os.path.isdir(part):
             shutil.rmtree(part)
         elif os.path.exists(part):
             os.remove(part)
-    return _frame(_DONE, file=[name], output=["" if error else output], error=[error])
+    return _done(name, output, error)
 
 
-def _convert(pair: tuple[str, str], options: list[str], program: str) -> pd.DataFrame:
-    name, output = pair
+def _convert(task: tuple[str, str, bool], options: list[str], program: str) -> pd.DataFrame:
+    name, output, existed = task
+    if _is_made(output, existed):
+        return _done(name, output, "")
     try:
         done = subprocess.run(
             [program, *options, "-o", os.path.abspath(output), "--", os.path.abspath(name)],
@@ -297,9 +324,11 @@ def _convert(pair: tuple[str, str], options: list[str], program: str) -> pd.Data
             errors="replace",
         )
         error = "" if done.returncode == 0 else done.stderr.strip() or f"{program} ended with {done.returncode}."
-    except OSError as failure:
+    except (OSError, ValueError) as failure:
         error = f"{program} can't be started: {failure}."
-    return _frame(_DONE, file=[name], output=["" if error else output], error=[error])
+    if _is_made(output, existed):  # by the program of the earlier attempt, which outlived its worker
+        error = ""
+    return _done(name, output, error)
 
 
 def main(arguments: list[str] | None = None) -> int:
@@ -318,11 +347,27 @@ def main(arguments: list[str] | None = None) -> int:
     if not 0 <= part < parts:
         parser.error("--part wants I/N, with I from 0 to N - 1.")
     # All files take part in the choice of names, so that no two parts write the same output.
-    pairs = _outputs(given.paths, given.folder, _suffix(given.format))[part::parts]
-    rows = [_store(pair, given.format, given.overwrite) for pair in pairs]
-    done = pd.concat([_frame(_DONE), *rows])
-    done.to_csv(os.path.join(given.folder, f"part-{part}-of-{parts}.csv"), index=False)
-    return 1 if (done.error != "").any() else 0
+    tasks = _outputs(given.paths, given.folder, _suffix(given.format))[part::parts]
+    table = os.path.join(given.folder, f"part-{part}-of-{parts}.csv")
+    text = {"index": False, "errors": "surrogateescape"}  # names of files are any bytes
+    done = _frame(_DONE)
+    since = None
+    if os.path.exists(table) and not given.overwrite:  # the part was begun before
+        since = os.path.getmtime(table)
+        done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
+        done = done[(done.error == "") & done.output.map(os.path.lexists)]
+    done.to_csv(table, **text)
+    failed = False
+    kept = set(done.file)
+    for name, output, existed in tasks:
+        if name in kept:
+            continue
+        # What is younger than the table was made by the attempt that ended before it could say so.
+        existed = existed and (since is None or os.path.getmtime(output) < since)
+        row = _store((name, output, existed), given.format, given.overwrite)
+        row.to_csv(table, mode="a", header=False, **text)
+        failed = failed or row.error[0] != ""
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":

@@ -8,13 +8,14 @@ import numpy as np
 import pandas as pd
 import pytest
 import xarray
-from conftest import make_sample
+from conftest import BIN, make_sample
 from dask.distributed import Client, LocalCluster
 
 import aiams
 from aiams import archive
 
 RUNS = 12
+PROGRAM = BIN / "aia-convert"
 
 
 @pytest.fixture(scope="module")
@@ -61,7 +62,9 @@ def test_tables_know_their_columns_without_reading():
             table = make(paths)
             found = table.compute()
             assert dict(found.dtypes) == dict(table.dtypes)
-    assert "doesn't exist" in archive.report(["no-such-file.cdf"]).compute().error[0]
+    for name, sentence in (("no-such-file.cdf", "doesn't exist"), ("a\0b", "NUL"), ("\ud800", "surrogates")):
+        assert sentence in archive.report([name]).compute().error[0] and len(archive.scans([name]).compute()) == 0
+    assert archive.files([b"\xe4.cdf"]) == ["\udce4.cdf"]
 
 
 def die_once(name, marker):
@@ -74,12 +77,12 @@ def die_once(name, marker):
 
 
 def test_a_killed_worker_loses_and_doubles_nothing(folder, tmp_path):
-    marker = str(tmp_path / "killed")
+    """It dies once a run was read, and again when an output was made and nobody knows of it yet."""
     victim = str(folder / "run-05.cdf")
 
-    def scans_and_kill(part):
+    def and_kill(part, marker):
         if (part.file == victim).any():
-            die_once(victim, marker)
+            die_once(victim, str(marker))
         return part
 
     patience = {"distributed.comm.timeouts.connect": "300s", "distributed.comm.timeouts.tcp": "300s"}
@@ -87,16 +90,24 @@ def test_a_killed_worker_loses_and_doubles_nothing(folder, tmp_path):
         with LocalCluster(2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
             with Client(cluster, timeout=300) as client:
                 before = set(client.run(os.getpid).values())
-                scans = archive.scans(folder / "*.cdf").map_partitions(scans_and_kill).compute()
+                scans = archive.scans(folder / "*.cdf").map_partitions(and_kill, tmp_path / "read").compute()
                 report = archive.report(folder / "*.cdf").compute()
                 client.wait_for_workers(2, timeout=300)
                 after = set(client.run(os.getpid).values())
-    assert os.path.exists(marker) and len(before) == len(after) == 2 and len(before & after) == 1
+                jobs = {"stored": archive.store(folder / "*.cdf", tmp_path / "columns", "csv")}
+                if PROGRAM.exists():
+                    jobs["converted"] = archive.convert(folder / "*.cdf", tmp_path / "mzml", program=PROGRAM)
+                done = {name: job.map_partitions(and_kill, tmp_path / name).compute() for name, job in jobs.items()}
+    assert (tmp_path / "read").exists() and len(before) == len(after) == 2 and len(before & after) == 1
     check_counts(scans, report, folder)
+    for name, table in done.items():
+        assert (tmp_path / name).exists() and sorted(table.file) == sorted(report.file)
+        assert sorted(table.file[table.error != ""]) == sorted(report.file[report.error != ""])
+        assert len(set(table.output[table.error == ""])) == RUNS and all(map(os.path.exists, table.output[table.error == ""]))
 
 
 @pytest.mark.parametrize("format", ["zarr", "netcdf", "csv"])
-def test_columns_for_other_engines(folder, tmp_path, format):
+def test_columns_for_other_engines(folder, tmp_path, format, monkeypatch):
     paths = [folder / "run-00.cdf", folder / "text.cdf"]
     done = archive.store(paths, tmp_path, format).compute().reset_index()
     assert done.error[0] == "" and "isn't a netCDF file" in done.error[1]
@@ -114,15 +125,17 @@ def test_columns_for_other_engines(folder, tmp_path, format):
     assert os.listdir(tmp_path) == [os.path.basename(done.output[0])]
     again = archive.store(paths[:1], tmp_path, format).compute()
     assert "exists" in again.error[0]
+    monkeypatch.setitem(archive._WRITERS, format, lambda *_: {}["not foreseen"])
+    assert archive.store(paths[:1], tmp_path, format, overwrite=True).compute().error[0] == "'not foreseen'"
+    monkeypatch.undo()
     assert archive.store(paths[:1], tmp_path, format, overwrite=True).compute().error[0] == ""
 
 
 def test_conversion_of_an_archive(folder, tmp_path):
-    program = os.path.join(os.environ["AIA_BIN"], "aia-convert")
-    if not os.path.exists(program):
+    if not PROGRAM.exists():
         pytest.skip("aia-convert isn't built")
     paths = [folder / "run-00.cdf", folder / "text.cdf"]
-    done = archive.convert(paths, tmp_path, "csv", program=program).compute().reset_index()
+    done = archive.convert(paths, tmp_path, "csv", program=PROGRAM).compute().reset_index()
     assert done.error[0] == "" and "text.cdf" in done.error[1] and os.listdir(tmp_path) == ["run-00.csv"]
     with pytest.raises(ValueError, match="would both become"):
         archive.convert([folder / "run-00.cdf", tmp_path / "run-00.cdf"], tmp_path)
@@ -136,8 +149,15 @@ def test_attributes(folder):
 
 
 def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path):
+    command = [str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part"]
     for part in range(3):
-        archive.main([str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part", f"{part}/3"])
+        archive.main([*command, f"{part}/3"])
+    # The first was killed when an output was made, and is started anew.
+    table = tmp_path / "part-0-of-3.csv"
+    lines = table.read_text().splitlines(keepends=True)
+    table.write_text("".join(line for line in lines if "run-03" not in line))
+    os.utime(table, (0, 0))
+    archive.main([*command, "0/3"])
     tables = [pd.read_csv(path, keep_default_na=False) for path in tmp_path.glob("part-*-of-3.csv")]
     done = pd.concat(tables)
     assert sorted(done.file) == sorted(map(str, folder.glob("*.cdf")))
