@@ -1,7 +1,7 @@
 """How an archive job grows with the workers: tasks over a few large samples, on one worker and on two.
 
-python3 archive.py BUILD-FOLDER [TASKS] prints what one run costs, and throughputs. It fails where a task isn't
-done once, also with a worker that is killed in the middle.
+python3 archive.py BUILD-FOLDER [TASKS] prints what one run costs, and throughputs beside their bar. It fails
+where a task isn't done once, also with a worker that is killed in the middle, and where a bar isn't held.
 """
 
 import collections
@@ -20,6 +20,8 @@ sys.path.insert(0, os.environ["PYTHONPATH"])
 
 import dask  # noqa: E402
 from dask.distributed import Client, LocalCluster  # noqa: E402
+
+BAR = 1.5  # of two workers' throughput beside one's
 
 
 def work(number, path, leave):
@@ -93,9 +95,13 @@ def main():
     one, two = run(1, paths), run(2, paths)
     killed = run(2, paths, (tasks // 2, str(marker)))
     assert marker.exists()
-    for what, rate in (("1 worker", one), ("2 workers", two), ("2 workers, one killed", killed)):
-        print(f"{what:<24} {rate:6.1f} tasks/s  x {rate / one:.2f}")
+    print(f"{'1 worker':<24} {one:6.1f} tasks/s")
+    ratios = {"2 workers": two / one, "2 workers, one killed": killed / one}
+    for (what, ratio), rate in zip(ratios.items(), (two, killed)):
+        held = "held" if ratio >= BAR else "NOT HELD"
+        print(f"{what:<24} {rate:6.1f} tasks/s  x {ratio:.2f}  {BAR} {held}")
+    return 0 if min(ratios.values()) >= BAR else 1
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())
