@@ -155,12 +155,13 @@ quint64 Walk::number(int size)
     return qFromBigEndian<quint64>(raw.data());
 }
 
-// The length of a list whose entries take `leastSize` bytes or more each.
+// The length of a list whose entries take `leastSize` bytes or more each. Like the library, it looks at
+// the tag of a list with entries only.
 quint64 Walk::count(quint32 tag, quint64 leastSize)
 {
     const quint64 found = word();
     const quint64 entries = size();
-    if ((found != tag && (found != 0 || entries != 0)) || entries > left() / leastSize) {
+    if ((found != tag && entries != 0) || entries > left() / leastSize) {
         fail();
         return 0;
     }

@@ -114,6 +114,19 @@ private slots:
     }
 
     // Of a run so long that nobody holds its end already.
+    // The library doesn't look at it.
+    void takesAnyTagOfAnEmptyList()
+    {
+        QByteArray bytes = unlimited;
+        const int tag = bytes.indexOf("point_count") + 12 + 8; // of its attributes
+        QCOMPARE(bytes.mid(tag, 8), QByteArray(8, '\0'));
+        bytes[tag + 3] = 1;
+        openBytes(bytes);
+        QVERIFY(file);
+        QCOMPARE(messages, QStringList());
+        QVERIFY(file.scan(scanCount - 1).isRead());
+    }
+
     void noticesACutWhileOpen_data()
     {
         const Rows<CutWhileOpen> row;
