@@ -33,12 +33,19 @@ ImportAiaMs::~ImportAiaMs()
     tellRemainingDoubts();
     releaseRecords();
     ms_close(fileId);
+    releaseTotalIon();
 }
 
 void ImportAiaMs::releaseRecords()
 {
     ms_init_global(1, &admin, &sample, &test, &raw);
     ms_free(std::exchange(admin.error_log, nullptr)); // no row of the tables clears it
+}
+
+void ImportAiaMs::releaseTotalIon()
+{
+    ms_free(std::exchange(ticTimes, nullptr));
+    ms_free(std::exchange(ticValues, nullptr));
 }
 
 bool ImportAiaMs::canImport(TFileBuffer *buffer, const QString &name, QString &text)
@@ -101,7 +108,10 @@ bool ImportAiaMs::reopenForFile(const QString &name)
 
 ImportAiaMs *ImportAiaMs::clone()
 {
+    tellRemainingDoubts();
     auto *copy = new ImportAiaMs;
+    copy->toldDoubts = toldDoubts;
+    forgetDoubts();
     copy->copyInterface(this);
     copy->applyToAll = applyToAll;
     copy->fileId = std::exchange(fileId, -1);

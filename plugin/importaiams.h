@@ -5,9 +5,11 @@
 #include "dvimportanalysisinterface.h"
 #include "dvimportparamtype.h"
 #include "masspositions.h"
-#include "msrecords.h"
+#include "mstoolkit.h"
 
 #include <QSet>
+
+class MsScan;
 
 class ImportAiaMs : public DVImportAnalysisInterface, public DVImportParamType
 {
@@ -43,6 +45,7 @@ private:
 
     bool openFile(const QString &fileName);
     void releaseRecords();
+    void releaseTotalIon();
     quint32 parseTimeStamp(const QString &text);
     void importTotalIon();
     // Returns the mass of a census key. Table and scans compute it here, so that they are equal to the
@@ -57,7 +60,8 @@ private:
     // them into the dynamic property "doubts": a list of maps with code, count, example, text and loss.
     void tellDoubts(DoubtStage stage);
     void tellRemainingDoubts() noexcept;
-    void forgetDoubts();
+    void beginDoubts();  // of another run of the same file: what was told stays told
+    void forgetDoubts(); // of the file
     // Called after each scan, with the reason why it couldn't be read, or null: the dynamic property
     // "scanFailure".
     void noteScan(const QString &failure);
@@ -66,7 +70,8 @@ private:
     int readGlobalTextAttribute(const char *name, char *buffer, int size);
 
     int fileId = -1;               // netCDF id; -1 means that no file is open
-    MsTrace trace;                 // of a run without a table of masses
+    double *ticValues = nullptr;   // total-ion path: total intensity of each scan, owned
+    double *ticTimes = nullptr;    // total-ion path: stored time of each scan, owned
     double massFactor = 0.0;       // ten to the power of the table's decimals
     double timeDivisor = 1.0;      // turns stored times into the header's unit
     double samplingInterval = 0.0; // in the header's unit

@@ -34,14 +34,19 @@ void tell(const MsDoubt &doubt)
 
 } // namespace
 
-void ImportAiaMs::forgetDoubts()
+void ImportAiaMs::beginDoubts()
 {
-    toldDoubts.clear();
     doubtStage = DoubtStage::NotBegun;
     scansImported = 0;
     unplacedPoints = 0;
     firstUnplacedScan = -1;
     setProperty("doubts", QVariant());
+}
+
+void ImportAiaMs::forgetDoubts()
+{
+    beginDoubts();
+    toldDoubts.clear();
 }
 
 void ImportAiaMs::tellDoubts(DoubtStage stage)

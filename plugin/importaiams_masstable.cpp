@@ -20,7 +20,8 @@ constexpr std::size_t mostMasses = 65535;
 unsigned short ImportAiaMs::importMassTable(float **table)
 {
     *table = nullptr;
-    trace = MsTrace(); // of an earlier run on this object
+    releaseTotalIon(); // of an earlier run on this object
+    beginDoubts();
     QSet<qint32> census;
     qint32 decimals = 2;
     ms_read_mass_census(fileId, census, &decimals, raw.mass_scale_factor);
@@ -52,8 +53,7 @@ unsigned short ImportAiaMs::importMassTable(float **table)
 void ImportAiaMs::importTotalIon()
 {
     header->setNbBitsAbund(32);
-    trace = MsTrace(fileId, raw.scan_count);
-    if (!trace.isRead())
+    if (ms_read_total_intensity(fileId, raw.scan_count, &ticValues, &ticTimes) == -1)
         return;
     header->setCoeffAbund(0);
     header->setDetectorType(header->getModulation() > 0.0f ? 1792 : 256);

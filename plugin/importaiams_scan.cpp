@@ -80,12 +80,11 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
 // Why a scan of a trace has no total; null for one that has.
 QString ImportAiaMs::traceFailure(int scan) const
 {
-    if (!trace.isRead())
+    if (!ticValues)
         return QStringLiteral(
             "the file has neither masses nor a total intensity and a time for each scan");
-    return trace.totalIntensities()[scan] == MsMissingDouble
-        ? QStringLiteral("its total intensity is missing")
-        : QString();
+    return ticValues[scan] == MsMissingDouble ? QStringLiteral("its total intensity is missing")
+                                              : QString();
 }
 
 // Why a scan's points can't be had.
@@ -103,9 +102,9 @@ double ImportAiaMs::importScan(int scan, double *time, int tableSize, float *tab
     *pointCount = 0;
     const double interpolated = scan * samplingInterval;
     if (tableSize < 1) {
-        *time = trace.isRead() ? trace.times()[scan] / timeDivisor : interpolated + header->getDelay();
+        *time = ticTimes ? ticTimes[scan] / timeDivisor : interpolated + header->getDelay();
         noteScan(traceFailure(scan));
-        return trace.isRead() ? trace.totalIntensities()[scan] : 0.0;
+        return ticValues ? ticValues[scan] : 0.0;
     }
 
     const MsScan record(fileId, scan);

@@ -131,6 +131,14 @@ public:
         return found.join(", ");
     }
 
+    // The file, and what was told of it, goes to a copy of the copy.
+    void passOn()
+    {
+        Plugin::Copy next(copy->clone());
+        end();
+        copy = std::move(next);
+    }
+
     void end()
     {
         if (copy)
@@ -489,7 +497,20 @@ private slots:
         QVERIFY(run.makeTable() > 20);
         run.size = 20; // the host's table may be another
         run.importScans(0, 19);
-        QVERIFY(run.property().startsWith("unplaced-points "));
+        const QByteArray property = run.property();
+        QVERIFY(property.startsWith("unplaced-points "));
+        run.makeTable();
+        run.size = 20;
+        run.importScans(0, 19);
+        QCOMPARE(run.property(), property); // of the second run alone
+        run.passOn();
+        QCOMPARE(messages.size(), 1);
+        run.makeTable();
+        QCOMPARE(run.property(), QByteArray());
+        run.size = 20;
+        run.importScans(0, 19);
+        QCOMPARE(run.property(), property);
+        run.end();
         QCOMPARE(messages.size(), 1);
     }
 
