@@ -13,9 +13,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <exception>
 #include <iterator>
-#include <memory>
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
 #include <pwiz/utility/misc/random_access_compressed_ifstream.hpp>
@@ -26,19 +26,6 @@ using namespace pwiz::msdata;
 namespace {
 
 constexpr double secondsPerMinute = 60.0;
-
-// Texts of the records that the file is written from: blocks of their own, freed at the end.
-struct OwnedGlobals : MsGlobalsDraft {
-    OwnedGlobals() = default;
-    ~OwnedGlobals() { ms_init_global(1, &admin, &sample, &test, &raw); }
-    Q_DISABLE_COPY(OwnedGlobals)
-};
-
-struct OwnedInstrument : MsInstrumentDraft {
-    using MsInstrumentDraft::MsInstrumentDraft;
-    ~OwnedInstrument() { ms_init_instrument(1, this); }
-    Q_DISABLE_COPY(OwnedInstrument)
-};
 
 QString textOf(const std::string &utf8)
 {
@@ -250,14 +237,14 @@ private:
         return name == QLatin1String("msModel") ? QStringLiteral("instrument_model") : name;
     }
 
-    OwnedInstrument &component(std::size_t place)
+    MsInstrument &component(std::size_t place)
     {
         while (instruments.size() <= place)
-            instruments.push_back(std::make_unique<OwnedInstrument>(qint32(instruments.size())));
-        return *instruments[place];
+            instruments.emplace_back().component_index = qint32(instruments.size() - 1);
+        return instruments[place];
     }
 
-    static void storeText(OwnedInstrument *instrument, const char *name, const QString &text)
+    static void storeText(MsInstrument *instrument, const char *name, const QString &text)
     {
         for (const MsVariableRow &row : ms_instrument_table) {
             if (text.isEmpty() || qstrcmp(row.name, name) != 0)
@@ -309,7 +296,7 @@ private:
         head.layout.intensity_format = format;
         head.globals = &globals;
         for (const auto &instrument : instruments)
-            head.instruments.push_back(instrument.get());
+            head.instruments.push_back(&instrument);
         return head;
     }
 
@@ -431,8 +418,9 @@ private:
     ConversionLog *log;
     MSDataFile source;
     MzMlChoice choice;
-    OwnedGlobals globals;
-    std::vector<std::unique_ptr<OwnedInstrument>> instruments;
+    // What the file is written from. The records own their texts.
+    MsGlobals globals;
+    std::deque<MsInstrument> instruments;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
