@@ -5,8 +5,6 @@
 #include "mainwindow.h"
 #include "mappane.h"
 #include "mapplot.h"
-#include "masswindows.h"
-#include "modulationmap.h"
 #include "peaktable.h"
 #include "program.h"
 #include "rows.h"
@@ -25,30 +23,16 @@ struct Opened {
     bool hasSpectra = true;
 };
 
-struct Windows {
-    QString text;
-    QList<QPair<double, double>> windows{};
-    QString fault{};
-};
-
 struct Place {
     QString text;
     int scan = -1; // that is shown
     QString said{};
 };
 
-struct Drawn {
-    QString kind; // of the sample
-    QStringList options;
-};
-
-struct Folded {
-    double length = 0.0;
-    double shift = 0.0;
-    int columns = 0;
-    int rows = 0;
-    QList<int> first{}; // scans of the first column
-    QString fault{};
+struct Stated {
+    QString file;
+    QString name;
+    QString value;
 };
 
 QPoint pixelOf(const QCustomPlot *plot, double x, double y)
@@ -224,6 +208,11 @@ private slots:
                 && std::abs(trace->xAxis->range().upper - 12.0) < 0.1);
         QTest::mouseDClick(trace, Qt::LeftButton, {}, middle);
         QCOMPARE(trace->xAxis->range(), all);
+        const double height = trace->yAxis->range().upper;
+        QTest::keyClick(trace, Qt::Key_Up);
+        QVERIFY(trace->yAxis->range().upper < height && trace->yAxis->range().lower == 0.0);
+        QTest::keyClick(trace, Qt::Key_H);
+        QCOMPARE(trace->yAxis->range().upper, height);
         for (int i = 0; i < 20; ++i)
             QTest::keyClick(trace, Qt::Key_Minus);
         QCOMPARE(trace->xAxis->range(), all); // no further out than the run
@@ -262,33 +251,13 @@ private slots:
             for (std::size_t i = 0; i < places.size(); ++i) {
                 for (std::size_t j = 0; j < i; ++j)
                     QVERIFY(!places[i].intersects(places[j]));
+                QVERIFY(page()->spectrum()->axisRect()->rect().adjusted(-1, -1, 1, 1).contains(places[i].toRect()));
+                for (const QCPGraphData &peak : *page()->spectrum()->graph(0)->data()) {
+                    const QPointF tip(pixelOf(page()->spectrum(), peak.key, peak.value));
+                    const QRectF inside = places[i].adjusted(1, 1, -1, -1); // pixels are rounded
+                    QVERIFY(tip.x() < inside.left() || tip.x() > inside.right() || tip.y() > inside.bottom());
+                }
             }
-        }
-    }
-
-    void massWindows_data()
-    {
-        const Rows<Windows> row;
-        row("nothing") = {""};
-        row("several") = {"43, 57-71;100", {{42.5, 43.5}, {57, 71}, {99.5, 100.5}}};
-        row("decimals") = {"43.05", {{43.045, 43.055}}};
-        row("empty parts") = {" ,43,, ", {{42.5, 43.5}}};
-        row("words") = {"43, x", {}, "\"x\" is neither a mass nor a range such as 57-71."};
-        row("negative") = {"-43", {}, "\"-43\" is neither a mass nor a range such as 57-71."};
-        row("backwards") = {"71-57", {}, "The range \"71-57\" ends before it begins."};
-        row("too many") = {QString("1,").repeated(65), {}, "More than 64 traces can't be shown at once."};
-    }
-    void massWindows()
-    {
-        const Windows &row = Rows<Windows>::current();
-        QString fault;
-        const auto windows = ::massWindows(row.text, &fault);
-        QCOMPARE(fault, row.fault);
-        QCOMPARE(windows.has_value(), row.fault.isEmpty());
-        for (int i = 0; windows && i < row.windows.size(); ++i) {
-            QCOMPARE(windows->size(), std::size_t(row.windows.size()));
-            QCOMPARE((*windows)[std::size_t(i)].masses.from, row.windows[i].first);
-            QCOMPARE((*windows)[std::size_t(i)].masses.to, row.windows[i].second);
         }
     }
 
@@ -329,8 +298,13 @@ private slots:
         const double whole =
             std::accumulate(page()->shown().intensities.begin(), page()->shown().intensities.end(), 0.0);
         drag(trace, Qt::LeftButton, Qt::ControlModifier, pixelOf(trace, 15.0, height), pixelOf(trace, 18.0, height));
-        QTRY_VERIFY(page()->shown().title.contains("less the background of "));
+        QTRY_VERIFY(page()->shown().title.contains("less background, "));
         QCOMPARE(page()->scan(), -1);
+        const QString byMouse = page()->shown().title;
+        page()->goTo("6-7, 15-18"); // the same by the keyboard
+        QTRY_VERIFY(page()->shown().title != byMouse);
+        QVERIFY2(page()->shown().title.startsWith("Average of 6.000 to 7.000 min less background, 15.000"),
+                 qPrintable(page()->shown().title));
         const std::vector<double> &left = page()->shown().intensities;
         QVERIFY(std::all_of(left.begin(), left.end(), [](double intensity) { return intensity > 0.0; }));
         QVERIFY(std::accumulate(left.begin(), left.end(), 0.0) < whole);
@@ -343,7 +317,9 @@ private slots:
         row("time") = {"3.0", 0};
         row("time with its unit") = {"4 min", 100};
         row("beyond") = {"2000", -1, "There is no scan 2000: the run has 2000 scans, counted from 0."};
-        row("words") = {"here", -1, "&quot;here&quot; is neither a scan, such as 344, nor a time, such as 6.44."};
+        row("words") = {"here", -1,
+                        "&quot;here&quot; is neither a scan, such as 344, nor a time, such as 6.44, nor a range of "
+                        "times, such as 6.4-6.5."};
     }
     void goesTo()
     {
@@ -355,6 +331,9 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QTRY_COMPARE(page()->scan(), row.scan == -1 ? before : row.scan);
         QCOMPARE(page()->remark(), row.said);
+        const qint32 reached = page()->scan();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right); // the keys go to the plot again
+        QTRY_COMPARE(page()->scan(), std::min(reached + 1, 1999));
     }
 
     void comparesWithALibrary()
@@ -382,6 +361,9 @@ private slots:
                  -100.0);
         window->unpinSpectrum();
         QVERIFY(!plot->isMirrored() && lower->isEmpty());
+
+        QTest::mouseClick(list->findChild<QPushButton *>(), Qt::LeftButton); // its largest masses
+        QTRY_COMPARE(page()->trace()->graphCount(), 4);
     }
 
     void overlaysRuns()
@@ -400,9 +382,94 @@ private slots:
         const auto *item = trace->legend->item(1);
         QTest::mouseClick(trace, Qt::LeftButton, {}, item->outerRect().center());
         QCOMPARE(trace->inFront(), 1);
+        QTest::keyClick(trace, Qt::Key_N);
+        QCOMPARE(trace->inFront(), 0);
         QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
         QTRY_COMPARE(page()->trace()->graphCount(), 1);
         QCOMPARE(window->recentFiles(), (QStringList{sample("other"), sample("gcms")}));
+    }
+
+    void opensWhatIsDropped()
+    {
+        QMimeData dropped;
+        dropped.setUrls({QUrl::fromLocalFile(sample("gcms")), QUrl::fromLocalFile(sample("library"))});
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.get(), &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.get(), &drop);
+        QCOMPARE(window->tabs()->count(), 2);
+    }
+
+    void remembersSizesAndFolder()
+    {
+        openSample("gcms");
+        window->resize(901, 602);
+        page()->findChildren<QSplitter *>().first()->setSizes({600, 300});
+        const QByteArray layout = page()->layoutState();
+        window->close();
+        window = std::make_unique<MainWindow>(*settings, thread);
+        QCOMPARE(window->size(), QSize(901, 602));
+        window->show();
+        openSample("gcms");
+        QCOMPARE(page()->layoutState(), layout);
+        QCOMPARE(settings->value("files/folder").toString(), folder.path());
+    }
+
+    // A file that was refused may be whole by now.
+    void opensAgainWhatWasRefused()
+    {
+        const QString path = sample("mended");
+        QVERIFY(writeFile(path, "not netCDF"));
+        open(path);
+        QVERIFY(page()->model()->state() == RunModel::State::Refused);
+        QVERIFY(writeFile(path, content(fixture("plain"))));
+        open(path);
+        QVERIFY(page()->model()->state() == RunModel::State::Open);
+        QCOMPARE(window->tabs()->count(), 1);
+    }
+
+    // What is shown stays, and what can't be read any more is said.
+    void survivesDamageWhileOpen()
+    {
+        const QString path = sample("shrinking");
+        QVERIFY(writeFile(path, content(sample("gcms"))));
+        openSample("shrinking");
+        QVERIFY(QFile::resize(path, 20000));
+        for (const int scan : {1999, 1000, 0}) {
+            page()->showScan(scan);
+            QTRY_COMPARE(page()->scan(), scan);
+        }
+        page()->setMasses("43");
+        QTRY_VERIFY(!page()->model()->isBusy());
+        page()->showScan(1999);
+        QTRY_COMPARE(page()->scan(), 1999);
+        QVERIFY(!page()->shown().failure.isEmpty() || !page()->shown().masses.empty());
+        QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(window->tabs()->count(), 0);
+    }
+
+    // A name that was typed without its ending is a file that the dialog didn't ask about.
+    void asksBeforeItWritesOver()
+    {
+        openSample("gcms");
+        const QString path = folder.filePath("kept.png");
+        QVERIFY(writeFile(path, "kept"));
+        QString question;
+        QTimer answers;
+        connect(&answers, &QTimer::timeout, [&] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                question = box->text();
+                box->reject();
+            } else if (auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget())) {
+                dialog->findChild<QLineEdit *>()->setText(folder.filePath("kept"));
+                QMetaObject::invokeMethod(dialog, "accept");
+            }
+        });
+        answers.start(50);
+        QTest::keyClick(window.get(), Qt::Key_S, Qt::ControlModifier);
+        QVERIFY2(question.contains("kept.png"), qPrintable(question));
+        QCOMPARE(content(path), QByteArray("kept"));
     }
 
     void cancels()
@@ -422,37 +489,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(page()->scan(), 7, longestWait);
         page()->setSource(RunPage::Source::Summed); // reads on
         QTRY_COMPARE_WITH_TIMEOUT(model->sums().totals.size(), std::size_t(40000), longestWait);
-    }
-
-    void foldsTraces_data()
-    {
-        const QString noTimes = "The run has no times that a map could be made of.";
-        const Rows<Folded> row;
-        row("whole modulations") = {4, 0, 3, 4, {0, 1, 2, 3}};
-        row("shifted") = {4, 1, 4, 4, {-1, 0, 1, 2}};
-        row("shifted back") = {4, -1, 4, 4, {-1, -1, -1, 0}};
-        row("shifted by a modulation") = {4, 4, 3, 4, {0, 1, 2, 3}};
-        row("last one in part") = {5, 0, 3, 5, {0, 1, 2, 3, 4}};
-        row("no length") = {0, 0, 0, 0, {}, noTimes};
-        row("too short") = {1, 0, 0, 0, {}, "A modulation of 1 s is too short for scans that are 0.98 s apart."};
-    }
-    void foldsTraces()
-    {
-        const Folded &row = Rows<Folded>::current();
-        std::vector<double> times;
-        for (int scan = 0; scan < 12; ++scan)
-            times.push_back(100.0 + scan + (scan % 2 == 0 ? 0.01 : -0.01)); // rounded
-        QString fault;
-        const ModulationMap map = foldTrace(times, times, row.length, row.shift, &fault);
-        QCOMPARE(fault, row.fault);
-        QCOMPARE(map.columns, row.columns);
-        QCOMPARE(map.rows, row.rows);
-        for (int i = 0; i < row.first.size(); ++i)
-            QCOMPARE(map.scan(0, i), row.first[i]);
-        times.push_back(1e12);
-        foldTrace(times, times, 4.0, 0.0, &fault);
-        if (row.fault.isEmpty())
-            QCOMPARE(fault, QString("The times of the run have gaps that are too long for a map."));
     }
 
     void showsAMap()
@@ -489,6 +525,18 @@ private slots:
         QCOMPARE(plot->valueRange().upper, highest);
         page()->map()->scale()->setCurrentIndex(2);
         QVERIFY(plot->valueRange().lower > 0.0);
+
+        const double time = page()->shown().time;
+        QTest::keyClick(plot, Qt::Key_Right); // a modulation on
+        QTRY_VERIFY(std::abs(page()->shown().time - time - 4.0 / 60.0) < 0.001);
+        const qint32 scan = page()->scan();
+        QTest::keyClick(plot, Qt::Key_Up);
+        QTRY_COMPARE(page()->scan(), scan + 1);
+        page()->showScan(23900); // of the last modulation
+        QTRY_COMPARE(page()->scan(), 23900);
+        QTest::keyClick(plot, Qt::Key_Right);
+        QTest::keyClick(plot, Qt::Key_Down);
+        QTRY_COMPARE(page()->scan(), 23899);
 
         QTest::keyClick(plot, Qt::Key_D, Qt::ControlModifier);
         QVERIFY(!page()->showsMap() && page()->trace()->isVisible());
@@ -548,7 +596,12 @@ private slots:
         QTreeWidget *tree = page()->tree()->tree();
         QTreeWidgetItem *doubts = tree->topLevelItem(0);
         QVERIFY(doubts->childCount() > 0);
-        QCOMPARE(doubts->child(0)->text(0), page()->model()->doubts().list.first().text);
+        QString sentence = page()->model()->doubts().list.first().text;
+        QCOMPARE(doubts->child(0)->text(0), sentence.replace(fixture("overlapping-scans"), "overlapping-scans.cdf"));
+        QTreeWidgetItem *way = doubts->child(0)->child(0); // to the scan that it names
+        QTRY_COMPARE(page()->scan(), 0);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(way).center());
+        QTRY_COMPARE(page()->scan(), 1);
         page()->tree()->search("experiment_type");
         int visible = 0;
         for (int i = 0; i < tree->topLevelItemCount(); ++i)
@@ -556,42 +609,42 @@ private slots:
         QVERIFY(visible > 0 && visible < tree->topLevelItemCount() && doubts->isHidden());
     }
 
+    void tellsAbsentFromDefault_data()
+    {
+        const Rows<Stated> row;
+        row("stated") = {"plain", "experiment_type", "Centroided Mass Spectrum"};
+        row("default") = {"total-ion", "experiment_type", "Centroided Mass Spectrum (default)"};
+        row("absent") = {"total-ion", "operator_name", "(absent)"};
+    }
+    void tellsAbsentFromDefault()
+    {
+        const Stated &row = Rows<Stated>::current();
+        open(fixture(row.file));
+        const QList<QTreeWidgetItem *> found =
+            page()->tree()->tree()->findItems(row.name, Qt::MatchExactly | Qt::MatchRecursive);
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.first()->text(1), row.value);
+    }
+
     void copiesPeaks()
     {
         openSample("gcms");
         PeakTable *table = page()->peaks();
+        const auto lightest = [table](int row) { return table->view()->model()->index(row, 0); };
+        const QString mass = lightest(0).data().toString();
+        QVERIFY2(mass.size() <= 5, qPrintable(mass)); // not the float's 39.0499992
+        table->view()->selectRow(0);
+        table->view()->sortByColumn(0, Qt::DescendingOrder);
+        QCOMPARE(table->view()->currentIndex().data().toString(), mass); // goes along
+        table->copy();
+        QCOMPARE(QApplication::clipboard()->text().split('\n').value(1).section('\t', 0, 0), mass);
+        table->view()->clearSelection();
         table->view()->sortByColumn(1, Qt::DescendingOrder);
         table->copy();
         const QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), int(page()->shown().masses.size()) + 1);
         QCOMPARE(lines.first(), QString("m/z\tIntensity\tRelative (%)"));
         QVERIFY(lines[1].endsWith("\t100.00"));
-    }
-
-    void drawsImages_data()
-    {
-        const Rows<Drawn> row;
-        row("trace") = {"gcms", {"--trace"}};
-        row("scan") = {"gcms", {"--scan", "344"}};
-        row("time") = {"gcms", {"--at", "6.44"}};
-        row("map") = {"gcxgc", {"--map"}};
-        row("compound") = {"library", {"--scan", "2"}};
-    }
-    void drawsImages()
-    {
-        const Drawn &row = Rows<Drawn>::current();
-        for (const auto &[ending, beginning] :
-             {std::pair("png", "\x89PNG"), std::pair("pdf", "%PDF"), std::pair("svg", "<?xml")}) {
-            const QString image = folder.filePath(QStringLiteral("image.") + ending);
-            const QStringList arguments = QStringList{"--force", "--size", "400x300", "--image", image} + row.options
-                + QStringList(sample(row.kind));
-            const Run drawn = runProgram(AIA_TOOLS "/aia-view", arguments);
-            QCOMPARE(drawn.err, QByteArray());
-            QCOMPARE(drawn.code, 0);
-            QVERIFY(content(image).startsWith(beginning));
-            if (ending == QLatin1String("png"))
-                QCOMPARE(QImage(image).size(), QSize(400, 300));
-        }
     }
 };
 

@@ -55,9 +55,9 @@ QVariant fieldValue(const void *record, std::size_t offset, qint32 type, nc_type
     });
 }
 
-void addIfThere(InfoNode *section, const QString &name, const QVariant &value)
+void addField(InfoNode *section, const QString &name, const QVariant &value, Lacking lacking)
 {
-    if (value.isValid())
+    if (value.isValid() || lacking == Lacking::Listed)
         section->addValue(name, value);
 }
 
@@ -97,12 +97,13 @@ QString phraseOf(qint32 code)
     return QString::fromLatin1(phrase);
 }
 
-void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section)
+void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *record, Lacking lacking,
+                   InfoNode *section)
 {
     for (const MsAttributeRow &row : table) {
         if (!row.enumerated) {
-            addIfThere(section, attributeName(row),
-                       fieldValue(record, row.field, row.nc_type, row.nc_type, longestAttribute));
+            addField(section, attributeName(row),
+                     fieldValue(record, row.field, row.nc_type, row.nc_type, longestAttribute), lacking);
             continue;
         }
         QString phrase = phraseOf(fieldOf<qint32>(record, row.field));
@@ -113,7 +114,8 @@ void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *r
     }
 }
 
-void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *record, InfoNode *section)
+void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *record, Lacking lacking,
+                  InfoNode *section)
 {
     const MsFileRecord *file = ms_file_record(ncid);
     for (const MsVariableRow &row : table) {
@@ -121,8 +123,8 @@ void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *rec
         if (file)
             nc_inq_vartype(ncid, file->variables[row.slot], &stored); // stays for an absent variable
         if (row.ndims == 1 || row.nc_type == NC_CHAR)
-            addIfThere(section, QString::fromLatin1(row.name),
-                       fieldValue(record, row.field, row.nc_type, stored, longestLine));
+            addField(section, QString::fromLatin1(row.name),
+                     fieldValue(record, row.field, row.nc_type, stored, longestLine), lacking);
     }
 }
 

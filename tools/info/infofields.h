@@ -1,5 +1,4 @@
-// The fields of the toolkit's records as values of a report. What a file lacks is left out, and long
-// texts are cut.
+// The fields of the toolkit's records as values of a report. Long texts are cut.
 #ifndef INFOFIELDS_H
 #define INFOFIELDS_H
 
@@ -23,10 +22,19 @@ std::vector<QVariant> numberValues(const MsNumbers &numbers, qint64 count);
 // 70.0999985.
 double shortest(double number, qint32 format);
 
+// What becomes of a field that the file lacks, or that was never written, and for which there is no
+// default.
+enum class Lacking {
+    LeftOut,
+    Listed // as a value that is invalid
+};
+
 // Adds the attributes of a global record that was read from the open file `ncid`.
-void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *record, InfoNode *section);
+void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *record, Lacking lacking,
+                   InfoNode *section);
 
 // Adds the numbers and texts of a record that was read from the open file `ncid`, without its arrays.
-void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *record, InfoNode *section);
+void addVariables(int ncid, const MsTable<MsVariableRow> &table, const void *record, Lacking lacking,
+                  InfoNode *section);
 
 #endif // INFOFIELDS_H

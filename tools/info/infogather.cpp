@@ -1,6 +1,5 @@
 #include "infogather.h"
 
-#include "infofields.h"
 #include "infolayout.h"
 #include "inforanges.h"
 #include "interruption.h"
@@ -161,14 +160,14 @@ void Gatherer::addGlobals(InfoNode *report)
         problem(QStringLiteral("The global information can't be read whole."));
 
     InfoNode &admin = report->add(Kind::Section, QStringLiteral("administration"));
-    addAttributes(file.id(), ms_admin_table, &globals.admin, &admin);
+    addAttributes(file.id(), ms_admin_table, &globals.admin, options.lacking, &admin);
     if (globals.admin.error_log)
         admin.addValue(QStringLiteral("error_log"), textValue(globals.admin.error_log));
-    addAttributes(file.id(), ms_sample_table, &globals.sample,
+    addAttributes(file.id(), ms_sample_table, &globals.sample, options.lacking,
                   &report->add(Kind::Section, QStringLiteral("sample")));
-    addAttributes(file.id(), ms_test_table, &globals.test,
+    addAttributes(file.id(), ms_test_table, &globals.test, options.lacking,
                   &report->add(Kind::Section, QStringLiteral("test")));
-    addAttributes(file.id(), ms_raw_table, &globals.raw,
+    addAttributes(file.id(), ms_raw_table, &globals.raw, options.lacking,
                   &report->add(Kind::Section, QStringLiteral("raw_data")));
 }
 
@@ -182,7 +181,7 @@ void Gatherer::addInstruments(InfoNode *report)
         const MsInstrument instrument = file.instrument(i);
         if (!instrument.isRead())
             return problem(QStringLiteral("Component %1 of the instrument can't be read.").arg(i));
-        addVariables(file.id(), ms_instrument_table, &instrument,
+        addVariables(file.id(), ms_instrument_table, &instrument, options.lacking,
                      &list.add(Kind::Section, QString::number(i)));
     }
 }
@@ -190,7 +189,7 @@ void Gatherer::addInstruments(InfoNode *report)
 void Gatherer::addGroup(const MsGroup &group, InfoNode *groups) const
 {
     InfoNode &section = groups->add(Kind::Section, QString::number(group.group_number));
-    addVariables(file.id(), ms_group_table, &group, &section);
+    addVariables(file.id(), ms_group_table, &group, options.lacking, &section);
     addTable(&section, "masses",
              {{"mass", group.masses()},
               {"sampling_time", group.samplingTimes()},
@@ -226,7 +225,8 @@ void Gatherer::addLibrary(InfoNode *report)
         const MsLibraryEntry entry = file.entry(i);
         if (!entry.isRead())
             return problem(QStringLiteral("Library entry %1 can't be read.").arg(i));
-        addVariables(file.id(), ms_library_table, &entry, &list.add(Kind::Section, QString::number(i)));
+        addVariables(file.id(), ms_library_table, &entry, options.lacking,
+                     &list.add(Kind::Section, QString::number(i)));
     }
 }
 
@@ -253,7 +253,7 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
 
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
     section.addValue(QStringLiteral("scan"), number);
-    addVariables(file.id(), ms_per_scan_table, &scan, &section);
+    addVariables(file.id(), ms_per_scan_table, &scan, options.lacking, &section);
     addCount("point_count", scan.point_count, &section);
     addCount("flag_count", scan.flag_count, &section);
     Ranges stored;
@@ -265,7 +265,7 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
     table.add("intensity", MsMissingDouble, MsMissingDouble, measured.intensities);
     table.addTo(&section);
     if (file.isLibrary())
-        addVariables(file.id(), ms_library_table, &entry,
+        addVariables(file.id(), ms_library_table, &entry, options.lacking,
                      &section.add(Kind::Section, QStringLiteral("entry")));
     addTable(&section, "points",
              {{"mass", scan.masses()}, {"time", scan.times()}, {"intensity", scan.intensities()}});
@@ -348,7 +348,7 @@ InfoResult Gatherer::gather(const QString &path)
         for (const QString &text : problems)
             list.addValue(QString::number(list.children.size()), text);
     }
-    addLayout(file, &report);
+    addLayout(file, options.lacking, &report);
     std::move(content.children.begin(), content.children.end(), std::back_inserter(report.children));
     return result;
 }

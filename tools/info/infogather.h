@@ -2,7 +2,7 @@
 #ifndef INFOGATHER_H
 #define INFOGATHER_H
 
-#include "inforeport.h"
+#include "infofields.h"
 #include "msmodulation.h"
 
 #include <optional>
@@ -10,10 +10,11 @@
 class MsFile;
 
 struct InfoOptions {
-    std::optional<qint32> scan; // the scan to show
-    bool everything = false;    // show long lists whole, up to 10000 items
-    MsModulation modulation;    // what was guessed of the run's
-    bool readsScans = true;     // for the ranges of their data and for all doubts
+    std::optional<qint32> scan;         // the scan to show
+    bool everything = false;            // show long lists whole, up to 10000 items
+    MsModulation modulation;            // what was guessed of the run's
+    bool readsScans = true;             // for the ranges of their data and for all doubts
+    Lacking lacking = Lacking::LeftOut; // of the fields of the template
 };
 
 struct InfoResult {

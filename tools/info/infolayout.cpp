@@ -1,6 +1,5 @@
 #include "infolayout.h"
 
-#include "infofields.h"
 #include "msfile.h"
 
 #include <utility>
@@ -117,13 +116,15 @@ void addTemplate(const MsFile &file, InfoNode *report)
         report->children.push_back(std::move(lacks));
 }
 
-void addDimensions(const MsFile &file, InfoNode *report)
+void addDimensions(const MsFile &file, Lacking lacking, InfoNode *report)
 {
     InfoNode &section = report->add(Kind::Section, QStringLiteral("dimensions"));
     for (const NamedSlot &dimension : countingDimensions) {
-        if (hasDimension(file, dimension.slot))
+        const bool isThere = hasDimension(file, dimension.slot);
+        if (isThere || lacking == Lacking::Listed)
             section.addValue(QString::fromLatin1(dimension.name),
-                             file.record()->dimensions[dimension.slot].size);
+                             isThere ? QVariant(file.record()->dimensions[dimension.slot].size)
+                                     : QVariant());
     }
 }
 
@@ -139,10 +140,10 @@ void addStoredTypes(const MsFile &file, InfoNode *report)
 
 } // namespace
 
-void addLayout(const MsFile &file, InfoNode *report)
+void addLayout(const MsFile &file, Lacking lacking, InfoNode *report)
 {
     report->addValue(QStringLiteral("kind"), kindOfFile(file.id()));
     addTemplate(file, report);
-    addDimensions(file, report);
+    addDimensions(file, lacking, report);
     addStoredTypes(file, report);
 }

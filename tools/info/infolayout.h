@@ -3,11 +3,11 @@
 #ifndef INFOLAYOUT_H
 #define INFOLAYOUT_H
 
-#include "inforeport.h"
+#include "infofields.h"
 
 class MsFile;
 
 // Adds all that to the report of an open file.
-void addLayout(const MsFile &file, InfoNode *report);
+void addLayout(const MsFile &file, Lacking lacking, InfoNode *report);
 
 #endif // INFOLAYOUT_H

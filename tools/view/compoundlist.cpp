@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -104,7 +105,13 @@ CompoundList::CompoundList(QWidget *parent)
     view_->horizontalHeader()->setSectionResizeMode(Name, QHeaderView::Stretch);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(search_);
+    auto *trace = new QPushButton(QStringLiteral("&Trace its largest masses"));
+    trace->setToolTip(QStringLiteral("Adds them to the traces of all runs that are open"));
+    connect(trace, &QPushButton::clicked, this, &CompoundList::tracesAsked);
+    auto *bar = new QHBoxLayout;
+    bar->addWidget(search_, 1);
+    bar->addWidget(trace);
+    layout->addLayout(bar);
     layout->addWidget(view_);
     connect(search_, &QLineEdit::textChanged, this, &CompoundList::search);
     connect(view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,

@@ -27,6 +27,7 @@ public:
 
 signals:
     void entryChosen(qint32 entry);
+    void tracesAsked(); // of the largest masses of the entry that is chosen
 
 private:
     class Model;

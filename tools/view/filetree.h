@@ -18,7 +18,8 @@ class FileTree : public QWidget
 public:
     explicit FileTree(QWidget *parent = nullptr);
 
-    void setDoubts(const RunDoubts &doubts);
+    // `fileName` is the name by which the doubts call the file.
+    void setDoubts(const RunDoubts &doubts, const QString &fileName);
     void setAttributes(const InfoNode &report);
 
     // Shows only items in which the text is found, and what they are part of.
@@ -28,7 +29,10 @@ public:
     QTreeWidget *tree() const { return tree_; }
 
 signals:
-    void scanNamed(qint32 scan); // a doubt was chosen that names a scan
+    void scanNamed(qint32 scan); // the way from a doubt to its scan was taken
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void activate(const QTreeWidgetItem *item);

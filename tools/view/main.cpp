@@ -28,6 +28,7 @@ int main(int argc, char *argv[])
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     }
     const QApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName(QStringLiteral(AIA_PROGRAM));
     if (command.image)
         return drawImage(command.files.first(), *command.image, command.modulation);
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral(AIA_PROGRAM),

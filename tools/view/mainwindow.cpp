@@ -3,11 +3,13 @@
 #include "helppage.h"
 #include "namecodec.h"
 #include "runpage.h"
+#include "tracepane.h"
 #include "traceplot.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
@@ -132,8 +134,9 @@ void MainWindow::makeMenus()
 
     QMenu *go = menuBar()->addMenu(QStringLiteral("&Go"));
     add(go, QStringLiteral("To &scan or time\u2026"), control(Qt::Key_G),
-        [this] { page()->focusGoTo(); });
-    add(go, QStringLiteral("To &masses\u2026"), control(Qt::Key_M), [this] { page()->focusMasses(); });
+        [this] { page()->tracePane()->focusPlace(); });
+    add(go, QStringLiteral("To &masses\u2026"), control(Qt::Key_M),
+        [this] { page()->tracePane()->focusMasses(); });
     add(go, QStringLiteral("To se&arch\u2026"), QKeySequence::Find, [this] { page()->focusSearch(); });
     go->addSeparator();
     add(go, QStringLiteral("&Next file"), control(Qt::Key_Tab),
@@ -165,6 +168,14 @@ void MainWindow::makeMenus()
             pageAt(tab)->setHost(host_->isChecked());
     });
 
+    QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
+    side_ = addSwitch(view, QStringLiteral("What the &file says, and peaks"), QKeySequence(Qt::Key_F9),
+                      [this] {
+                          for (int tab = 0; tab < tabs_->count(); ++tab)
+                              pageAt(tab)->showSide(side_->isChecked());
+                      });
+    side_->setChecked(true);
+
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(
         help, QStringLiteral("&Mouse and keys"), QKeySequence::HelpContents,
@@ -191,12 +202,25 @@ void MainWindow::askForFiles()
 QString MainWindow::askForName(const QString &kinds)
 {
     QString chosen;
-    QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
-                                                settings_.value(folderKey).toString(), kinds, &chosen);
+    const QString suggested = QFileInfo(page()->model()->fileName()).completeBaseName();
+    QString name = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Save"), QDir(settings_.value(folderKey).toString()).filePath(suggested),
+        kinds, &chosen);
+    if (name.isEmpty())
+        return name;
     // A name without an ending gets that of the kind that was chosen.
-    if (!name.isEmpty() && QFileInfo(name).suffix().isEmpty())
+    const QString suffix = QFileInfo(name).suffix();
+    if (suffix.isEmpty() || !kinds.contains(QStringLiteral("*.") + suffix, Qt::CaseInsensitive)) {
         name +=
             chosen.section(QLatin1Char('*'), 1).section(QRegularExpression(QStringLiteral("[ )]")), 0, 0);
+        // The dialog asked about the name without its ending.
+        const QString question =
+            QStringLiteral("The file \"%1\" exists. Write it over?").arg(shownName(name));
+        if (QFileInfo::exists(name)
+            && QMessageBox::question(this, QApplication::applicationName(), question) != QMessageBox::Yes)
+            return QString();
+    }
+    settings_.setValue(folderKey, QFileInfo(name).absolutePath());
     return name;
 }
 
@@ -222,13 +246,17 @@ void MainWindow::openOne(const QString &fileName)
 {
     const QString place = QFileInfo(fileName).absoluteFilePath();
     for (int tab = 0; tab < tabs_->count(); ++tab) {
-        if (QFileInfo(pageAt(tab)->model()->fileName()).absoluteFilePath() == place)
-            return tabs_->setCurrentIndex(tab);
+        if (QFileInfo(pageAt(tab)->model()->fileName()).absoluteFilePath() == place) {
+            if (pageAt(tab)->model()->state() != RunModel::State::Refused)
+                return tabs_->setCurrentIndex(tab);
+            closeTab(tab--); // it may be whole by now
+        }
     }
     auto *page = new RunPage(thread_, fileName);
     page->restoreLayout(settings_.value(layoutKey).toByteArray());
     page->setMirrored(pinned_);
     page->setHost(host_->isChecked());
+    page->showSide(side_->isChecked());
     if (modulation_ > 0.0)
         page->setModulation(modulation_);
     const auto showWork = [this, page](const QString &what, double part) {
@@ -240,6 +268,7 @@ void MainWindow::openOne(const QString &fileName)
         cancel_->show();
     };
     connect(page, &RunPage::progressed, this, showWork);
+    connect(page, &RunPage::tracesAsked, this, &MainWindow::traceInRuns);
     connect(page, &RunPage::idle, this, [this, page] {
         if (page == this->page())
             showTab();
@@ -341,6 +370,21 @@ void MainWindow::pinSpectrum()
     pinned_->title = QStringLiteral("%1, %2").arg(pinned_->title, page()->model()->shownName());
     for (int tab = 0; tab < tabs_->count(); ++tab)
         pageAt(tab)->setMirrored(pinned_);
+}
+
+void MainWindow::traceInRuns(const SpectrumData &spectrum)
+{
+    int runs = 0;
+    for (int tab = 0; tab < tabs_->count(); ++tab) {
+        const RunModel *run = pageAt(tab)->model();
+        if (run->state() != RunModel::State::Open || run->summary().kind != MsRun::Kind::Spectra)
+            continue;
+        pageAt(tab)->traceLargest(spectrum);
+        ++runs;
+    }
+    statusBar()->showMessage(runs == 0 ? QStringLiteral("No run is open that could have traces.")
+                                       : QStringLiteral("Traces were added in %1 open runs.").arg(runs),
+                             5000);
 }
 
 void MainWindow::unpinSpectrum()

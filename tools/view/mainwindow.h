@@ -62,6 +62,7 @@ private:
     void remember(const QString &fileName);
     void fillRecent();
     void overlay();
+    void traceInRuns(const SpectrumData &spectrum);
     RunPage *pageAt(int tab) const;
 
     QSettings &settings_;
@@ -76,6 +77,7 @@ private:
     QAction *offset_ = nullptr;
     QAction *normalised_ = nullptr;
     QAction *host_ = nullptr;
+    QAction *side_ = nullptr;
     QList<QAction *> needRun_;
     std::optional<SpectrumData> pinned_;
     double modulation_ = 0.0;

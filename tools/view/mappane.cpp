@@ -56,18 +56,24 @@ MapPane::MapPane(QWidget *parent)
         {QStringLiteral("Linear"), QStringLiteral("Square root"), QStringLiteral("Logarithmic")});
     shown_->setToolTip(QStringLiteral("What the colours show"));
     remark_->setMargin(2);
-    auto *bar = new QHBoxLayout;
-    bar->setContentsMargins(4, 4, 4, 2);
+    // In two rows, as one would keep the window wide.
+    auto *folding = new QHBoxLayout;
+    folding->setContentsMargins(4, 4, 4, 2);
+    folding->addWidget(length_);
+    folding->addWidget(shift_);
+    folding->addWidget(remark_, 1);
+    auto *colours = new QHBoxLayout;
+    colours->setContentsMargins(4, 2, 4, 2);
     for (QWidget *widget :
-         {static_cast<QWidget *>(length_), static_cast<QWidget *>(shift_), static_cast<QWidget *>(shown_),
-          static_cast<QWidget *>(scale_), static_cast<QWidget *>(from_), static_cast<QWidget *>(to_),
-          static_cast<QWidget *>(interpolates_)})
-        bar->addWidget(widget);
-    bar->addWidget(remark_, 1);
+         {static_cast<QWidget *>(shown_), static_cast<QWidget *>(scale_), static_cast<QWidget *>(from_),
+          static_cast<QWidget *>(to_), static_cast<QWidget *>(interpolates_)})
+        colours->addWidget(widget);
+    colours->addStretch(1);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addLayout(bar);
+    layout->addLayout(folding);
+    layout->addLayout(colours);
     layout->addWidget(plot_, 1);
 
     connect(length_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(false); });

@@ -11,6 +11,9 @@ namespace {
 constexpr double secondsOfMinute = 60.0;
 constexpr double logarithmicDepth = 1e4; // how far below the largest value an automatic range reaches
 constexpr int cutSize = 64;              // pixels
+constexpr int cutGap = 6;                // pixels between a cut and the map
+constexpr int leastHeight = 190;
+constexpr QSize sizeWithCuts(420, 260); // of a plot in which the cuts leave room for the map
 
 // Even steps of lightness, which people with any colour vision see in the same order.
 constexpr QRgb evenColours[] = {
@@ -49,6 +52,7 @@ MapPlot::MapPlot(QWidget *parent)
       pointerText_(new QCPItemText(this)), faultText_(new QCPItemText(this))
 {
     setDirections(Qt::Horizontal | Qt::Vertical);
+    setMinimumHeight(leastHeight);
     xAxis->setLabel(QStringLiteral("First dimension (min)"));
     yAxis->setLabel(QStringLiteral("Second dimension (s)"));
 
@@ -58,10 +62,12 @@ MapPlot::MapPlot(QWidget *parent)
     plotLayout()->addElement(1, 0, firstRect_);
     plotLayout()->addElement(2, 1, secondRect_);
     plotLayout()->addElement(2, 2, colours_);
-    firstRect_->setMinimumSize(10, cutSize);
-    firstRect_->setMaximumSize(QWIDGETSIZE_MAX, cutSize);
-    secondRect_->setMinimumSize(cutSize, 10);
-    secondRect_->setMaximumSize(cutSize, QWIDGETSIZE_MAX);
+    // Beside the map, the cuts do without labels and margins of their own.
+    firstRect_->setAutoMargins(QCP::msLeft | QCP::msRight);
+    firstRect_->setMargins(QMargins(0, cutGap, 0, cutGap));
+    secondRect_->setAutoMargins(QCP::msTop | QCP::msBottom);
+    secondRect_->setMargins(QMargins(cutGap, 0, cutGap, 0));
+    plotLayout()->setColumnSpacing(0);
     auto *columns = new QCPMarginGroup(this);
     auto *rows = new QCPMarginGroup(this);
     mapRect->setMarginGroup(QCP::msLeft | QCP::msRight, columns);
@@ -72,9 +78,8 @@ MapPlot::MapPlot(QWidget *parent)
         element->setMarginGroup(QCP::msTop | QCP::msBottom, rows);
     firstRect_->axis(QCPAxis::atBottom)->setTickLabels(false);
     PlotLook::usePowers(firstRect_->axis(QCPAxis::atLeft));
-    firstRect_->axis(QCPAxis::atLeft)->ticker()->setTickCount(2);
     secondRect_->axis(QCPAxis::atLeft)->setTickLabels(false);
-    secondRect_->axis(QCPAxis::atBottom)->setTickLabels(false); // those of the first cut hold
+    secondRect_->axis(QCPAxis::atBottom)->setTicks(false); // those of the first cut hold
     firstRect_->setRangeDrag({});
     firstRect_->setRangeZoom({});
     secondRect_->setRangeDrag({});
@@ -227,6 +232,28 @@ void MapPlot::setInterpolated(bool isInterpolated)
     replot(rpQueuedReplot);
 }
 
+void MapPlot::resizeEvent(QResizeEvent *event)
+{
+    const auto show = [](QCPAxisRect *rect, bool isShown, Qt::Orientation along) {
+        const int size = isShown ? cutSize : 1;
+        rect->setVisible(isShown);
+        for (const QCPAxis::AxisType type : {QCPAxis::atLeft, QCPAxis::atBottom})
+            rect->axis(type)->setVisible(isShown);
+        if (along == Qt::Horizontal) {
+            rect->setMinimumSize(10, size);
+            rect->setMaximumSize(QWIDGETSIZE_MAX, size);
+        } else {
+            rect->setMinimumSize(size, 10);
+            rect->setMaximumSize(size, QWIDGETSIZE_MAX);
+        }
+    };
+    show(firstRect_, event->size().height() >= sizeWithCuts.height(), Qt::Horizontal);
+    show(secondRect_, event->size().width() >= sizeWithCuts.width(), Qt::Vertical);
+    firstCut_->setVisible(firstRect_->visible());
+    secondCut_->setVisible(secondRect_->visible());
+    RunPlot::resizeEvent(event);
+}
+
 bool MapPlot::cellAt(const QPointF &place, int *column, int *row) const
 {
     if (map_.isEmpty())
@@ -314,6 +341,12 @@ void MapPlot::showAll()
     xAxis->setRange(bounds());
     yAxis->setRange(heights());
     replot(rpQueuedReplot);
+}
+
+void MapPlot::fitTexts()
+{
+    RunPlot::fitTexts();
+    PlotLook::fitTicks(colours_->axis());
 }
 
 void MapPlot::applyLook()

@@ -27,7 +27,7 @@ public:
     QCPRange valueRange() const; // as shown, in values of the map
     void setInterpolated(bool isInterpolated);
 
-    // Chooses the cell of a time in s: marks it, and shows its cuts.
+    // Chooses the cell of a time in s: marks it, and shows its cuts where the plot is large enough.
     void choose(double time);
 
     void showAll() override;
@@ -42,6 +42,8 @@ signals:
 protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void fitTexts() override;
     void applyLook() override;
 
 private:

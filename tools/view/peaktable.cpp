@@ -1,5 +1,7 @@
 #include "peaktable.h"
 
+#include "infofields.h"
+
 #include <QAbstractTableModel>
 #include <QAction>
 #include <QApplication>
@@ -9,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -19,11 +22,15 @@ constexpr double percent = 100.0;
 struct PeakRow {
     double mass;
     double intensity;
+    std::size_t before = 0; // its place before the rows were arranged anew
 };
 
+// The digits that the file's number has: 39.05 for the float 39.0499992.
 QString shortText(double number)
 {
-    return QString::number(number, 'g', 10);
+    const bool isFloat =
+        std::abs(number) <= std::numeric_limits<float>::max() && double(float(number)) == number;
+    return QString::number(shortest(number, isFloat ? MsFloatFormat : MsDoubleFormat), 'g', 10);
 }
 
 } // namespace
@@ -93,7 +100,18 @@ public:
         column_ = column;
         order_ = order;
         emit layoutAboutToBeChanged();
+        // What is chosen stays chosen.
+        const QModelIndexList before = persistentIndexList();
+        for (std::size_t i = 0; i < rows_.size(); ++i)
+            rows_[i].before = i;
         arrange();
+        std::vector<int> places(rows_.size());
+        for (std::size_t i = 0; i < rows_.size(); ++i)
+            places[rows_[i].before] = int(i);
+        QModelIndexList after;
+        for (const QModelIndex &old : before)
+            after += index(places[std::size_t(old.row())], old.column());
+        changePersistentIndexList(before, after);
         emit layoutChanged();
     }
 

@@ -2,6 +2,7 @@
 
 #include <qcustomplot.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -93,7 +94,17 @@ void usePowers(QCPAxis *axis)
 {
     axis->setNumberFormat(QStringLiteral("gbc"));
     axis->setNumberPrecision(4);
-    axis->ticker()->setTickCount(5);
+}
+
+void fitTicks(QCPAxis *axis)
+{
+    constexpr int across = 65; // pixels that a label takes with the room beside it
+    constexpr int up = 30;
+    constexpr int most = 8;
+    const bool isAcross = axis->orientation() == Qt::Horizontal;
+    const QSize size = axis->axisRect()->size();
+    axis->ticker()->setTickCount(
+        std::clamp(isAcross ? size.width() / across : size.height() / up, 1, most));
 }
 
 void makeRemark(QCPItemText *item, Qt::Alignment corner)

@@ -22,6 +22,9 @@ void apply(QCustomPlot *plot);
 // Has a plot's axis write large numbers as 1.5e+06 becomes "1.5·10⁶".
 void usePowers(QCPAxis *axis);
 
+// Has a plot's axis label as many ticks as its length has room for.
+void fitTicks(QCPAxis *axis);
+
 // Makes an item a remark in a corner of the plot, which doesn't move with the axes.
 void makeRemark(QCPItemText *item, Qt::Alignment corner);
 

@@ -10,6 +10,12 @@
 
 #include <vector>
 
+// What a run's trace is made of.
+enum class TraceSource { Stored, Summed, BasePeak };
+
+// The source's name, for lists and axes.
+QString sourceName(TraceSource source);
+
 // A run as a whole, known as soon as it is open.
 struct RunSummary {
     MsRun::Kind kind = MsRun::Kind::Trace;
@@ -23,6 +29,13 @@ struct RunSummary {
     bool hasTimes = false;   // some are known; if not, scan numbers stand for them
     bool hasStored = false;  // some are known
     MsModulation modulation; // guessed from the stored totals
+
+    // Whether the run has a trace of that source.
+    bool has(TraceSource source) const;
+
+    // The time of a scan as it is shown: its number where the run has no times; NaN for one that isn't
+    // there.
+    double shownTime(qint32 scan) const;
 };
 
 // What takes reading all scans: a number for each, NaN for one that can't be read.
@@ -54,5 +67,19 @@ struct RunDoubts {
     QList<MsDoubt> list;
     bool isSettled = false; // all scans were read
 };
+
+// A time as the window writes it, with its unit.
+QString timeText(double time, const RunSummary &summary);
+
+// Read these of a run. They take as long as reading the run takes, and belong to the reading thread. What
+// `progress` stops is empty.
+RunSummary summaryOf(const MsRun &run);
+ScanSums sumsOf(const MsRun &run, const MsRun::Progress &progress);
+SpectrumData spectrumOf(const MsRun &run, qint32 scan, const RunSummary &summary);
+
+// The average of the scans in a range of shown times, less that of those in another one, unless that is
+// without numbers. What falls to zero or below is left out.
+SpectrumData averageOf(const MsRun &run, const MsInterval &times, const MsInterval &background,
+                       const RunSummary &summary, const MsRun::Progress &progress);
 
 #endif // RUNDATA_H

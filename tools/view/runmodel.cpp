@@ -10,124 +10,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <new>
 
 namespace {
 
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double secondsOfMinute = 60.0;
-
-// Beyond this, plots can't draw a number.
-constexpr double largestDrawn = 1e200;
 
 // How many compounds of a library are listed. A file can claim any number.
 constexpr qint32 mostCompounds = 200000;
-
-// Masses of centroids that differ by less are one mass in an average, as scans scatter.
-constexpr double centroidWidth = 0.5;
-
-double drawable(double number)
-{
-    return std::abs(number) <= largestDrawn ? number : unknown;
-}
-
-bool isSome(const std::vector<double> &numbers)
-{
-    return std::any_of(numbers.begin(), numbers.end(),
-                       [](double number) { return std::isfinite(number); });
-}
-
-RunSummary summaryOf(const MsRun &run)
-{
-    RunSummary summary;
-    summary.kind = run.kind();
-    summary.size = run.size();
-    summary.isProfile = run.facts().spectra == MsRunFacts::Spectra::Profile;
-    summary.title = run.facts().title;
-    if (run.kind() == MsRun::Kind::Library)
-        return summary;
-    summary.timeUnit = run.hasSeconds() ? secondsOfMinute : 1.0;
-    summary.times = run.times();
-    for (double &time : summary.times)
-        time = drawable(time / summary.timeUnit);
-    summary.storedTotals = run.storedTotals();
-    std::transform(summary.storedTotals.begin(), summary.storedTotals.end(), summary.storedTotals.begin(),
-                   drawable);
-    summary.hasTimes = isSome(summary.times);
-    summary.hasStored = isSome(summary.storedTotals);
-    if (summary.hasStored && run.hasSeconds())
-        summary.modulation = run.modulation();
-    summary.timeLabel = QStringLiteral("Scan");
-    if (summary.hasTimes && run.hasSeconds())
-        summary.timeLabel = QStringLiteral("Time (min)");
-    else if (summary.hasTimes)
-        summary.timeLabel = QStringLiteral("Time as stored (%1)").arg(run.facts().timeUnits.text);
-    return summary;
-}
-
-// Returns nothing where it is stopped.
-ScanSums sumsOf(const MsRun &run, const MsRun::Progress &progress)
-{
-    ScanSums sums;
-    sums.totals.reserve(std::size_t(run.size()));
-    sums.basePeaks.reserve(std::size_t(run.size()));
-    for (const MsSpectrum &scan : run) {
-        constexpr std::size_t often = 256;
-        if (sums.totals.size() % often == 0 && !progress(double(sums.totals.size()) / run.size()))
-            return {};
-        sums.totals.push_back(drawable(scan.summedTotal()));
-        const double *first = scan.intensities();
-        const double largest = scan.size() > 0 ? *std::max_element(first, first + scan.size())
-            : scan.isRead()                    ? 0.0
-                                               : unknown;
-        sums.basePeaks.push_back(drawable(largest));
-    }
-    return sums;
-}
-
-// Takes `background` off the peaks; what falls to zero or below is left out. Masses nearer than `width`
-// are the same.
-void subtract(MsPeaks background, double width, MsPeaks *peaks)
-{
-    MsPeaks left;
-    std::size_t first = 0;
-    for (std::size_t i = 0; i < peaks->masses.size(); ++i) {
-        const double mass = peaks->masses[i];
-        while (first < background.masses.size() && background.masses[first] < mass - width)
-            ++first;
-        double intensity = peaks->intensities[i];
-        for (std::size_t j = first; j < background.masses.size() && background.masses[j] <= mass + width;
-             ++j) {
-            const double taken = std::min(intensity, background.intensities[j]);
-            background.intensities[j] -= taken;
-            intensity -= taken;
-        }
-        if (intensity > 0.0) {
-            left.masses.push_back(mass);
-            left.intensities.push_back(intensity);
-        }
-    }
-    *peaks = std::move(left);
-}
-
-bool isGiven(const MsInterval &interval)
-{
-    return std::isfinite(interval.from) && std::isfinite(interval.to);
-}
-
-QString timeText(double time, const RunSummary &summary)
-{
-    if (!summary.hasTimes)
-        return QStringLiteral("scan %1").arg(std::round(time));
-    const QString number = QString::number(time, 'f', 3);
-    return summary.timeUnit == secondsOfMinute ? number + QStringLiteral(" min") : number;
-}
-
-QString rangeText(const MsInterval &times, const RunSummary &summary)
-{
-    return QStringLiteral("%1 to %2").arg(timeText(times.from, summary), timeText(times.to, summary));
-}
 
 } // namespace
 
@@ -213,8 +103,8 @@ void RunModel::open()
 
 void RunModel::takeSummary(RunSummary summary)
 {
-    summary_ = std::move(summary);
-    for (qint32 scan = 0; scan < qint32(summary_.times.size()); ++scan) {
+    summary_ = std::make_shared<const RunSummary>(std::move(summary));
+    for (qint32 scan = 0; scan < qint32(summary_->times.size()); ++scan) {
         const double time = shownTime(scan);
         if (std::isfinite(time))
             scansByTime_.emplace_back(time, scan);
@@ -223,32 +113,50 @@ void RunModel::takeSummary(RunSummary summary)
     state_ = State::Open;
     emit opened();
     readAttributes();
-    if (summary_.kind == MsRun::Kind::Library)
+    requestRest();
+}
+
+void RunModel::requestRest()
+{
+    const auto isUnderWay = [this](Kind kind) { return tickets_.count(kind) > 0; };
+    if (summary_->kind == MsRun::Kind::Library && compounds_.empty() && !isUnderWay(Kind::Compounds))
         readCompounds();
-    if (summary_.kind != MsRun::Kind::Trace)
-        requestSums();
+    if (summary_->kind != MsRun::Kind::Trace && sums_.totals.empty() && !isUnderWay(Kind::Sums))
+        readSums();
 }
 
 std::vector<double> RunModel::seconds() const
 {
     std::vector<double> seconds;
-    if (summary_.timeUnit == secondsOfMinute)
-        seconds = summary_.times;
+    if (summary_->timeUnit == secondsOfMinute)
+        seconds = summary_->times;
     for (double &time : seconds)
-        time *= summary_.timeUnit;
+        time *= summary_->timeUnit;
     return seconds;
 }
 
 const MsModulation &RunModel::modulation() const
 {
-    return summary_.hasStored || sums_.totals.empty() ? summary_.modulation : sums_.modulation;
+    return summary_->hasStored || sums_.totals.empty() ? summary_->modulation : sums_.modulation;
 }
 
-double RunModel::shownTime(qint32 scan) const
+const std::vector<double> &RunModel::trace(TraceSource source) const
 {
-    if (scan < 0 || scan >= summary_.size)
-        return unknown;
-    return summary_.hasTimes ? summary_.times[std::size_t(scan)] : double(scan);
+    if (source == TraceSource::BasePeak)
+        return sums_.basePeaks;
+    return source == TraceSource::Stored && summary_->hasStored ? summary_->storedTotals : sums_.totals;
+}
+
+qint32 RunModel::highestScan(TraceSource source) const
+{
+    const std::vector<double> &values = trace(source);
+    qint32 highest = summary_->size > 0 ? 0 : -1;
+    for (std::size_t scan = 0; scan < values.size(); ++scan) {
+        const double best = values[std::size_t(highest)];
+        if (values[scan] > best || (std::isnan(best) && !std::isnan(values[scan])))
+            highest = qint32(scan);
+    }
+    return highest;
 }
 
 qint32 RunModel::scanAt(double shownTime) const
@@ -279,6 +187,7 @@ void RunModel::readAttributes()
             const MsFile file = openInput(name);
             InfoOptions options;
             options.readsScans = false;
+            options.lacking = Lacking::Listed;
             if (file)
                 *attributes = gatherInfo(file, name, options).report;
         } catch (const std::bad_alloc &) {
@@ -357,13 +266,11 @@ void RunModel::cancel()
     emit idle(true);
 }
 
-void RunModel::requestSums()
+void RunModel::readSums()
 {
     startLong(Kind::Sums, QStringLiteral("Reading all scans"),
               [this](const MsRun &run, const Progress &progress) {
                   auto sums = std::make_shared<ScanSums>(sumsOf(run, progress));
-                  if (run.hasSeconds())
-                      sums->modulation = ms_guess_modulation(run.times(), sums->totals);
                   auto doubts = std::make_shared<RunDoubts>();
                   doubts->list = run.doubts();
                   doubts->isSettled = true;
@@ -401,37 +308,14 @@ void RunModel::requestSpectrum(qint32 scan)
     stop(Kind::Average);
     const quint64 request = ++shared_->newestSpectrum;
     const QPointer<RunModel> self(this);
-    const double time = shownTime(scan);
-    const QString at = summary_.hasTimes && std::isfinite(time)
-        ? QStringLiteral(" at %1").arg(timeText(time, summary_))
-        : QString();
-    const bool isLibrary = summary_.kind == MsRun::Kind::Library;
-    thread_.postQuick([=, isProfile = summary_.isProfile, shared = shared_] {
+    thread_.postQuick([this, self, scan, request, shared = shared_, summary = summary_] {
         if (shared->isGone || shared->newestSpectrum != request)
             return; // a newer one waits
         auto data = std::make_shared<SpectrumData>();
-        data->scan = scan;
-        data->time = time;
-        data->isProfile = isProfile;
-        data->title = QStringLiteral("Scan %1%2").arg(scan).arg(at);
-        if (isLibrary) {
-            const QString name = shared->run->compound(scan).name;
-            data->title = name.isEmpty() ? QStringLiteral("Entry %1").arg(scan) : name;
-        }
         try {
-            const MsSpectrum spectrum = shared->run->spectrum(scan);
-            if (!spectrum.isRead())
-                data->failure = QStringLiteral("Scan %1 can't be read: %2.")
-                                    .arg(QString::number(scan), spectrum.failure());
-            const double *masses = spectrum.masses();
-            const double *intensities = spectrum.intensities();
-            for (qint32 i = 0; i < spectrum.size(); ++i) {
-                if (std::abs(masses[i]) > largestDrawn || std::abs(intensities[i]) > largestDrawn)
-                    continue;
-                data->masses.push_back(masses[i]);
-                data->intensities.push_back(intensities[i]);
-            }
+            *data = spectrumOf(*shared->run, scan, *summary);
         } catch (const std::bad_alloc &) {
+            data->scan = scan;
             data->failure = QStringLiteral("There is not enough memory for scan %1.").arg(scan);
         }
         answer(self, [this, data, request] {
@@ -443,31 +327,17 @@ void RunModel::requestSpectrum(qint32 scan)
 
 void RunModel::requestAverage(const MsInterval &times, const MsInterval &background)
 {
-    if (!summary_.hasTimes) {
+    if (!summary().hasTimes) {
         emit failed(
             QStringLiteral("The run has no times, so its scans can't be averaged over a range of them."));
         return;
     }
     const quint64 request = ++shared_->newestSpectrum;
-    const auto inRun = [unit = summary_.timeUnit](const MsInterval &shown) {
-        return MsInterval{shown.from * unit, shown.to * unit};
-    };
-    const bool isLess = isGiven(background);
-    const double width = summary_.isProfile ? 0.0 : centroidWidth;
-    QString title = QStringLiteral("Average of %1").arg(rangeText(times, summary_));
-    if (isLess)
-        title += QStringLiteral(", less the background of %1; what fell below zero is left out")
-                     .arg(rangeText(background, summary_));
     startLong(Kind::Average, QStringLiteral("Averaging scans"),
-              [=, isProfile = summary_.isProfile](const MsRun &run, const Progress &progress) -> Answer {
-                  auto data = std::make_shared<SpectrumData>();
-                  MsPeaks peaks = run.averaged(inRun(times), width, progress);
-                  if (isLess)
-                      subtract(run.averaged(inRun(background), width, progress), width / 2.0, &peaks);
-                  data->title = title;
-                  data->isProfile = isProfile;
-                  data->masses = std::move(peaks.masses);
-                  data->intensities = std::move(peaks.intensities);
+              [this, times, background, request, summary = summary_](const MsRun &run,
+                                                                     const Progress &progress) -> Answer {
+                  auto data = std::make_shared<SpectrumData>(
+                      averageOf(run, times, background, *summary, progress));
                   return [this, data, request] {
                       if (shared_->newestSpectrum == request)
                           emit spectrumRead(*data);

@@ -31,8 +31,14 @@ public:
     // The sentence that says why the file was refused.
     QString refusal() const { return refusal_; }
 
-    const RunSummary &summary() const { return summary_; }
+    const RunSummary &summary() const { return *summary_; }
     const ScanSums &sums() const { return sums_; } // empty until sumsRead
+    // A number for each scan; empty until known. The summed totals where there are no stored ones.
+    const std::vector<double> &trace(TraceSource source) const;
+    // Returns the scan where that trace is highest; the first one where no number is known, -1 without
+    // scans.
+    qint32 highestScan(TraceSource source) const;
+
     const RunDoubts &doubts() const { return doubts_; }
     const InfoNode &attributes() const { return attributes_; } // empty until attributesRead
     const std::vector<MsCompound> &compounds() const { return compounds_; }
@@ -42,8 +48,7 @@ public:
     // What is guessed of the modulation, by the stored totals or else by the summed ones.
     const MsModulation &modulation() const;
 
-    // The time of a scan as it is shown: its number where the run has no times.
-    double shownTime(qint32 scan) const;
+    double shownTime(qint32 scan) const { return summary_->shownTime(scan); }
     // Returns the scan whose shown time is nearest; -1 where there is none.
     qint32 scanAt(double shownTime) const;
 
@@ -55,8 +60,9 @@ public:
     void requestHostScan(qint32 scan);
     void requestTraces(const std::vector<ExtractedTrace> &wanted);
 
-    // Reads all scans for the sums, as it happens without asking once the file is open.
-    void requestSums();
+    // Reads all scans for the sums, and the compounds of a library, as it happens without asking once the
+    // file is open. What is known already isn't read again.
+    void requestRest();
 
     // Whether long work is under way, and the call that ends all of it.
     bool isBusy() const { return !tickets_.empty(); }
@@ -83,6 +89,7 @@ private:
 
     void open();
     void readAttributes();
+    void readSums();
     void readCompounds();
     void takeSummary(RunSummary summary);
 
@@ -99,7 +106,8 @@ private:
     std::shared_ptr<Shared> shared_;
     State state_ = State::Opening;
     QString refusal_;
-    RunSummary summary_;
+    // The reading thread has it, too; it doesn't change once the file is open.
+    std::shared_ptr<const RunSummary> summary_ = std::make_shared<const RunSummary>();
     std::vector<std::pair<double, qint32>> scansByTime_;
     ScanSums sums_;
     RunDoubts doubts_;

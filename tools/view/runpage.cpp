@@ -1,6 +1,7 @@
 #include "runpage.h"
 
 #include "compoundlist.h"
+#include "conversion.h"
 #include "filetree.h"
 #include "mappane.h"
 #include "mapplot.h"
@@ -9,16 +10,14 @@
 #include "peaktable.h"
 #include "plotimage.h"
 #include "spectrumplot.h"
+#include "tracepane.h"
 #include "traceplot.h"
+#include "typedplace.h"
 #include "viewexport.h"
 
-#include <QComboBox>
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -28,6 +27,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -38,25 +38,6 @@ constexpr qint32 manyScans = 10;
 constexpr double zoomStep = 0.7;
 constexpr double moveStep = 0.2;
 constexpr std::size_t largestTraced = 3;
-
-struct SourceRow {
-    RunPage::Source source;
-    const char *name; // in the list of sources and at the axis
-};
-
-constexpr SourceRow sourceRows[] = {
-    // clang-format off
-    {RunPage::Source::Stored,   "Total, stored"},
-    {RunPage::Source::Summed,   "Total, summed"},
-    {RunPage::Source::BasePeak, "Base peak"},
-    // clang-format on
-};
-
-const SourceRow &rowOf(RunPage::Source source)
-{
-    return *std::find_if(std::begin(sourceRows), std::end(sourceRows),
-                         [source](const SourceRow &row) { return row.source == source; });
-}
 
 QString writeImage(RunPlot *plot, const QString &name, OutputFile *output)
 {
@@ -75,7 +56,8 @@ QCPRange rangeOf(const MsInterval &interval)
 
 RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent)
     : QWidget(parent), model_(new RunModel(thread, fileName, this)), stack_(new QStackedWidget),
-      sentence_(new QLabel), average_(noInterval), background_(noInterval)
+      sentence_(new QLabel), conversion_(new Conversion(this)), average_(noInterval),
+      background_(noInterval)
 {
     sentence_->setText(QStringLiteral("Opening %1 \u2026").arg(model_->shownName()));
     sentence_->setTextFormat(Qt::PlainText);
@@ -87,7 +69,9 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
     spectrum_ = new SpectrumPlot;
     down_ = new QSplitter(Qt::Vertical);
     views_ = new QStackedWidget;
-    views_->addWidget(makeTracePane());
+    tracePane_ = new TracePane;
+    trace_ = tracePane_->plot();
+    views_->addWidget(tracePane_);
     map_ = new MapPane;
     views_->addWidget(map_);
     down_->addWidget(views_);
@@ -96,9 +80,9 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
     across_ = new QSplitter(Qt::Horizontal);
     across_->addWidget(down_);
     across_->addWidget(makeSide());
-    down_->setSizes({1000, 1000}); // as parts
-    across_->setSizes({3000, 1000});
-    across_->setStretchFactor(0, 3);
+    down_->setSizes({3000, 2000}); // as parts
+    across_->setSizes({2000, 1000});
+    across_->setStretchFactor(0, 2);
     across_->setStretchFactor(1, 1);
     remark_ = new QLabel;
     remark_->setTextFormat(Qt::RichText);
@@ -120,44 +104,6 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
     connectParts();
 }
 
-RunPage::~RunPage()
-{
-    if (!conversion_)
-        return;
-    constexpr int patience = 3000; // ms, in which it removes what it has begun
-    conversion_->disconnect(this);
-    conversion_->terminate();
-    conversion_->waitForFinished(patience);
-}
-
-QWidget *RunPage::makeTracePane()
-{
-    sources_ = new QComboBox;
-    sources_->setToolTip(QStringLiteral("What the trace is made of"));
-    masses_ = new QLineEdit;
-    masses_->setPlaceholderText(QStringLiteral("Masses, such as 43, 57-71"));
-    masses_->setToolTip(
-        QStringLiteral("Traces of these masses and ranges of masses. A click on a peak adds its mass."));
-    masses_->setClearButtonEnabled(true);
-    goTo_ = new QLineEdit;
-    goTo_->setPlaceholderText(QStringLiteral("Scan or time"));
-    goTo_->setToolTip(QStringLiteral("Go to a scan, such as 344, or to a time, such as 6.44"));
-    goTo_->setMaximumWidth(fontMetrics().horizontalAdvance(QLatin1Char('x')) * 20);
-    trace_ = new TracePlot;
-    tracePane_ = new QWidget;
-    auto *bar = new QHBoxLayout;
-    bar->setContentsMargins(4, 4, 4, 2);
-    bar->addWidget(sources_);
-    bar->addWidget(masses_, 1);
-    bar->addWidget(goTo_);
-    auto *layout = new QVBoxLayout(tracePane_);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addLayout(bar);
-    layout->addWidget(trace_, 1);
-    return tracePane_;
-}
-
 QWidget *RunPage::makeSide()
 {
     tree_ = new FileTree;
@@ -166,7 +112,7 @@ QWidget *RunPage::makeSide()
     side_->addTab(tree_, QStringLiteral("File"));
     side_->addTab(peaks_, QStringLiteral("Peaks"));
     side_->setDocumentMode(true);
-    side_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('x')) * 34);
+    side_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('x')) * 24);
     return side_;
 }
 
@@ -179,7 +125,8 @@ void RunPage::connectParts()
     });
     connect(model_, &RunModel::attributesRead, this,
             [this] { tree_->setAttributes(model_->attributes()); });
-    connect(model_, &RunModel::doubtsChanged, this, [this] { tree_->setDoubts(model_->doubts()); });
+    connect(model_, &RunModel::doubtsChanged, this,
+            [this] { tree_->setDoubts(model_->doubts(), model_->fileName()); });
     connect(model_, &RunModel::compoundsRead, this, [this] {
         if (compounds_)
             compounds_->setCompounds(model_->compounds(), model_->summary().size);
@@ -213,7 +160,7 @@ void RunPage::connectParts()
     });
     connect(remark_, &QLabel::linkActivated, this, [this] {
         say(QString());
-        model_->requestSums();
+        model_->requestRest();
     });
     connect(trace_, &TracePlot::timePicked, this,
             [this](double time) { showScan(model_->scanAt(time)); });
@@ -221,17 +168,13 @@ void RunPage::connectParts()
         showAverage({times.lower, times.upper}, isBackground);
     });
     connect(trace_, &TracePlot::curveRemoved, this, &RunPage::removeCurve);
-    connect(spectrum_, &SpectrumPlot::massPicked, this, &RunPage::addMass);
-    connect(peaks_, &PeakTable::massPicked, this, &RunPage::addMass);
+    connect(spectrum_, &SpectrumPlot::massPicked, this, [this](double mass) { addMasses({mass}); });
+    connect(peaks_, &PeakTable::massPicked, this, [this](double mass) { addMasses({mass}); });
     connect(tree_, &FileTree::scanNamed, this, &RunPage::showScan);
-    connect(masses_, &QLineEdit::returnPressed, this, [this] { setMasses(masses_->text()); });
-    connect(masses_, &QLineEdit::textChanged, this, [this](const QString &text) {
-        if (text.isEmpty())
-            setMasses(text);
-    });
-    connect(goTo_, &QLineEdit::returnPressed, this, [this] { goTo(goTo_->text()); });
-    connect(sources_, qOverload<int>(&QComboBox::activated), this,
-            [this](int place) { setSource(Source(sources_->itemData(place).toInt())); });
+    connect(tracePane_, &TracePane::massesTyped, this, &RunPage::setMasses);
+    connect(tracePane_, &TracePane::placeTyped, this, &RunPage::goTo);
+    connect(tracePane_, &TracePane::sourceChosen, this, &RunPage::setSource);
+    connect(conversion_, &Conversion::said, this, &RunPage::say);
     connect(map_->plot(), &MapPlot::scanPicked, this, &RunPage::showScan);
     trace_->setDescription([this](double time, double *nearest) { return describe(time, nearest); });
 }
@@ -242,17 +185,18 @@ void RunPage::takeRun()
     if (summary.kind == MsRun::Kind::Library) {
         compounds_ = new CompoundList;
         connect(compounds_, &CompoundList::entryChosen, this, &RunPage::showScan);
+        connect(compounds_, &CompoundList::tracesAsked, this, [this] { emit tracesAsked(shown_); });
         views_->hide();
         down_->insertWidget(0, compounds_);
         down_->setSizes({1000, 0, 1000});
     }
     spectrum_->setVisible(summary.kind != MsRun::Kind::Trace);
-    masses_->setVisible(summary.kind != MsRun::Kind::Trace);
+    tracePane_->setMassesVisible(summary.kind != MsRun::Kind::Trace);
     side_->setTabEnabled(1, summary.kind != MsRun::Kind::Trace);
     trace_->setTitle(summary.title.isEmpty()
                          ? model_->shownName()
                          : QStringLiteral("%1: %2").arg(model_->shownName(), summary.title));
-    tree_->setDoubts(model_->doubts());
+    tree_->setDoubts(model_->doubts(), model_->fileName());
     map_->setTimes(model_->seconds());
     map_->plot()->setTitle(trace_->title());
     source_ = summary.hasStored || summary.kind == MsRun::Kind::Trace ? Source::Stored : Source::Summed;
@@ -265,45 +209,24 @@ void RunPage::takeRun()
         say(QStringLiteral("The run has no scans."));
 }
 
-bool RunPage::has(Source source) const
-{
-    if (source == Source::Stored)
-        return model_->summary().hasStored || model_->summary().kind == MsRun::Kind::Trace;
-    return model_->summary().kind == MsRun::Kind::Spectra;
-}
-
 void RunPage::fillSources()
 {
-    sources_->clear();
-    for (const SourceRow &row : sourceRows) {
-        if (!has(row.source))
-            continue;
-        sources_->addItem(QString::fromLatin1(row.name), int(row.source));
-        if (row.source == source_)
-            sources_->setCurrentIndex(sources_->count() - 1);
+    std::vector<Source> sources;
+    for (const Source source : {Source::Stored, Source::Summed, Source::BasePeak}) {
+        if (model_->summary().has(source))
+            sources.push_back(source);
     }
-}
-
-const std::vector<double> &RunPage::values(const RunModel &run) const
-{
-    switch (source_) {
-    case Source::Stored:
-        return run.summary().hasStored ? run.summary().storedTotals : run.sums().totals;
-    case Source::Summed:
-        return run.sums().totals;
-    default:
-        return run.sums().basePeaks;
-    }
+    tracePane_->setSources(sources, source_);
 }
 
 void RunPage::setSource(Source source)
 {
-    if (!has(source))
+    if (!model_->summary().has(source))
         return;
     source_ = source;
     hasChosenSource_ = true;
-    if (source != Source::Stored && model_->sums().totals.empty())
-        model_->requestSums();
+    if (source != Source::Stored)
+        model_->requestRest();
     fillSources();
     showTraces(true);
     trace_->fitHeight();
@@ -321,14 +244,14 @@ void RunPage::showTraces(bool keepsView)
     if (model_->state() != RunModel::State::Open || model_->summary().kind == MsRun::Kind::Library)
         return;
     const std::vector<double> times = timesOf(*model_);
-    const QString name = QString::fromLatin1(rowOf(source_).name);
+    const QString name = sourceName(source_);
     std::vector<TraceCurve> curves{
-        {overlay_.runs.isEmpty() ? name : model_->shownName(), times, values(*model_)}};
+        {overlay_.runs.isEmpty() ? name : model_->shownName(), times, model_->trace(source_)}};
     for (const ExtractedTrace &trace : traces_)
         curves.push_back({QStringLiteral("m/z %1").arg(trace.name), times, trace.values});
     for (const QPointer<RunModel> &run : qAsConst(overlay_.runs)) {
         if (run && run->state() == RunModel::State::Open)
-            curves.push_back({run->shownName(), timesOf(*run), values(*run)});
+            curves.push_back({run->shownName(), timesOf(*run), run->trace(source_)});
     }
     trace_->setLabels(model_->summary().timeLabel, name);
     trace_->setCurves(curves, keepsView);
@@ -339,7 +262,7 @@ void RunPage::fillMap()
 {
     const MsModulation &guess = model_->modulation();
     std::vector<MapPane::Values> values;
-    values.push_back({trace_->yAxis->label(), this->values(*model_)});
+    values.push_back({trace_->yAxis->label(), model_->trace(source_)});
     for (const ExtractedTrace &trace : traces_)
         values.push_back({QStringLiteral("m/z %1").arg(trace.name), trace.values});
     map_->setValues(values);
@@ -375,15 +298,8 @@ RunPlot *RunPage::upperPlot() const
 
 void RunPage::showHighest()
 {
-    const std::vector<double> &totals = values(*model_);
-    qint32 highest = model_->summary().size > 0 ? 0 : -1;
-    for (std::size_t scan = 0; scan < totals.size(); ++scan) {
-        const double best = totals[std::size_t(highest)];
-        if (totals[scan] > best || (std::isnan(best) && !std::isnan(totals[scan])))
-            highest = qint32(scan);
-    }
-    if (highest != -1 && model_->summary().kind == MsRun::Kind::Spectra)
-        showScan(highest);
+    if (model_->summary().kind == MsRun::Kind::Spectra)
+        showScan(model_->highestScan(source_));
 }
 
 void RunPage::showScan(qint32 scan)
@@ -412,26 +328,36 @@ void RunPage::stepScans(qint32 by)
     showScan(qint32(wanted));
 }
 
+void RunPage::stepModulations(int by)
+{
+    const double time = model_->shownTime(wanted_) + by * map_->length() / model_->summary().timeUnit;
+    const qint32 scan = model_->scanAt(time);
+    const double reached = model_->shownTime(scan) * model_->summary().timeUnit;
+    const double length = map_->length();
+    // Not at the ends of the run, where the nearest scan is one of the same modulation.
+    if (scan != -1 && std::abs(reached - time * model_->summary().timeUnit) < length / 2.0)
+        showScan(scan);
+}
+
 void RunPage::goTo(const QString &text)
 {
-    static const QRegularExpression scanPattern(QStringLiteral("^\\s*(?:scan\\s*)?(\\d{1,9})\\s*$"),
-                                                QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression timePattern(
-        QStringLiteral("^\\s*([-+]?\\d*\\.?\\d+)\\s*(?:min)?\\s*$"));
-    const QRegularExpressionMatch scan = scanPattern.match(text);
-    const QRegularExpressionMatch time = timePattern.match(text);
-    if (scan.hasMatch() && scan.captured(1).toInt() >= model_->summary().size)
+    const std::optional<TypedPlace> place = typedPlace(text);
+    say(QString());
+    if (!place)
+        say(QStringLiteral("\"%1\" is neither a scan, such as 344, nor a time, such as 6.44, nor a range "
+                           "of times, such as 6.4-6.5.")
+                .arg(text));
+    else if (place->kind == TypedPlace::Kind::Time)
+        showScan(model_->scanAt(place->time));
+    else if (place->kind == TypedPlace::Kind::Average) {
+        background_ = place->background.value_or(noInterval);
+        showAverage(place->average, false);
+    } else if (place->scan < model_->summary().size)
+        showScan(place->scan);
+    else
         say(QStringLiteral("There is no scan %1: the run has %2 scans, counted from 0.")
-                .arg(scan.captured(1))
+                .arg(place->scan)
                 .arg(model_->summary().size));
-    else if (scan.hasMatch()) {
-        say(QString());
-        showScan(scan.captured(1).toInt());
-    } else if (time.hasMatch()) {
-        say(QString());
-        showScan(model_->scanAt(time.captured(1).toDouble()));
-    } else
-        say(QStringLiteral("\"%1\" is neither a scan, such as 344, nor a time, such as 6.44.").arg(text));
 }
 
 void RunPage::showAverage(const MsInterval &times, bool isBackground)
@@ -473,27 +399,29 @@ void RunPage::setMasses(const QString &text)
     say(fault);
     if (!windows)
         return;
-    if (masses_->text() != text) {
-        const QSignalBlocker quiet(masses_);
-        masses_->setText(text);
-    }
+    tracePane_->setMasses(text);
     model_->requestTraces(*windows);
 }
 
 QString RunPage::masses() const
 {
-    return masses_->text();
+    return tracePane_->masses();
 }
 
-void RunPage::addMass(double mass)
+void RunPage::addMasses(const std::vector<double> &masses)
 {
-    if (model_->summary().kind != MsRun::Kind::Spectra || !(mass >= 0.5 && mass < 1e6))
+    if (model_->summary().kind != MsRun::Kind::Spectra)
         return;
-    const QString name = QString::number(std::lround(mass));
     QStringList names =
-        masses_->text().split(QRegularExpression(QStringLiteral("[,;]\\s*")), Qt::SkipEmptyParts);
-    if (!names.contains(name))
-        setMasses((names << name).join(QStringLiteral(", ")));
+        this->masses().split(QRegularExpression(QStringLiteral("[,;]\\s*")), Qt::SkipEmptyParts);
+    const int before = names.size();
+    for (const double mass : masses) {
+        const QString name = mass >= 0.5 && mass < 1e6 ? QString::number(std::lround(mass)) : QString();
+        if (!name.isEmpty() && !names.contains(name))
+            names += name;
+    }
+    if (names.size() > before)
+        setMasses(names.join(QStringLiteral(", ")));
 }
 
 void RunPage::removeCurve(int curve)
@@ -510,15 +438,16 @@ void RunPage::removeCurve(int curve)
 void RunPage::traceLargest(const SpectrumData &spectrum)
 {
     std::vector<std::size_t> places(spectrum.masses.size());
-    for (std::size_t i = 0; i < places.size(); ++i)
-        places[i] = i;
+    std::iota(places.begin(), places.end(), std::size_t(0));
     const std::size_t count = std::min(places.size(), largestTraced);
     std::partial_sort(places.begin(), places.begin() + std::ptrdiff_t(count), places.end(),
                       [&](std::size_t one, std::size_t other) {
                           return spectrum.intensities[one] > spectrum.intensities[other];
                       });
+    std::vector<double> largest;
     for (std::size_t i = 0; i < count; ++i)
-        addMass(spectrum.masses[places[i]]);
+        largest.push_back(spectrum.masses[places[i]]);
+    addMasses(largest);
 }
 
 void RunPage::setOverlay(const Overlay &overlay)
@@ -527,6 +456,11 @@ void RunPage::setOverlay(const Overlay &overlay)
     trace_->setStacking(overlay.isOffset, overlay.isNormalised);
     showTraces(true);
     trace_->fitHeight();
+}
+
+void RunPage::showSide(bool isShown)
+{
+    side_->setVisible(isShown);
 }
 
 void RunPage::setMirrored(const std::optional<SpectrumData> &spectrum)
@@ -589,28 +523,7 @@ QString RunPage::saveSpectrum(const QString &name)
 
 void RunPage::convertTo(const QString &name)
 {
-    if (conversion_)
-        return say(QStringLiteral("A conversion is under way."));
-    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/aia-convert");
-    if (!QFileInfo(program).isExecutable())
-        return say(QStringLiteral(
-            "The program aia-convert isn't beside this one, so the run can't be converted."));
-    conversion_ = new QProcess(this);
-    connect(conversion_, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
-            [this, name](int code, QProcess::ExitStatus status) {
-                const bool isDone = code == 0 && status == QProcess::NormalExit;
-                const QString words =
-                    QString::fromLocal8Bit(conversion_->readAllStandardError()).simplified();
-                say(isDone
-                        ? QStringLiteral("The run was converted to \"%1\". %2").arg(name, words).trimmed()
-                        : QStringLiteral("The run wasn't converted. %1").arg(words));
-                conversion_->deleteLater();
-                conversion_ = nullptr;
-            });
-    say(QStringLiteral("Converting \u2026"));
-    conversion_->start(program,
-                       {QStringLiteral("--quiet"), QStringLiteral("--force"), QStringLiteral("-o"), name,
-                        QStringLiteral("--"), model_->fileName()});
+    conversion_->start(model_->fileName(), name);
 }
 
 void RunPage::say(const QString &sentence)
@@ -630,14 +543,16 @@ QString RunPage::describe(double time, double *nearest) const
     if (scan == -1)
         return QString();
     *nearest = model_->shownTime(scan);
-    const std::vector<double> &totals = values(*model_);
+    const std::vector<double> &totals = model_->trace(source_);
     const double total = std::size_t(scan) < totals.size() ? totals[std::size_t(scan)] : unknown;
-    QString text = QStringLiteral("scan %1").arg(scan);
+    QStringList parts;
     if (model_->summary().hasTimes)
-        text = QStringLiteral("%1   %2").arg(QString::number(*nearest, 'f', 3), text);
+        parts += timeText(*nearest, model_->summary());
+    parts += QStringLiteral("scan %1").arg(scan);
     if (!std::isnan(total))
-        text += QStringLiteral("   %1").arg(QString::number(total, 'g', 7));
-    return text;
+        parts +=
+            QStringLiteral("%1 %2").arg(sourceName(source_).toLower(), QString::number(total, 'g', 7));
+    return parts.join(QStringLiteral(", "));
 }
 
 void RunPage::focusSearch()
@@ -648,18 +563,6 @@ void RunPage::focusSearch()
     }
     side_->setCurrentWidget(tree_);
     tree_->focusSearch();
-}
-
-void RunPage::focusMasses()
-{
-    masses_->setFocus(Qt::ShortcutFocusReason);
-    masses_->selectAll();
-}
-
-void RunPage::focusGoTo()
-{
-    goTo_->setFocus(Qt::ShortcutFocusReason);
-    goTo_->selectAll();
 }
 
 QByteArray RunPage::layoutState() const
@@ -690,8 +593,21 @@ void RunPage::keyPressEvent(QKeyEvent *event)
         const int sign = event->key() == Qt::Key_Left ? -1 : 1;
         if (isControl)
             return plot->move(sign * moveStep);
+        if (plot == map_->plot())
+            return stepModulations(sign);
         return stepScans(sign * fewScans);
     }
+    case Qt::Key_Up:
+    case Qt::Key_Down: {
+        const bool isUp = event->key() == Qt::Key_Up;
+        if (plot == map_->plot())
+            return stepScans(isUp ? fewScans : -fewScans);
+        if (plot == trace_)
+            return trace_->zoomHeight(isUp ? zoomStep : 1.0 / zoomStep);
+        return QWidget::keyPressEvent(event);
+    }
+    case Qt::Key_N:
+        return trace_->bringForward((trace_->inFront() + 1) % std::max(trace_->graphCount(), 1));
     case Qt::Key_PageUp:
         return stepScans(-manyScans);
     case Qt::Key_PageDown:
@@ -710,6 +626,7 @@ void RunPage::keyPressEvent(QKeyEvent *event)
     case Qt::Key_H:
         return trace_->fitHeight();
     case Qt::Key_Escape:
+        upperPlot()->setFocus(); // out of a field
         return model_->cancel();
     default:
         QWidget::keyPressEvent(event);

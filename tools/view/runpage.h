@@ -11,18 +11,17 @@
 #include <optional>
 
 class CompoundList;
+class Conversion;
 class FileTree;
 class MapPane;
 class PeakTable;
-class QComboBox;
 class QLabel;
-class QLineEdit;
-class QProcess;
 class QSplitter;
 class QStackedWidget;
 class QTabWidget;
 class RunPlot;
 class SpectrumPlot;
+class TracePane;
 class TracePlot;
 
 // How other runs' traces lie over a run's own.
@@ -37,12 +36,9 @@ class RunPage : public QWidget
     Q_OBJECT
 
 public:
-    // What the trace is made of.
-    enum class Source { Stored, Summed, BasePeak };
+    using Source = TraceSource;
 
     RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent = nullptr);
-    // Ends a conversion that is under way.
-    ~RunPage() override;
 
     RunModel *model() const { return model_; }
     TracePlot *trace() const { return trace_; }
@@ -65,7 +61,9 @@ public:
 
     // By so many scans, not beyond the first or last one.
     void stepScans(qint32 by);
-    // To a scan number, or to a time: a number with a decimal point or a unit. Says so if there is none.
+    // By so many modulations of the map, in the same place of the second dimension.
+    void stepModulations(int by);
+    // To a scan or a time, or to the average of a range, see typedPlace(). Says so if there is none.
     void goTo(const QString &text);
     void showAverage(const MsInterval &times, bool isBackground);
 
@@ -90,9 +88,11 @@ public:
     // Adds traces of the largest masses of a spectrum.
     void traceLargest(const SpectrumData &spectrum);
 
+    TracePane *tracePane() const { return tracePane_; }
     void focusSearch();
-    void focusMasses();
-    void focusGoTo();
+
+    // Shows what the file says and the peaks, beside the plots, or leaves the room to the plots.
+    void showSide(bool isShown);
 
     // What is said below the plots; null where nothing is.
     QString remark() const;
@@ -104,12 +104,13 @@ public:
 signals:
     void progressed(const QString &what, double part);
     void idle();
+    // The largest masses of an entry are to become traces of runs.
+    void tracesAsked(const SpectrumData &spectrum);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    QWidget *makeTracePane();
     QWidget *makeSide();
     void connectParts();
     void takeRun();
@@ -120,24 +121,20 @@ private:
     RunPlot *upperPlot() const;
     void showHighest();
     void askHost();
-    void addMass(double mass);
+    void addMasses(const std::vector<double> &masses);
     void removeCurve(int curve);
     void markShown();
     void say(const QString &sentence);
-    bool has(Source source) const;
-    const std::vector<double> &values(const RunModel &run) const;
     QString describe(double time, double *nearest) const;
 
     RunModel *model_;
     QStackedWidget *stack_;
     QLabel *sentence_;
+    Conversion *conversion_;
     QSplitter *across_ = nullptr;
     QSplitter *down_ = nullptr;
     QTabWidget *side_ = nullptr;
-    QComboBox *sources_ = nullptr;
-    QLineEdit *masses_ = nullptr;
-    QLineEdit *goTo_ = nullptr;
-    QWidget *tracePane_ = nullptr;
+    TracePane *tracePane_ = nullptr;
     MapPane *map_ = nullptr;
     QStackedWidget *views_ = nullptr; // trace and map
     TracePlot *trace_ = nullptr;
@@ -151,7 +148,6 @@ private:
     bool hasChosenSource_ = false;
     bool hasChosenView_ = false;
     bool showsHost_ = false;
-    QProcess *conversion_ = nullptr;
     SpectrumData shown_;
     qint32 wanted_ = -1; // the scan that was asked for last
     MsInterval average_;

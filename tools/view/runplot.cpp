@@ -14,7 +14,7 @@ RunPlot::RunPlot(QWidget *parent) : QCustomPlot(parent)
     setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
     xAxis->axisRect()->setRangeDrag(Qt::Horizontal);
     xAxis->axisRect()->setRangeZoom(Qt::Horizontal);
-    setMinimumSize(160, 100);
+    setMinimumSize(160, 150);
     titleElement_ = new QCPTextElement(this, QString(), font());
     titleElement_->setMargins(QMargins(0, 3, 0, 0));
     plotLayout()->insertRow(0);
@@ -33,27 +33,26 @@ RunPlot::RunPlot(QWidget *parent) : QCustomPlot(parent)
             [this](const QCPRange &range) { keepInBounds(xAxis, bounds_, range); });
     connect(yAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
             [this](const QCPRange &range) { keepInBounds(yAxis, heights_, range); });
+    connect(this, &QCustomPlot::beforeReplot, this, &RunPlot::fitTexts);
     applyLook();
 }
 
 void RunPlot::setTitle(const QString &title)
 {
     title_ = title;
-    fitTitle();
+    replot(rpQueuedReplot);
 }
 
-void RunPlot::fitTitle()
+void RunPlot::fitTexts()
 {
+    updateLayout(); // to know what room there is
     const QFontMetrics metrics(titleElement_->font());
     titleElement_->setText(
-        metrics.elidedText(title_.simplified(), Qt::ElideRight, width() - 2 * metrics.height()));
-    titleElement_->setMinimumSize(1, metrics.height());
-}
-
-void RunPlot::resizeEvent(QResizeEvent *event)
-{
-    fitTitle();
-    QCustomPlot::resizeEvent(event);
+        metrics.elidedText(title_.simplified(), Qt::ElideRight, titleElement_->rect().width()));
+    for (QCPAxisRect *rect : axisRects()) {
+        for (QCPAxis *axis : rect->axes())
+            PlotLook::fitTicks(axis);
+    }
 }
 
 void RunPlot::showAll()
@@ -159,7 +158,7 @@ void RunPlot::applyLook()
     PlotLook::apply(this);
     titleElement_->setFont(font());
     titleElement_->setTextColor(palette().color(QPalette::Text));
-    fitTitle();
+    titleElement_->setMinimumSize(1, QFontMetrics(font()).height());
     const QColor chosen = palette().color(QPalette::Highlight);
     QColor filled = chosen;
     filled.setAlpha(50);

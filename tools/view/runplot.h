@@ -45,15 +45,16 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
+
+    // Cuts the title and spaces the ticks by the room that there is.
+    virtual void fitTexts();
 
     // Gives what the class draws the palette's colours.
     virtual void applyLook();
 
 private:
     void keepInBounds(QCPAxis *axis, const QCPRange &bounds, const QCPRange &range);
-    void fitTitle();
 
     QString title_;
     QCPTextElement *titleElement_;

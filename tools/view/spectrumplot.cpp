@@ -174,16 +174,17 @@ void SpectrumPlot::fitHeight()
     if (!(most > least))
         most = 1.0;
     // Room for the labels of the highest peaks, at each end that has some.
-    const double label = 2.0 * QFontMetricsF(font()).lineSpacing() + 2.0 * labelGap;
+    const double label = QFontMetricsF(font()).size(0, labelOf(0.0, 0.0)).height() + 2.0 * labelGap;
     const double room = (least < 0.0 ? 2.0 : 1.0) * label;
-    const double inPlot = std::max(axisRect()->height() - room, room);
+    const double inPlot = std::max(axisRect()->height() - room, axisRect()->height() / 4.0);
     const double perPixel = (most - least) / inPlot;
     yAxis->setRange(least < 0.0 ? least - label * perPixel : 0.0, most + label * perPixel);
 }
 
 void SpectrumPlot::placeLabels()
 {
-    updateLayout(); // labels go by pixels
+    fitHeight();
+    updateLayout(); // labels go by pixels, and the axis takes more of them for longer numbers
     fitHeight();
     std::vector<QRectF> taken;
     int used = 0;
@@ -193,6 +194,20 @@ void SpectrumPlot::placeLabels()
         labels_[i]->setVisible(false);
     shownLabels_ = used;
     places_ = std::move(taken);
+}
+
+bool SpectrumPlot::isCrossed(const Side &side, const QRectF &place, double factor) const
+{
+    const double near = factor > 0.0 ? place.bottom() : place.top(); // the edge next to the peak's tip
+    const double height = yAxis->pixelToCoord(near) / factor;
+    const double last = xAxis->pixelToCoord(place.right());
+    for (auto peak = std::lower_bound(side.peaks.begin(), side.peaks.end(),
+                                      xAxis->pixelToCoord(place.left()), isBefore);
+         peak != side.peaks.end() && peak->key <= last; ++peak) {
+        if (peak->value > height)
+            return true;
+    }
+    return false;
 }
 
 void SpectrumPlot::labelSide(const Side &side, double sign, std::vector<QRectF> *taken, int *used)
@@ -223,12 +238,23 @@ void SpectrumPlot::labelSide(const Side &side, double sign, std::vector<QRectF> 
         const QSizeF size = metrics.size(0, text);
         const double tip = yAxis->coordToPixel(peak->value * factor);
         const double top = sign > 0.0 ? tip - labelGap - size.height() : tip + labelGap;
-        const QRectF place(QPointF(xAxis->coordToPixel(peak->key) - size.width() / 2.0, top), size);
-        const QRectF room = place.adjusted(-labelGap, -1.0, labelGap, 1.0);
-        const bool isFree = inside.contains(place)
-            && std::none_of(taken->begin(), taken->end(),
-                            [&](const QRectF &other) { return other.intersects(room); });
-        if (!isFree)
+        const auto isFree = [&](const QRectF &place) {
+            const QRectF room = place.adjusted(-labelGap, -1.0, labelGap, 1.0);
+            return inside.contains(place)
+                && std::none_of(taken->begin(), taken->end(),
+                                [&](const QRectF &other) { return other.intersects(room); })
+                && !isCrossed(side, place, factor);
+        };
+        // Above the peak, or else to its left or right, beside a higher one.
+        const double middle = xAxis->coordToPixel(peak->key);
+        QRectF place;
+        for (const double left : {middle - size.width() / 2.0, middle - size.width(), middle}) {
+            place = QRectF(QPointF(left, top), size);
+            if (isFree(place))
+                break;
+            place = QRectF();
+        }
+        if (place.isNull())
             continue;
         if (std::size_t(*used) == labels_.size()) {
             labels_.push_back(new QCPItemText(this));

@@ -54,6 +54,8 @@ private:
     void update();
     void fitHeight();
     void placeLabels();
+    // Whether peaks or a profile run through the place of a label. `factor`: from intensity to the axis.
+    bool isCrossed(const Side &side, const QRectF &place, double factor) const;
     void labelSide(const Side &side, double sign, std::vector<QRectF> *taken, int *used);
     void pickAt(const QPointF &place);
 

@@ -188,6 +188,12 @@ void TracePlot::fitHeight()
     replot(rpQueuedReplot);
 }
 
+void TracePlot::zoomHeight(double factor)
+{
+    yAxis->setRange(yAxis->range().lower, yAxis->range().lower + factor * yAxis->range().size());
+    replot(rpQueuedReplot);
+}
+
 bool TracePlot::selectsRange(Qt::KeyboardModifiers modifiers) const
 {
     return modifiers == Qt::ShiftModifier || modifiers == Qt::ControlModifier;

@@ -42,7 +42,8 @@ public:
     void setDescription(Describe describe) { describe_ = std::move(describe); }
 
     void showAll() override;
-    void fitHeight(); // to what is seen
+    void fitHeight();               // to what is seen
+    void zoomHeight(double factor); // from zero up
 
     QString pointerText() const { return pointerText_->text(); }
 

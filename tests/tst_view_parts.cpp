@@ -1,0 +1,191 @@
+// What stands behind the window of aia-view: texts that people type, folded traces, and images without a
+// window.
+
+#include "masswindows.h"
+#include "modulationmap.h"
+#include "program.h"
+#include "rows.h"
+#include "typedplace.h"
+
+#include <QImage>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+
+namespace {
+
+struct Windows {
+    QString text;
+    QList<QPair<double, double>> windows{};
+    QString fault{};
+};
+
+struct Typed {
+    QString text;
+    QString meaning; // "none", or the kind and its numbers
+};
+
+struct Drawn {
+    QString kind; // of the sample
+    QStringList options;
+    QString fault{}; // in place of an image
+};
+
+struct Folded {
+    double length = 0.0;
+    double shift = 0.0;
+    int columns = 0;
+    int rows = 0;
+    QList<int> first{}; // scans of the first column
+    QString fault{};
+};
+
+} // namespace
+
+class TestViewParts : public QObject
+{
+    Q_OBJECT
+
+    const QTemporaryDir folder;
+
+    QString sample(const QString &name) const { return folder.filePath(name + QStringLiteral(".cdf")); }
+
+private slots:
+    void initTestCase()
+    {
+        for (const char *kind : {"gcms", "gcxgc", "library", "tic"}) {
+            const Run made = runProgram(AIA_TOOLS "/aia-sample", {kind, "--seed", "3", sample(kind)});
+            QCOMPARE(made.code, 0);
+        }
+    }
+
+    void massWindows_data()
+    {
+        const Rows<Windows> row;
+        row("nothing") = {""};
+        row("several") = {"43, 57-71;100", {{42.5, 43.5}, {57, 71}, {99.5, 100.5}}};
+        row("decimals") = {"43.05", {{43.045, 43.055}}};
+        row("empty parts") = {" ,43,, ", {{42.5, 43.5}}};
+        row("words") = {"43, x", {}, "\"x\" is neither a mass nor a range such as 57-71."};
+        row("negative") = {"-43", {}, "\"-43\" is neither a mass nor a range such as 57-71."};
+        row("backwards") = {"71-57", {}, "The range \"71-57\" ends before it begins."};
+        row("too many") = {QString("1,").repeated(65), {}, "More than 64 traces can't be shown at once."};
+    }
+    void massWindows()
+    {
+        const Windows &row = Rows<Windows>::current();
+        QString fault;
+        const auto windows = ::massWindows(row.text, &fault);
+        QCOMPARE(fault, row.fault);
+        QCOMPARE(windows.has_value(), row.fault.isEmpty());
+        for (int i = 0; windows && i < row.windows.size(); ++i) {
+            QCOMPARE(windows->size(), std::size_t(row.windows.size()));
+            QCOMPARE((*windows)[std::size_t(i)].masses.from, row.windows[i].first);
+            QCOMPARE((*windows)[std::size_t(i)].masses.to, row.windows[i].second);
+        }
+    }
+
+    void typedPlaces_data()
+    {
+        const Rows<Typed> row;
+        row("scan") = {" 344 ", "scan 344"};
+        row("scan by name") = {"Scan 12", "scan 12"};
+        row("time") = {"6.44", "time 6.44"};
+        row("time with its unit") = {"6 min", "time 6"};
+        row("negative time") = {"-1.5", "time -1.5"};
+        row("range") = {"6.4-6.5", "average 6.4 6.5"};
+        row("range backwards") = {"7 - 6 min", "average 6 7"};
+        row("range less background") = {"6.4-6.5, 6-6.2", "average 6.4 6.5 less 6 6.2"};
+        row("too large for a scan") = {"12345678901", "time 12345678901"};
+        row("half a range") = {"6.4-", "none"};
+        row("two points") = {"6.4.5", "none"};
+        row("words") = {"here", "none"};
+        row("nothing") = {"", "none"};
+    }
+    void typedPlaces()
+    {
+        const Typed &row = Rows<Typed>::current();
+        const std::optional<TypedPlace> place = typedPlace(row.text);
+        QString meaning = "none";
+        const auto number = [](double value) { return QString::number(value, 'g', 12); };
+        if (place && place->kind == TypedPlace::Kind::Scan)
+            meaning = QString("scan %1").arg(place->scan);
+        else if (place && place->kind == TypedPlace::Kind::Time)
+            meaning = "time " + number(place->time);
+        else if (place)
+            meaning = QString("average %1 %2").arg(number(place->average.from), number(place->average.to));
+        if (place && place->background)
+            meaning += QString(" less %1 %2").arg(number(place->background->from), number(place->background->to));
+        QCOMPARE(meaning, row.meaning);
+    }
+
+    void foldsTraces_data()
+    {
+        const QString noTimes = "The run has no times that a map could be made of.";
+        const Rows<Folded> row;
+        row("whole modulations") = {4, 0, 3, 4, {0, 1, 2, 3}};
+        row("shifted") = {4, 1, 4, 4, {-1, 0, 1, 2}};
+        row("shifted back") = {4, -1, 4, 4, {-1, -1, -1, 0}};
+        row("shifted by a modulation") = {4, 4, 3, 4, {0, 1, 2, 3}};
+        row("last one in part") = {5, 0, 3, 5, {0, 1, 2, 3, 4}};
+        row("no length") = {0, 0, 0, 0, {}, noTimes};
+        row("too short") = {1, 0, 0, 0, {}, "A modulation of 1 s is too short for scans that are 0.98 s apart."};
+    }
+    void foldsTraces()
+    {
+        const Folded &row = Rows<Folded>::current();
+        std::vector<double> times;
+        for (int scan = 0; scan < 12; ++scan)
+            times.push_back(100.0 + scan + (scan % 2 == 0 ? 0.01 : -0.01)); // rounded
+        QString fault;
+        const ModulationMap map = foldTrace(times, times, row.length, row.shift, &fault);
+        QCOMPARE(fault, row.fault);
+        QCOMPARE(map.columns, row.columns);
+        QCOMPARE(map.rows, row.rows);
+        for (int i = 0; i < row.first.size(); ++i)
+            QCOMPARE(map.scan(0, i), row.first[i]);
+        times.push_back(1e12);
+        foldTrace(times, times, 4.0, 0.0, &fault);
+        if (row.fault.isEmpty())
+            QCOMPARE(fault, QString("The times of the run have gaps that are too long for a map."));
+    }
+
+    void drawsImages_data()
+    {
+        const Rows<Drawn> row;
+        row("trace") = {"gcms", {"--trace"}};
+        row("scan") = {"gcms", {"--scan", "344"}};
+        row("time") = {"gcms", {"--at", "6.44"}};
+        row("map") = {"gcxgc", {"--map"}};
+        row("compound") = {"library", {"--scan", "2"}};
+        row("no map") = {"gcms", {"--map"}, "doesn't show the length of the modulation"};
+        row("no spectra") = {"tic", {"--scan", "2"}, "The run has no masses"};
+        row("no such scan") = {"gcms", {"--scan", "2000"}, "There is no scan 2000"};
+        row("no trace") = {"library", {"--trace"}, "A library has no trace"};
+    }
+    void drawsImages()
+    {
+        const Drawn &row = Rows<Drawn>::current();
+        for (const auto &[ending, beginning] :
+             {std::pair("png", "\x89PNG"), std::pair("pdf", "%PDF"), std::pair("svg", "<?xml")}) {
+            const QString image = folder.filePath(QStringLiteral("image.") + ending);
+            QFile::remove(image);
+            const QStringList arguments =
+                QStringList{"--size", "400x300", "--image", image} + row.options + QStringList(sample(row.kind));
+            const Run drawn = runProgram(AIA_TOOLS "/aia-view", arguments);
+            QVERIFY2(drawn.err.contains(row.fault.toUtf8()), drawn.err);
+            QCOMPARE(drawn.err.isEmpty(), row.fault.isEmpty());
+            QCOMPARE(drawn.code, row.fault.isEmpty() ? 0 : 1);
+            QCOMPARE(QFile::exists(image), row.fault.isEmpty());
+            if (!row.fault.isEmpty())
+                continue;
+            QVERIFY(content(image).startsWith(beginning));
+            if (ending == QLatin1String("png"))
+                QCOMPARE(QImage(image).size(), QSize(400, 300));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestViewParts)
+#include "tst_view_parts.moc"
