@@ -137,7 +137,7 @@ class Run(Sequence[Scan]):
         that they can't all be held.
         """
         first, end, _ = slice(first, end).indices(len(self))
-        return self._core.points(first, max(first, end))
+        return self._core.points(first, end)
 
     def eic(self, windows: Sequence[tuple[float, float]]) -> np.ndarray:
         """Returns extracted traces, shape (windows, scans), float64.

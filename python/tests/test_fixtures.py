@@ -113,6 +113,9 @@ def test_numbers(name):
             ),
             "totals": totals_agree(run, plain),
         }
+        distances = np.abs(run.times - 60.0)
+        nearest = None if np.isnan(distances).all() else np.nanargmin(distances)
+        assert getattr(run.scan_at(60.0), "index", None) == nearest
         codes = {doubt.code for doubt in run.doubts}
         for kind, agree in agreed.items():
             assert agree or codes & JUDGED[kind], f"{kind} differ, and no doubt says so: {codes}"

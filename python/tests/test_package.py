@@ -21,6 +21,7 @@ def test_scans_points_and_slices_agree(sample):
         assert run[-1].index == 199 and run.scan_at(run.times[7]).index == 7
         part = run.points(5, 8)
         assert np.array_equal(part[0], mz[offsets[5] : offsets[8]]) and part[2][-1] == len(part[0])
+        assert len(run.library) == 0 and run.to_xarray().time.attrs == {"units": "s"}
         # What was read outlives run and scan.
         kept = run[3].mz
     assert np.array_equal(kept, mz[offsets[3] : offsets[4]])
@@ -42,6 +43,19 @@ def test_traces_and_averages_are_those_of_the_points(sample):
         assert np.array_equal(peaks[0], masses)
         np.testing.assert_allclose(peaks[1], np.bincount(places, intensity[inside]) / 3, rtol=1e-12)
         np.testing.assert_allclose(run.summed_tic(), np.bincount(scan_of, intensity, 200), rtol=1e-12)
+
+
+def test_a_map_has_each_scan_where_its_time_lies(tmp_path):
+    """Late and early ones, two in one place, and places without one."""
+    times = [10.0, 10.5, 11.0, 11.5, 11.9, 12.6, 13.0, 13.1, 13.5, 14.0, 15.5]
+    scans = [aiams.ScanData(time, [50.0], [1.0], tic=i + 1) for i, time in enumerate(times)]
+    aiams.write(tmp_path / "run.cdf", scans)
+    expected = [[1, 2, 3, 4], [5, 6, 7.5, 9], [10, np.nan, np.nan, 11]]
+    with aiams.open(tmp_path / "run.cdf") as run:
+        np.testing.assert_array_equal(run.map(2.0), expected)
+        np.testing.assert_array_equal(run.map(2.0, -run.tic), np.negative(expected))
+        with pytest.raises(ValueError, match="one number for each scan"):
+            run.map(2.0, run.tic[1:])
 
 
 @pytest.mark.parametrize(
@@ -147,8 +161,10 @@ def test_a_handler_of_a_signal_cannot_close_what_is_read(sample):
 
 
 def test_times_that_are_no_seconds_are_not_written_as_such(tmp_path):
-    with pytest.raises(aiams.WriteError, match="isn't in seconds"):
-        aiams.write(tmp_path / "copy.cdf", aiams.open(FIXTURES / "time-units.cdf"))
+    with aiams.open(FIXTURES / "time-units.cdf") as run:
+        assert run.to_xarray().time.attrs == {}
+        with pytest.raises(aiams.WriteError, match="isn't in seconds"):
+            aiams.write(tmp_path / "copy.cdf", run)
 
 
 def test_a_child_process_opens_its_own(sample):
@@ -178,6 +194,7 @@ def test_ctrl_c_among_messages_is_not_lost():
             signal.raise_signal(signal.SIGINT)
             return True
 
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)  # a shell's job ignores it
     logger, press = logging.getLogger("aiams"), Press()
     logger.addFilter(press)
     logger.setLevel(logging.INFO)
@@ -188,6 +205,7 @@ def test_ctrl_c_among_messages_is_not_lost():
     finally:
         logger.removeFilter(press)
         logger.setLevel(logging.NOTSET)
+        signal.signal(signal.SIGINT, before)
 
 
 @pytest.mark.parametrize("source", ["sample", "groups", "attributes", "library"])
