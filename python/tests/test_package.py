@@ -24,6 +24,7 @@ def test_scans_points_and_slices_agree(sample):
         assert len(run.library) == 0 and run.to_xarray().time.attrs == {"units": "s"}
         # What was read outlives run and scan.
         kept = run[3].mz
+    assert run.closed
     assert np.array_equal(kept, mz[offsets[3] : offsets[4]])
     with pytest.raises(ValueError):
         kept[0] = 1.0
@@ -225,6 +226,9 @@ def test_written_again(sample, tmp_path, source):
             for old, new in zip(run.points(), again.points()):
                 assert old.dtype == new.dtype and np.array_equal(old, new)
             assert np.array_equal(run.times, again.times, equal_nan=True)
+            for old, new in zip(run, again):
+                assert old.numbers.items() <= new.numbers.items()  # some are worked out
+                assert all(map(np.array_equal, old.flags, new.flags))
             assert run.instruments == again.instruments
             assert list(map(repr, run.library)) == list(map(repr, again.library))
             assert [list(group.masses) for group in run.groups] == [list(group.masses) for group in again.groups]
@@ -264,6 +268,9 @@ def test_arrays_of_any_make_are_written(tmp_path, masses):
             if len(masses) > 0:
                 assert scan.mass_range == (min(masses), max(masses))
         assert run[0].time == 1.0
+    aiams.write(path, [(1.0, MASSES, MASSES), (2.0, MASSES.astype(np.float32), MASSES)], overwrite=True)
+    with aiams.open(path) as run:
+        assert run[1].mz.dtype == np.float64
 
 
 def test_texts_of_compounds(tmp_path):
