@@ -185,6 +185,17 @@ private slots:
                 QCOMPARE(QImage(image).size(), QSize(400, 300));
         }
     }
+
+    void drawsWhatIsLeft()
+    {
+        const QString image = folder.filePath(QStringLiteral("left.png"));
+        const QString cut = sample(QStringLiteral("cut"));
+        QVERIFY(writeFile(cut, content(sample(QStringLiteral("gcms"))).left(300000)));
+        const Run drawn = runProgram(AIA_TOOLS "/aia-view", {"--image", image, cut});
+        QVERIFY2(drawn.err.contains(" is cut off: ") && drawn.err.contains("The image lacks what is lost"), drawn.err);
+        QCOMPARE(drawn.code, 1);
+        QVERIFY(QFile::exists(image));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestViewParts)

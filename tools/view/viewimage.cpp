@@ -2,6 +2,7 @@
 
 #include "mappane.h"
 #include "mapplot.h"
+#include "namecodec.h"
 #include "outputfile.h"
 #include "plotimage.h"
 #include "runpage.h"
@@ -100,9 +101,15 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
     plot->setParent(&page);
     const QString failure =
         image.isEmpty() ? QStringLiteral("The image can't be drawn.") : writeBytes(&output, image);
-    for (const MsDoubt &doubt : page.model()->doubts().list)
+    bool isWhole = true;
+    for (const MsDoubt &doubt : page.model()->doubts().list) {
         report(doubt.text);
+        isWhole = isWhole && !doubt.isLoss;
+    }
+    if (!isWhole)
+        report(
+            QStringLiteral("The image lacks what is lost of the file \"%1\".").arg(shownName(fileName)));
     if (!failure.isNull())
         report(failure);
-    return failure.isNull() ? Success : Failure;
+    return failure.isNull() && isWhole ? Success : Failure;
 }
