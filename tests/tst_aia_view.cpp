@@ -58,6 +58,12 @@ void drag(QWidget *widget, Qt::MouseButton button, Qt::KeyboardModifiers modifie
     QTest::mouseRelease(widget, button, modifiers, to);
 }
 
+QCPRange valuesOf(const QCPGraph *graph)
+{
+    bool isFound = false;
+    return graph->getValueRange(isFound);
+}
+
 std::vector<double> keysOf(const QCPGraph *graph)
 {
     std::vector<double> keys;
@@ -88,6 +94,15 @@ class TestAiaView : public QObject
             || (model->state() == RunModel::State::Open && !model->isBusy() && !model->attributes().children.empty());
     }
 
+    void trigger(const QString &text) const
+    {
+        for (QAction *action : window->findChildren<QAction *>()) {
+            if (action->text() == text)
+                return action->trigger();
+        }
+        QFAIL(qPrintable(text));
+    }
+
     // Opens a file and waits until all of it is read.
     void open(const QString &path)
     {
@@ -109,7 +124,7 @@ private slots:
             const Run made = runProgram(AIA_TOOLS "/aia-sample", {kind, "--seed", "3", sample(kind)});
             QCOMPARE(made.code, 0);
         }
-        QVERIFY(QFile::copy(sample("gcms"), sample("other")));
+        QCOMPARE(runProgram(AIA_TOOLS "/aia-sample", {"gcms", "--seed", "4", sample("other")}).code, 0);
         QVERIFY(writeFile(sample("text"), "not netCDF"));
         QVERIFY(writeFile(sample("cut"), content(fixture("plain")).left(100)));
     }
@@ -284,6 +299,13 @@ private slots:
         QTest::mouseClick(plot, Qt::LeftButton, {}, pixelOf(plot, highest.key, highest.value / 2));
         QTRY_COMPARE(trace->graphCount(), 4);
         QCOMPARE(page()->masses(), QString("43, 57-71, %1").arg(qRound(highest.key)));
+        trace->replot();
+        QTest::mouseDClick(trace, Qt::LeftButton, {}, trace->legend->item(2)->outerRect().center());
+        QTRY_COMPARE(trace->graphCount(), 3);
+        QCOMPARE(page()->masses(), QString("43, %1").arg(qRound(highest.key)));
+        page()->setSource(RunPage::Source::BasePeak);
+        QCOMPARE(trace->yAxis->label(), QString("Base peak"));
+        QCOMPARE(trace->graph(0)->data()->at(page()->scan())->value, highest.value);
         page()->setMasses("");
         QTRY_COMPARE(trace->graphCount(), 1);
     }
@@ -346,6 +368,11 @@ private slots:
         QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
         QTest::keyClicks(QApplication::focusWidget(), name.toUpper());
         QVERIFY(list->view()->model()->rowCount() > 0 && list->view()->model()->rowCount() < all);
+        for (const auto &[text, found] : {std::pair("108-88-3", 1), std::pair("c10h8", 1), std::pair("x-y", 0)}) {
+            list->search(text);
+            QCOMPARE(list->view()->model()->rowCount(), found);
+        }
+        list->search(name);
         list->view()->selectRow(0);
         QTRY_COMPARE(page()->spectrum()->title(), name);
         window->pinSpectrum();
@@ -384,6 +411,12 @@ private slots:
         QCOMPARE(trace->inFront(), 1);
         QTest::keyClick(trace, Qt::Key_N);
         QCOMPARE(trace->inFront(), 0);
+        const double height = valuesOf(trace->graph(0)).upper;
+        QVERIFY(std::abs(valuesOf(trace->graph(1)).upper - height) > 0.01 * height);
+        trigger("&Normalise traces");
+        QCOMPARE(valuesOf(trace->graph(1)).upper, height);
+        trigger("O&ffset traces");
+        QVERIFY(valuesOf(trace->graph(1)).lower > 0.1 * height);
         QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
         QTRY_COMPARE(page()->trace()->graphCount(), 1);
         QCOMPARE(window->recentFiles(), (QStringList{sample("other"), sample("gcms")}));
@@ -414,6 +447,18 @@ private slots:
         openSample("gcms");
         QCOMPARE(page()->layoutState(), layout);
         QCOMPARE(settings->value("files/folder").toString(), folder.path());
+    }
+
+    void followsThePalette()
+    {
+        openSample("gcms");
+        const QColor onLight = page()->trace()->graph(0)->pen().color();
+        QPalette dark = window->palette();
+        dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::Text, Qt::white);
+        page()->trace()->setPalette(dark);
+        QVERIFY(page()->trace()->graph(0)->pen().color().lightness() > onLight.lightness());
+        QCOMPARE(page()->trace()->xAxis->tickLabelColor(), QColor(Qt::white));
     }
 
     // A file that was refused may be whole by now.
@@ -525,6 +570,20 @@ private slots:
         QCOMPARE(plot->valueRange().upper, highest);
         page()->map()->scale()->setCurrentIndex(2);
         QVERIFY(plot->valueRange().lower > 0.0);
+        const QList<QLineEdit *> ends = page()->map()->findChildren<QLineEdit *>(QString(), Qt::FindDirectChildrenOnly);
+        QCOMPARE(ends.size(), 2);
+        for (int i = 0; i < 2; ++i) {
+            ends[i]->setText(i == 0 ? "10" : "500");
+            emit ends[i]->editingFinished();
+        }
+        QCOMPARE(plot->valueRange(), QCPRange(10.0, 500.0));
+        const qint32 lowest = plot->map().scan(1, 0);
+        page()->map()->shift()->setValue(1.0);
+        QCOMPARE(plot->map().scan(1, plot->map().rows / 4), lowest);
+        page()->map()->shift()->setValue(0.0);
+        const QString table = folder.filePath("map.csv");
+        QCOMPARE(page()->saveUpper(table), QString());
+        QCOMPARE(content(table).count('\n'), page()->model()->summary().size + 1);
 
         const double time = page()->shown().time;
         QTest::keyClick(plot, Qt::Key_Right); // a modulation on
@@ -579,6 +638,8 @@ private slots:
             QVERIFY(QFileInfo(folder.filePath(image)).size() > 1000);
         }
         QVERIFY(page()->saveSpectrum(folder.filePath("plot.txt")).contains("has to end in"));
+        page()->convertTo(folder.filePath("run.mzML"));
+        QVERIFY2(page()->remark().startsWith("The program aia-convert isn't beside"), qPrintable(page()->remark()));
         QVERIFY(!QFile::exists(folder.filePath("plot.txt")));
         const QByteArray before = content(sample("gcms"));
         QVERIFY(!page()->saveUpper(sample("gcms")).isNull() && content(sample("gcms")) == before); // the run itself

@@ -183,6 +183,9 @@ private slots:
             QVERIFY(content(image).startsWith(beginning));
             if (ending == QLatin1String("png"))
                 QCOMPARE(QImage(image).size(), QSize(400, 300));
+            const QByteArray before = content(image);
+            QCOMPARE(runProgram(AIA_TOOLS "/aia-view", arguments).code, 2); // without --force
+            QCOMPARE(content(image), before);
         }
     }
 
