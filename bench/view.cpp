@@ -46,14 +46,19 @@ void print(const char *measure, double figure, double bar, const char *detail)
     std::printf("%s;%.4f;%.4f;%s\n", measure, figure, bar, detail);
 }
 
+void showPage(RunPage *page)
+{
+    page->resize(1200, 800);
+    page->show();
+    waitFor(page->model(), &RunModel::opened);
+}
+
 void measureSixMillion(ReadingThread &thread, const QString &file)
 {
     QElapsedTimer clock;
     clock.start();
     RunPage page(thread, file);
-    page.resize(1200, 800);
-    page.show();
-    waitFor(page.model(), &RunModel::opened);
+    showPage(&page);
     page.trace()->replot();
     print("aia-view: trace of 6 million points shown [s]", double(clock.elapsed()) * milli, 1.0, "");
     if (page.model()->isBusy())
@@ -75,9 +80,7 @@ void measureHundredMillion(ReadingThread &thread, const QString &file)
     QElapsedTimer clock;
     clock.start();
     RunPage page(thread, file);
-    page.resize(1200, 800);
-    page.show();
-    waitFor(page.model(), &RunModel::opened);
+    showPage(&page);
     const std::vector<double> seconds = page.model()->seconds();
     page.setModulation(100.0 * (seconds[1] - seconds[0]));
     page.map()->plot()->replot();

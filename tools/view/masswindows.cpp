@@ -8,6 +8,12 @@ namespace {
 
 constexpr std::size_t mostWindows = 64; // each is a pass over the points and a curve
 
+const QRegularExpression &separators()
+{
+    static const QRegularExpression pattern(QStringLiteral("[,;]"));
+    return pattern;
+}
+
 // Half a unit of the last digit.
 double halfStep(const QString &number)
 {
@@ -20,11 +26,10 @@ double halfStep(const QString &number)
 
 std::optional<std::vector<ExtractedTrace>> massWindows(const QString &text, QString *fault)
 {
-    static const QRegularExpression separators(QStringLiteral("[,;]"));
     static const QRegularExpression pattern(QStringLiteral(
         "^\\s*(\\d{1,7}(?:\\.\\d{1,9})?)\\s*(?:[-\u2013]\\s*(\\d{1,7}(?:\\.\\d{1,9})?)\\s*)?$"));
     std::vector<ExtractedTrace> windows;
-    for (const QString &part : text.split(separators)) {
+    for (const QString &part : text.split(separators())) {
         if (part.trimmed().isEmpty())
             continue;
         const QRegularExpressionMatch match = pattern.match(part);
@@ -52,4 +57,29 @@ std::optional<std::vector<ExtractedTrace>> massWindows(const QString &text, QStr
         return std::nullopt;
     }
     return windows;
+}
+
+QString textOf(const std::vector<ExtractedTrace> &windows)
+{
+    QStringList names;
+    for (const ExtractedTrace &window : windows)
+        names += window.name;
+    return names.join(QStringLiteral(", "));
+}
+
+QString withMasses(const QString &text, const std::vector<double> &masses)
+{
+    constexpr double least = 0.5;
+    constexpr double most = 1e6;
+    QStringList names;
+    for (const QString &name : text.split(separators())) {
+        if (!name.trimmed().isEmpty())
+            names += name.trimmed();
+    }
+    for (const double mass : masses) {
+        const QString name = QString::number(std::lround(mass >= least && mass < most ? mass : 0.0));
+        if (name != QLatin1String("0") && !names.contains(name))
+            names += name;
+    }
+    return names.join(QStringLiteral(", "));
 }

@@ -12,4 +12,11 @@
 // can't be understood.
 std::optional<std::vector<ExtractedTrace>> massWindows(const QString &text, QString *fault);
 
+// Returns the windows as such a list, by their names.
+QString textOf(const std::vector<ExtractedTrace> &windows);
+
+// Returns the list with these masses behind it, as whole numbers; one that stands in it already, or is no
+// mass, is left out.
+QString withMasses(const QString &text, const std::vector<double> &masses);
+
 #endif // MASSWINDOWS_H

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -96,6 +97,20 @@ QString timeText(double time, const RunSummary &summary)
         return QStringLiteral("scan %1").arg(std::round(time));
     const QString number = QString::number(time, 'f', 3);
     return summary.timeUnit == secondsOfMinute ? number + QStringLiteral(" min") : number;
+}
+
+std::vector<double> SpectrumData::largestMasses(std::size_t count) const
+{
+    std::vector<std::size_t> places(masses.size());
+    std::iota(places.begin(), places.end(), std::size_t(0));
+    count = std::min(places.size(), count);
+    std::partial_sort(
+        places.begin(), places.begin() + std::ptrdiff_t(count), places.end(),
+        [&](std::size_t one, std::size_t other) { return intensities[one] > intensities[other]; });
+    std::vector<double> largest;
+    for (std::size_t i = 0; i < count; ++i)
+        largest.push_back(masses[places[i]]);
+    return largest;
 }
 
 RunSummary summaryOf(const MsRun &run)

@@ -54,6 +54,9 @@ struct SpectrumData {
     bool isProfile = false;
     std::vector<double> masses; // in any order
     std::vector<double> intensities;
+
+    // The masses of the largest peaks, the largest first; all of them where there are fewer than `count`.
+    std::vector<double> largestMasses(std::size_t count) const;
 };
 
 // Intensities of one window of masses, a number for each scan.

@@ -6,9 +6,7 @@
 #include "mappane.h"
 #include "mapplot.h"
 #include "masswindows.h"
-#include "outputfile.h"
 #include "peaktable.h"
-#include "plotimage.h"
 #include "spectrumplot.h"
 #include "tracepane.h"
 #include "traceplot.h"
@@ -18,7 +16,6 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QRegularExpression>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
@@ -27,7 +24,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 namespace {
 
@@ -38,14 +34,6 @@ constexpr qint32 manyScans = 10;
 constexpr double zoomStep = 0.7;
 constexpr double moveStep = 0.2;
 constexpr std::size_t largestTraced = 3;
-
-QString writeImage(RunPlot *plot, const QString &name, OutputFile *output)
-{
-    constexpr double pixelsOfOne = 2.0; // fine enough for print
-    const QByteArray image = plotImage(plot, name, pixelsOfOne);
-    return image.isEmpty() ? QStringLiteral("\"%1\" has to end in .png, .pdf, .svg or .csv.").arg(name)
-                           : writeBytes(output, image);
-}
 
 QCPRange rangeOf(const MsInterval &interval)
 {
@@ -412,42 +400,23 @@ void RunPage::addMasses(const std::vector<double> &masses)
 {
     if (model_->summary().kind != MsRun::Kind::Spectra)
         return;
-    QStringList names =
-        this->masses().split(QRegularExpression(QStringLiteral("[,;]\\s*")), Qt::SkipEmptyParts);
-    const int before = names.size();
-    for (const double mass : masses) {
-        const QString name = mass >= 0.5 && mass < 1e6 ? QString::number(std::lround(mass)) : QString();
-        if (!name.isEmpty() && !names.contains(name))
-            names += name;
-    }
-    if (names.size() > before)
-        setMasses(names.join(QStringLiteral(", ")));
+    const QString added = withMasses(this->masses(), masses);
+    if (added != this->masses())
+        setMasses(added);
 }
 
 void RunPage::removeCurve(int curve)
 {
     if (curve < 1 || curve > int(traces_.size()))
         return;
-    QStringList names;
-    for (const ExtractedTrace &trace : traces_)
-        names += trace.name;
-    names.removeAt(curve - 1);
-    setMasses(names.join(QStringLiteral(", ")));
+    std::vector<ExtractedTrace> left = traces_;
+    left.erase(left.begin() + (curve - 1));
+    setMasses(textOf(left));
 }
 
 void RunPage::traceLargest(const SpectrumData &spectrum)
 {
-    std::vector<std::size_t> places(spectrum.masses.size());
-    std::iota(places.begin(), places.end(), std::size_t(0));
-    const std::size_t count = std::min(places.size(), largestTraced);
-    std::partial_sort(places.begin(), places.begin() + std::ptrdiff_t(count), places.end(),
-                      [&](std::size_t one, std::size_t other) {
-                          return spectrum.intensities[one] > spectrum.intensities[other];
-                      });
-    std::vector<double> largest;
-    for (std::size_t i = 0; i < count; ++i)
-        largest.push_back(spectrum.masses[places[i]]);
-    addMasses(largest);
+    addMasses(spectrum.largestMasses(largestTraced));
 }
 
 void RunPage::setOverlay(const Overlay &overlay)
@@ -487,29 +456,12 @@ QString RunPage::saveUpper(const QString &name)
 {
     if (compounds_)
         return QStringLiteral("A library has no trace and no map.");
-    OutputFile output(name, OutputFile::Existing::Replace);
-    const QString objection = output.objection({model_->fileName()});
-    if (!objection.isNull())
-        return objection;
-    const bool isTable = QFileInfo(name).suffix().toLower() == QLatin1String("csv");
-    if (!isTable)
-        return writeImage(upperPlot(), name, &output);
-    if (showsMap())
-        return writeMapCsv(map_->plot()->map(), map_->values()->currentText(), &output);
-    return writeTracesCsv(trace_->curves(), trace_->xAxis->label(), trace_->yAxis->label(), &output);
+    return showsMap() ? writeMap(*map_->plot(), map_->values()->currentText(), model_->fileName(), name)
+                      : writeTraces(*trace_, model_->fileName(), name);
 }
 
 QString RunPage::saveSpectrum(const QString &name)
 {
-    OutputFile output(name, OutputFile::Existing::Replace);
-    const QString objection = output.objection({model_->fileName()});
-    if (!objection.isNull())
-        return objection;
-    const QString kind = QFileInfo(name).suffix().toLower();
-    if (kind == QLatin1String("csv"))
-        return writeSpectrumCsv(shown_, &output);
-    if (kind != QLatin1String("msp"))
-        return writeImage(spectrum_, name, &output);
     MspEntry about;
     if (shown_.scan >= 0 && std::size_t(shown_.scan) < model_->compounds().size())
         about = entryOf(model_->compounds()[std::size_t(shown_.scan)], shown_.scan);
@@ -518,7 +470,7 @@ QString RunPage::saveSpectrum(const QString &name)
         if (shown_.scan != -1 && model_->summary().timeUnit != 1.0)
             about.minutes = shown_.time;
     }
-    return writeSpectrumMsp(shown_, about, &output);
+    return writeSpectrum(*spectrum_, shown_, about, model_->fileName(), name);
 }
 
 void RunPage::convertTo(const QString &name)

@@ -1,9 +1,12 @@
 #include "viewexport.h"
 
 #include "csvwriter.h"
-#include "modulationmap.h"
+#include "mapplot.h"
+#include "plotimage.h"
+#include "spectrumplot.h"
+#include "traceplot.h"
 
-#include <cmath>
+#include <QFileInfo>
 
 namespace {
 
@@ -22,8 +25,7 @@ QString finish(TextOutput &text, OutputFile *output)
     return text.finish() && output->commit() ? QString() : output->errorText();
 }
 
-} // namespace
-
+// A row for each peak, or point of a profile.
 QString writeSpectrumCsv(const SpectrumData &spectrum, OutputFile *output)
 {
     if (!output->open())
@@ -50,6 +52,7 @@ QString writeSpectrumMsp(const SpectrumData &spectrum, MspEntry about, OutputFil
     return finish(text, output);
 }
 
+// A row for each point of each curve. `time` and `value` are the axes' labels.
 QString writeTracesCsv(const std::vector<TraceCurve> &curves, const QString &time, const QString &value,
                        OutputFile *output)
 {
@@ -68,6 +71,7 @@ QString writeTracesCsv(const std::vector<TraceCurve> &curves, const QString &tim
     return finish(table, output);
 }
 
+// A row for each cell that has a scan.
 QString writeMapCsv(const ModulationMap &map, const QString &value, OutputFile *output)
 {
     if (!output->open())
@@ -88,4 +92,55 @@ QString writeMapCsv(const ModulationMap &map, const QString &value, OutputFile *
         }
     }
     return finish(table, output);
+}
+
+QString writeImage(RunPlot &plot, const QString &name, OutputFile *output)
+{
+    constexpr double pixelsOfOne = 2.0; // fine enough for print
+    const QByteArray image = plotImage(&plot, name, pixelsOfOne);
+    return image.isEmpty() ? QStringLiteral("\"%1\" has to end in .png, .pdf, .svg or .csv.").arg(name)
+                           : writeBytes(output, image);
+}
+
+QString endingOf(const QString &name)
+{
+    return QFileInfo(name).suffix().toLower();
+}
+
+// Has `write` fill the file of that name, unless that is the run's own.
+template <class Write> QString replaceFile(const QString &name, const QString &run, Write write)
+{
+    OutputFile output(name, OutputFile::Existing::Replace);
+    const QString objection = output.objection({run});
+    return objection.isNull() ? write(&output) : objection;
+}
+
+} // namespace
+
+QString writeTraces(TracePlot &plot, const QString &run, const QString &name)
+{
+    return replaceFile(name, run, [&](OutputFile *output) {
+        return endingOf(name) == QLatin1String("csv")
+            ? writeTracesCsv(plot.curves(), plot.xAxis->label(), plot.yAxis->label(), output)
+            : writeImage(plot, name, output);
+    });
+}
+
+QString writeMap(MapPlot &plot, const QString &value, const QString &run, const QString &name)
+{
+    return replaceFile(name, run, [&](OutputFile *output) {
+        return endingOf(name) == QLatin1String("csv") ? writeMapCsv(plot.map(), value, output)
+                                                      : writeImage(plot, name, output);
+    });
+}
+
+QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const MspEntry &about,
+                      const QString &run, const QString &name)
+{
+    return replaceFile(name, run, [&](OutputFile *output) {
+        if (endingOf(name) == QLatin1String("csv"))
+            return writeSpectrumCsv(spectrum, output);
+        return endingOf(name) == QLatin1String("msp") ? writeSpectrumMsp(spectrum, about, output)
+                                                      : writeImage(plot, name, output);
+    });
 }

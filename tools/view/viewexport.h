@@ -1,25 +1,26 @@
-// What the window shows, written to files by the writers that the programs share. Each routine writes to
-// a file that isn't open yet, and returns a sentence that says why that failed; null if it didn't.
+// What the window shows, written to files as the ending of the name says: an image (.png, .pdf, .svg) or
+// a table (.csv), by the writers that the programs share. Each routine returns a sentence that says why
+// that failed; null if it didn't. A file that is there is written over, but never `run`, the file of the
+// run.
 #ifndef VIEWEXPORT_H
 #define VIEWEXPORT_H
 
 #include "mspwriter.h"
 #include "rundata.h"
-#include "traceplot.h"
 
-struct ModulationMap;
+class MapPlot;
+class SpectrumPlot;
+class TracePlot;
 
-// A row for each peak, or point of a profile.
-QString writeSpectrumCsv(const SpectrumData &spectrum, OutputFile *output);
+// The table has a row for each point of each curve.
+QString writeTraces(TracePlot &plot, const QString &run, const QString &name);
 
-// `about` says what the spectrum is of; its peaks are those of the spectrum.
-QString writeSpectrumMsp(const SpectrumData &spectrum, MspEntry about, OutputFile *output);
+// The table has a row for each cell that has a scan. `value` says what the values are.
+QString writeMap(MapPlot &plot, const QString &value, const QString &run, const QString &name);
 
-// A row for each point of each curve. `time` and `value` are the axes' labels.
-QString writeTracesCsv(const std::vector<TraceCurve> &curves, const QString &time, const QString &value,
-                       OutputFile *output);
-
-// A row for each cell that has a scan.
-QString writeMapCsv(const ModulationMap &map, const QString &value, OutputFile *output);
+// The table has a row for each peak, or point of a profile. A name that ends in .msp gets an entry of a
+// library, with the peaks of `spectrum`; `about` says what it is of.
+QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const MspEntry &about,
+                      const QString &run, const QString &name);
 
 #endif // VIEWEXPORT_H
