@@ -1,5 +1,7 @@
 #include "msattribute.h"
 
+#include "numbers_p.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <vector>
@@ -41,6 +43,12 @@ bool isStated(int ncid, const MsAttributeRow &row)
     return placeOf(ncid, row).isStated;
 }
 
+QString textOfBytes(const char *bytes)
+{
+    const QString text = QString::fromUtf8(bytes);
+    return text.toUtf8() == bytes ? text : QString::fromLatin1(bytes);
+}
+
 QString statedText(int ncid, const MsAttributeRow &row)
 {
     const Place place = placeOf(ncid, row);
@@ -49,8 +57,15 @@ QString statedText(int ncid, const MsAttributeRow &row)
     std::vector<char> text(place.length + 1, '\0');
     if (nc_get_att_text(ncid, place.holder, place.name.constData(), text.data()) != NC_NOERR)
         return QString();
-    const QString trimmed = QString::fromLatin1(text.data()).trimmed();
-    return trimmed.isEmpty() ? QString() : trimmed;
+    return textOf(text.data());
+}
+
+QString textOfAttribute(int ncid, const MsAttributeRow &row, const void *record)
+{
+    const QString text = statedText(ncid, row);
+    return text.isNull()
+        ? textOf(*reinterpret_cast<char *const *>(static_cast<const char *>(record) + row.field))
+        : text;
 }
 
 const MsAttributeRow &attributeRow(const MsTable<MsAttributeRow> &table, std::size_t field)

@@ -66,29 +66,36 @@ bool parseZone(const QString &text, int *seconds)
     return match.hasMatch() && hours <= 14 && minutes < 60; // no zone is farther from UTC
 }
 
-void addTexts(const MsGlobals &globals, MsRunFacts *facts)
+void addTexts(const MsFile &file, const MsGlobals &globals, MsRunFacts *facts)
 {
-    const MsAdminRecord &admin = globals.admin;
-    const MsSampleRecord &sample = globals.sample;
-    facts->title = textOf(admin.experiment_title);
-    facts->operatorName = textOf(admin.operator_name);
-    facts->owner = textOf(admin.dataset_owner);
-    facts->origin = textOf(admin.dataset_origin);
-    facts->comments = textOf(admin.administrative_comments);
-    facts->acquired = ms_moment_of(textOf(admin.experiment_date_time_stamp));
-    facts->written = ms_moment_of(textOf(admin.netcdf_file_date_time_stamp));
-    facts->sourceFile = textOf(admin.source_file_reference);
-    facts->sourceFormat = textOf(admin.source_file_format);
-    facts->acquiredWith = textOf(admin.pre_experiment_program_name);
-    facts->exportedWith = textOf(admin.post_experiment_program_name);
-    facts->sampleId = textOf(sample.sample_internal_id);
-    const QString external = textOf(sample.sample_external_id);
+    const auto from = [&file](const auto &table, const auto &record) {
+        return [&file, &table, &record](std::size_t field) {
+            return textOfAttribute(file.id(), attributeRow(table, field), &record);
+        };
+    };
+    const auto admin = from(ms_admin_table, globals.admin);
+    const auto sample = from(ms_sample_table, globals.sample);
+    const auto test = from(ms_test_table, globals.test);
+    const auto raw = from(ms_raw_table, globals.raw);
+    facts->title = admin(offsetof(MsAdminRecord, experiment_title));
+    facts->operatorName = admin(offsetof(MsAdminRecord, operator_name));
+    facts->owner = admin(offsetof(MsAdminRecord, dataset_owner));
+    facts->origin = admin(offsetof(MsAdminRecord, dataset_origin));
+    facts->comments = admin(offsetof(MsAdminRecord, administrative_comments));
+    facts->acquired = ms_moment_of(admin(offsetof(MsAdminRecord, experiment_date_time_stamp)));
+    facts->written = ms_moment_of(admin(offsetof(MsAdminRecord, netcdf_file_date_time_stamp)));
+    facts->sourceFile = admin(offsetof(MsAdminRecord, source_file_reference));
+    facts->sourceFormat = admin(offsetof(MsAdminRecord, source_file_format));
+    facts->acquiredWith = admin(offsetof(MsAdminRecord, pre_experiment_program_name));
+    facts->exportedWith = admin(offsetof(MsAdminRecord, post_experiment_program_name));
+    facts->sampleId = sample(offsetof(MsSampleRecord, sample_internal_id));
+    const QString external = sample(offsetof(MsSampleRecord, sample_external_id));
     facts->sampleName = external.isNull() ? facts->sampleId : external;
-    facts->sampleOwner = textOf(sample.sample_owner);
-    facts->sampleComments = textOf(sample.sample_comments);
-    facts->testComments = textOf(globals.test.test_comments);
-    facts->rawDataComments = textOf(globals.raw.raw_data_comments);
-    facts->reagentGas = textOf(globals.test.test_reagent_gas);
+    facts->sampleOwner = sample(offsetof(MsSampleRecord, sample_owner));
+    facts->sampleComments = sample(offsetof(MsSampleRecord, sample_comments));
+    facts->testComments = test(offsetof(MsTestRecord, test_comments));
+    facts->rawDataComments = raw(offsetof(MsRawGlobalRecord, raw_data_comments));
+    facts->reagentGas = test(offsetof(MsTestRecord, test_reagent_gas));
 }
 
 void addTerms(const MsFile &file, MsRunFacts *facts)
@@ -140,7 +147,7 @@ void addChoices(MsRunFacts *facts)
 MsRunFacts ms_read_run_facts(const MsFile &file, const MsGlobals &globals)
 {
     MsRunFacts facts;
-    addTexts(globals, &facts);
+    addTexts(file, globals, &facts);
     facts.methodName =
         statedText(file.id(), attributeRow(ms_admin_table, offsetof(MsAdminRecord, external_file_ref_0)));
     facts.instrument = instrumentText(file);

@@ -2,7 +2,7 @@
 #ifndef NUMBERS_P_H
 #define NUMBERS_P_H
 
-#include "mstoolkit.h"
+#include "msattribute.h"
 
 #include <QString>
 
@@ -36,9 +36,9 @@ inline bool isKnown(qint32 number)
 }
 
 // A text of a record, without blanks around it; null for a blank one.
-inline QString textOf(const char *latin1)
+inline QString textOf(const char *bytes)
 {
-    const QString text = QString::fromLatin1(latin1).trimmed();
+    const QString text = textOfBytes(bytes).trimmed();
     return text.isEmpty() ? QString() : text;
 }
 

@@ -38,6 +38,7 @@ struct ScanPlaces::Survey {
     bool runsOver = false; // a scan runs into the next one
     bool leavesAxis = false;
     qint64 length = 0; // of all scans by their counts, with flags
+    qint64 onAxis = 0; // of those that lie on the axis: others can't be read
 };
 
 ScanPlaces::ScanPlaces(const MsFile &file, qint32 scanCount, const QList<MsDoubt> &found)
@@ -56,7 +57,7 @@ ScanPlaces::ScanPlaces(const MsFile &file, qint32 scanCount, const QList<MsDoubt
     hasCounts_ = all.withCount > 0;
     rule_ = judge(all, haveOverlap);
     if (rule_ == Rule::AsStored)
-        points_ = all.length;
+        points_ = all.onAxis;
     for (qint32 scan = 0; rule_ == Rule::Gaps && scan < written_; ++scan) {
         if (place(scan).points != ms_read_scan_place(file_.id(), scan).points && changed_++ == 0)
             firstChanged_ = scan;
@@ -84,7 +85,9 @@ ScanPlaces::Survey ScanPlaces::survey(qint64 positions) const
         lastHasPoints = lengthOf(place) > 0;
         if (lengthOf(place) > 0) {
             all.runsOver = all.runsOver || place.first < lastEnd;
-            all.leavesAxis = all.leavesAxis || place.first < 0 || end > positions;
+            const bool isOnAxis = place.first >= 0 && end <= positions;
+            all.leavesAxis = all.leavesAxis || !isOnAxis;
+            all.onAxis += isOnAxis ? lengthOf(place) : 0;
             lastEnd = std::max(lastEnd, end);
         }
         lastFirst = std::max<qint64>(lastFirst, place.first);

@@ -84,6 +84,9 @@ private slots:
     {
         const Rows<Call> row;
         row("not a run") = {"convert chromatogram.cdf -o out.mzML", 1, "isn't a mass spectrometry file"};
+        row("no scan to be read") = {"ncdump plain.cdf | sed 's/scan_index/scan_place/; s/point_count/count/' |"
+                                     "ncgen -o a.cdf; convert a.cdf -o out.mzML",
+                                     1, "no scan can be read; of the first one, scan_index is missing"};
         row("not there") = {"convert no.cdf -o out.mzML", 1, "doesn't exist"};
         row("not mzML") = {"echo text > no.mzML; convert no.mzML -o out.cdf", 1, "can't be read"};
         row("mzML that is cut off") = {"convert plain.cdf -o a.mzML && head -c 3000 a.mzML > b.mzML;"
@@ -174,6 +177,19 @@ private slots:
         attributesThroughMzML = {"sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML &&"
                                  "convert a.mzML -o b.cdf && ncdump -v instrument_name b.cdf > out"};
         attributesThroughMzML.madePart = "\"Mass spectrometer";
+        const QString retitled = "ncdump plain.cdf | sed 's/Five scans/%1/' | ncgen -o a.cdf; ";
+        row("another alphabet through mzML") = {
+            retitled.arg("\u03b1-Pinen \u8a66\u6599\" ; :raw_data_comments = \"kept")
+                + "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && convert b.cdf -o c.cdf &&"
+                  "ncdump -h c.cdf | grep -E ':(exp.*title|raw.*comments) ' > out",
+            0, "", "\t\t:experiment_title = \"\u03b1-Pinen \u8a66\u6599\" ;\n\t\t:raw_data_comments = \"kept\" ;\n"};
+        row("title in Latin-1") = {retitled.arg("\\\\374ber")
+                                       + "convert a.cdf -o b.cdf && ncdump -h b.cdf | grep title > out",
+                                   0, "", "\t\t:experiment_title = \"\u00fcber\" ;\n"};
+        row("text that has no room") = {"convert plain.cdf -o a.mzML && sed -i 's/<componentList/<userParam "
+                                        "name=\"instrument_name\" value=\"A name that is much longer than 31 "
+                                        "letters\"\\/>&/' a.mzML; convert a.mzML -o b.cdf",
+                                        0, "room for 31 letters of instrument_name"};
     }
     void text() { checkCall(Rows<Call>::current()); }
 

@@ -203,6 +203,7 @@ private slots:
         row("trace") = {"total-ion", "", MsRun::Kind::Trace, 3};
         row("library") = {"library", "", MsRun::Kind::Library, 3};
         row("no scans") = {"no-scans", "", MsRun::Kind::Spectra, 0};
+        row("counts beyond all points") = {"odd-scan-index", "", MsRun::Kind::Spectra, 6};
         row("absent") = {"absent", "The file \"FILE\" doesn't exist."};
         row("chromatogram") = {"chromatogram",
                                "The file \"FILE\" can't be read: it has no dimension \"scan_number\", so "

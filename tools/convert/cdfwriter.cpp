@@ -1,9 +1,10 @@
 #include "cdfwriter.h"
 
+#include "msattribute.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <list>
 
 namespace {
 
@@ -12,18 +13,6 @@ constexpr qint32 noCode = -1;
 char *asText(QByteArray *text)
 {
     return text->data();
-}
-
-// Makes the texts of attributes UTF-8, as readers take them. `texts` gets those that change.
-void encode(const MsTable<MsAttributeRow> &table, void *record, std::list<QByteArray> *texts)
-{
-    for (const MsAttributeRow &row : table) {
-        if (row.nc_type != NC_CHAR || row.enumerated)
-            continue;
-        char *&text = *reinterpret_cast<char **>(static_cast<char *>(record) + row.field);
-        texts->push_back(QString::fromLatin1(text).toUtf8());
-        text = text ? texts->back().data() : nullptr;
-    }
 }
 
 void addAll(const MsNumbers &numbers, GrowingRange *range)
@@ -54,12 +43,19 @@ void GrowingRange::add(double number)
     max_ = std::max(max_, number);
 }
 
+QByteArray bytesOfText(const QString &text)
+{
+    const QByteArray latin1 = text.toLatin1();
+    return textOfBytes(latin1.constData()) == text ? latin1 : text.toUtf8();
+}
+
 QByteArray stampOf(const QDateTime &moment)
 {
     return moment.toUTC().toString(QStringLiteral("yyyyMMddhhmmss")).toLatin1() + "+0000";
 }
 
-CdfWriter::CdfWriter(const QByteArray &path, const Head &head) : head_(head)
+CdfWriter::CdfWriter(const QByteArray &path, const Head &head, ConversionLog *log)
+    : head_(head), log_(log)
 {
     MsFileLayout layout = head.layout;
     layout.instrument_count = std::max(qint32(head.instruments.size()), 1);
@@ -79,6 +75,8 @@ CdfWriter::CdfWriter(const QByteArray &path, const Head &head) : head_(head)
         QByteArray name(instrument.instrument_model ? instrument.instrument_model : "Unknown");
         if (i == 0 && !instrument.instrument_name) // some readers refuse a file without it
             instrument.instrument_name = asText(&name);
+        if (file)
+            warnOfLongTexts(ms_instrument_table, &instrument);
         check(file.write(instrument));
     }
 }
@@ -88,6 +86,22 @@ bool CdfWriter::check(bool isWritten)
     if (!isWritten && failure_.isNull())
         failure_ = errno == 0 ? QStringLiteral("netCDF refuses it") : qt_error_string(errno);
     return failure_.isNull();
+}
+
+// The toolkit cuts them off.
+void CdfWriter::warnOfLongTexts(const MsTable<MsVariableRow> &table, const void *record)
+{
+    for (const MsVariableRow &row : table) {
+        if (row.nc_type != NC_CHAR)
+            continue;
+        const char *text =
+            *reinterpret_cast<char *const *>(static_cast<const char *>(record) + row.field);
+        const int room = file.record()->dimensions[row.dims[1]].size - 1; // and a NUL
+        if (qstrlen(text) > uint(std::max(room, 0)))
+            log_->warn(QStringLiteral("The template has room for %1 letters of %2, so longer texts are "
+                                      "cut off there.")
+                           .arg(QString::number(room), QLatin1String(row.name)));
+    }
 }
 
 bool CdfWriter::writeGlobals()
@@ -123,11 +137,6 @@ bool CdfWriter::writeGlobals()
     QByteArray now = stampOf(QDateTime::currentDateTimeUtc());
     if (!globals.admin.netcdf_file_date_time_stamp)
         globals.admin.netcdf_file_date_time_stamp = asText(&now);
-    std::list<QByteArray> texts;
-    encode(ms_admin_table, &globals.admin, &texts);
-    encode(ms_sample_table, &globals.sample, &texts);
-    encode(ms_test_table, &globals.test, &texts);
-    encode(ms_raw_table, &raw, &texts);
     return file.write(globals);
 }
 
@@ -174,6 +183,8 @@ bool CdfWriter::add(const MsScanRecord &source, const MsLibraryRecord *entry)
     masses.add(scanMasses.min());
     masses.add(scanMasses.max());
     times.add(scan.scan_acquisition_time);
+    if (entry && file)
+        warnOfLongTexts(ms_library_table, entry);
     if (firstNumber == MsMissingLong)
         firstNumber = scan.actual_scan_number;
     return check(entry ? file.write(scan, *entry) : file.write(scan));

@@ -4,6 +4,8 @@
 
 #include "msfile.h"
 
+#include "conversionlog.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -31,15 +33,15 @@ class CdfWriter
 public:
     // What is written before the first scan. Records and their texts have to outlive the writer.
     struct Head {
-        MsFileLayout layout; // instrument_count comes from `instruments`
-        const MsGlobalRecords *globals;
+        MsFileLayout layout;            // instrument_count comes from `instruments`
+        const MsGlobalRecords *globals; // with texts in UTF-8
         std::vector<const MsInstrumentRecord *>
             instruments;                     // may be empty: an unknown one is written then
         std::vector<const MsGroup *> groups; // of monitored masses
     };
 
-    // Creates the file, over one of that name.
-    CdfWriter(const QByteArray &path, const Head &head);
+    // Creates the file, over one of that name. The log gets the texts that the template has no room for.
+    CdfWriter(const QByteArray &path, const Head &head, ConversionLog *log);
 
     // Appends a scan, in its order, and its entry to a library. Its masses ascend. Ranges that it lacks
     // are those of its points; points outside make one wider.
@@ -55,8 +57,10 @@ private:
     bool check(bool isWritten);
     bool writeGlobals();
     bool writeGroups();
+    void warnOfLongTexts(const MsTable<MsVariableRow> &table, const void *record);
 
     const Head head_;
+    ConversionLog *log_;
     MsFile file;
     GrowingRange masses;
     GrowingRange times;
@@ -64,6 +68,10 @@ private:
     qint32 firstNumber = MsMissingLong;
     QString failure_;
 };
+
+// Returns the bytes of a text for a variable: Latin-1, as other programs take it, where textOfBytes makes
+// the same text of it again, else UTF-8.
+QByteArray bytesOfText(const QString &text);
 
 // Returns the moment in the form of a time stamp of the template, in UTC.
 QByteArray stampOf(const QDateTime &moment);

@@ -120,7 +120,7 @@ private:
         CdfWriter::Head head = headOf(pairs.size(), MsDoubleFormat);
         head.layout.has_mass_values = false;
         head.layout.has_time_values = true;
-        CdfWriter writer(path, head);
+        CdfWriter writer(path, head, log);
         bool isWritten = writer.failure().isNull();
         for (std::size_t i = 0; isWritten && i < pairs.size(); ++i) {
             if (isInterrupted())
@@ -251,7 +251,8 @@ private:
                 continue;
             auto *record = static_cast<MsInstrumentRecord *>(instrument);
             ms_free(*reinterpret_cast<char **>(reinterpret_cast<char *>(record) + row.field));
-            ms_store_variant(record, row.field, QVariant(text), NC_CHAR);
+            ms_store_variant(record, row.field, QVariant(QString::fromLatin1(bytesOfText(text))),
+                             NC_CHAR);
         }
     }
 
@@ -264,7 +265,7 @@ private:
     {
         *doesFit = true;
         readUnit();
-        CdfWriter writer(path, headOf(choice.spectra.size(), format));
+        CdfWriter writer(path, headOf(choice.spectra.size(), format), log);
         if (!writer.failure().isNull())
             return log->fail(writer.failure());
         const auto count = int(choice.spectra.size());

@@ -1,6 +1,7 @@
 #include "mzmlwriter.h"
 
 #include "interruption.h"
+#include "msattribute.h"
 #include "mzmldocument.h"
 #include "mzmlspectra.h"
 #include "mzmlterms.h"
@@ -158,7 +159,7 @@ public:
         if (!gather())
             return log->fail(QStringLiteral("it was interrupted"));
         if (facts.scans.empty())
-            return log->fail(QStringLiteral("no scan can be read"));
+            return log->fail(whyNoScan(run));
         sayWhatIsLeftOut();
         describe();
         OutputBuffer buffer(output, packing);
@@ -200,10 +201,18 @@ private:
             common.add(spectrum.record());
             hasFlags = hasFlags || !spectrum.flaggedPeaks().isEmpty();
             hasPointTimes = hasPointTimes || spectrum.pointTimes().size() > 1;
+            const MsInterval window = spectrum.massRange();
+            hasHalfWindows = hasHalfWindows || std::isnan(window.from) != std::isnan(window.to);
+            const MsInterval range = spectrum.timeRange();
+            hasTimeRanges = hasTimeRanges || !std::isnan(range.from) || !std::isnan(range.to);
             facts.scans.push_back(spectrum.index());
             return true;
         });
-        if (differing > 0)
+        const QList<MsDoubt> doubts = run.doubts();
+        const bool isSaid = std::any_of(doubts.begin(), doubts.end(), [](const MsDoubt &doubt) {
+            return qstrcmp(doubt.code, "wrong-totals") == 0;
+        });
+        if (differing > 0 && !isSaid)
             log->warn(
                 QStringLiteral("In %1 of %2 scans, the total ion current that the file gives isn't the "
                                "sum of the intensities.")
@@ -328,8 +337,7 @@ private:
             for (const MsVariableRow &row : ms_instrument_table) {
                 const char *record = reinterpret_cast<const char *>(
                     static_cast<const MsInstrumentRecord *>(&components[i]));
-                const QString text =
-                    QString::fromLatin1(*reinterpret_cast<char *const *>(record + row.field));
+                const QString text = textOfBytes(*reinterpret_cast<char *const *>(record + row.field));
                 const std::string name =
                     row.name + (i == 0 ? std::string() : ' ' + std::to_string(i + 1));
                 if (!text.trimmed().isEmpty())
@@ -419,6 +427,13 @@ private:
             leaveOut(QStringLiteral("flags of peaks"));
         if (hasPointTimes)
             leaveOut(QStringLiteral("times of points"));
+        if (hasHalfWindows)
+            leaveOut(QStringLiteral("ranges of masses with one end"));
+        if (hasTimeRanges)
+            leaveOut(QStringLiteral("ranges of times"));
+        const MsRawGlobalRecord &raw = run.globals().raw;
+        if (raw.mass_long_name || raw.time_long_name || raw.intensity_long_name)
+            leaveOut(QStringLiteral("long names of axes"));
         if (!run.groups().empty())
             leaveOut(QStringLiteral("groups of monitored masses"));
         if (run.kind() == MsRun::Kind::Library)
@@ -449,8 +464,10 @@ private:
     bool isFloatIntensities = true;
     bool hasFlags = false;
     bool hasPointTimes = false;
+    bool hasHalfWindows = false;
+    bool hasTimeRanges = false;
     CommonNumbers common;
-    MsGlobalsDraft globals; // their texts are the run's
+    StatedGlobals globals;
     MSData data;
     BinaryDataEncoder::Config encoding;
     boost::shared_ptr<RunSpectra> spectra; // null for a trace

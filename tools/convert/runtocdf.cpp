@@ -92,7 +92,7 @@ private:
     {
         if (text.isNull())
             return nullptr;
-        texts[used] = text.toLatin1();
+        texts[used] = bytesOfText(text);
         return texts[used++].data();
     }
 
@@ -246,12 +246,12 @@ bool writeCdf(const MsRun &run, const QByteArray &path, ProgressBar *progress, C
     if (!survey(run, progress, &known))
         return log->fail(QStringLiteral("it was interrupted"));
     if (known.scans == 0)
-        return log->fail(QStringLiteral("no scan can be read"));
+        return log->fail(whyNoScan(run));
     if (known.hasWrongTotals)
         log->warn(
             QStringLiteral("The total intensities of the file aren't the sums of the scans; the sums "
                            "are written."));
-    MsGlobalsDraft globals = statedGlobals(run, log);
+    StatedGlobals globals = statedGlobals(run, log);
     const MsFileLayout layout = layoutFor(run, known);
     globals.admin.experiment_type = layout.experiment_type;
     if (run.hasSeconds())
@@ -266,7 +266,7 @@ bool writeCdf(const MsRun &run, const QByteArray &path, ProgressBar *progress, C
         head.instruments.push_back(&instrument);
     for (const MsGroup &group : groups)
         head.groups.push_back(&group);
-    CdfWriter writer(path, head);
+    CdfWriter writer(path, head, log);
     CdfConversion conversion(run, known, layout, log);
     bool isWritten = writer.failure().isNull();
     const bool isWhole =

@@ -27,4 +27,12 @@ template <class Use> bool forEachScan(const MsRun &run, ScanWalk walk, ProgressB
     return true;
 }
 
+// Returns why there is nothing to convert, as a part of a sentence, where no scan can be read.
+inline QString whyNoScan(const MsRun &run)
+{
+    return run.size() == 0
+        ? QStringLiteral("it has no scans")
+        : QStringLiteral("no scan can be read; of the first one, %1").arg(run.spectrum(0).failure());
+}
+
 #endif // SCANWALK_H

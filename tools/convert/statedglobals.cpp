@@ -1,5 +1,7 @@
 #include "statedglobals.h"
 
+#include "msattribute.h"
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -9,13 +11,27 @@ namespace {
 constexpr qint32 noCode = -1;
 
 // What says how a file is made is written anew with each file.
-constexpr const char *aboutTheFile[] = {
-    "dataset_completeness",        "ms_template_revision", "netcdf_revision", "languages",
-    "netcdf_file_date_time_stamp", "experiment_type"};
+constexpr const char *aboutTheFile[] = {"dataset_completeness",
+                                        "ms_template_revision",
+                                        "netcdf_revision",
+                                        "languages",
+                                        "experiment_type",
+                                        "raw_data_mass_format",
+                                        "netcdf_file_date_time_stamp",
+                                        "raw_data_time_format",
+                                        "raw_data_intensity_format",
+                                        "global_intensity_min",
+                                        "global_mass_min",
+                                        "global_time_min",
+                                        "global_intensity_max",
+                                        "global_mass_max",
+                                        "global_time_max",
+                                        "starting_scan_number"};
 
 bool isDescription(const MsAttributeRow &row)
 {
-    return std::none_of(std::begin(aboutTheFile), std::end(aboutTheFile),
+    return row.variable == -1
+        && std::none_of(std::begin(aboutTheFile), std::end(aboutTheFile),
                         [&row](const char *name) { return qstrcmp(name, row.name) == 0; });
 }
 
@@ -26,7 +42,7 @@ QString textOf(const MsAttributeRow &row, const void *record)
     if (row.enumerated)
         return QString::fromLatin1(ms_enum_text(*reinterpret_cast<const qint32 *>(field)));
     if (row.nc_type == NC_CHAR)
-        return QString::fromLatin1(*reinterpret_cast<char *const *>(field));
+        return QString::fromUtf8(*reinterpret_cast<char *const *>(field));
     char digits[40];
     const auto text = [&digits](auto number) {
         return number == decltype(number)(MsMissingDouble)
@@ -49,6 +65,7 @@ template <class Globals, class Use> void forEachTable(Globals &globals, Use &&us
     use(ms_admin_table, &globals.admin);
     use(ms_sample_table, &globals.sample);
     use(ms_test_table, &globals.test);
+    use(ms_raw_table, &globals.raw);
 }
 
 void keep(const MsTerm &term, qint32 *code, ConversionLog *log)
@@ -62,10 +79,23 @@ void keep(const MsTerm &term, qint32 *code, ConversionLog *log)
 
 } // namespace
 
-MsGlobalsDraft statedGlobals(const MsRun &run, ConversionLog *log)
+StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log)
 {
-    MsGlobalsDraft stated;
+    StatedGlobals stated;
     static_cast<MsGlobalRecords &>(stated) = run.globals();
+    forEachTable(stated, [&](const MsTable<MsAttributeRow> &table, void *record) {
+        for (const MsAttributeRow &row : table) {
+            if (row.nc_type != NC_CHAR || row.enumerated)
+                continue;
+            const QString text = textOfAttribute(run.fileId(), row, record);
+            char *&field = *reinterpret_cast<char **>(static_cast<char *>(record) + row.field);
+            field = nullptr;
+            if (text.isNull())
+                continue;
+            stated.texts.push_back(text.toUtf8());
+            field = stated.texts.back().data();
+        }
+    });
     const MsRunFacts &facts = run.facts();
     keep(facts.sampleState, &stated.sample.sample_state, log);
     keep(facts.separation, &stated.test.test_separation_type, log);
@@ -96,6 +126,12 @@ void forEachDescription(const MsGlobalRecords &globals,
     });
 }
 
+QVariant utf8Variant(const QString &text)
+{
+    // The toolkit stores texts as Latin-1, a byte for each letter.
+    return QVariant(QString::fromLatin1(text.toUtf8()));
+}
+
 bool setDescription(const char *name, const QString &text, MsGlobalRecords *globals)
 {
     bool isSet = false;
@@ -107,9 +143,11 @@ bool setDescription(const char *name, const QString &text, MsGlobalRecords *glob
             if (row.enumerated) {
                 *reinterpret_cast<qint32 *>(field) = ms_enum_code(text.toLatin1().constData());
             } else {
-                if (row.nc_type == NC_CHAR)
+                const bool isText = row.nc_type == NC_CHAR;
+                if (isText)
                     ms_free(*reinterpret_cast<char **>(field)); // an earlier text
-                ms_store_variant(record, row.field, QVariant(text), row.nc_type);
+                ms_store_variant(record, row.field, isText ? utf8Variant(text) : QVariant(text),
+                                 row.nc_type);
             }
             isSet = true;
         }

@@ -7,18 +7,27 @@
 #include "conversionlog.h"
 
 #include <functional>
+#include <vector>
+
+// Global records with texts in UTF-8.
+struct StatedGlobals : MsGlobalsDraft {
+    std::vector<QByteArray> texts; // which the records point to
+};
 
 // Returns the records with what the file itself says: a term that it doesn't state, or that the
-// vocabulary lacks, has no code. Texts stay the run's. The log gets the terms that the vocabulary lacks.
-MsGlobalsDraft statedGlobals(const MsRun &run, ConversionLog *log);
+// vocabulary lacks, has no code. The log gets the terms that the vocabulary lacks.
+StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log);
 
 // Calls `use` with name and text of each attribute of the records that describes the run: who, when, what
-// and how, but nothing of how the file is made.
+// and how, but nothing of how the file is made. Texts of the records are UTF-8.
 void forEachDescription(const MsGlobalRecords &globals,
                         const std::function<void(const char *name, const QString &text)> &use);
 
+// Returns the text as a value for the toolkit that stores its UTF-8.
+QVariant utf8Variant(const QString &text);
+
 // Sets the attribute of that name in the records; nothing for a name that forEachDescription doesn't use.
-// The text is a new block, which the records own. Returns whether it was set.
+// The text is a new block in UTF-8, which the records own. Returns whether it was set.
 bool setDescription(const char *name, const QString &text, MsGlobalRecords *globals);
 
 #endif // STATEDGLOBALS_H
