@@ -84,7 +84,8 @@ CdfWriter::CdfWriter(const QByteArray &path, const Head &head, ConversionLog *lo
 bool CdfWriter::check(bool isWritten)
 {
     if (!isWritten && failure_.isNull())
-        failure_ = errno == 0 ? QStringLiteral("netCDF refuses it") : qt_error_string(errno);
+        failure_ = QStringLiteral("the new file can't be written: %1")
+                       .arg(errno == 0 ? QStringLiteral("netCDF refuses it") : qt_error_string(errno));
     return failure_.isNull();
 }
 

@@ -86,6 +86,10 @@ SpectrumPtr RunSpectra::make(size_t index) const
 {
     MsCompound compound;
     const MsSpectrum scan = take(index, &compound);
+    if (!scan.isRead()) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isLacking_ = true;
+    }
     auto spectrum = boost::make_shared<Spectrum>();
     static_cast<SpectrumIdentity &>(*spectrum) = spectrumIdentity(index);
     spectrum->set(MS_ms_level, 1);

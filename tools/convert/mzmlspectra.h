@@ -37,6 +37,8 @@ public:
     bool hasSorted() const { return hasSorted_; }
     // Whether there was too little memory for a spectrum. What was written is of no use then.
     bool isExhausted() const { return isExhausted_; }
+    // Whether a scan could no longer be read. What was written is of no use then, either.
+    bool isLacking() const { return isLacking_; }
 
 private:
     MsSpectrum take(size_t index, MsCompound *compound) const;
@@ -50,6 +52,7 @@ private:
     mutable size_t next = 0;
     mutable bool hasSorted_ = false;
     mutable bool isExhausted_ = false;
+    mutable bool isLacking_ = false;
 };
 
 // Returns the text as XML can hold it: without control characters and what is no character.

@@ -135,7 +135,8 @@ public:
     {
         const auto count = int(message.iterationCount);
         progress->show(count / 2 + int(message.iterationIndex / 2), count);
-        const bool isVain = isInterrupted() || output->hasFailed() || (spectra && spectra->isExhausted());
+        const bool isVain = isInterrupted() || output->hasFailed()
+            || (spectra && (spectra->isExhausted() || spectra->isLacking()));
         return isVain ? Status_Cancel : Status_Ok;
     }
 
@@ -160,6 +161,9 @@ public:
             return log->fail(QStringLiteral("it was interrupted"));
         if (facts.scans.empty())
             return log->fail(whyNoScan(run));
+        sha1 = checksum(run.name());
+        if (sha1.isEmpty())
+            return log->fail(QStringLiteral("it can't be read anew for its checksum"));
         sayWhatIsLeftOut();
         describe();
         OutputBuffer buffer(output, packing);
@@ -169,6 +173,8 @@ public:
             log->warn(QStringLiteral("The points of some scans are put in the order of their masses."));
         if (spectra && spectra->isExhausted())
             throw std::bad_alloc();
+        if (spectra && spectra->isLacking())
+            return log->fail(whyScansWent());
         if (isInterrupted())
             return log->fail(QStringLiteral("it was interrupted"));
         return buffer.finish();
@@ -298,7 +304,7 @@ private:
             "SF1", xmlText(input.fileName()),
             QUrl::fromLocalFile(input.absolutePath()).toEncoded().toStdString());
         source->set(MS_Andi_MS_format);
-        source->set(MS_SHA_1, checksum(run.name()).toStdString());
+        source->set(MS_SHA_1, sha1.toStdString());
         source->set(isTrace() ? MS_no_nativeID_format : MS_scan_number_only_nativeID_format);
         FileDescription &description = data.fileDescription;
         description.sourceFilePtrs.push_back(source);
@@ -401,8 +407,8 @@ private:
             if (separation != CVID_Unknown)
                 data.run.set(separation);
         }
-        forEachDescription(globals, [this](const char *name, const QString &text) {
-            data.run.userParams.emplace_back(name, xmlText(text));
+        forEachDescription(globals, [this](const QByteArray &name, const QString &text) {
+            data.run.userParams.emplace_back(name.constData(), xmlText(text));
         });
         common.forEach([this](const char *name, double number) {
             if (std::isnan(number))
@@ -431,9 +437,6 @@ private:
             leaveOut(QStringLiteral("ranges of masses with one end"));
         if (hasTimeRanges)
             leaveOut(QStringLiteral("ranges of times"));
-        const MsRawGlobalRecord &raw = run.globals().raw;
-        if (raw.mass_long_name || raw.time_long_name || raw.intensity_long_name)
-            leaveOut(QStringLiteral("long names of axes"));
         if (!run.groups().empty())
             leaveOut(QStringLiteral("groups of monitored masses"));
         if (run.kind() == MsRun::Kind::Library)
@@ -467,6 +470,7 @@ private:
     bool hasHalfWindows = false;
     bool hasTimeRanges = false;
     CommonNumbers common;
+    QByteArray sha1; // of the input
     StatedGlobals globals;
     MSData data;
     BinaryDataEncoder::Config encoding;

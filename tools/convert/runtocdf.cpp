@@ -109,6 +109,8 @@ public:
     {
     }
 
+    qint32 count() const { return written; }
+
     bool add(const MsSpectrum &spectrum, CdfWriter *writer)
     {
         MsScanRecord scan = spectrum.record();
@@ -276,6 +278,8 @@ bool writeCdf(const MsRun &run, const QByteArray &path, ProgressBar *progress, C
         });
     if (isWritten && !isWhole)
         return log->fail(QStringLiteral("it was interrupted"));
+    if (isWritten && conversion.count() < known.scans)
+        return log->fail(whyScansWent());
     isWritten = isWritten && writer.finish();
     return isWritten || log->fail(writer.failure());
 }

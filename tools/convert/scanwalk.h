@@ -35,4 +35,11 @@ inline QString whyNoScan(const MsRun &run)
         : QStringLiteral("no scan can be read; of the first one, %1").arg(run.spectrum(0).failure());
 }
 
+// Why a conversion ends whose second walk lacks scans of the first one, as a part of a sentence.
+inline QString whyScansWent()
+{
+    return QStringLiteral(
+        "scans that were read once can't be read again, as the file was changed meanwhile");
+}
+
 #endif // SCANWALK_H

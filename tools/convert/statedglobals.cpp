@@ -30,9 +30,25 @@ constexpr const char *aboutTheFile[] = {"dataset_completeness",
 
 bool isDescription(const MsAttributeRow &row)
 {
-    return row.variable == -1
+    const bool isNumberOfAxis = row.variable != -1 && (row.enumerated || row.nc_type != NC_CHAR);
+    return !isNumberOfAxis
         && std::none_of(std::begin(aboutTheFile), std::end(aboutTheFile),
                         [&row](const char *name) { return qstrcmp(name, row.name) == 0; });
+}
+
+// Attributes of different variables have the same names.
+QByteArray nameOf(const MsAttributeRow &row)
+{
+    switch (row.variable) {
+    case MsVar_mass_values:
+        return QByteArray("mass_") + row.name;
+    case MsVar_time_values:
+        return QByteArray("time_") + row.name;
+    case MsVar_intensity_values:
+        return QByteArray("intensity_") + row.name;
+    default:
+        return row.name;
+    }
 }
 
 // Returns the value of the row's field as a text; null where it has none.
@@ -115,13 +131,13 @@ StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log)
 }
 
 void forEachDescription(const MsGlobalRecords &globals,
-                        const std::function<void(const char *name, const QString &text)> &use)
+                        const std::function<void(const QByteArray &name, const QString &text)> &use)
 {
     forEachTable(globals, [&use](const MsTable<MsAttributeRow> &table, const void *record) {
         for (const MsAttributeRow &row : table) {
             const QString text = isDescription(row) ? textOf(row, record) : QString();
             if (!text.isEmpty())
-                use(row.name, text);
+                use(nameOf(row), text);
         }
     });
 }
@@ -137,7 +153,7 @@ bool setDescription(const char *name, const QString &text, MsGlobalRecords *glob
     bool isSet = false;
     forEachTable(*globals, [&](const MsTable<MsAttributeRow> &table, void *record) {
         for (const MsAttributeRow &row : table) {
-            if (qstrcmp(row.name, name) != 0 || !isDescription(row))
+            if (nameOf(row) != name || !isDescription(row))
                 continue;
             char *field = static_cast<char *>(record) + row.field;
             if (row.enumerated) {

@@ -21,7 +21,7 @@ StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log);
 // Calls `use` with name and text of each attribute of the records that describes the run: who, when, what
 // and how, but nothing of how the file is made. Texts of the records are UTF-8.
 void forEachDescription(const MsGlobalRecords &globals,
-                        const std::function<void(const char *name, const QString &text)> &use);
+                        const std::function<void(const QByteArray &name, const QString &text)> &use);
 
 // Returns the text as a value for the toolkit that stores its UTF-8.
 QVariant utf8Variant(const QString &text);
