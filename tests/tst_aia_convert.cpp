@@ -178,11 +178,13 @@ private slots:
                                  "convert a.mzML -o b.cdf && ncdump -v instrument_name b.cdf > out"};
         attributesThroughMzML.madePart = "\"Mass spectrometer";
         const QString retitled = "ncdump plain.cdf | sed 's/Five scans/%1/' | ncgen -o a.cdf; ";
-        row("another alphabet through mzML") = {
+        row("alphabets and units through mzML") = {
             retitled.arg("\u03b1-Pinen \u8a66\u6599\" ; :raw_data_comments = \"kept")
                 + "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && convert b.cdf -o c.cdf &&"
-                  "ncdump -h c.cdf | grep -E ':(exp.*title|raw.*comments) ' > out",
-            0, "", "\t\t:experiment_title = \"\u03b1-Pinen \u8a66\u6599\" ;\n\t\t:raw_data_comments = \"kept\" ;\n"};
+                  "ncdump -h c.cdf | grep -E ':(exp.*title|raw.*comments) |intensity_values:units' > out",
+            0, "",
+            "\t\tintensity_values:units = \"Arbitrary Intensity Units\" ;\n"
+            "\t\t:experiment_title = \"\u03b1-Pinen \u8a66\u6599\" ;\n\t\t:raw_data_comments = \"kept\" ;\n"};
         row("title in Latin-1") = {retitled.arg("\\\\374ber")
                                        + "convert a.cdf -o b.cdf && ncdump -h b.cdf | grep title > out",
                                    0, "", "\t\t:experiment_title = \"\u00fcber\" ;\n"};

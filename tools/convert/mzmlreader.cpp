@@ -155,7 +155,8 @@ private:
         for (qint32 *unknown : {&globals.test.test_separation_type, &globals.test.test_ms_inlet,
                                 &globals.test.test_ionization_mode, &globals.test.test_detector_type,
                                 &globals.test.test_resolution_type, &globals.test.test_scan_direction,
-                                &globals.test.test_scan_law, &globals.sample.sample_state})
+                                &globals.test.test_scan_law, &globals.sample.sample_state,
+                                &globals.raw.intensity_units, &globals.raw.total_intensity_units})
             *unknown = -1;
         globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
         describeFile();
@@ -314,8 +315,8 @@ private:
         if (unit != CVID_Unknown)
             unitTerm.set(unit);
         const qint32 code = templateCode(TermFamily::IntensityUnit, unitTerm);
-        globals.raw.intensity_units = code;
-        globals.raw.total_intensity_units = code;
+        for (qint32 *unknown : {&globals.raw.intensity_units, &globals.raw.total_intensity_units})
+            *unknown = *unknown == -1 ? code : *unknown; // the template's own words say more
     }
 
     // Puts the points in the order of their masses. Returns false where the format can't hold one.

@@ -30,8 +30,8 @@ constexpr const char *aboutTheFile[] = {"dataset_completeness",
 
 bool isDescription(const MsAttributeRow &row)
 {
-    const bool isNumberOfAxis = row.variable != -1 && (row.enumerated || row.nc_type != NC_CHAR);
-    return !isNumberOfAxis
+    const bool isScale = row.variable != -1 && row.nc_type != NC_CHAR;
+    return !isScale
         && std::none_of(std::begin(aboutTheFile), std::end(aboutTheFile),
                         [&row](const char *name) { return qstrcmp(name, row.name) == 0; });
 }
@@ -46,6 +46,8 @@ QByteArray nameOf(const MsAttributeRow &row)
         return QByteArray("time_") + row.name;
     case MsVar_intensity_values:
         return QByteArray("intensity_") + row.name;
+    case MsVar_total_intensity:
+        return QByteArray("total_intensity_") + row.name;
     default:
         return row.name;
     }
