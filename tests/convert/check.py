@@ -1,10 +1,11 @@
 """Converts files with aia-convert and reads what came out with other programs: every number has to be the same.
 
 check.py CONVERT FOLDER FILE.cdf... writes to FOLDER. mzML is read by pymzml and validated by FileInfo,
-.cdf by netCDF4, CSV by the csv module. Prints what is wrong; the status says whether anything is.
+.cdf by netCDF4, CSV by the csv module; what mzML says is held against the .cdf, too. Prints what is wrong; the status says whether anything is.
 """
 
 import csv
+import hashlib
 import os
 import re
 import subprocess
@@ -82,6 +83,67 @@ def read_mzml(path):
     return Scans([t for t, _ in trace], [i for _, i in trace], [])
 
 
+def wrong_terms(mzml, source, clean):
+    """Yields what mzML says otherwise than the clean .cdf."""
+    with open(mzml, encoding="utf-8") as file:
+        text = file.read()
+    with netCDF4.Dataset(clean) as data:
+        said = {name: data.getncattr(name) for name in data.ncattrs()}
+        numbers = data["actual_scan_number"][:].tolist()
+        has_masses = "mass_values" in data.variables
+        has_groups = "group_number" in data.dimensions
+    scan = said.get("test_scan_function")
+    is_sim = has_masses and (scan == "Selected Ion Detection" or (scan is None and has_groups))
+    is_profile = said["experiment_type"] == "Continuum Mass Spectrum"
+    sign = said.get("test_ionization_polarity")
+    mode = said.get("test_ionization_mode")
+    has_owner = "dataset_owner" in said or "dataset_origin" in said
+    has_contact = "operator_name" in said and has_owner
+    wanted = {
+        "MS:1002441": True, "MS:1000776": has_masses, "MS:1000824": not has_masses,
+        "MS:1000582": is_sim, "MS:1000579": has_masses and not is_sim, "MS:1000795": has_masses,
+        "MS:1000128": has_masses and is_profile, "MS:1000127": has_masses and not is_profile,
+        "MS:1000130": has_masses and sign == "Positive Polarity",
+        "MS:1000129": has_masses and sign == "Negative Polarity",
+        "MS:1000389": mode == "Electron Impact", "MS:1000071": mode == "Chemical Ionization",
+        "MS:1000031": True, "MS:1000443": True, "MS:1000026": "test_detector_type" not in said,
+        "MS:1000586": has_contact, "MS:1000590": has_contact,
+        "MS:1000799": True, "MS:1000544": True, "MS:1000235": True, "UO:0000010": True, "UO:0000031": False,
+    }
+    for accession, is_there in wanted.items():
+        if (f'ccession="{accession}"' in text) != is_there:
+            yield f"mzML {'lacks' if is_there else 'has'} {accession}"
+    with open(source, "rb") as file:
+        if hashlib.sha1(file.read()).hexdigest() not in text:
+            yield "mzML has another checksum"
+    zone = re.search("[+-][0-9]{4}$", said.get("experiment_date_time_stamp", "").strip())
+    if ("startTimeStamp" in text) != bool(zone):
+        yield "mzML has a start without a zone, or none with one"
+    names = re.findall('<spectrum index="[0-9]*" id="scan=([0-9]+)"', text)
+    is_unique = len(set(numbers)) == len(numbers) and min(numbers) >= 0
+    if has_masses and (len(names) != len(numbers) or (is_unique and sorted(map(int, names)) != sorted(numbers))):
+        yield f"mzML calls its spectra {names[:5]}"
+
+
+ABOUT_THE_FILE = "^(netcdf_file_date.*|raw_data_.*_format|global_.*|starting_scan_number|experiment_type)$"
+
+
+def plain(value):
+    return re.sub("[\\x00-\\x20]", " ", str(value)).strip()  # XML has no control characters
+
+
+def lost_attributes(clean, back):
+    """Yields the attributes of the clean .cdf that mzML and back have otherwise."""
+    with netCDF4.Dataset(clean) as before, netCDF4.Dataset(back) as after:
+        for name in before.ncattrs():
+            is_same = name in after.ncattrs() and plain(before.getncattr(name)) == plain(after.getncattr(name))
+            if not is_same and not re.match(ABOUT_THE_FILE, name):
+                yield f"mzML and back lose {name}"
+        kinds = [data.getncattr("experiment_type") == "Continuum Mass Spectrum" for data in (before, after)]
+        if "mass_values" in before.variables and kinds[0] != kinds[1]:
+            yield "mzML and back change experiment_type"
+
+
 def read_points(path):
     with open(path, newline="") as file:
         rows = list(csv.reader(file))
@@ -111,6 +173,7 @@ def check(convert, folder, source):
     if result.returncode != 0 and of_mzml.times.size:
         yield f"mzML doesn't come back: {result.stderr}"
         return
+    yield from wrong_terms(mzml, source, clean)
     of_clean = read_cdf(clean)
     if not numpy.array_equal(of_clean.times, of_mzml.times, equal_nan=True) \
             and numpy.array_equal(numpy.sort(of_clean.times), of_mzml.times):
@@ -120,6 +183,7 @@ def check(convert, folder, source):
         yield of_mzml.difference(of_clean, "mzML and the clean .cdf")
     if result.returncode == 0:
         yield of_mzml.difference(read_cdf(back), "mzML and back")
+        yield from lost_attributes(clean, back)
     again = run(convert, "--quiet", clean, "-o", os.path.join(folder, name + ".again.cdf"), "--force")
     if again.returncode != 0:
         yield f"the clean .cdf isn't clean: {again.stderr}"
