@@ -109,7 +109,7 @@ private slots:
         row("several levels") = {"convert --no-compression plain.cdf -o a.mzML && sed -i '0,/level\" "
                                  "value=\"1/s//level\" value=\"2/' a.mzML;"
                                  "convert a.mzML -o out.cdf",
-                                 1, "several MS levels"};
+                                 1, "MS levels above 1"};
         row("several polarities") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
                                      "sed -i '0,/1000130/s//1000129/' a.mzML; convert a.mzML -o out.cdf",
                                      1, "several polarities"};
@@ -168,6 +168,19 @@ private slots:
         row("modulation that the trace shows") = {"sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML &&"
                                                   "grep -cE '1002085|\"modulation length\" value=\"4\"' a.mzML > out",
                                                   0, "modulated every 4 s", "2\n"};
+        row("spectra of light") = {
+            "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"
+            "convert a.mzML -o b.cdf",
+            0, "1 spectra that aren't mass spectra are left out"};
+        row("numbers that repeat, times that fall") = {
+            "ncdump plain.cdf | sed 's/actual_scan_number = .*/actual_scan_number = 5, 5, 6, 7, 8 ;/;"
+            "s/scan_acquisition_time = .*/scan_acquisition_time = 9, 8, 7, 6, 6 ;/;"
+            "' | ncgen -o a.cdf;"
+            "convert a.cdf -o a.mzML; grep -oE 'id=.scan=[0-9]+. d|start time.*value=.[0-9]' a.mzML > out",
+            0, "order of their times",
+            "id=\"scan=3\" d\nstart time\" value=\"6\nid=\"scan=4\" d\nstart time\" value=\"6\n"
+            "id=\"scan=2\" d\nstart time\" value=\"7\nid=\"scan=1\" d\nstart time\" value=\"8\n"
+            "id=\"scan=0\" d\nstart time\" value=\"9\n"};
         row("mzXML") = {"convert " AIA_TEST_SOURCES "/convert/two-scans.mzXML -o a.cdf &&"
                         "convert a.cdf --csv points -o - --to csv > out",
                         0, "",

@@ -37,12 +37,15 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     std::set<CVID> polarities; // CVID_Unknown among them where a spectrum says none
     std::size_t otherLevels = 0;
     std::size_t otherPolarities = 0;
+    std::size_t others = 0; // of light, say: no mass spectra
     for (std::size_t i = 0; i < list.size(); ++i) {
         if (isInterrupted())
             return log->fail(QStringLiteral("it was interrupted"));
         const SpectrumPtr spectrum = list.spectrum(i, false);
         const CVID polarity = polarityOf(*spectrum);
-        if (levelOf(*spectrum) != options.msLevel.value_or(1)) {
+        if (spectrum->hasCVParamChild(MS_electromagnetic_radiation_spectrum)) {
+            ++others;
+        } else if (levelOf(*spectrum) != options.msLevel.value_or(1)) {
             ++otherLevels;
         } else if (options.isPositive
                    && polarity != (*options.isPositive ? MS_positive_scan : MS_negative_scan)) {
@@ -58,8 +61,8 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     }
     if (otherLevels > 0 && !options.msLevel)
         return log->fail(
-            QStringLiteral("it has spectra of several MS levels, of which the option --ms-level chooses "
-                           "one"));
+            QStringLiteral("it has spectra of MS levels above 1, and the option --ms-level chooses one "
+                           "level"));
     if (polarities.size() > 1)
         return log->fail(
             QStringLiteral("it has spectra of several polarities, of which the option --polarity chooses "
@@ -67,6 +70,8 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     if (choice->spectra.empty())
         return log->fail(QStringLiteral("it has no such spectra"));
     choice->polarity = *polarities.begin();
+    if (others > 0)
+        log->warn(QStringLiteral("%1 spectra that aren't mass spectra are left out.").arg(others));
     if (otherLevels > 0)
         log->warn(QStringLiteral("%1 spectra of other MS levels are left out.").arg(otherLevels));
     if (otherPolarities > 0)
