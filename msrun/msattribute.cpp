@@ -43,7 +43,7 @@ bool isStated(int ncid, const MsAttributeRow &row)
     return placeOf(ncid, row).isStated;
 }
 
-QString textOfBytes(const char *bytes)
+QString textFromFile(const char *bytes)
 {
     const QString text = QString::fromUtf8(bytes);
     return text.toUtf8() == bytes ? text : QString::fromLatin1(bytes);

@@ -15,7 +15,7 @@ bool isStated(int ncid, const MsAttributeRow &row);
 
 // Returns the text of bytes from a file, up to the first NUL: as UTF-8 where they are that, else as
 // Latin-1. Programs write both, and the file doesn't say which.
-QString textOfBytes(const char *bytes);
+QString textFromFile(const char *bytes);
 
 // Returns the text of a text attribute, up to its first NUL and without blanks around it. Null if the
 // file doesn't state it, or it is blank. An attribute of more than a million bytes isn't read.

@@ -38,7 +38,7 @@ inline bool isKnown(qint32 number)
 // A text of a record, without blanks around it; null for a blank one.
 inline QString textOf(const char *bytes)
 {
-    const QString text = textOfBytes(bytes).trimmed();
+    const QString text = textFromFile(bytes).trimmed();
     return text.isEmpty() ? QString() : text;
 }
 

@@ -46,7 +46,7 @@ void GrowingRange::add(double number)
 QByteArray bytesOfText(const QString &text)
 {
     const QByteArray latin1 = text.toLatin1();
-    return textOfBytes(latin1.constData()) == text ? latin1 : text.toUtf8();
+    return textFromFile(latin1.constData()) == text ? latin1 : text.toUtf8();
 }
 
 QByteArray stampOf(const QDateTime &moment)

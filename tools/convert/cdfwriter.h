@@ -69,8 +69,8 @@ private:
     QString failure_;
 };
 
-// Returns the bytes of a text for a variable: Latin-1, as other programs take it, where textOfBytes makes
-// the same text of it again, else UTF-8.
+// Returns the bytes of a text for a variable: Latin-1, as other programs take it, where textFromFile
+// makes the same text of it again, else UTF-8.
 QByteArray bytesOfText(const QString &text);
 
 // Returns the moment in the form of a time stamp of the template, in UTC.

@@ -343,7 +343,7 @@ private:
             for (const MsVariableRow &row : ms_instrument_table) {
                 const char *record = reinterpret_cast<const char *>(
                     static_cast<const MsInstrumentRecord *>(&components[i]));
-                const QString text = textOfBytes(*reinterpret_cast<char *const *>(record + row.field));
+                const QString text = textFromFile(*reinterpret_cast<char *const *>(record + row.field));
                 const std::string name =
                     row.name + (i == 0 ? std::string() : ' ' + std::to_string(i + 1));
                 if (!text.trimmed().isEmpty())
