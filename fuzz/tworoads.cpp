@@ -43,15 +43,14 @@ Part partOf(const MsShape &shape, std::size_t first, std::size_t lines, bool isH
     return part;
 }
 
-std::vector<Part> partsOf(const MsShape &shape)
+std::vector<Part> partsOf(const MsShape &shape, std::size_t most)
 {
-    constexpr std::size_t most = 1 << 12;
     const std::size_t length = shape.rank() > 0 ? shape.length[0] : 1;
     std::vector<Part> parts = {partOf(shape, 0, length, false), partOf(shape, 0, most, false),
                                partOf(shape, 0, 1, true), partOf(shape, length / 3, 7, true),
                                partOf(shape, length - std::min<std::size_t>(length, 1), 1, false)};
     parts.erase(std::remove_if(parts.begin(), parts.end(),
-                               [](const Part &part) { return part.size < 1 || part.size > most; }),
+                               [most](const Part &part) { return part.size < 1 || part.size > most; }),
                 parts.end());
     return parts;
 }
@@ -72,7 +71,7 @@ const char *difference(MsFileData &own, MsFileData &library, int variable, const
 
 } // namespace
 
-QByteArray differenceOfRoads(const QByteArray &path)
+QByteArray differenceOfRoads(const QByteArray &path, std::size_t most)
 {
     const MsFile files[] = {MsFile(path.constData()), MsFile(path.constData())};
     MsFileData *const own = dataOf(files[0]);
@@ -90,7 +89,7 @@ QByteArray differenceOfRoads(const QByteArray &path)
         if (!own->ask_shape(variable, &shape))
             continue;
         const bool isByte = shape.type == NC_CHAR || shape.type == NC_BYTE || shape.type == NC_UBYTE;
-        for (const Part &part : partsOf(shape)) {
+        for (const Part &part : partsOf(shape, most)) {
             for (const qint32 type : {NC_CHAR, NC_SHORT, NC_INT, NC_FLOAT, NC_DOUBLE}) {
                 if (type == NC_CHAR ? !isByte : !ms_is_number(shape.type))
                     continue;

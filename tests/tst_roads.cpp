@@ -10,6 +10,17 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
+#include <netcdf.h>
+
+namespace {
+
+struct LargeRead {
+    std::size_t size = 0;   // numbers
+    std::size_t others = 0; // in the same record
+};
+
+} // namespace
+
 class TestRoads : public QObject
 {
     Q_OBJECT
@@ -23,6 +34,27 @@ class TestRoads : public QObject
         options.points = 9;
         options.massFormat = options.timeFormat = options.intensityFormat = format;
         return writeSample(QFile::encodeName(path), options).isNull() ? content(path) : QByteArray();
+    }
+
+    // Numbers of points, all but the one at `wide` small. They are alone, or lie in records with lines of
+    // others, all of them too large for 16 bits.
+    bool makeNumbers(std::size_t size, std::size_t others, std::size_t wide) const
+    {
+        int id = -1;
+        int dimensions[2] = {};
+        int numbers = -1;
+        int lines = -1;
+        std::vector<int> values(size, 7);
+        values[wide] = 70000;
+        const std::size_t start = 0;
+        const bool isFixed = others == 0;
+        const bool isWell = nc_create(QFile::encodeName(path).constData(), NC_CLOBBER, &id) == NC_NOERR
+            && nc_def_dim(id, "point_number", isFixed ? size : NC_UNLIMITED, &dimensions[0]) == NC_NOERR
+            && nc_def_dim(id, "width", others + 1, &dimensions[1]) == NC_NOERR
+            && nc_def_var(id, "lines", NC_INT, isFixed ? 1 : 2, dimensions, &lines) == NC_NOERR
+            && nc_def_var(id, "numbers", NC_INT, 1, dimensions, &numbers) == NC_NOERR && nc_enddef(id) == NC_NOERR
+            && nc_put_vara_int(id, numbers, &start, &size, values.data()) == NC_NOERR;
+        return nc_close(id) == NC_NOERR && isWell;
     }
 
     const Silence silence;
@@ -53,6 +85,23 @@ private slots:
                 }
                 QCOMPARE(differenceOfRoads(QFile::encodeName(path)), QByteArray());
             }
+        }
+    }
+
+    // A number that the wanted type can't hold counts in whichever part of a large read it lies.
+    void largeReads_data()
+    {
+        const Rows<LargeRead> row;
+        row("side by side") = {70000};
+        row("in records") = {70000, 1};
+        row("in wide records") = {300, 250};
+    }
+    void largeReads()
+    {
+        const LargeRead &row = Rows<LargeRead>::current();
+        for (const std::size_t wide : {std::size_t(0), row.size / 2, row.size - 1}) {
+            QVERIFY(makeNumbers(row.size, row.others, wide));
+            QCOMPARE(differenceOfRoads(QFile::encodeName(path), 1 << 17), QByteArray());
         }
     }
 
