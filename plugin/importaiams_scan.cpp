@@ -41,6 +41,7 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
     const double scale = raw.intensity_scale_factor;
     const double offset = raw.intensity_add_offset;
     const bool isPlain = scale == 1.0 && offset == 0.0;
+    const auto zero = float(offset); // or a negative one, which keeps a negative intensity of zero
     OrderedSum total;
     for (int first = 0; first < count; first += MsMassKeys::block_size) {
         const int size = std::min(MsMassKeys::block_size, count - first);
@@ -49,7 +50,7 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
         float *const abundances = place.abundances + first;
         if (isPlain && total.addWhole(intensities + first, size)) {
             for (int i = 0; i < size; ++i)
-                abundances[i] = float(intensities[first + i]) + 0.0f; // no negative zeros
+                abundances[i] = float(intensities[first + i]) + zero;
         } else {
             for (int i = 0; i < size; ++i) {
                 values[std::size_t(i)] = double(intensities[first + i]) * scale + offset;

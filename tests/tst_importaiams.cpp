@@ -8,11 +8,20 @@
 #include "rows.h"
 
 #include <QJsonObject>
+#include <QTemporaryDir>
 
+#include <cmath>
 #include <ctime>
 #include <vector>
 
 namespace {
+
+// Of intensities that are whole numbers and have no scale.
+struct Offset {
+    QByteArray text;
+    float zero = 0.0f; // the abundance of a negative zero
+    double total = 2.0;
+};
 
 void compare(const ReceivedScan &seen, const ReceivedScan &expected)
 {
@@ -119,6 +128,32 @@ private slots:
         QCOMPARE(receiver.scans.at(0).abundances.size(), 0);
         QCOMPARE(receiver.points, 1 << 24); // all of the second scan
         QCOMPARE(receiver.scans.at(1).total, -32767.0 * ((1 << 24) - 2) + 3);
+    }
+
+    void addsTheOffset_data()
+    {
+        const Rows<Offset> row;
+        row("zero") = {"0."};
+        row("negative zero") = {"-0.", -0.0f};
+        row("fraction") = {"0.5", 0.5f, 3.0};
+    }
+    void addsTheOffset()
+    {
+        const Offset &row = Rows<Offset>::current();
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("offset.cdf");
+        const QByteArray text =
+            "netcdf offset { dimensions: scan_number = 1; point_number = 2;"
+            "variables: int scan_index(scan_number), point_count(scan_number);"
+            "float mass_values(point_number), intensity_values(point_number); intensity_values:add_offset = "
+            + row.text + "; data: point_count = 2; scan_index = 0; mass_values = 50, 60; intensity_values = -0., 2.; }";
+        QVERIFY(makeNetcdf(path, "classic", text));
+        Receiver receiver;
+        QVERIFY(import(copyFor(path).get(), &receiver));
+        const float abundance = receiver.scans.at(0).abundances.at(0);
+        QCOMPARE(abundance, row.zero);
+        QCOMPARE(std::signbit(abundance), std::signbit(row.zero));
+        QCOMPARE(receiver.scans.at(0).total, row.total);
     }
 
     // The stamp: 19930817103000+0100. Others are compared with the independent reading, in UTC.
