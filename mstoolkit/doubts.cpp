@@ -129,7 +129,7 @@ constexpr DoubtRow doubt_rows[] = {
     {MsDoubtKind::TimeRange, "time-range", false, true,
      "In \"%1\", the times of the scans go from %3, beyond global_time_min and global_time_max, which say %4."},
     {MsDoubtKind::AcquisitionDate, "acquisition-date", false, true,
-     "In \"%1\", experiment_date_time_stamp says %4, which isn't a date in the form YYYYMMDDhhmmss+hhmm: the date that is handed over is wrong."},
+     "In \"%1\", experiment_date_time_stamp says %4, which %3: the date that is handed over is wrong."},
     {MsDoubtKind::StartingScan, "starting-scan", false, true,
      "In \"%1\", starting_scan_number says %4, though the actual_scan_number of the first scan is %3."},
     {MsDoubtKind::GroupCounts, "group-counts", false, true,
@@ -184,13 +184,18 @@ bool is_number_between(const QByteArray &digits, int least, int most)
     return std::all_of(digits.begin(), digits.end(), is_digit) && number >= least && number <= most;
 }
 
+QDate date_of(const QByteArray &stamp)
+{
+    return QDate(stamp.left(4).toInt(), stamp.mid(4, 2).toInt(), stamp.mid(6, 2).toInt());
+}
+
 // Whether the stamp of an acquisition has the form of the template, as far as its date is made of it.
 bool is_date(const QByteArray &stamp)
 {
     constexpr int farthest_zone = 14; // hours from UTC
     const auto part = [&stamp](int first, int length) { return stamp.mid(first, length); };
     const bool has_date = is_number_between(part(0, 4), 1, 9999) && is_number_between(part(4, 2), 1, 12)
-        && QDate(part(0, 4).toInt(), part(4, 2).toInt(), part(6, 2).toInt()).isValid();
+        && date_of(stamp).isValid();
     const bool has_time = is_number_between(part(6, 2), 1, 31) && is_number_between(part(8, 2), 0, 23)
         && is_number_between(part(10, 2), 0, 59) && is_number_between(part(12, 2), 0, 60);
     const bool has_zone = part(14, 1) == "+" || part(14, 1) == "-";
@@ -198,7 +203,7 @@ bool is_date(const QByteArray &stamp)
         && (!has_zone || is_number_between(part(15, 2), 0, farthest_zone));
 }
 
-// The text of an attribute; empty where it has none, or one that nobody would show.
+// The text of an attribute; null where it has none, or one that nobody would show.
 QByteArray text_attribute(int ncid, int varid, const char *name)
 {
     constexpr std::size_t longest = 200;
@@ -350,6 +355,8 @@ private:
             wrong = totals.odd_ones_out();
         if (wrong.count == 0)
             wrong = totals.far_off();
+        if (wrong.count == 0) // a factor or an offset that the totals lack
+            wrong = totals.disagreeing_unlike(tally.stored_totals);
     }
 
     // Whether the total intensity was left out, or has a unit of its own.
@@ -357,7 +364,14 @@ private:
     {
         const bool is_left_out = tally.claimed_totals.least == 0.0 && tally.claimed_totals.most == 0.0;
         return (is_left_out && !is_trace())
-            || (tally.knows_globals && tally.raw.intensity_units != tally.raw.total_intensity_units);
+            || (tally.knows_globals && tally.raw.intensity_units != tally.raw.total_intensity_units
+                && has_unit(MsVar_total_intensity) && has_unit(MsVar_intensity_values));
+    }
+
+    bool has_unit(int slot) const
+    {
+        return file.variables[slot] != -1
+            && !text_attribute(file.ncid, file.variables[slot], "units").trimmed().isEmpty();
     }
 
     // Whether the run comes without masses.
@@ -378,6 +392,9 @@ private:
         constexpr quint64 padding = 3;
         const quint64 extra = layout->length - std::min(layout->length, layout->told());
         const quint64 records = layout->records_behind();
+        // The library fills a small file up with zeros when it changes it.
+        if (file.data.has_zeros_behind())
+            return;
         if (records > 0 && lacks_records())
             add(MsDoubtKind::Unfinished, qint64(records), QString::number(layout->records), QString());
         else if (extra > padding)
@@ -402,13 +419,22 @@ private:
             add(MsDoubtKind::ChangedFile, 1, QString(), QString());
     }
 
-    // Of a run with points, a writer leaves out one of the axes, not both.
+    // Of a run with points, a writer leaves out one of the axes, not both; but the points of a trace may
+    // be its totals once more.
     void list_missing_masses()
     {
         const MsColumnNumber point_time = MsColumnWalk(file, MsVar_time_values).get(0);
         if (!file.has_mass_values && tally.points_of_scans > 0
+            && (tally.points_of_scans != scans || claims_masses())
             && !(point_time.is_known && is_given(point_time.value)))
             add(MsDoubtKind::MissingMasses, tally.points_of_scans, QString(), QString());
+    }
+
+    bool claims_masses() const
+    {
+        const MsColumnNumber most = MsColumnWalk(file, MsVar_mass_range_max).get(0);
+        return tally.claims.masses.is_known()
+            || (most.is_known && is_given(most.value) && most.value > 0.0);
     }
 
     void list_census()
@@ -463,9 +489,8 @@ private:
         list_format(MsDoubtKind::IntensityFormat, "raw_data_intensity_format",
                     raw.raw_data_intensity_format, MsVar_intensity_values);
         list_time_unit(raw.time_units);
-        if (!tally.stamp.trimmed().isEmpty() && !is_date(tally.stamp))
-            add(MsDoubtKind::AcquisitionDate, 1, QString(), quoted(tally.stamp));
-        list_times(raw.global_time_min, raw.global_time_max);
+        list_date();
+        list_times();
         list_first_scan(raw.starting_scan_number);
     }
 
@@ -485,23 +510,45 @@ private:
     // Minutes are no unit of the template, but that of all times that an import hands over.
     void list_time_unit(qint32 unit)
     {
+        constexpr qint32 last_known = MsSeconds + 2; // of the units of time in the vocabulary
+        const bool is_known = unit >= MsSeconds && unit <= last_known;
         const int slot = file.variables[MsVar_time_values];
-        const QByteArray text =
-            text_attribute(file.ncid, slot == -1 ? NC_GLOBAL : slot, "units").trimmed();
-        if (unit == -1 && !text.isEmpty() && !text.toLower().startsWith("min"))
-            add(MsDoubtKind::TimeUnit, 1, QString(), quoted(text));
+        const QByteArray text = text_attribute(file.ncid, slot == -1 ? NC_GLOBAL : slot, "units");
+        if (!is_known && !text.isNull() && !text.trimmed().toLower().startsWith("min"))
+            add(MsDoubtKind::TimeUnit, 1, QString(), quoted(text.trimmed()));
     }
 
-    // The template leaves open whether the range is that of the points' times, where they are in use.
-    void list_times(double claimed_least, double claimed_most)
+    void list_date()
+    {
+        constexpr int clocks = 2;        // days by which two may differ, with their time zones
+        constexpr int first_year = 1970; // of the dates that a host takes
+        if (tally.stamp.isNull())
+            return;
+        const bool is_form = is_date(tally.stamp);
+        const QDate date = date_of(tally.stamp);
+        QString fault;
+        if (!is_form)
+            fault = QStringLiteral("isn't a date in the form YYYYMMDDhhmmss+hhmm");
+        else if (date.year() < first_year)
+            fault = QStringLiteral("lies before %1").arg(first_year);
+        else if (is_date(tally.file_stamp) && date_of(tally.file_stamp).daysTo(date) > clocks)
+            fault = QStringLiteral("is later than netcdf_file_date_time_stamp, %1")
+                        .arg(quoted(tally.file_stamp));
+        if (!fault.isNull())
+            add(MsDoubtKind::AcquisitionDate, 1, fault, quoted(tally.stamp));
+    }
+
+    // The template leaves open whether the range is that of the points' times, where they are in use
+    // and not those of the scans.
+    void list_times()
     {
         constexpr double slack = 0.01; // of the range
+        const auto [claimed_least, claimed_most] = tally.claims.times;
         const MsColumnNumber point_time = MsColumnWalk(file, MsVar_time_values).get(0);
         const MsColumnNumber scan_time = MsColumnWalk(file, MsVar_scan_acquisition_time).get(0);
-        const bool has_point_times = point_time.is_known && is_given(point_time.value)
-            && !is_near(point_time.value, scan_time.value);
-        if (has_point_times || !is_given(claimed_least) || !is_given(claimed_most)
-            || claimed_most <= claimed_least)
+        const bool has_point_times = tally.points_of_scans > scans && point_time.is_known
+            && is_given(point_time.value) && !is_near(point_time.value, scan_time.value);
+        if (has_point_times || !tally.claims.times.is_known() || !tally.times.is_known())
             return;
         constexpr double minute = 60.0; // some state the range in minutes
         const double room = slack * (claimed_most - claimed_least) + 1.0;

@@ -78,9 +78,7 @@ public:
         constexpr qint64 few = 3;
         if (rounded.count >= few || rounded.count == 0)
             return;
-        rounded.first = finding.count == 0 ? rounded.first : std::min(rounded.first, finding.first);
-        rounded.count += finding.count;
-        finding = rounded;
+        finding.add(rounded);
     }
 
 private:
@@ -136,6 +134,10 @@ public:
             const MsColumnNumber time = times.get(i);
             if (time.is_known && !std::isfinite(time.value))
                 findings[MsDoubtKind::BadTimes].add(qint64(i));
+            else if (can_be(times, time) && time.value < 0.0)
+                findings[MsDoubtKind::NegativeTimes].add(qint64(i));
+            else if (can_be(times, time) && time.value > 0.0)
+                tally.times.add(time.value);
         }
     }
 
@@ -197,13 +199,33 @@ private:
     void compare_step(qint64 scan, double step)
     {
         constexpr double slack = 0.01;
+        constexpr double rounding = 0.002; // thousandths of a second, for one
         constexpr double shortest = 0.75;
         constexpr double longest = 1.5;
         ++steps;
-        even_steps += std::abs(step - usual) <= slack * usual;
+        const double off = std::abs(step - usual);
+        even_steps += off <= slack * usual;
+        exact_steps += off <= rounding * usual;
         const bool is_end = scan == 1 || scan == qint64(count) - 1;
         if (step < shortest * usual || (is_end && step > longest * usual))
             odd_steps.add(scan);
+        else
+            compare_place(scan, step, is_end);
+        last_step = {scan, step};
+    }
+
+    // Where a clock is exact, a time between those of its neighbours may be out of its place by less.
+    void compare_place(qint64 scan, double step, bool is_end)
+    {
+        constexpr double least = 0.05;
+        constexpr double most = 0.25; // an odd step is judged by itself
+        constexpr double rounding = 0.005;
+        const double off = (step - usual) / usual;
+        const double off_before = (last_step.scan == scan - 1 ? last_step.length : usual) / usual - 1.0;
+        if (is_end && off > most)
+            misplaced.add(scan);
+        else if (std::abs(off) > least && std::abs(off) <= most && std::abs(off + off_before) <= rounding)
+            misplaced.add(scan - 1);
     }
 
     // With the time behind it: one that is low by itself doesn't begin a run anew.
@@ -233,15 +255,24 @@ private:
         else if (first_time == 0.0 && earliest == 0.0 && longest_at == 1
                  && second * double(taken - 2) > far * (before - second))
             tally.second_time = second;
-        else if (is_even() && findings[MsDoubtKind::NegativeTimes].count == 0)
-            findings[MsDoubtKind::OddTimes] = odd_steps;
+        else if (findings[MsDoubtKind::NegativeTimes].count == 0)
+            judge_steps();
     }
 
-    // Whether nearly all scans follow each other at the same step.
-    bool is_even() const
+    // Where nearly all scans follow each other at the same step.
+    void judge_steps()
+    {
+        if (!are_nearly_all(even_steps))
+            return;
+        findings[MsDoubtKind::OddTimes] = odd_steps;
+        if (are_nearly_all(exact_steps))
+            findings[MsDoubtKind::OddTimes].add(misplaced);
+    }
+
+    bool are_nearly_all(qint64 some) const
     {
         constexpr qint64 rare = 100; // one of so many
-        return steps - even_steps <= std::max<qint64>(steps / rare, 2);
+        return steps - some <= std::max<qint64>(steps / rare, 2);
     }
 
     MsTally &tally;
@@ -263,7 +294,13 @@ private:
     qint64 longest_at = -1;
     qint64 steps = 0; // that rise, between neighbours
     qint64 even_steps = 0;
+    qint64 exact_steps = 0;
     MsFinding odd_steps;
+    MsFinding misplaced; // by less than that
+    struct {
+        qint64 scan = -1;
+        double length = 0.0;
+    } last_step;             // between neighbours
     qint64 fallen_scan = -1; // not judged yet
     double fallen_from = 0.0;
     double fallen_to = 0.0;

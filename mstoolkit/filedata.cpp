@@ -5,6 +5,7 @@
 #include "msformat.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace {
@@ -66,6 +67,21 @@ void MsFileData::open_read(std::unique_ptr<MsClassicBytes> file, MsClassicLayout
     open_read(found.length);
     classic = std::move(file);
     layout = std::move(found);
+}
+
+bool MsFileData::has_zeros_behind()
+{
+    constexpr quint64 most_behind = 1 << 22;
+    std::array<char, 1 << 12> bytes;
+    if (!classic || layout->length > ms_sum(layout->told(), most_behind))
+        return false;
+    for (quint64 place = layout->told(); place < layout->length; place += bytes.size()) {
+        const auto size = std::size_t(std::min<quint64>(bytes.size(), layout->length - place));
+        if (classic->read_bytes(place, size, bytes.data()) != MsClassicBytes::Result::Read
+            || std::any_of(bytes.begin(), bytes.begin() + size, [](char one) { return one != 0; }))
+            return false;
+    }
+    return true;
 }
 
 void MsFileData::look_at_length()

@@ -70,6 +70,10 @@ public:
     // Bytes that such a file lacks at its end.
     quint64 missing_bytes() const;
 
+    // Returns whether such a file has only zeros behind the end that its header gives. More than a few
+    // megabytes count as others.
+    bool has_zeros_behind();
+
     // Takes note of a file that was cut since it was opened.
     void look_at_length();
 

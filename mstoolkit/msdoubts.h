@@ -11,7 +11,7 @@
 //     code                    count of   meaning
 //     cut-off             L   bytes      the file ends before its header says
 //     unfinished          L   records    records behind those that the header counts: its writer was interrupted
-//     trailing-bytes          bytes      bytes behind the end that the header gives, which no scan misses
+//     trailing-bytes          bytes      bytes behind the end that the header gives, not all 0, which no scan misses
 //     read-failed         LP  reads      the system couldn't read the file
 //     changed-file        LP  1          the file was changed while it was open
 //     unwritten-scans     L   scans      point_count or time were never written: they hold the fill value
@@ -37,7 +37,7 @@
 //     fill-masses         P   masses     never written: the fill value
 //     negative-masses     P   masses     below 0
 //     zero-masses         P   masses     0
-//     odd-masses              masses     aren't whole numbers, or tenths, as 99 in 100 different ones of the run are
+//     odd-masses              masses     not multiples of 1, 0.1 or 0.05, as 99 in 100 different ones are
 //     equal-masses        P   scans      three masses or more, and all the same
 //     unordered-masses    P   scans      the masses don't rise, though those of nearly all scans do
 //     bad-intensities     P   points     infinite or NaN
@@ -55,9 +55,9 @@
 //     uneven-times            scans      of a GCxGC run: more than a step out of an even spacing
 //     mass-format             1          the attribute names another format than the stored one
 //     intensity-format        1          the same of the intensities
-//     time-units              1          another text than those of the template, or than minutes
+//     time-units              1          another text than those of the template and minutes, or an empty one
 //     time-range              1          scans were taken outside global_time_min and global_time_max
-//     acquisition-date        1          experiment_date_time_stamp isn't a date in the form of the template
+//     acquisition-date        1          experiment_date_time_stamp isn't a date in the form of the template, or one that can be
 //     starting-scan           1          starting_scan_number isn't the first actual_scan_number, give or take one
 //     group-counts            groups     more masses than there is room for, or a first scan that isn't there
 //     mass-range          P   scans      masses outside global_mass_min and global_mass_max
@@ -68,8 +68,9 @@
 //
 // A total intensity is wrong where it is off by more than a tenth of a percent in more than a hundredth
 // of the scans, and else where it is off by more than a hundredth. A range is wrong where points lie
-// outside by more than rounding: a mass unit, or a thousandth of the largest intensity. Where nearly all
-// scans (99 in 100) agree with their points to the last digits, one that doesn't is wrong, too.
+// outside by more than rounding: a mass unit, half of one where the range isn't in whole masses, or a
+// thousandth of the largest intensity. Where nearly all scans (99 in 100) agree with their points to the
+// last digits, one that doesn't is wrong, too.
 #ifndef MSDOUBTS_H
 #define MSDOUBTS_H
 

@@ -137,7 +137,7 @@ public:
             ms_with_format(file.intensity_format, scan.intensity_values,
                            [this](const auto *numbers) { take_intensities(numbers); });
         } else if (scan.point_count < 1) {
-            compare_total(0.0);
+            compare_total(0.0, 0.0);
         }
         if (scan.mass_values) {
             ms_with_format(file.mass_format, scan.mass_values,
@@ -161,7 +161,7 @@ private:
             return;
         const double scaled = sum * claims.intensity_scale + scan.point_count * claims.intensity_offset;
         if (std::isfinite(scaled))
-            compare_total(scaled);
+            compare_total(scaled, sum);
         if (claims.intensities.is_known()
             && !lies_within(numbers, scan.point_count, clamp_to<Stored>(claims.intensities.least),
                             clamp_to<Stored>(claims.intensities.most)))
@@ -184,7 +184,7 @@ private:
         return odd;
     }
 
-    void compare_total(double sum)
+    void compare_total(double sum, double stored_sum)
     {
         const double total = scan.total_intensity;
         if (ms_is_missing(total) || ms_is_fill(NC_DOUBLE, total))
@@ -195,6 +195,8 @@ private:
         const bool is_rounded = total == std::trunc(total) && std::abs(total - sum) < 1.0;
         tally.totals.compare(place, total, sum);
         tally.rounded_totals.compare(place, total, is_rounded ? total : sum);
+        if (sum != stored_sum)
+            tally.stored_totals.compare(place, total, stored_sum);
         tally.claimed_totals.add(total);
     }
 
@@ -268,10 +270,11 @@ private:
     void compare_masses(const MsNumberRange &measured)
     {
         // Claims are often whole masses, or those of the scan's nominal window.
-        constexpr double slack = 1.0;
-        const auto is_beyond = [&measured](const MsNumberRange &claimed) {
+        const auto slack = [](double claimed) { return claimed == std::trunc(claimed) ? 1.0 : 0.5; };
+        const auto is_beyond = [&](const MsNumberRange &claimed) {
             return claimed.is_known()
-                && (measured.least < claimed.least - slack || measured.most > claimed.most + slack);
+                && (measured.least < claimed.least - slack(claimed.least)
+                    || measured.most > claimed.most + slack(claimed.most));
         };
         const MsNumberRange claimed = claimed_range(scan.mass_range_min, scan.mass_range_max);
         if (claimed.is_known() && !is_window(claimed, measured)) {
@@ -338,12 +341,8 @@ void MsAgreement::add_disagreement(qint64 scan, double claimed, double measured)
 MsFinding MsAgreement::off_by_more_than(Limit limit) const
 {
     MsFinding all;
-    for (std::size_t i = limit; i < off.size(); ++i) {
-        if (off[i].count == 0)
-            continue;
-        all.first = all.count == 0 ? off[i].first : std::min(all.first, off[i].first);
-        all.count += off[i].count;
-    }
+    for (std::size_t i = limit; i < off.size(); ++i)
+        all.add(off[i]);
     return all;
 }
 
@@ -351,6 +350,11 @@ MsFinding MsAgreement::disagreeing() const
 {
     const MsFinding found = off_by_more_than(Thousandth);
     return found.count * 100 > compared ? found : MsFinding();
+}
+
+MsFinding MsAgreement::disagreeing_unlike(const MsAgreement &other) const
+{
+    return other.is_exact() ? off_by_more_than(Rounding) : MsFinding();
 }
 
 MsFinding MsAgreement::far_off() const
@@ -381,16 +385,20 @@ bool MsAgreement::holds_where(const MsAgreement &other_fails) const
 
 void ms_tally_globals(MsTally &tally, const MsAdminRecord &admin, const MsRawGlobalRecord &raw)
 {
-    constexpr uint shown = 60; // characters
+    const auto beginning = [](const char *text) {
+        constexpr uint shown = 60; // characters
+        return QByteArray(text, int(qstrnlen(text, shown)));
+    };
     tally.knows_globals = true;
-    tally.stamp = QByteArray(admin.experiment_date_time_stamp,
-                             int(qstrnlen(admin.experiment_date_time_stamp, shown)));
+    tally.stamp = beginning(admin.experiment_date_time_stamp);
+    tally.file_stamp = beginning(admin.netcdf_file_date_time_stamp);
     tally.raw = raw;
     MsClaims &claims = tally.claims;
     claims.mass_scale = ms_given(raw.mass_scale_factor, 1.0);
     claims.intensity_scale = ms_given(raw.intensity_scale_factor, 1.0);
     claims.intensity_offset = ms_given(raw.intensity_add_offset, 0.0);
     claims.masses = claimed_range(raw.global_mass_min, raw.global_mass_max);
+    claims.times = claimed_range(raw.global_time_min, raw.global_time_max);
     claims.intensities = stored_range(claimed_range(raw.global_intensity_min, raw.global_intensity_max),
                                       claims.intensity_scale, claims.intensity_offset);
 }
@@ -437,7 +445,7 @@ void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &ke
     constexpr int enough = 100;
     if (decimals != 2 || keys.size() < enough)
         return;
-    for (const qint32 step : {100, 10}) {
+    for (const qint32 step : {100, 10, 5}) {
         const int most = keys.size() / 100;
         int odd = 0;
         for (auto key = keys.begin(); key != keys.end() && odd <= most; ++key)

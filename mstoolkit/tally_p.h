@@ -90,6 +90,13 @@ struct MsFinding {
             first = place;
         count += times;
     }
+
+    void add(const MsFinding &other)
+    {
+        if (count == 0 || (other.count > 0 && other.first < first))
+            first = other.first;
+        count += other.count;
+    }
 };
 
 class MsFindings
@@ -120,6 +127,9 @@ public:
 
     // Scans that disagree where nearly all others agree to the last digits, or but for rounding.
     MsFinding odd_ones_out() const;
+
+    // Scans that disagree by more than rounding, where nearly all agree in another comparison of theirs.
+    MsFinding disagreeing_unlike(const MsAgreement &other) const;
 
     // Scans that are off by more than a hundredth.
     MsFinding far_off() const;
@@ -164,6 +174,7 @@ struct MsClaims {
     double intensity_scale = 1.0;
     double intensity_offset = 0.0;
     MsNumberRange masses;
+    MsNumberRange times;
     MsNumberRange intensities; // as they are stored, with room for rounding
 };
 
@@ -176,7 +187,7 @@ struct MsCensusTally {
     qint64 seen = 0;
     MsNumberRange masses;
     MsFindings found; // by position
-    // Where nearly all masses are multiples of 1 or of 0.1: which of the two, and how many masses aren't.
+    // Where nearly all masses are multiples of 1, 0.1 or 0.05: of which, and how many masses aren't.
     double grid = 0.0;
     qint64 odd_keys = 0;
 };
@@ -219,7 +230,8 @@ struct MsTally {
     bool knows_globals = false;
     MsRawGlobalRecord raw;
     MsClaims claims;
-    QByteArray stamp; // the beginning of experiment_date_time_stamp
+    QByteArray stamp;      // the beginning of experiment_date_time_stamp; null without one
+    QByteArray file_stamp; // the same of netcdf_file_date_time_stamp
 
     // Of the scans' own numbers, which are read once, and the totals of a trace likewise.
     bool knows_scans = false;
@@ -236,6 +248,7 @@ struct MsTally {
     qint64 scans_with_order = 0; // with two points or more
     MsAgreement totals;
     MsAgreement rounded_totals; // the same, where one that was rounded to a whole number agrees
+    MsAgreement stored_totals;  // with the sum as it is stored, where the file has a scale or an offset
     MsAgreement least_masses;
     MsAgreement most_masses;
     MsAgreement stored_masses; // the largest as it is stored, where the file has a scale

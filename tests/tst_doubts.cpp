@@ -223,7 +223,8 @@ private slots:
     void initTestCase()
     {
         for (const QString kind : {"gcms", "gcxgc", "tic", "library", "sim"}) {
-            const QStringList options = {"--scans", "20", "--points", "30", kind, folder.filePath(kind + ".cdf")};
+            const QString points = kind == "tic" ? "1" : "30";
+            const QStringList options = {"--scans", "20", "--points", points, kind, folder.filePath(kind + ".cdf")};
             QCOMPARE(runProgram(QStringLiteral(AIA_TOOLS "/aia-sample"), options).code, 0);
         }
     }
@@ -241,7 +242,8 @@ private slots:
                 add("scan_index", 5, -1));
         changed("index of one scan too high",
                 "overlapping-scans 1, unowned-points 1, wrong-totals 1, unordered-masses 1", add("scan_index", 5, 1));
-        changed("all indices too high", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1, wrong-totals 15",
+        changed("all indices too high",
+                "scans-beyond-end 1, unowned-points 30, unreadable-scans 1, wrong-totals 15, scan-mass-range 1",
                 add("scan_index", 0, 1, 20));
         changed("an index far off",
                 "falling-scan-index 1, overlapping-scans 2, unowned-points 30, wrong-totals 1, unordered-masses 1, "
@@ -271,6 +273,12 @@ private slots:
         changed("a first time a bit early", "odd-times 1", add("scan_acquisition_time", 0, -0.5));
         changed("a time out of step", "odd-times 1", add("scan_acquisition_time", 5, -0.3));
         changed("a last time a bit late", "odd-times 1", add("scan_acquisition_time", 19, 0.5));
+        changed("a time a bit out of step", "odd-times 1", add("scan_acquisition_time", 5, 0.06));
+        changed("a first time half a step early", "odd-times 1", add("scan_acquisition_time", 0, -0.2));
+        changed("the same by another clock", "", [](int id) {
+            for (std::size_t i = 0; i < 20; ++i)
+                add("scan_acquisition_time", i, i == 5 ? 0.06 : i == 0 ? -0.2 : 0.005 * double(i % 2))(id);
+        });
         changed("uneven times", "", [](int id) {
             for (std::size_t i = 0; i < 20; ++i)
                 put("scan_acquisition_time", i, 180.0 + double(i * i) / 40.0)(id);
@@ -293,9 +301,9 @@ private slots:
         });
         changed("a mass off the grid of the others", "odd-masses 1", [](int id) {
             for (std::size_t i = 0; i < 600; ++i)
-                put("mass_values", i, i == 99 ? 149.3 : 50.0 + double(i))(id);
+                put("mass_values", i, i == 99 ? 153.97 : 50.0 + 1.05 * double(i))(id);
             put("mass_range_min", 0, -9999, 20)(id);
-            putAttribute(nullptr, "global_mass_max", 649.0)(id);
+            putAttribute(nullptr, "global_mass_max", 679.0)(id);
         });
         changed("a last time far off", "time-gap 1, time-range 1", put("scan_acquisition_time", 19, 1e6));
         changed("a last time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 19, 0));
@@ -331,8 +339,8 @@ private slots:
         });
         changed("a mass below 0", "negative-masses 1", put("mass_values", 155, -50));
         changed("a mass NaN", "bad-masses 1", put("mass_values", 155, notANumber));
-        changed("a mass infinite", "bad-masses 1", put("mass_values", 155, infinity));
-        changed("a mass never written", "fill-masses 1", put("mass_values", 155, 9.96921e36));
+        changed("a mass infinite", "bad-masses 1, odd-masses 1", put("mass_values", 155, infinity));
+        changed("a mass never written", "fill-masses 1, odd-masses 1", put("mass_values", 155, 9.96921e36));
         changed("a mass out of order", "unordered-masses 1, scan-mass-range 1", put("mass_values", 155, 200));
         changed("masses that fall in all scans", "", [](int id) {
             for (std::size_t i = 0; i < 600; ++i)
@@ -340,7 +348,9 @@ private slots:
             put("mass_range_min", 0, 60, 20)(id);
             put("mass_range_max", 0, 350, 20)(id);
         });
-        changed("a mass far off", "unordered-masses 1, mass-range 1, scan-mass-range 1", put("mass_values", 155, 1e30));
+        changed("all masses one too high", "mass-range 5, scan-mass-range 20", add("mass_values", 0, 1, 600));
+        changed("a mass far off", "odd-masses 1, unordered-masses 1, mass-range 1, scan-mass-range 1",
+                put("mass_values", 155, 1e30));
         changed("a last mass off", "scan-mass-range 1", add("mass_values", 179, 0.1));
         changed("all masses NaN", "bad-masses 600", put("mass_values", 0, notANumber, 600));
         changed("all masses 0", "zero-masses 600", put("mass_values", 0, 0, 600));
@@ -359,11 +369,18 @@ private slots:
             nc_redef(id);
             nc_put_att_text(id, variable(id, "total_intensity"), "units", 5, "Volts");
         });
+        changed("totals of another unit that isn't said", "wrong-totals 20", [](int id) {
+            put("total_intensity", 0, 5, 20)(id);
+            nc_redef(id);
+            nc_del_att(id, variable(id, "total_intensity"), "units");
+        });
         changed("no totals", "", put("total_intensity", 0, -9999, 20));
         changed("an intensity scale of 2", "wrong-totals 20", putAttribute("intensity_values", "scale_factor", 2.0));
+        changed("a small offset", "wrong-totals 20", putAttribute("intensity_values", "add_offset", 5.0));
         changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
         changed("intensity range", "intensity-range 20", putAttribute(nullptr, "global_intensity_max", 1.0));
         changed("time range", "time-range 1", putAttribute(nullptr, "global_time_max", 181.0));
+        changed("time range that ends before it begins", "time-range 1", putAttribute(nullptr, "global_time_max", 1.0));
         changed("time range in minutes", "", [](int id) {
             putAttribute(nullptr, "global_time_min", 3.0)(id);
             putAttribute(nullptr, "global_time_max", 3.19)(id);
@@ -374,6 +391,10 @@ private slots:
         });
         changed("an ISO date", "acquisition-date 1", putAttribute("experiment_date_time_stamp", "2024-03-12T18:45:30"));
         changed("a 13th month", "acquisition-date 1", putAttribute("experiment_date_time_stamp", "20241312184530"));
+        changed("a date before computers", "acquisition-date 1",
+                putAttribute("experiment_date_time_stamp", "19000312184530"));
+        changed("a date after that of the file", "acquisition-date 1",
+                putAttribute("experiment_date_time_stamp", "20240612184530"));
         changed("a date without a zone", "", putAttribute("experiment_date_time_stamp", "20240312184530"));
         changed("a scan's mass range", "scan-mass-range 1", put("mass_range_max", 5, 100));
         changed("first scan", "starting-scan 1", putAttribute(nullptr, "starting_scan_number", 7));
@@ -387,6 +408,23 @@ private slots:
                                                         "wrong-totals 1"};
         row("a trace of texts") = {
             QStringLiteral("string-total"), {}, "unreadable-scans 2, missing-masses 6, bad-totals 3"};
+        row("a trace in minutes, its range in seconds") = {QStringLiteral("tic"),
+                                                           [](int id) {
+                                                               for (std::size_t i = 0; i < 20; ++i)
+                                                                   put("scan_acquisition_time", i,
+                                                                       3.0 + 0.01 * double(i))(id);
+                                                           },
+                                                           "time-range 1"};
+        row("a trace whose points have no axis") = {QStringLiteral("tic"), rename("time_values")};
+        row("a trace whose points should have masses") = {QStringLiteral("tic"),
+                                                          [](int id) {
+                                                              putAttribute(nullptr, "global_mass_min", 40.0)(id);
+                                                              putAttribute(nullptr, "global_mass_max", 300.0)(id);
+                                                              rename("time_values")(id);
+                                                          },
+                                                          "missing-masses 20"};
+        row("texts of length 0") = {QStringLiteral("empty-attributes"), {}, "time-units 1, acquisition-date 1"};
+        row("a unit that is none of time") = {QStringLiteral("units-of-another-family"), {}, "time-units 1"};
         row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-units 1"};
         row("GCxGC, evenly spaced") = {QStringLiteral("gcxgc"), {}, "", {}, 4.0};
         row("GCxGC, a pause") = {
@@ -401,7 +439,12 @@ private slots:
                                                "",
                                                {},
                                                4.0};
-        row("a scan's point times") = {QStringLiteral("tic"), put("time_range_min", 5, 185), "scan-time-range 1"};
+        row("a scan's point times") = {QStringLiteral("tic"),
+                                       [](int id) {
+                                           put("time_range_min", 5, 185)(id);
+                                           put("time_range_max", 5, 186)(id);
+                                       },
+                                       "scan-time-range 1"};
         row("too many masses in a group") = {QStringLiteral("sim"), put("group_mass_count", 0, 99), "group-counts 1"};
         row("masses of two dimensions") = {
             QStringLiteral("mass-values-rank-2"), {}, "unreadable-scans 3, unreadable-masses 3"};
@@ -409,12 +452,17 @@ private slots:
         row("a library in any order") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 0)};
         row("a library's time NaN") = {QStringLiteral("library"), put("scan_acquisition_time", 5, notANumber),
                                        "bad-times 1"};
+        row("a library's time below 0") = {QStringLiteral("library"), put("scan_acquisition_time", 5, -3),
+                                           "negative-times 1"};
+        row("a library's time far off") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 1e6),
+                                           "time-range 1"};
 
         const auto bytes = [&](const char *name, const QByteArray &said, ByteChange change) {
             row(name) = {gcms, {}, said, std::move(change)};
         };
         bytes("the last byte lost", "cut-off 1, unreadable-scans 1", [](QByteArray *file) { file->chop(1); });
         bytes("bytes behind", "trailing-bytes 5", [](QByteArray *file) { file->append("abcde"); });
+        bytes("zeros behind", "", [](QByteArray *file) { file->append(5000, '\0'); });
         bytes("a record behind", "trailing-bytes 100", [](QByteArray *file) { file->append(100, 'a'); });
         bytes("no records counted", "unfinished 600, scans-beyond-end 20, unreadable-scans 20",
               [](QByteArray *file) { file->replace(4, 4, QByteArray(4, '\0')); });
@@ -437,7 +485,7 @@ private slots:
     void ofARightFileNothing_data()
     {
         const Rows<QString> file;
-        const QByteArray names = "gcms gcxgc tic library sim dashes double-masses empty-attributes error-log "
+        const QByteArray names = "gcms gcxgc tic library sim dashes double-masses error-log "
                                  "experiment-type-of-another-family flags-on-masses groups instruments "
                                  "no-attributes one-record-variable a-pause one-scan plain text-attributes "
                                  "time-units two-masses two-scans unlimited-scans chromatogram no-scan-number "
