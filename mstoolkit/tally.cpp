@@ -443,13 +443,14 @@ void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &ke
     census.is_read = is_read;
     census.keys = keys.size();
     constexpr int enough = 100;
+    constexpr double largest_key = 1e9; // a fill value or infinity has another
     if (decimals != 2 || keys.size() < enough)
         return;
     for (const qint32 step : {100, 10, 5}) {
         const int most = keys.size() / 100;
         int odd = 0;
         for (auto key = keys.begin(); key != keys.end() && odd <= most; ++key)
-            odd += *key % step != 0;
+            odd += *key % step != 0 && std::abs(double(*key)) < largest_key;
         if (odd <= most) {
             census.grid = step / 100.0;
             census.odd_keys = odd;

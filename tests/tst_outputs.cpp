@@ -123,6 +123,8 @@ private slots:
                        "{"};
         row("standard output") = {"import --json - run.cdf > old.json", 0, "", "{"};
         row("limit on size") = {"ulimit -f 0; import --force --json old.json run.cdf", 1, "File too large"};
+        row("closed streams") = {AIA_TOOLS "/aia-import --verbose --force --json old.json run.cdf >&- 2>&-", 1, "",
+                                 "{"};
         row("sample over a file") = {"sample gcms old.json", 2, "--force"};
         row("sample, no room for its head") = {"ulimit -f 2; sample --force gcms old.json", 1, "File too large"};
         row("sample, for its scans") = {"ulimit -f 200; sample --force gcms old.json", 1, "File too large"};

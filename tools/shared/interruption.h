@@ -1,4 +1,4 @@
-// What ends a program from outside: Ctrl-C, a request to end, a terminal that is gone.
+// What ends or disturbs a program from outside: Ctrl-C, a request to end, a terminal that is gone.
 #ifndef INTERRUPTION_H
 #define INTERRUPTION_H
 
@@ -18,5 +18,9 @@ bool reportFilesLeft(int done, int count);
 // Makes a failed write of what would end the process: a file beyond the limit on its size, a pipe that
 // nobody reads.
 void survivePipesAndLimits();
+
+// Takes the places of standard streams that are closed. A file that is opened later would get one of
+// them, and what is said would be written into it. Writes fail as before.
+void keepStandardStreams();
 
 #endif // INTERRUPTION_H

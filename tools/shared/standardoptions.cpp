@@ -11,6 +11,7 @@
 
 void setProgram(const char *name, const char *version)
 {
+    keepStandardStreams();
     keepBytesOfNames();
     survivePipesAndLimits();
     QCoreApplication::setApplicationName(QLatin1String(name));

@@ -9,7 +9,8 @@ class QCommandLineParser;
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
 // Names the program for --version and for reports, has Qt keep the names of files (see namecodec.h), and
-// has writes fail that would end the process (see interruption.h). The first call of main().
+// has writes fail that would end the process or go elsewhere (see interruption.h). The first call of
+// main().
 void setProgram(const char *name, const char *version);
 
 class StandardOptions
