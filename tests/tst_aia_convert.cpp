@@ -168,6 +168,12 @@ private slots:
         row("modulation that the trace shows") = {"sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML &&"
                                                   "grep -cE '1002085|\"modulation length\" value=\"4\"' a.mzML > out",
                                                   0, "modulated every 4 s", "2\n"};
+        row("totals that the file gives, through mzML") = {
+            "ncdump plain.cdf | sed 's/total_intensity = .*/total_intensity = 1.1, 2, 3, 4, 5 ;/' | ncgen -o a.cdf;"
+            "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && ncdump -v total_intensity b.cdf |"
+            "grep 'intensity = ' > out",
+            0, "isn't the sum", " total_intensity = 1.1, 2, 3, 4, 5 ;\n"};
+        row("trace in 64 bits") = {"convert plain.cdf -o a.mzML && grep -c 1000523 a.mzML > out", 0, "", "2\n"};
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"
             "convert a.mzML -o b.cdf",
