@@ -11,6 +11,9 @@ struct MsModulation {
     bool isConfident = false; // whether a program may take it without asking
 };
 
+// The longest modulation, in seconds, that programs take from a user: that of the dialog for GCxGC runs.
+constexpr double MsLongestModulation = 100.0;
+
 // Guesses the modulation length from the total intensities of a run's scans and their times in seconds;
 // NaN for what isn't known. Lengths of 1 to 20 s are looked for. In a modulated trace the same peaks come
 // again and again at that distance, each narrow against it; a trace without such a pattern has none. The

@@ -183,7 +183,7 @@ private:
     // The format in which the toolkit reads for a code that needn't be one.
     static qint32 known(qint32 format, MsDataFormat fallback)
     {
-        return format >= MsShortFormat && format <= MsDoubleFormat ? format : fallback;
+        return ms_with_format(format, [](auto *) { return true; }) ? format : fallback;
     }
 
     qint32 massFormat_ = MsShortFormat;

@@ -1,5 +1,6 @@
 #include "convertoptions.h"
 
+#include "msmodulation.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 
@@ -15,7 +16,6 @@
 namespace {
 
 constexpr int mostJobs = 1024;
-constexpr double longestModulation = 100.0;
 
 // clang-format off
 constexpr struct {
@@ -117,7 +117,7 @@ public:
         readSpectra(&conversion);
         if (parser.isSet(options.modulation))
             conversion.modulation =
-                number(options.modulation, parser.value(options.modulation), 0.0, longestModulation);
+                number(options.modulation, parser.value(options.modulation), 0.0, MsLongestModulation);
         if (parser.isSet(options.msLevel))
             conversion.msLevel = int(number(options.msLevel, parser.value(options.msLevel), 1, 20, true));
         if (parser.isSet(options.polarity)) {

@@ -1,13 +1,12 @@
 #include "importoptions.h"
 
+#include "msmodulation.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 
 #include <QCommandLineParser>
 
 namespace {
-
-constexpr double longestModulation = 100.0;
 
 // Returns the sentence that says why the JSON mustn't be written, or a null text.
 QString objectionToJson(const ImportOptions &options)
@@ -25,7 +24,7 @@ std::optional<float> modulationLength(const QString &text)
 {
     bool isNumber = false;
     const double length = text.toDouble(&isNumber);
-    if (!isNumber || !(length >= 0.0 && length <= longestModulation))
+    if (!isNumber || !(length >= 0.0 && length <= MsLongestModulation))
         return std::nullopt;
     return float(length);
 }

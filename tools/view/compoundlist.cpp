@@ -105,7 +105,7 @@ CompoundList::CompoundList(QWidget *parent)
     view_->horizontalHeader()->setSectionResizeMode(Name, QHeaderView::Stretch);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto *trace = new QPushButton(QStringLiteral("&Trace its largest masses"));
+    auto *trace = new QPushButton(QStringLiteral("Trace its &largest masses"));
     trace->setToolTip(QStringLiteral("Adds them to the traces of all runs that are open"));
     connect(trace, &QPushButton::clicked, this, &CompoundList::tracesAsked);
     auto *bar = new QHBoxLayout;

@@ -50,7 +50,7 @@ constexpr HelpRow helpRows[] = {
     {"Ctrl+H", "lay over the spectrum what the host gets of it"},
     {"Return in the table of peaks", "add the trace of that mass"},
     {"Ctrl+C in the table of peaks", "copy the chosen rows, or all"},
-    {"Alt+T in a library", "trace the largest masses of the compound in all open runs"},
+    {"Alt+L in a library", "trace the largest masses of the compound in all open runs"},
     // clang-format on
 };
 

@@ -1,6 +1,7 @@
 #include "mappane.h"
 
 #include "mapplot.h"
+#include "msmodulation.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -15,13 +16,12 @@
 
 namespace {
 
-constexpr double longest = 100.0; // s
 constexpr double percent = 100.0;
 
 QDoubleSpinBox *secondsBox(double least, const QString &prefix)
 {
     auto *box = new QDoubleSpinBox;
-    box->setRange(least, longest);
+    box->setRange(least, MsLongestModulation);
     box->setDecimals(3);
     box->setSingleStep(0.1);
     box->setSuffix(QStringLiteral(" s"));
@@ -46,7 +46,7 @@ QLineEdit *valueField(const QString &placeholder, QWidget *parent)
 
 MapPane::MapPane(QWidget *parent)
     : QWidget(parent), plot_(new MapPlot), length_(secondsBox(0.0, QStringLiteral("Modulation: "))),
-      shift_(secondsBox(-longest, QStringLiteral("Shift: "))), shown_(new QComboBox),
+      shift_(secondsBox(-MsLongestModulation, QStringLiteral("Shift: "))), shown_(new QComboBox),
       scale_(new QComboBox), from_(valueField(QStringLiteral("from"), this)),
       to_(valueField(QStringLiteral("to"), this)), interpolates_(new QCheckBox(QStringLiteral("Smooth"))),
       remark_(new QLabel), chosen_(std::numeric_limits<double>::quiet_NaN())

@@ -1,5 +1,6 @@
 #include "viewoptions.h"
 
+#include "msmodulation.h"
 #include "namecodec.h"
 #include "standardoptions.h"
 
@@ -12,7 +13,6 @@ namespace {
 
 constexpr int leastSide = 100;
 constexpr int mostSide = 10000;
-constexpr double longestModulation = 100.0;
 
 // Reads a size such as 1200x600.
 bool readSize(const QString &text, ImageRequest *image)
@@ -72,7 +72,7 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     bool isNumber = true;
     if (parser.isSet(gcxgc)) {
         command.modulation = parser.value(gcxgc).toDouble(&isNumber);
-        if (!isNumber || !(command.modulation > 0.0 && command.modulation <= longestModulation))
+        if (!isNumber || !(command.modulation > 0.0 && command.modulation <= MsLongestModulation))
             return refused(
                 QStringLiteral("\"%1\" isn't a modulation length: a number above 0, up to 100, "
                                "is needed.")
