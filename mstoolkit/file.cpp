@@ -97,8 +97,6 @@ int open_with_library(const char *path, MsHeader header, const MsClassicLayout &
             bytes->note_refusal(EIO);
         else if (ncerr == NC_SYSERR)
             bytes->note_refusal(reason != 0 ? reason : EIO);
-        else if (header == MsHeader::Sound && (ncerr == NC_ENOTNC || ncerr == NC_EINVAL))
-            bytes->note_refusal(EIO); // the library got less of its first bytes, or none
     }
     return -1;
 }
