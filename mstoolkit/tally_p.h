@@ -19,8 +19,8 @@
 
 struct MsFileState;
 
-// The kinds of doubt, in the order in which they are listed. doubts.cpp has the code and the sentence of
-// each.
+// The kinds of doubt, in the order in which they are listed. doubttexts.cpp has the code and the sentence
+// of each.
 enum class MsDoubtKind {
     CutOff,
     Unfinished,

@@ -250,10 +250,7 @@ private:
         for (const MsVariableRow &row : ms_instrument_table) {
             if (text.isEmpty() || qstrcmp(row.name, name) != 0)
                 continue;
-            auto *record = static_cast<MsInstrumentRecord *>(instrument);
-            ms_free(*reinterpret_cast<char **>(reinterpret_cast<char *>(record) + row.field));
-            ms_store_variant(record, row.field, QVariant(QString::fromLatin1(bytesOfText(text))),
-                             NC_CHAR);
+            replaceText(static_cast<MsInstrumentRecord *>(instrument), row.field, bytesOfText(text));
         }
     }
 

@@ -144,10 +144,11 @@ void forEachDescription(const MsGlobalRecords &globals,
     });
 }
 
-QVariant utf8Variant(const QString &text)
+void replaceText(void *record, std::size_t field, const QByteArray &bytes)
 {
+    ms_free(*reinterpret_cast<char **>(static_cast<char *>(record) + field));
     // The toolkit stores texts as Latin-1, a byte for each letter.
-    return QVariant(QString::fromLatin1(text.toUtf8()));
+    ms_store_variant(record, field, QVariant(QString::fromLatin1(bytes)), NC_CHAR);
 }
 
 bool setDescription(const char *name, const QString &text, MsGlobalRecords *globals)
@@ -157,16 +158,13 @@ bool setDescription(const char *name, const QString &text, MsGlobalRecords *glob
         for (const MsAttributeRow &row : table) {
             if (nameOf(row) != name || !isDescription(row))
                 continue;
-            char *field = static_cast<char *>(record) + row.field;
-            if (row.enumerated) {
-                *reinterpret_cast<qint32 *>(field) = ms_enum_code(text.toLatin1().constData());
-            } else {
-                const bool isText = row.nc_type == NC_CHAR;
-                if (isText)
-                    ms_free(*reinterpret_cast<char **>(field)); // an earlier text
-                ms_store_variant(record, row.field, isText ? utf8Variant(text) : QVariant(text),
-                                 row.nc_type);
-            }
+            if (row.enumerated)
+                *reinterpret_cast<qint32 *>(static_cast<char *>(record) + row.field) =
+                    ms_enum_code(text.toLatin1().constData());
+            else if (row.nc_type == NC_CHAR)
+                replaceText(record, row.field, text.toUtf8());
+            else
+                ms_store_variant(record, row.field, QVariant(text), row.nc_type);
             isSet = true;
         }
     });

@@ -6,6 +6,7 @@
 
 #include "conversionlog.h"
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
@@ -23,8 +24,8 @@ StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log);
 void forEachDescription(const MsGlobalRecords &globals,
                         const std::function<void(const QByteArray &name, const QString &text)> &use);
 
-// Returns the text as a value for the toolkit that stores its UTF-8.
-QVariant utf8Variant(const QString &text);
+// Stores bytes as the text of a record's field at that offset, in place of the earlier text.
+void replaceText(void *record, std::size_t field, const QByteArray &bytes);
 
 // Sets the attribute of that name in the records; nothing for a name that forEachDescription doesn't use.
 // The text is a new block in UTF-8, which the records own. Returns whether it was set.
