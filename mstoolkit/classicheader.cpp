@@ -338,7 +338,12 @@ bool Walk::run(MsClassicLayout *layout)
     layout->header = position;
     layout->record_begin = recordBegin();
     layout->record_size = recordSize();
-    isPlain = isPlain && std::count(dimensions.begin(), dimensions.end(), 0) <= 1;
+    layout->unlimited.clear();
+    for (std::size_t i = 0; i < dimensions.size(); ++i) {
+        if (dimensions[i] == 0)
+            layout->unlimited.push_back(int(i));
+    }
+    isPlain = isPlain && layout->unlimited.size() <= 1;
     layout->sum = isPlain ? sum.result() : QByteArray();
     lay(layout);
     return true;

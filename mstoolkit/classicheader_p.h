@@ -55,6 +55,7 @@ struct MsClassicLayout {
     quint64 length = 0;         // bytes that it has, of whatever kind it is; 0 if that can't be told
     quint64 records = 0;        // steps along the unlimited dimension
     bool counts_records = true; // false: its writer left them to be found from the length
+    std::vector<int> unlimited; // dimensions of length 0 by netCDF id; a damaged header may have several
     quint64 header = 0;         // bytes of the header
     quint64 record_begin = 0;   // where the first record lies,
     quint64 record_size = 0;    // and the bytes of each; 0 for a file without records
@@ -62,6 +63,11 @@ struct MsClassicLayout {
 
     // Bytes up to the end of all that the header tells of.
     quint64 told() const { return std::max(header, needed); }
+
+    bool is_unlimited(int dimension) const
+    {
+        return std::find(unlimited.begin(), unlimited.end(), dimension) != unlimited.end();
+    }
 
     // Whole records behind those that the header counts.
     quint64 records_behind() const

@@ -250,18 +250,16 @@ private:
         constexpr quint64 padding = 3;
         const quint64 extra = layout->length - std::min(layout->length, layout->told());
         const quint64 records = layout->records_behind();
-        if (records > 0 && lacks_records())
+        if (records > 0 && lacks_records(*layout))
             add(MsDoubtKind::Unfinished, qint64(records), QString::number(layout->records), QString());
         else if (extra > padding)
             add(MsDoubtKind::TrailingBytes, qint64(extra), QString(), QString());
     }
 
     // Whether what lies behind the counted records can belong to the run.
-    bool lacks_records() const
+    bool lacks_records(const MsClassicLayout &layout) const
     {
-        int unlimited = -1;
-        nc_inq_unlimdim(file.ncid, &unlimited);
-        return unlimited == file.dimensions[MsDim_scan_number].id
+        return layout.is_unlimited(file.dimensions[MsDim_scan_number].id)
             || found[MsDoubtKind::ScansBeyondEnd].count > 0;
     }
 

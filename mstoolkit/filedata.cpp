@@ -99,9 +99,7 @@ bool MsFileData::ask_length(int dimension, std::size_t *length) const
 {
     if (nc_inq_dimlen(ncid, dimension, length) != NC_NOERR)
         return false;
-    int unlimited = -1;
-    if (layout && !layout->counts_records && nc_inq_unlimdim(ncid, &unlimited) == NC_NOERR
-        && dimension == unlimited)
+    if (layout && !layout->counts_records && layout->is_unlimited(dimension))
         *length = std::size_t(layout->records);
     return true;
 }

@@ -25,6 +25,13 @@ class TestRoads : public QObject
 {
     Q_OBJECT
 
+    static QByteArray word(qint32 value)
+    {
+        QByteArray result(4, '\0');
+        qToBigEndian(value, result.data());
+        return result;
+    }
+
     // Writes a small run.
     QByteArray makeSample(SampleKind kind, qint32 format) const
     {
@@ -109,11 +116,6 @@ private slots:
     void placesOfRecords()
     {
         const QByteArray bytes = makeSample(SampleKind::Gcms, MsDoubleFormat);
-        const auto word = [](qint32 place) {
-            QByteArray result(4, '\0');
-            qToBigEndian(place, result.data());
-            return result;
-        };
         // The entry of the masses ends in their place; behind it is the length of the next name.
         const int name = bytes.indexOf("intensity_values");
         const qint32 place = qFromBigEndian<qint32>(bytes.constData() + name - 8) + 8;
@@ -124,6 +126,22 @@ private slots:
             QVERIFY(MsFile(path));
             QCOMPARE(differenceOfRoads(QFile::encodeName(path)), QByteArray());
         }
+    }
+
+    // Where the count of records is left open, the library takes the largest there is for all unlimited
+    // dimensions but one.
+    void severalUnlimitedDimensions()
+    {
+        QByteArray bytes = makeSample(SampleKind::Gcms, MsDoubleFormat);
+        bytes.replace(4, 4, word(-1));
+        const int dimension = bytes.indexOf("_2_byte_string"); // the first one
+        const int variable = bytes.indexOf("intensity_values");
+        QVERIFY(dimension > 0 && variable > dimension);
+        bytes.replace(dimension + 16, 4, word(0)); // its length
+        bytes.replace(variable + 20, 4, word(0));  // the variable's dimension
+        QVERIFY(writeFile(path, bytes));
+        QVERIFY(MsFile(path));
+        QCOMPARE(differenceOfRoads(QFile::encodeName(path)), QByteArray());
     }
 };
 
