@@ -19,7 +19,7 @@ os.environ["PYTHONPATH"] = str(build / "lib/python3/dist-packages")
 sys.path.insert(0, os.environ["PYTHONPATH"])
 
 import dask  # noqa: E402
-from dask.distributed import Client, LocalCluster  # noqa: E402
+from dask.distributed import Client, LocalCluster, as_completed  # noqa: E402
 
 BAR = 1.5  # of two workers' throughput beside one's
 
@@ -42,14 +42,16 @@ def work(number, path, leave):
 
 
 def run(workers, paths, leave=None):
-    with LocalCluster(workers, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+    with LocalCluster(n_workers=workers, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
         with Client(cluster, timeout=300) as client:
             client.submit(work, -1, paths[0], None).result()  # imports
             start = time.perf_counter()
-            futures = [
-                client.submit(work, i, paths[i % len(paths)], leave, pure=False) for i in range(tasks)
-            ]
-            done = client.gather(futures)
+            # Taken and given up as they come: what a worker still keeps is lost with it, and done again.
+            coming = as_completed(
+                [client.submit(work, i, paths[i % len(paths)], leave, pure=False) for i in range(tasks)],
+                with_results=True,
+            )
+            done = [result for _, result in coming]
             seconds = time.perf_counter() - start
     counts = collections.Counter(number for number, _ in done)
     assert sorted(counts) == list(range(tasks)) and set(counts.values()) == {1}

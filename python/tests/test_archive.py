@@ -90,7 +90,7 @@ def test_a_killed_worker_loses_and_doubles_nothing(folder, tmp_path):
 
     patience = {"distributed.comm.timeouts.connect": "300s", "distributed.comm.timeouts.tcp": "300s"}
     with dask.config.set(patience):
-        with LocalCluster(2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
+        with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
             with Client(cluster, timeout=300) as client:
                 before = set(client.run(os.getpid).values())
                 scans = archive.scans(folder / "*.cdf").map_partitions(and_kill, tmp_path / "read").compute()
