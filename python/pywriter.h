@@ -46,7 +46,6 @@ private:
     void writeGroups(const py::list &groups);
     bool putOthers(const py::dict &attributes);
     char *keep(const QByteArray &text);
-    char *keepFor(const MsVariableRow &row, const py::handle &text);
     [[noreturn]] void fail(const QString &reason);
 
     QString name_;
