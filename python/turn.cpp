@@ -8,10 +8,12 @@
 #include <QVector>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <new>
 #include <pthread.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -19,7 +21,9 @@ constexpr int mostMessages = 1000; // of one turn, as a damaged file can make an
 
 std::mutex mutex;
 std::atomic<std::thread::id> owner{};
-int depth = 0; // turns of the owner
+int depth = 0;                       // turns of the owner
+std::atomic<std::thread::id> last{}; // the thread that ends the interpreter
+std::atomic<int> deliveries{0};      // that threads are at without having the turn
 int leftOut = 0;
 
 struct Message {
@@ -42,6 +46,7 @@ void keep(MessageLoggerInterface::Level level, const QString &text)
 // been in the middle of a message.
 void startAnew()
 {
+    deliveries = 0;
     if (owner == std::this_thread::get_id())
         return;
     new (&mutex) std::mutex;
@@ -71,12 +76,35 @@ void deliver(const QVector<Message> &said, int others)
     }
 }
 
+// At its end, Python stops the threads that are left, such as daemons, where they ask for its lock. In
+// the middle of C++ that ends the process, so all calls come to their end before, and none begins.
+void endTurns()
+{
+    last = std::this_thread::get_id();
+    static const Turn *const kept = new Turn;
+    static_cast<void>(kept);
+    constexpr int mostWaits = 5000; // as a handler of the logger may never return
+    for (int i = 0; i < mostWaits && deliveries > 0; ++i) {
+        const py::gil_scoped_release others;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+[[noreturn]] void waitForTheEnd()
+{
+    PyEval_SaveThread();
+    while (true)
+        pause();
+}
+
 } // namespace
 
 Turn::Turn()
 {
     const std::thread::id self = std::this_thread::get_id();
     if (owner != self) {
+        if (last != std::thread::id() && last != self)
+            waitForTheEnd();
         if (!mutex.try_lock()) {
             const py::gil_scoped_release others;
             mutex.lock();
@@ -93,9 +121,11 @@ Turn::~Turn()
     const QVector<Message> said = std::exchange(messages, {});
     const int others = std::exchange(leftOut, 0);
     owner = std::thread::id();
+    ++deliveries;
     mutex.unlock();
     if (!said.isEmpty())
         deliver(said, others);
+    --deliveries;
 }
 
 Unlocked::Unlocked(bool allowed) : state(allowed ? PyEval_SaveThread() : nullptr)
@@ -123,4 +153,5 @@ void prepareTurns()
 {
     pthread_atfork(nullptr, nullptr, startAnew);
     MessageLoggerInterface::setReceiver(keep);
+    py::module_::import("atexit").attr("register")(py::cpp_function(endTurns));
 }

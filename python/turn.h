@@ -11,7 +11,7 @@ namespace py = pybind11;
 // lock. A thread that has the turn already gets it again. At the end of a thread's first one, what the
 // toolkit said meanwhile goes to Python's logger "aiams": its errors as warnings, since a call that fails
 // throws, and its warnings, of which every odd file has some, as information. Ctrl-C meanwhile raises
-// KeyboardInterrupt behind the call.
+// KeyboardInterrupt behind the call. Once the interpreter ends, other threads get no turn.
 class Turn
 {
 public:

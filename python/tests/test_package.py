@@ -3,6 +3,8 @@
 import logging
 import os
 import signal
+import subprocess
+import sys
 import threading
 
 import numpy as np
@@ -134,6 +136,25 @@ def test_threads_share_a_run(sample):
         thread.join(60)
         assert not thread.is_alive()
     assert not wrong
+
+
+@pytest.mark.parametrize("call", ["run.points()", "aiams.open(path).close()"])
+def test_daemons_do_not_end_the_process(call):
+    """They are in the middle of C++, or of a message, when the interpreter ends."""
+    program = f"""
+import sys, threading, time, aiams
+path = sys.argv[1]
+run = aiams.open(path)
+def work():
+    while True:
+        {call}
+for _ in range(4):
+    threading.Thread(target=work, daemon=True).start()
+time.sleep(0.05)
+"""
+    for _ in range(3):
+        command = [sys.executable, "-c", program, FIXTURES / "no-attributes.cdf"]
+        assert subprocess.run(command, timeout=60).returncode == 0
 
 
 def test_a_handler_of_a_signal_cannot_close_what_is_read(sample):
