@@ -65,6 +65,16 @@ bool areNumbers(const py::array &array)
     return kind == 'i' || kind == 'u' || kind == 'f';
 }
 
+bool areExact(const py::array &array)
+{
+    constexpr double most = 9007199254740992.0; // 2^53
+    if (array.dtype().kind() == 'f')
+        return true;
+    const Numbers<double> numbers(array);
+    return std::all_of(numbers.data(), numbers.data() + numbers.size(),
+                       [](double number) { return std::abs(number) < most; });
+}
+
 QString shown(const py::handle &object)
 {
     return QString::fromStdString(

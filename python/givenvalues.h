@@ -40,6 +40,10 @@ template <class Number> using Numbers = py::array_t<Number, py::array::c_style |
 
 bool areNumbers(const py::array &array);
 
+// Whether double has each of the whole numbers: from 2^53 it rounds. Others are as good as double has
+// them.
+bool areExact(const py::array &array);
+
 // Masses or intensities as the file has them.
 class Vector
 {

@@ -21,7 +21,7 @@ public:
     ~PyRun();
 
     void close();
-    bool isClosed() const { return !run_; }
+    bool isClosed() const { return !run_ || process_ != getpid(); }
     QString name() const { return name_; }
 
     py::str kind() const;

@@ -9,6 +9,7 @@
 
 #include <QFileInfo>
 
+#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -97,6 +98,8 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
         refuse(QStringLiteral("masses and intensities aren't two arrays of one length"));
     if (!areNumbers(masses) || !areNumbers(intensities))
         refuse(QStringLiteral("masses and intensities aren't numbers"));
+    if (!areExact(masses) || !areExact(intensities))
+        refuse(QStringLiteral("a mass or intensity is too large to be stored exactly"));
     const Vector storedMasses(masses, layout_.floatMasses);
     const Vector storedIntensities(intensities, layout_.floatIntensities);
     if (!storedMasses.areData() || !storedIntensities.areData())
@@ -115,7 +118,10 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
         scan.mass_range_min = knownOr(scan.mass_range_min, range->from);
         scan.mass_range_max = knownOr(scan.mass_range_max, range->to);
     }
-    scan.total_intensity = knownOr(scan.total_intensity, storedIntensities.sum());
+    const double sum = storedIntensities.sum();
+    if (!isKnown(scan.total_intensity) && !std::isfinite(sum))
+        refuse(QStringLiteral("its intensities add up to more than a number can hold"));
+    scan.total_intensity = knownOr(scan.total_intensity, sum);
     scan.point_count = qint32(masses.size());
     scan.mass_values = storedMasses.data();
     scan.intensity_values = storedIntensities.data();

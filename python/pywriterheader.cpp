@@ -102,8 +102,7 @@ bool PyWriter::putOthers(const py::dict &attributes)
             return std::all_of(numbers.data(), numbers.data() + numbers.size(),
                                [=](double number) { return number >= lowest && number <= highest; });
         };
-        constexpr double highestExact = 9007199254740992.0; // 2^53, from where double rounds
-        if (isWhole && !areWithin(1.0 - highestExact, highestExact - 1.0))
+        if (!areExact(given))
             throwWriteError(QStringLiteral("The attribute \"%1\" is too large to be stored exactly.")
                                 .arg(QString::fromUtf8(name)));
         const bool fits =

@@ -164,11 +164,12 @@ class Run(Sequence[Scan]):
     def map(self, length: float, trace: np.ndarray | None = None) -> np.ndarray:
         """Returns a GCxGC run as an image, shape (modulations, scans of one), float64.
 
-        A row is one modulation of `length` s, beginning at the first scan's time, and a column is one step of
-        the second dimension, the median distance of scans. Each scan counts where its time lies; several in
-        one place are averaged, and a place without one is NaN. `trace` has a number for each scan, such as a
-        row of `eic` has; by default the total intensities. Raises ValueError for a length that isn't longer than two
-        scans, or that makes more than 100 million places.
+        A row is one modulation of `length`, beginning at the first scan's time, and a column is one step of
+        the second dimension, the median distance of scans; both as `times`, in s where `has_seconds`. Each
+        scan counts where its time lies; several in one place are averaged, and a place without one is NaN.
+        `trace` has a number for each scan, such as a row of `eic` has; by default the total intensities.
+        Raises ValueError for a length that isn't longer than two scans, or that makes more than 100 million
+        places.
         """
         times = self.times
         values = self.tic if trace is None else np.asarray(trace, np.float64)
@@ -182,7 +183,10 @@ class Run(Sequence[Scan]):
         length, step = float(length), float(np.median(steps))
         since = times - times.min()
         if not (length > 2 * step and (float(since.max()) + length) / step < 1e8):
-            raise ValueError(f"A modulation can't be {length:g} s long where scans follow each other by {step:g} s.")
+            unit = " s" if self.has_seconds else ""
+            raise ValueError(
+                f"A modulation can't be {length:g}{unit} long where scans follow each other by {step:g}{unit}."
+            )
         columns = round(length / step)
         # Half a step before its modulation begins, a scan belongs to it already.
         rows = np.floor((since + step / 2) / length).astype(np.int64)

@@ -40,6 +40,12 @@ def write(
 
     aiams.write("copy.cdf", run, instruments=run.instruments, groups=run.groups, **run.attributes)
     """
+    # A file's attributes may have these names, too.
+    if not isinstance(overwrite, bool):
+        raise TypeError("overwrite takes True or False; no attribute of this name can be written.")
+    _check("instruments", instruments, Instrument)
+    _check("groups", groups, Group)
+    _check("library", library, Compound)
     if not isinstance(scans, Sequence):
         scans = list(scans)
     if library and len(library) != len(scans):
@@ -66,6 +72,12 @@ def write(
             _entry(library[place]) if library else {},
         )
     writer.finish()
+
+
+def _check(name: str, records: Any, kind: type) -> None:
+    is_sequence = isinstance(records, Sequence) and not isinstance(records, str)
+    if not is_sequence or (len(records) > 0 and not isinstance(records[0], kind)):
+        raise TypeError(f"{name} takes a sequence of {kind.__name__}; no attribute of this name can be written.")
 
 
 def _arrays(scan: ScanData | Scan | tuple) -> tuple[np.ndarray, np.ndarray]:

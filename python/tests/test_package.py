@@ -104,6 +104,11 @@ def test_misuse_raises(sample):
         run["0"]
     with pytest.raises(TypeError):
         aiams.open(None)
+    before = sample.read_bytes()
+    for name, value in {"overwrite": 1, "library": "NIST", "groups": [1.0, 2.0], "instruments": 3}.items():
+        with pytest.raises(TypeError, match=f"{name} takes"):
+            aiams.write(sample, run[:4], **{name: value})  # as an attribute of a file that is copied
+    assert sample.read_bytes() == before
     assert len(run.points(50, 10)[0]) == 0
     scan = run[0]
     run.close()
@@ -201,9 +206,10 @@ def test_a_child_process_opens_its_own(sample):
             try:
                 list(run)
             except aiams.ClosedError:
+                was_closed = run.closed and "closed" in repr(run)
                 run.close()
                 with aiams.open(sample) as own:
-                    os._exit(0 if run.closed and len(own) == 200 else 2)
+                    os._exit(0 if was_closed and len(own) == 200 else 2)
             os._exit(1)
         done.append(os.waitpid(child, 0)[1])
     thread.join(60)
@@ -324,6 +330,8 @@ class Short(list):
         ([(1.0, 50.0, 1.0)], {}, "aren't two arrays of one length"),
         ([(1.0, [50.0], [np.nan])], {}, "infinite or no number"),
         ([(1.0, [50.0], [9.969209968386869e36])], {}, "infinite or no number"),
+        ([(1.0, [50.0], [2**53 + 1])], {}, "too large to be stored exactly"),
+        ([(1.0, [50.0, 51.0], [1e308, 1e308])], {}, "add up to more"),
         ([(1.0, [50.0 + 1j], [1.0])], {}, "aren't numbers"),
         ([(1.0, ["50"], [1.0])], {}, "aren't numbers"),
         ([(1.0, np.ma.masked_equal([50.0], 50.0), [1.0])], {}, "Masked points"),
