@@ -18,6 +18,7 @@ from __future__ import annotations
 
 import argparse
 import datetime
+import functools
 import glob
 import os
 import pathlib
@@ -36,7 +37,7 @@ from .run import Run
 Paths = str | bytes | os.PathLike | Iterable[str | bytes | os.PathLike]
 
 # What can be wrong with a file; a ValueError is about its name.
-_FAILURES = (Error, MemoryError, ValueError)
+_FAILURES = (Error, ValueError)
 
 _SCANS = {"file": "object", "scan": "int32", "time": "float64", "tic": "float64", "points": "int64"}
 _POINTS = {"file": "object", "scan": "int32", "time": "float64", "mz": "float64", "intensity": "float64"}
@@ -72,14 +73,17 @@ def files(paths: Paths) -> list[str]:
     """Returns the files that are meant, sorted and each once. A path without a match stays: `report` tells."""
     if isinstance(paths, (str, bytes, os.PathLike)):
         paths = [paths]
-    found: set[str] = set()
+    real = functools.cache(os.path.realpath)
+    found: dict[tuple[str, str], str] = {}
     for path in map(os.fsdecode, paths):
         try:
             matches = [path] if os.path.lexists(path) else glob.glob(path, recursive=True)
+            for match in matches or [path]:
+                folder, name = os.path.split(match)
+                found.setdefault((real(folder), name), match)
         except ValueError:  # no file has such a name
-            matches = []
-        found.update(matches or [path])
-    return sorted(found)
+            found[path, ""] = path
+    return sorted(found.values())
 
 
 def scans(paths: Paths) -> dd.DataFrame:
@@ -107,17 +111,18 @@ def points(paths: Paths, scans_per_partition: int | None = None) -> dd.DataFrame
     return _table(_points_of, parts, _POINTS)
 
 
-def attributes(paths: Paths, names: Iterable[str] = ATTRIBUTES) -> dd.DataFrame:
+def attributes(paths: Paths, names: str | Iterable[str] = ATTRIBUTES) -> dd.DataFrame:
     """Returns a row for each run: file, and the global attributes of those names as texts, None for none."""
-    names = list(names)
+    names = [names] if isinstance(names, str) else list(names)
     return _table(_attributes_of, paths, {"file": "object", **dict.fromkeys(names, "object")}, names)
 
 
 def report(paths: Paths) -> dd.DataFrame:
     """Returns a row for each file, readable or not.
 
-    file; error, a sentence where the file can't be read, else ""; kind; scans; points; unread (scans that
-    can't be read); losses (doubts that lose something); doubts (their codes). Reads all points.
+    file; error, a sentence where the file, or all its points at once, can't be read, else ""; kind; scans;
+    points; unread (scans that can't be read); losses (doubts that lose something); doubts (their codes). Reads
+    all points.
     """
     return _table(_report_of, paths, _REPORT)
 
@@ -177,7 +182,7 @@ def _names(name: str, count: int) -> np.ndarray:
 def _scans_of(name: str) -> pd.DataFrame:
     try:
         with Run(name) as run:
-            counts = np.diff(run.points()[2])
+            counts = list(map(len, run))  # one by one, as any file can be read
             return _frame(
                 _SCANS,
                 file=_names(name, len(run)),
@@ -205,6 +210,9 @@ def _points_of(part: tuple[str, int, int | None]) -> pd.DataFrame:
                 mz=mz,
                 intensity=intensity,
             )
+    except MemoryError as failure:  # of this machine, so the rows mustn't be missing
+        sentence = f'The points of "{name}" take too much memory; scans_per_partition makes smaller parts.'
+        raise MemoryError(sentence) from failure
     except _FAILURES:
         return _frame(_POINTS)
 
@@ -233,7 +241,7 @@ def _report_of(name: str) -> pd.DataFrame:
     try:
         with Run(name) as run:
             row.update(kind=run.kind, scans=len(run))
-            row["points"] = sum(map(len, run))  # one by one, as any file can be read
+            row["points"] = sum(map(len, run))
             doubts = run.doubts
             unread = [doubt.count for doubt in doubts if doubt.code == "unreadable-scans"]
             row.update(
@@ -241,7 +249,8 @@ def _report_of(name: str) -> pd.DataFrame:
                 losses=sum(doubt.is_loss for doubt in doubts),
                 doubts=" ".join(doubt.code for doubt in doubts),
             )
-    except _FAILURES as failure:
+            run.points(0, 0)  # where all of them can't be had, this says so
+    except (*_FAILURES, MemoryError) as failure:
         row["error"] = _sentence(failure)
     return _frame(_REPORT, **{column: [value] for column, value in row.items()})
 

@@ -4,6 +4,7 @@ import os
 import signal
 
 import dask
+import netCDF4
 import numpy as np
 import pandas as pd
 import pytest
@@ -67,7 +68,20 @@ def test_tables_know_their_columns_without_reading(folder):
     for name, sentence in (("no-such-file.cdf", "doesn't exist"), ("a\0b", "NUL"), ("\ud800", "surrogates")):
         assert sentence in archive.report([name]).compute().error[0] and len(archive.scans([name]).compute()) == 0
     assert archive.files([b"\xe4.cdf"]) == ["\udce4.cdf"]
-    assert archive.files([folder / "run-00.cdf", f"{folder}/**/run-00.cdf"]) == [str(folder / "run-00.cdf")]
+    run = folder / "run-00.cdf"
+    assert archive.files([run, f"{folder}/**/run-00.cdf", f"{folder}/./run-00.cdf"]) == [str(run)]
+
+
+def test_points_that_cannot_all_be_held_are_reported(tmp_path):
+    """Scans have the same thousand points."""
+    path, count = str(tmp_path / "shared.cdf"), 20000
+    aiams.write(path, [(0.0, np.arange(1.0, 1e5), np.ones(99999)), *[(float(i), [], []) for i in range(1, count)]])
+    with netCDF4.Dataset(path, "a") as file:
+        file["scan_index"][:] = np.arange(count) % 2
+        file["point_count"][:] = 1000
+    row = archive.report(path).compute().iloc[0]
+    assert "share their points so often" in row.error and row.points == 1000 * count
+    assert archive.scans(path).compute().points.sum() == row.points and len(archive.points(path).compute()) == 0
 
 
 def die_once(name, marker):
@@ -154,6 +168,7 @@ def test_conversion_of_an_archive(folder, tmp_path):
 
 def test_attributes(folder):
     table = archive.attributes(folder / "*.cdf", ["experiment_title", "no_such"]).compute()
+    assert list(archive.attributes([], "experiment_title").columns) == ["file", "experiment_title"]
     assert len(table) == RUNS and table.no_such.isna().all() and table.experiment_title.notna().all()
 
 
