@@ -10,6 +10,7 @@
 #include "msrecords.h"
 #include "path_p.h"
 #include "tally_p.h"
+#include "variabletables_p.h"
 
 #include <QByteArray>
 #include <QDate>
@@ -127,6 +128,7 @@ public:
         if (tally.second_time > 0.0)
             add(MsDoubtKind::ZeroTime, 1, QString(), QString::number(tally.second_time));
         list_length();
+        list_dashed_names();
         list_missing_masses();
         list_census();
         list_groups();
@@ -270,6 +272,28 @@ private:
                 QString(), true);
         if (file.data.has_changed())
             add(MsDoubtKind::ChangedFile, 1, QString(), QString());
+    }
+
+    // What is found with underscores only: counters, points, and that a file is a library.
+    void list_dashed_names()
+    {
+        QByteArrayList dashed;
+        for (const MsTable<MsVariableRow> &table : {ms_counter_table, ms_value_table}) {
+            for (const MsVariableRow &row : table) {
+                const QByteArray spelling = ms_dash_name(row.name);
+                int variable = -1;
+                if (file.variables[row.slot] == -1
+                    && nc_inq_varid(file.ncid, spelling.constData(), &variable) == NC_NOERR)
+                    dashed += spelling;
+            }
+        }
+        const QByteArray type = ms_dash_name("experiment_type");
+        if (file.experiment_type != MsLibrarySpectrum
+            && ms_read_enum_attribute(file.ncid, NC_GLOBAL, type.constData()) == MsLibrarySpectrum)
+            dashed += type;
+        if (!dashed.isEmpty())
+            add(MsDoubtKind::DashedNames, dashed.size(), QString(),
+                QString::fromLatin1(dashed.join(", ")));
     }
 
     // Of a run with points, a writer leaves out one of the axes, not both; but the points of a trace may

@@ -19,6 +19,8 @@ constexpr MsDoubtRow doubt_rows[] = {
      "The system couldn't read \"%1\" %2 [time|times]: %3."},
     {MsDoubtKind::ChangedFile, "changed-file", true, false,
      "\"%1\" was changed while it was open: what was read may be of two versions of it."},
+    {MsDoubtKind::DashedNames, "dashed-names", true, true,
+     "In \"%1\", %4 [is|are] spelt with dashes in place of underscores and so [isn't|aren't] read."},
     {MsDoubtKind::UnwrittenScans, "unwritten-scans", true, true,
      "In \"%1\", %2 of %3 scans [was|were] never written: [its|their] point_count or time is the fill value; the first is %4."},
     {MsDoubtKind::BadCounts, "bad-counts", true, true,

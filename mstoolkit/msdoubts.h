@@ -14,6 +14,8 @@
 //     trailing-bytes          bytes      bytes behind the end that the header gives, not all 0, which no scan misses
 //     read-failed         LP  reads      the system couldn't read the file
 //     changed-file        LP  1          the file was changed while it was open
+//     dashed-names        L   names      of scan_index, point_count, flag_count, the three kinds of points, and the type of a
+//                                        library: with dashes in place of underscores, by which they aren't found
 //     unwritten-scans     L   scans      point_count or time were never written: they hold the fill value
 //     bad-counts          L   scans      a point_count that is no number from 0 on
 //     bad-flag-counts         scans      the same of flag_count, in some scans only

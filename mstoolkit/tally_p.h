@@ -27,6 +27,7 @@ enum class MsDoubtKind {
     TrailingBytes,
     ReadFailed,
     ChangedFile,
+    DashedNames,
     UnwrittenScans,
     BadCounts,
     BadFlagCounts,

@@ -82,12 +82,17 @@ Change putAttribute(const char *attribute, const char *text)
     };
 }
 
-Change rename(const char *name)
+Change renameTo(const char *newName, const char *name)
 {
     return [=](int id) {
         nc_redef(id);
-        nc_rename_var(id, variable(id, name), "unknown");
+        nc_rename_var(id, variable(id, name), newName);
     };
+}
+
+Change rename(const char *name)
+{
+    return renameTo("unknown", name);
 }
 
 // The plugin's working copy, driven by a loop that isn't the host's own.
@@ -461,6 +466,19 @@ private slots:
                                                               rename("time_values")(id);
                                                           },
                                                           "missing-masses 20"};
+        row("masses with a dash, and times for the points") = {QStringLiteral("gcms"),
+                                                               [](int id) {
+                                                                   renameTo("mass-values", "mass_values")(id);
+                                                                   renameTo("time_values", "intensity_values")(id);
+                                                               },
+                                                               "dashed-names 1, time-units 1"};
+        row("a library by a name with a dash") = {QStringLiteral("library"),
+                                                  [](int id) {
+                                                      nc_redef(id);
+                                                      nc_rename_att(id, NC_GLOBAL, "experiment_type",
+                                                                    "experiment-type");
+                                                  },
+                                                  "dashed-names 1"};
         row("texts of length 0") = {QStringLiteral("empty-attributes"), {}, "time-units 1, acquisition-date 1"};
         row("a unit that is none of time") = {QStringLiteral("units-of-another-family"), {}, "time-units 1"};
         row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-units 1"};
