@@ -1,5 +1,6 @@
 #include "scanplaces_p.h"
 
+#include "countedtext_p.h"
 #include "numbers_p.h"
 
 #include <algorithm>
@@ -151,16 +152,18 @@ QList<MsDoubt> ScanPlaces::doubts(const QString &name) const
         const QString what = hasIndex_ ? QStringLiteral("contradicts point_count")
                                        : QStringLiteral("is missing or unusable");
         return {{"scans-in-a-row", written_, QString(),
-                 QStringLiteral("In \"%1\", scan_index %2; as the counts add up to all points, the %3 "
-                                "scans are read one behind the other.")
-                     .arg(name, what, count),
+                 ms_counted_text("In \"%1\", scan_index %2; as the counts add up to all points, "
+                                 "[its one scan is read from the first point on|the %3 scans are read "
+                                 "one behind the other].",
+                                 written_, {name, what, count}),
                  false, false}};
     }
     if (rule_ == Rule::Gaps && !hasCounts_) {
         return {{"counts-from-index", written_, QString(),
-                 QStringLiteral("In \"%1\", point_count is missing or unusable; each of the %2 scans is "
-                                "read up to where the next one begins by scan_index.")
-                     .arg(name, count),
+                 ms_counted_text("In \"%1\", point_count is missing or unusable; "
+                                 "[its one scan is read up to the last point|each of the %2 scans is "
+                                 "read up to where the next one begins by scan_index].",
+                                 written_, {name, count}),
                  false, false}};
     }
     if (rule_ == Rule::Gaps && changed_ > 0) {

@@ -3,6 +3,7 @@
 #include "msdoubts.h"
 
 #include "columnwalk_p.h"
+#include "countedtext_p.h"
 #include "doubtfailure_p.h"
 #include "doubtscans_p.h"
 #include "doubttexts_p.h"
@@ -162,8 +163,8 @@ private:
         const MsDoubtRow &row = ms_doubt_row(kind);
         if (options.settledOnly && !row.is_settled)
             return;
-        const QString text = ms_doubt_text(
-            row, count, {name, QString::number(count), detail, example, tally.first_failure});
+        const QString text = ms_counted_text(
+            row.sentence, count, {name, QString::number(count), detail, example, tally.first_failure});
         listed.append({&row, {row.code, count, example, text, row.is_loss, is_system_error}});
     }
 

@@ -131,22 +131,3 @@ const MsDoubtRow &ms_doubt_row(MsDoubtKind kind)
 {
     return doubt_rows[std::size_t(kind)];
 }
-
-QString ms_doubt_text(const MsDoubtRow &row, qint64 count, const QStringList &arguments)
-{
-    QString result;
-    bool is_taken = true; // the part of [one|many] that is being read
-    for (const char *at = row.sentence; *at; ++at) {
-        if (*at == '[')
-            is_taken = count == 1;
-        else if (*at == '|')
-            is_taken = count != 1;
-        else if (*at == ']')
-            is_taken = true;
-        else if (is_taken && *at == '%')
-            result += arguments[*++at - '1'];
-        else if (is_taken)
-            result += QLatin1Char(*at);
-    }
-    return result;
-}

@@ -154,12 +154,12 @@ private slots:
                                "Name: Five scans, sum from 0.090 min to 0.100 min\nRT: 0.095\nNum Peaks: 2\n"
                                "50.02 50\n91.05 300\n\n"};
         row("scan without peaks") = {"convert plain.cdf --scan 2 --scan 4 -o - --to msp > out", 0,
-                                     "1 spectra without peaks are left out: \"Five scans, scan 2, 0.106 min\""};
+                                     "1 spectrum without peaks is left out: \"Five scans, scan 2, 0.106 min\""};
         Call &chosenLevel = row("chosen level");
         chosenLevel = {"convert --no-compression plain.cdf -o a.mzML &&"
                        "sed -i '0,/level\" value=\"1/s//level\" value=\"2/' a.mzML;"
                        "convert --ms-level 1 a.mzML -o b.cdf && convert b.cdf -o - --to csv > out",
-                       0, "1 spectra of other MS levels are left out"};
+                       0, "1 spectrum of another MS level is left out"};
         chosenLevel.madePart = "\n0,5.8,350,350\n";
         Call &mzMLInMinutesAndBack = row("mzML in minutes and back");
         mzMLInMinutesAndBack = {"convert --minutes plain.cdf -o a.mzML && convert a.mzML -o b.cdf &&"
@@ -177,7 +177,7 @@ private slots:
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"
             "convert a.mzML -o b.cdf",
-            0, "1 spectra that aren't mass spectra are left out"};
+            0, "1 spectrum that isn't a mass spectrum is left out"};
         row("numbers that repeat, times that fall") = {
             "ncdump plain.cdf | sed 's/actual_scan_number = .*/actual_scan_number = 5, 5, 6, 7, 8 ;/;"
             "s/scan_acquisition_time = .*/scan_acquisition_time = 9, 8, 7, 6, 6 ;/;"
@@ -249,7 +249,7 @@ private slots:
         row("all well") = {"convert plain.cdf gcgc.cdf --to mzML --jobs 2; s=$?; ls *.mzML > out; exit $s", 0,
                            "2 files were converted", "gcgc.mzML\nplain.mzML\n"};
         row("a bad one first") = {"convert chromatogram.cdf plain.cdf --to mzML; s=$?; ls *.mzML > out; exit $s", 1,
-                                  "1 of 2 files were not converted, or not in full: \"chromatogram.cdf\"",
+                                  "1 of 2 files was not converted, or not in full: \"chromatogram.cdf\"",
                                   "plain.mzML\n"};
         Call &optionsForAll = row("options for all");
         optionsForAll = {"mkdir d; convert --delimiter ';' --csv points plain.cdf library.cdf --to csv "

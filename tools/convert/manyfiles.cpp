@@ -1,5 +1,6 @@
 #include "manyfiles.h"
 
+#include "countedtext_p.h"
 #include "interruption.h"
 #include "outputfile.h"
 #include "progressbar.h"
@@ -122,8 +123,9 @@ private:
                        .arg(all - done)
                        .arg(all));
         if (!failed.isEmpty())
-            report(QStringLiteral("%1 of %2 files were not converted, or not in full: \"%3\".")
-                       .arg(QString::number(failed.size()), QString::number(all), failed.join("\", \"")));
+            report(ms_counted_text(
+                "%1 of %2 files [was|were] not converted, or not in full: \"%3\".", failed.size(),
+                {QString::number(failed.size()), QString::number(all), failed.join("\", \"")}));
         else if (done == all && !options.conversion.quiet)
             report(QStringLiteral("%1 files were converted.").arg(all));
     }

@@ -1,5 +1,6 @@
 #include "mzmlchoice.h"
 
+#include "countedtext_p.h"
 #include "interruption.h"
 #include "mzmlterms.h"
 
@@ -71,11 +72,16 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
         return log->fail(QStringLiteral("it has no such spectra"));
     choice->polarity = *polarities.begin();
     if (others > 0)
-        log->warn(QStringLiteral("%1 spectra that aren't mass spectra are left out.").arg(others));
+        log->warn(ms_counted_text(
+            "%1 [spectrum that isn't a mass spectrum is|spectra that aren't mass spectra are] left out.",
+            qint64(others)));
     if (otherLevels > 0)
-        log->warn(QStringLiteral("%1 spectra of other MS levels are left out.").arg(otherLevels));
+        log->warn(ms_counted_text(
+            "%1 [spectrum of another MS level is|spectra of other MS levels are] left out.",
+            qint64(otherLevels)));
     if (otherPolarities > 0)
-        log->warn(QStringLiteral("%1 spectra of the other polarity are left out.").arg(otherPolarities));
+        log->warn(ms_counted_text("%1 [spectrum|spectra] of the other polarity [is|are] left out.",
+                                  qint64(otherPolarities)));
     if (choice->hasCompounds)
         log->warn(QStringLiteral("The names of the compounds are left out."));
     return true;

@@ -1,6 +1,7 @@
 #include "mzmlreader.h"
 
 #include "cdfwriter.h"
+#include "countedtext_p.h"
 #include "interruption.h"
 #include "mzmlchoice.h"
 #include "mzmlterms.h"
@@ -97,7 +98,8 @@ private:
         for (std::size_t i = 0; list && i < list->size(); ++i)
             others += list->chromatogramIdentity(i).id != "TIC";
         if (others > 0)
-            log->warn(QStringLiteral("%1 chromatograms are left out.").arg(others));
+            log->warn(
+                ms_counted_text("%1 [chromatogram is|chromatograms are] left out.", qint64(others)));
     }
 
     // A run without spectra becomes a trace: a time and a total for each scan.

@@ -1,5 +1,6 @@
 #include "runtocsv.h"
 
+#include "countedtext_p.h"
 #include "csvwriter.h"
 #include "runmodulation.h"
 #include "scanwalk.h"
@@ -257,9 +258,10 @@ private:
                 ++unplaced;
         }
         if (unplaced > 0)
-            log->warn(QStringLiteral("%1 scans have no place of their own in the map, as their times "
-                                     "aren't evenly spaced.")
-                          .arg(unplaced));
+            log->warn(ms_counted_text(
+                "%1 [scan has no place of its|scans have no place of their] own in the map, "
+                "as the times aren't evenly spaced.",
+                qint64(unplaced)));
         csv.text("second dimension (s) by first dimension (s)");
         for (std::size_t column = 0; column < width; ++column)
             csv.number(times.front() + double(column) * length);

@@ -1,5 +1,6 @@
 #include "runtomsp.h"
 
+#include "countedtext_p.h"
 #include "fileformat.h"
 #include "mspwriter.h"
 #include "scanwalk.h"
@@ -33,10 +34,10 @@ public:
         if (!isWritten)
             return false;
         if (!leftOut.isEmpty())
-            log->warn(QStringLiteral("%1 spectra without peaks are left out: %2%3.")
-                          .arg(QString::number(leftOut.size()),
-                               leftOut.mid(0, mostNamed).join(QLatin1String(", ")),
-                               leftOut.size() > mostNamed ? QStringLiteral(", ...") : QString()));
+            log->warn(ms_counted_text(
+                "%1 [spectrum|spectra] without peaks [is|are] left out: %2%3.", leftOut.size(),
+                {QString::number(leftOut.size()), leftOut.mid(0, mostNamed).join(QLatin1String(", ")),
+                 leftOut.size() > mostNamed ? QStringLiteral(", ...") : QString()}));
         if (written == 0)
             return log->fail(QStringLiteral("there is no spectrum with peaks"));
         return output.finish();

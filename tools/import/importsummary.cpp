@@ -1,5 +1,6 @@
 #include "importsummary.h"
 
+#include "countedtext_p.h"
 #include "dvheader.h"
 #include "terminaltext.h"
 
@@ -40,8 +41,10 @@ QString rateText(const RunFacts &facts, int scanCount)
     if (scanCount < 2 || !facts.start || !facts.end || !(*facts.end > *facts.start))
         return QStringLiteral("not known");
     const double rate = (scanCount - 1) / (*facts.end - *facts.start);
-    return facts.inMinutes ? QStringLiteral("%1 scans per second").arg(number(rate / 60.0))
-                           : QStringLiteral("%1 scans per unit of time").arg(number(rate));
+    const QString shown = number(facts.inMinutes ? rate / 60.0 : rate);
+    return ms_counted_text(
+        "%1 [scan|scans] per %2", shown == QLatin1String("1") ? 1 : 2,
+        {shown, facts.inMinutes ? QStringLiteral("second") : QStringLiteral("unit of time")});
 }
 
 bool liesOnGrid(float mass, double step)
@@ -229,8 +232,8 @@ QString ImportSummary::unreadText() const
 {
     const int left = scanCount - added;
     if (left > 0) {
-        const QString stopped = QStringLiteral("%1 of %2, as the import stopped before them")
-                                    .arg(QString::number(left), QString::number(scanCount));
+        const QString stopped = ms_counted_text("%1 of %2, as the import stopped before [it|them]", left,
+                                                {QString::number(left), QString::number(scanCount)});
         return unread.count == 0
             ? stopped
             : QStringLiteral("%1, and %2 more").arg(stopped, QString::number(unread.count));

@@ -1,5 +1,6 @@
 #include "runfacts.h"
 
+#include "countedtext_p.h"
 #include "messageredirection.h"
 #include "msrunfacts.h"
 
@@ -37,9 +38,7 @@ QString scanFunctionText(const MsRunFacts &facts)
     const QString words = wordsOf(facts.scanFunction);
     if (facts.groups < 1)
         return words;
-    const QString lists = QStringLiteral("%1 of ions")
-                              .arg(facts.groups == 1 ? QStringLiteral("1 group")
-                                                     : QStringLiteral("%1 groups").arg(facts.groups));
+    const QString lists = ms_counted_text("%1 [group|groups] of ions", facts.groups);
     return words.isNull() ? lists : QStringLiteral("%1, in %2").arg(words, lists);
 }
 

@@ -1,5 +1,6 @@
 #include "infogather.h"
 
+#include "countedtext_p.h"
 #include "infolayout.h"
 #include "inforanges.h"
 #include "interruption.h"
@@ -121,8 +122,9 @@ void Gatherer::readScans(const QString &path)
             ? QStringLiteral("the program was interrupted")
             : limit.add(scan.isRead() ? std::max(scan.point_count, 0) : 0, 0.0);
         if (!complaint.isNull())
-            return problem(QStringLiteral("Only the first %1 of %2 scans were read: %3.")
-                               .arg(QString::number(i), QString::number(file.scanCount()), complaint));
+            return problem(
+                ms_counted_text("Only the first %1 of %2 scans [was|were] read: %3.", i,
+                                {QString::number(i), QString::number(file.scanCount()), complaint}));
         ranges.add(scan);
     }
 }

@@ -1,5 +1,6 @@
 #include "messagelist.h"
 
+#include "countedtext_p.h"
 #include "terminaltext.h"
 
 namespace {
@@ -101,10 +102,7 @@ void MessageList::reportAll(Level least) const
                    .arg(label(entry.level), fileName, sentence(entry)));
     }
     if (leftOut > 0) {
-        const QString text = leftOut == 1
-            ? QStringLiteral("1 more message for the file \"%1\" is left out.").arg(fileName)
-            : QStringLiteral("%2 more messages for the file \"%1\" are left out.")
-                  .arg(fileName, QString::number(leftOut));
-        report(text);
+        report(ms_counted_text("%2 more [message|messages] for the file \"%1\" [is|are] left out.",
+                               leftOut, {fileName, QString::number(leftOut)}));
     }
 }

@@ -1,5 +1,6 @@
 #include "filetree.h"
 
+#include "countedtext_p.h"
 #include "namecodec.h"
 
 #include <QEvent>
@@ -94,7 +95,8 @@ void addNode(const InfoNode &node, QTreeWidgetItem *parent)
         line->setText(1, cells.join(QStringLiteral(", ")));
     }
     if (node.omitted > 0)
-        new QTreeWidgetItem(item, {QString(), QStringLiteral("%1 more are not shown").arg(node.omitted)});
+        new QTreeWidgetItem(item,
+                            {QString(), ms_counted_text("%1 more [is|are] not shown", node.omitted)});
 }
 
 // Returns whether the item stays visible.

@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "countedtext_p.h"
 #include "helppage.h"
 #include "namecodec.h"
 #include "runpage.h"
@@ -382,8 +383,9 @@ void MainWindow::traceInRuns(const SpectrumData &spectrum)
         pageAt(tab)->traceLargest(spectrum);
         ++runs;
     }
-    statusBar()->showMessage(runs == 0 ? QStringLiteral("No run is open that could have traces.")
-                                       : QStringLiteral("Traces were added in %1 open runs.").arg(runs),
+    statusBar()->showMessage(runs == 0
+                                 ? QStringLiteral("No run is open that could have traces.")
+                                 : ms_counted_text("Traces were added in %1 open [run|runs].", runs),
                              5000);
 }
 

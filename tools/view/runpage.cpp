@@ -2,6 +2,7 @@
 
 #include "compoundlist.h"
 #include "conversion.h"
+#include "countedtext_p.h"
 #include "filetree.h"
 #include "mappane.h"
 #include "mapplot.h"
@@ -343,9 +344,9 @@ void RunPage::goTo(const QString &text)
     } else if (place->scan < model_->summary().size)
         showScan(place->scan);
     else
-        say(QStringLiteral("There is no scan %1: the run has %2 scans, counted from 0.")
-                .arg(place->scan)
-                .arg(model_->summary().size));
+        say(ms_counted_text("There is no scan %1: the run has %2 [scan|scans], counted from 0.",
+                            model_->summary().size,
+                            {QString::number(place->scan), QString::number(model_->summary().size)}));
 }
 
 void RunPage::showAverage(const MsInterval &times, bool isBackground)

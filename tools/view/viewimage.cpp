@@ -1,5 +1,6 @@
 #include "viewimage.h"
 
+#include "countedtext_p.h"
 #include "mappane.h"
 #include "mapplot.h"
 #include "namecodec.h"
@@ -42,9 +43,8 @@ QString showSpectrum(RunPage *page, const ImageRequest &request)
     if (request.what == What::Time && (!summary.hasTimes || scan == -1))
         return QStringLiteral("No scan of the run has a time.");
     if (scan >= summary.size)
-        return QStringLiteral("There is no scan %1: the run has %2 scans, counted from 0.")
-            .arg(scan)
-            .arg(summary.size);
+        return ms_counted_text("There is no scan %1: the run has %2 [scan|scans], counted from 0.",
+                               summary.size, {QString::number(scan), QString::number(summary.size)});
     QEventLoop loop;
     SpectrumData found;
     QObject::connect(page->model(), &RunModel::spectrumRead, &loop, [&](const SpectrumData &spectrum) {
