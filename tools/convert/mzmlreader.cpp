@@ -1,22 +1,20 @@
 #include "mzmlreader.h"
 
+#include "cdfdescription.h"
 #include "cdfwriter.h"
+#include "commonnumbers.h"
 #include "countedtext_p.h"
 #include "interruption.h"
 #include "mzmlchoice.h"
-#include "mzmlterms.h"
-#include "namecodec.h"
-#include "statedglobals.h"
 
-#include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
 #include <exception>
-#include <iterator>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
 #include <pwiz/utility/misc/random_access_compressed_ifstream.hpp>
@@ -27,11 +25,6 @@ using namespace pwiz::msdata;
 namespace {
 
 constexpr double secondsPerMinute = 60.0;
-
-QString textOf(const std::string &utf8)
-{
-    return QString::fromStdString(utf8).trimmed();
-}
 
 // Returns a number of a parameter; missing where it has none.
 double numberOf(const CVParam &parameter)
@@ -80,7 +73,7 @@ public:
         if (!chooseSpectra(*source.run.spectrumListPtr, options, &choice, log))
             return false;
         warnOfOtherTraces();
-        describe();
+        description.emplace(source, input, choice);
         const bool isNarrow = hasNarrowArrays(input);
         bool doesFit = true;
         bool isWritten = writeAs(path, isNarrow ? MsFloatFormat : MsDoubleFormat, &doesFit);
@@ -116,9 +109,9 @@ private:
         if (pairs.empty() || pairs.size() > mostScans)
             return log->fail(QStringLiteral("it has neither spectra nor a total ion current"));
         warnOfOtherTraces();
-        describe();
+        description.emplace(source, input, choice);
         const bool inMinutes = trace->getTimeArray()->cvParam(MS_time_array).units == UO_minute;
-        setUnit(trace->getIntensityArray()->cvParam(MS_intensity_array).units);
+        description->setUnit(trace->getIntensityArray()->cvParam(MS_intensity_array).units);
         CdfWriter::Head head = headOf(pairs.size(), MsDoubleFormat);
         head.layout.has_mass_values = false;
         head.layout.has_time_values = true;
@@ -128,7 +121,7 @@ private:
             if (isInterrupted())
                 return log->fail(QStringLiteral("it was interrupted"));
             MsScanDraft scan{qint32(i)};
-            takeCommonNumbers(&scan);
+            takeCommonNumbers(source.run, &scan);
             scan.actual_scan_number = qint32(i);
             scan.point_count = 0;
             scan.flag_count = 0;
@@ -138,127 +131,6 @@ private:
         }
         return (isWritten && writer.finish()) || log->fail(writer.failure());
     }
-
-    // ------------------------------------------------------------------------------------------------
-    // What the run says
-    // ------------------------------------------------------------------------------------------------
-
-    void describe()
-    {
-        globals.admin.experiment_type = choice.isProfile ? MsContinuumSpectrum : MsCentroidedSpectrum;
-        globals.raw.mass_units = ms_enum_code("M/Z");
-        globals.raw.time_units = MsSeconds;
-        globals.test.test_scan_function =
-            ms_enum_code(choice.isSelectedIons ? "Selected Ion Detection" : "Mass Scan");
-        globals.test.test_ionization_polarity = choice.polarity == MS_positive_scan
-            ? ms_enum_code("Positive Polarity")
-            : choice.polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
-                                                  : -1;
-        for (qint32 *unknown : {&globals.test.test_separation_type, &globals.test.test_ms_inlet,
-                                &globals.test.test_ionization_mode, &globals.test.test_detector_type,
-                                &globals.test.test_resolution_type, &globals.test.test_scan_direction,
-                                &globals.test.test_scan_law, &globals.sample.sample_state,
-                                &globals.raw.intensity_units, &globals.raw.total_intensity_units})
-            *unknown = -1;
-        globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
-        describeFile();
-        describeInstrument();
-        // What this program wrote of another .cdf file says it in the template's own words.
-        for (const UserParam &parameter : source.run.userParams)
-            setDescription(parameter.name.c_str(), textOf(parameter.value), &globals);
-    }
-
-    void set(const char *attribute, const QString &text)
-    {
-        if (!text.isEmpty())
-            setDescription(attribute, text, &globals);
-    }
-
-    void describeFile()
-    {
-        set("source_file_reference", shownName(QFileInfo(input).fileName()));
-        const bool isMzXml = input.endsWith(QLatin1String(".mzXML"), Qt::CaseInsensitive);
-        set("source_file_format", isMzXml ? QStringLiteral("mzXML") : QStringLiteral("mzML"));
-        set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));
-        const QDateTime start = QDateTime::fromString(textOf(source.run.startTimeStamp), Qt::ISODate);
-        if (start.isValid())
-            set("experiment_date_time_stamp", QString::fromLatin1(stampOf(start)));
-        if (!source.fileDescription.contacts.empty()) {
-            const Contact &contact = source.fileDescription.contacts.front();
-            set("operator_name", textOf(contact.cvParam(MS_contact_name).value));
-            set("dataset_owner", textOf(contact.cvParam(MS_contact_affiliation).value));
-        }
-        const SamplePtr sample = !source.run.samplePtr && !source.samplePtrs.empty()
-            ? source.samplePtrs.front()
-            : source.run.samplePtr;
-        if (sample) {
-            set("sample_external_id", textOf(sample->name.empty() ? sample->id : sample->name));
-            globals.sample.sample_state = templateCode(TermFamily::SampleState, *sample);
-        }
-        const SoftwarePtr software =
-            source.softwarePtrs.empty() ? SoftwarePtr() : source.softwarePtrs.front();
-        if (software)
-            set("post_experiment_program_name", textOf(software->id + ' ' + software->version));
-    }
-
-    void describeInstrument()
-    {
-        InstrumentConfigurationPtr configuration = source.run.defaultInstrumentConfigurationPtr;
-        if (!configuration && !source.instrumentConfigurationPtrs.empty())
-            configuration = source.instrumentConfigurationPtrs.front();
-        if (!configuration)
-            return;
-        for (const Component &component : configuration->componentList) {
-            if (component.type == ComponentType_Source) {
-                globals.test.test_ionization_mode = templateCode(TermFamily::Ionisation, component);
-                globals.test.test_ms_inlet = templateCode(TermFamily::Inlet, component);
-            } else if (component.type == ComponentType_Detector) {
-                globals.test.test_detector_type = templateCode(TermFamily::Detector, component);
-            }
-        }
-        const CVParam model = configuration->cvParamChild(MS_instrument_model);
-        auto &first = component(0);
-        if (model.cvid != CVID_Unknown && model.cvid != MS_instrument_model)
-            storeText(&first, "instrument_name", textOf(model.name()));
-        storeText(&first, "instrument_serial_no",
-                  textOf(configuration->cvParam(MS_instrument_serial_number).value));
-        for (const UserParam &parameter : configuration->userParams) {
-            const QStringList words = templateName(textOf(parameter.name)).split(QLatin1Char(' '));
-            constexpr int mostComponents = 100;
-            const int number = words.size() > 1 ? words[1].toInt() : 1;
-            if (number >= 1 && number <= mostComponents)
-                storeText(&component(std::size_t(number - 1)), words[0].toLatin1().constData(),
-                          textOf(parameter.value));
-        }
-    }
-
-    // The library's names of what mzXML says of the instrument, in the template's words.
-    static QString templateName(const QString &name)
-    {
-        if (name == QLatin1String("msManufacturer"))
-            return QStringLiteral("instrument_mfr");
-        return name == QLatin1String("msModel") ? QStringLiteral("instrument_model") : name;
-    }
-
-    MsInstrument &component(std::size_t place)
-    {
-        while (instruments.size() <= place)
-            instruments.emplace_back().component_index = qint32(instruments.size() - 1);
-        return instruments[place];
-    }
-
-    static void storeText(MsInstrument *instrument, const char *name, const QString &text)
-    {
-        for (const MsVariableRow &row : ms_instrument_table) {
-            if (text.isEmpty() || qstrcmp(row.name, name) != 0)
-                continue;
-            replaceText(static_cast<MsInstrumentRecord *>(instrument), row.field, bytesOfText(text));
-        }
-    }
-
-    // ------------------------------------------------------------------------------------------------
-    // Scans
-    // ------------------------------------------------------------------------------------------------
 
     // Writes the file with points of that format. `doesFit` becomes false where a number needs more.
     bool writeAs(const QByteArray &path, qint32 format, bool *doesFit)
@@ -290,13 +162,13 @@ private:
     CdfWriter::Head headOf(std::size_t scanCount, qint32 format)
     {
         CdfWriter::Head head;
-        head.layout.experiment_type = globals.admin.experiment_type;
+        head.layout.experiment_type = description->globals.admin.experiment_type;
         head.layout.scan_count = qint32(scanCount);
         head.layout.mass_format = format;
         head.layout.time_format = MsDoubleFormat;
         head.layout.intensity_format = format;
-        head.globals = &globals;
-        for (const auto &instrument : instruments)
+        head.globals = &description->globals;
+        for (const auto &instrument : description->instruments)
             head.instruments.push_back(&instrument);
         return head;
     }
@@ -305,17 +177,7 @@ private:
     {
         const SpectrumPtr spectrum = source.run.spectrumListPtr->spectrum(choice.spectra.front(), true);
         const BinaryDataArrayPtr array = spectrum->getIntensityArray();
-        setUnit(array ? array->cvParam(MS_intensity_array).units : CVID_Unknown);
-    }
-
-    void setUnit(CVID unit)
-    {
-        ParamContainer unitTerm;
-        if (unit != CVID_Unknown)
-            unitTerm.set(unit);
-        const qint32 code = templateCode(TermFamily::IntensityUnit, unitTerm);
-        for (qint32 *unknown : {&globals.raw.intensity_units, &globals.raw.total_intensity_units})
-            *unknown = *unknown == -1 ? code : *unknown; // the template's own words say more
+        description->setUnit(array ? array->cvParam(MS_intensity_array).units : CVID_Unknown);
     }
 
     // Puts the points in the order of their masses. Returns false where the format can't hold one.
@@ -361,7 +223,7 @@ private:
     MsScanDraft scanOf(const Spectrum &spectrum, int place, qint32 format)
     {
         MsScanDraft scan(place);
-        takeCommonNumbers(&scan);
+        takeCommonNumbers(source.run, &scan);
         scan.actual_scan_number = numberOfScan(spectrum, place);
         scan.point_count = qint32(points.size());
         scan.flag_count = 0;
@@ -390,22 +252,6 @@ private:
         return scan;
     }
 
-    // The numbers that all scans of a run have alike.
-    void takeCommonNumbers(MsScanRecord *scan) const
-    {
-        double numbers[std::size(commonScanNumbers)];
-        for (std::size_t i = 0; i < std::size(commonScanNumbers); ++i) {
-            bool isNumber = false;
-            numbers[i] = textOf(source.run.userParam(commonScanNumbers[i]).value).toDouble(&isNumber);
-            numbers[i] = isNumber ? numbers[i] : MsMissingDouble;
-        }
-        scan->scan_duration = numbers[0];
-        scan->inter_scan_time = numbers[1];
-        scan->resolution = numbers[2];
-        scan->a_d_sampling_rate = numbers[3];
-        scan->a_d_coaddition_factor = qint16(std::clamp(numbers[4], -32768.0, 32767.0));
-    }
-
     static qint32 numberOfScan(const Spectrum &spectrum, int place)
     {
         bool isNumber = false;
@@ -419,9 +265,7 @@ private:
     ConversionLog *log;
     MSDataFile source;
     MzMlChoice choice;
-    // What the file is written from. The records own their texts.
-    MsGlobals globals;
-    std::deque<MsInstrument> instruments;
+    std::optional<CdfDescription> description;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
     std::vector<double> doubles[2];
     std::vector<float> floats[2];

@@ -16,10 +16,6 @@ pwiz::cv::CVID mzmlTerm(TermFamily family, qint32 code);
 // a special case of it; -1 for none.
 qint32 templateCode(TermFamily family, const pwiz::data::ParamContainer &container);
 
-// The template's numbers of a scan that mzML has no terms for: names of user parameters of the run.
-constexpr const char *commonScanNumbers[] = {"scan_duration", "inter_scan_time", "resolution",
-                                             "a_d_sampling_rate", "a_d_coaddition_factor"};
-
 // The user parameter of a library's spectrum.
 constexpr const char compoundName[] = "compound";
 
