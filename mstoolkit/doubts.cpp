@@ -202,7 +202,8 @@ private:
 
     void judge_totals()
     {
-        if (is_other_total())
+        const bool has_sums = file.has_mass_values || tally.points_of_scans > 0;
+        if (is_other_total() || !has_sums)
             return;
         const MsAgreement &totals = tally.totals.is_empty() ? tally.trace_totals
             : tally.totals.is_exact()                       ? tally.totals

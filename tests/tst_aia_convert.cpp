@@ -173,6 +173,31 @@ private slots:
             "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && ncdump -v total_intensity b.cdf |"
             "grep 'intensity = ' > out",
             0, "isn't the sum", " total_intensity = 1.1, 2, 3, 4, 5 ;\n"};
+        row("one total of a trace") = {
+            "sample tic --scans 3 s.cdf; ncdump s.cdf | sed 's/total_intensity = [0-9]*/total_intensity = 5/' |"
+            "ncgen -o a.cdf; convert a.cdf -o b.cdf; ncdump -v total_intensity b.cdf | grep 'intensity = ' > out",
+            0, "isn't the sum", " total_intensity = 5, 4190000, 4190000 ;\n"};
+        row("mzML in hours, its trace by another name") = {
+            "convert total-ion.cdf -o a.mzML;"
+            "sed -i 's/UO:0000010\" unitName=\"second/UO:0000032\" unitName=\"hour/; s/id=\"TIC/id=\"sum/' a.mzML;"
+            "convert a.mzML -o b.cdf && ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
+            0, "", " scan_acquisition_time = 216000, 432000 ;\n"};
+        row("mzML without a unit of time") = {
+            "convert plain.cdf -o a.mzML; sed -i 's/unitAccession=\"UO:0000010\"/unitAccession=\"\"/' a.mzML; convert "
+            "a.mzML -o b.cdf",
+            0, "taken for seconds"};
+        row("a mass in mzML that is no number") = {
+            "convert --no-compression plain.cdf -o a.mzML; sed -i '0,/<binary>....../s//<binary>AADAfw/' a.mzML; "
+            "convert a.mzML -o b.cdf",
+            1, "1 point whose mass or intensity is infinite, no number or the fill value of netCDF is left out"};
+        row("times that fall in mzML") = {
+            "convert plain.cdf -o a.mzML; sed -i 's/value=\"5.8/value=\"0.8/' a.mzML; convert a.mzML -o b.cdf", 0,
+            "\"b.cdf\", 1 of 5 scans has a time before that of the scan before"};
+        row("scan window with one limit") = {
+            "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed -z 's/mass_range_max =\\s*[0-9.]*/mass_range_max = "
+            "-9999/' |"
+            "ncgen -o a.cdf; convert a.cdf -o a.mzML; grep -cE '100050[01]' a.mzML > out",
+            0, "ranges of masses with one end", "4\n"};
         row("trace in 64 bits") = {"convert plain.cdf -o a.mzML && grep -c 1000523 a.mzML > out", 0, "", "2\n"};
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"

@@ -458,6 +458,7 @@ private slots:
                                                                        3.0 + 0.01 * double(i))(id);
                                                            },
                                                            "time-range 1"};
+        row("a trace without points") = {QStringLiteral("tic"), put("point_count", 0, 0, 20), "unowned-points 20"};
         row("a trace whose points have no axis") = {QStringLiteral("tic"), rename("time_values")};
         row("a trace whose points should have masses") = {QStringLiteral("tic"),
                                                           [](int id) {

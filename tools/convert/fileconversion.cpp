@@ -1,8 +1,9 @@
 #include "fileconversion.h"
 
-#include "interruption.h"
 #include "messagelist.h"
 #include "messageredirection.h"
+#include "msdoubts.h"
+#include "msfile.h"
 #include "msinput.h"
 #include "mzmlreader.h"
 #include "mzmlwriter.h"
@@ -59,7 +60,8 @@ private:
             return log.fail(QStringLiteral("such files become .cdf files, which become all the others"));
         if (isMzMl)
             return output.open()
-                && convertToCdf(pair.input, output.path(), options.conversion, &progress, &log);
+                && convertToCdf(pair.input, output.path(), options.conversion, &progress, &log)
+                && judgeMade();
 
         const MsRun source(pair.input);
         if (!source.isOpen()) {
@@ -67,11 +69,31 @@ private:
             return false;
         }
         const bool isWritten = output.open() && writeRun(source);
-        for (const MsDoubt &doubt : source.doubts()) {
+        const qint64 points = source.positionCount();
+        if (source.kind() == MsRun::Kind::Trace && points > source.size())
+            log.lose(QStringLiteral("It has no masses, so its %1 points are left out, and the totals of "
+                                    "the scans are taken.")
+                         .arg(points));
+        takeDoubts(source.doubts());
+        return isWritten;
+    }
+
+    // Takes what a reader of the run that was made will be told of it: mzML may say anything.
+    bool judgeMade()
+    {
+        const MsFile made(output.path().constData());
+        const MsGlobals globals = made.globals(); // which doubts are judged by
+        ms_read_other_scans(made.id());
+        takeDoubts(ms_list_doubts(made.id(), pair.output));
+        return true;
+    }
+
+    void takeDoubts(const QList<MsDoubt> &doubts)
+    {
+        for (const MsDoubt &doubt : doubts) {
             messages.drop(doubt.text); // which is said here
             doubt.isLoss ? log.lose(doubt.text) : log.warn(doubt.text);
         }
-        return isWritten;
     }
 
     bool writeRun(const MsRun &source)

@@ -24,7 +24,24 @@ using namespace pwiz::msdata;
 
 namespace {
 
-constexpr double secondsPerMinute = 60.0;
+// Returns how many seconds a unit has; 0 for none that is known.
+double secondsIn(CVID unit)
+{
+    switch (unit) {
+    case UO_microsecond:
+        return 1e-6;
+    case UO_millisecond:
+        return 1e-3;
+    case UO_second:
+        return 1.0;
+    case UO_minute:
+        return 60.0;
+    case UO_hour:
+        return 3600.0;
+    default:
+        return 0.0;
+    }
+}
 
 // Returns a number of a parameter; missing where it has none.
 double numberOf(const CVParam &parameter)
@@ -36,10 +53,16 @@ double numberOf(const CVParam &parameter)
     return isNumber && std::isfinite(number) ? number : MsMissingDouble;
 }
 
-double secondsOf(const CVParam &time)
+// Readers of .cdf files take these for points that were never written.
+bool isNoData(double number)
 {
-    const double number = numberOf(time);
-    return number != MsMissingDouble && time.units == UO_minute ? number * secondsPerMinute : number;
+    return !std::isfinite(number) || ms_is_fill(NC_DOUBLE, number);
+}
+
+// Whether the chromatogram is the total ion current of the run.
+bool isTotal(const ChromatogramList &list, std::size_t place)
+{
+    return list.chromatogram(place, false)->hasCVParam(MS_total_ion_current_chromatogram);
 }
 
 // Whether the first arrays of the file are of 32 bits: the library makes doubles of all and doesn't tell.
@@ -72,7 +95,7 @@ public:
             return writeTrace(path);
         if (!chooseSpectra(*source.run.spectrumListPtr, options, &choice, log))
             return false;
-        warnOfOtherTraces();
+        findTrace(); // the spectra have the total ion current
         description.emplace(source, input, choice);
         const bool isNarrow = hasNarrowArrays(input);
         bool doesFit = true;
@@ -83,34 +106,46 @@ public:
     }
 
 private:
-    // All chromatograms but that of the total ion current.
-    void warnOfOtherTraces()
+    // Returns the first chromatogram that is the total ion current, and warns of all others.
+    ChromatogramPtr findTrace() const
     {
+        ChromatogramPtr trace;
         std::size_t others = 0;
         const ChromatogramListPtr &list = source.run.chromatogramListPtr;
-        for (std::size_t i = 0; list && i < list->size(); ++i)
-            others += list->chromatogramIdentity(i).id != "TIC";
+        for (std::size_t i = 0; list && i < list->size(); ++i) {
+            if (!trace && isTotal(*list, i))
+                trace = list->chromatogram(i, true);
+            else
+                ++others;
+        }
         if (others > 0)
             log->warn(
                 ms_counted_text("%1 [chromatogram is|chromatograms are] left out.", qint64(others)));
+        return trace;
+    }
+
+    // Returns a time in seconds.
+    double secondsOf(double time, CVID unit) const
+    {
+        const double factor = secondsIn(unit);
+        if (factor == 0.0)
+            log->warn(
+                QStringLiteral("Its times have no unit that is known; they are taken for seconds."));
+        return factor == 0.0 ? time : time * factor;
     }
 
     // A run without spectra becomes a trace: a time and a total for each scan.
     bool writeTrace(const QByteArray &path)
     {
-        const ChromatogramListPtr &list = source.run.chromatogramListPtr;
-        const std::size_t place = list ? list->find("TIC") : 0;
-        const ChromatogramPtr trace =
-            list && place < list->size() ? list->chromatogram(place, true) : ChromatogramPtr();
+        const ChromatogramPtr trace = findTrace();
         std::vector<TimeIntensityPair> pairs;
         if (trace)
             trace->getTimeIntensityPairs(pairs);
         constexpr std::size_t mostScans = 1 << 30;
         if (pairs.empty() || pairs.size() > mostScans)
             return log->fail(QStringLiteral("it has neither spectra nor a total ion current"));
-        warnOfOtherTraces();
         description.emplace(source, input, choice);
-        const bool inMinutes = trace->getTimeArray()->cvParam(MS_time_array).units == UO_minute;
+        const CVID timeUnit = trace->getTimeArray()->cvParam(MS_time_array).units;
         description->setUnit(trace->getIntensityArray()->cvParam(MS_intensity_array).units);
         CdfWriter::Head head = headOf(pairs.size(), MsDoubleFormat);
         head.layout.has_mass_values = false;
@@ -126,7 +161,7 @@ private:
             scan.point_count = 0;
             scan.flag_count = 0;
             scan.total_intensity = pairs[i].intensity;
-            scan.scan_acquisition_time = inMinutes ? pairs[i].time * secondsPerMinute : pairs[i].time;
+            scan.scan_acquisition_time = secondsOf(pairs[i].time, timeUnit);
             isWritten = writer.add(scan);
         }
         return (isWritten && writer.finish()) || log->fail(writer.failure());
@@ -136,6 +171,7 @@ private:
     bool writeAs(const QByteArray &path, qint32 format, bool *doesFit)
     {
         *doesFit = true;
+        withoutData = 0;
         readUnit();
         CdfWriter writer(path, headOf(choice.spectra.size(), format), log);
         if (!writer.failure().isNull())
@@ -151,12 +187,32 @@ private:
                 *doesFit = false;
                 return false;
             }
+            warnOfRest(*spectrum);
             if (!writer.add(scanOf(*spectrum, i, format)))
                 return log->fail(writer.failure());
             if (i % step == 0)
                 progress->show(i, count);
         }
+        if (withoutData > 0)
+            log->lose(ms_counted_text(
+                "%1 [point|points] whose mass or intensity is infinite, no number or the fill value "
+                "of netCDF [is|are] left out.",
+                withoutData));
         return writer.finish() || log->fail(writer.failure());
+    }
+
+    // Says what of a spectrum has no place in the template.
+    void warnOfRest(const Spectrum &spectrum) const
+    {
+        if (spectrum.binaryDataArrayPtrs.size() > 2)
+            log->warn(QStringLiteral("What points have besides masses and intensities is left out."));
+        if (!spectrum.precursors.empty())
+            log->warn(QStringLiteral("The precursors of spectra are left out."));
+        if (spectrum.scanList.scans.size() > 1)
+            log->warn(QStringLiteral(
+                "Of spectra that are made of several scans, the first one's time is taken."));
+        if (!spectrum.scanList.scans.empty() && spectrum.scanList.scans.front().scanWindows.size() > 1)
+            log->warn(QStringLiteral("The scan windows of a spectrum become one range."));
     }
 
     CdfWriter::Head headOf(std::size_t scanCount, qint32 format)
@@ -190,9 +246,13 @@ private:
         if (massCount != (intensityArray ? intensityArray->data.size() : 0))
             log->lose(QStringLiteral(
                 "In some spectra, masses and intensities aren't as many; the rest is left out."));
-        points.resize(count);
-        for (std::size_t i = 0; i < count; ++i)
-            points[i] = {massArray->data[i], intensityArray->data[i]};
+        points.clear();
+        for (std::size_t i = 0; i < count; ++i) {
+            if (isNoData(massArray->data[i]) || isNoData(intensityArray->data[i]))
+                ++withoutData;
+            else
+                points.emplace_back(massArray->data[i], intensityArray->data[i]);
+        }
         if (!std::is_sorted(points.begin(), points.end(), isLighter)) {
             std::stable_sort(points.begin(), points.end(), isLighter);
             log->warn(QStringLiteral("The points of some spectra are put in the order of their masses."));
@@ -242,12 +302,16 @@ private:
         if (spectrum.scanList.scans.empty())
             return scan;
         const Scan &details = spectrum.scanList.scans.front();
-        scan.scan_acquisition_time = secondsOf(details.cvParam(MS_scan_start_time));
-        if (!details.scanWindows.empty()) {
-            scan.mass_range_min =
-                numberOf(details.scanWindows.front().cvParam(MS_scan_window_lower_limit));
-            scan.mass_range_max =
-                numberOf(details.scanWindows.front().cvParam(MS_scan_window_upper_limit));
+        const CVParam time = details.cvParam(MS_scan_start_time);
+        if (numberOf(time) != MsMissingDouble)
+            scan.scan_acquisition_time = secondsOf(numberOf(time), time.units);
+        for (const ScanWindow &window : details.scanWindows) {
+            const double least = numberOf(window.cvParam(MS_scan_window_lower_limit));
+            const double most = numberOf(window.cvParam(MS_scan_window_upper_limit));
+            if (scan.mass_range_min == MsMissingDouble
+                || (least != MsMissingDouble && least < scan.mass_range_min))
+                scan.mass_range_min = least;
+            scan.mass_range_max = std::max(scan.mass_range_max, most); // the missing value is below all
         }
         return scan;
     }
@@ -267,6 +331,7 @@ private:
     MzMlChoice choice;
     std::optional<CdfDescription> description;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
+    qint64 withoutData = 0;                        // points of all spectra
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
 };

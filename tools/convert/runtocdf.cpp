@@ -24,7 +24,7 @@ struct Survey {
     bool hasFloatIntensities = true;
     bool hasPointTimes = false;
     bool isLackingPoints = false; // points without data were left out, which flags count
-    bool hasWrongTotals = false;
+    bool hasWrongTotals = false;  // which the points can mend
 };
 
 bool survey(const MsRun &run, ProgressBar *progress, Survey *result)
@@ -44,7 +44,8 @@ bool survey(const MsRun &run, ProgressBar *progress, Survey *result)
         });
     for (const MsDoubt &doubt : run.doubts()) {
         const QLatin1String code(doubt.code);
-        result->hasWrongTotals = result->hasWrongTotals || code == QLatin1String("wrong-totals");
+        result->hasWrongTotals = result->hasWrongTotals
+            || (run.kind() != MsRun::Kind::Trace && code == QLatin1String("wrong-totals"));
         for (const char *lacking : {"bad-masses", "fill-masses", "bad-intensities", "fill-intensities"})
             result->isLackingPoints = result->isLackingPoints || code == QLatin1String(lacking);
     }
