@@ -148,6 +148,11 @@ private slots:
                           "Name: Benzene\nCAS#: 71-43-2\nNum Peaks: 2\n50 1\n60.25 2\n\n"
                           "Name: Entry 1\nNum Peaks: 2\n50 4\n70.5 8\n\n"
                           "Name: Toluene\nCAS#: 108-88-3\nNum Peaks: 2\n60.25 16\n70.5 32\n\n"};
+        row("a name without letters, points that MSP lacks") = {
+            "ncdump library.cdf | sed 's/Benzene/\\\\001/; s/mass_values = 50/mass_values = 0.5/' | ncgen -o a.cdf; "
+            "convert a.cdf -o b.msp; head -3 b.msp > out",
+            0, "1 point below m/z 1 or of a negative intensity is left out",
+            "Name: Entry 0\nCAS#: 71-43-2\nNum Peaks: 1\n"};
         row("scan and sum") = {"convert plain.cdf --scan 1 --sum 0.09-0.1 -o - --to msp > out", 0, "",
                                "Name: Five scans, scan 1, 0.097 min\nRT: 0.09666666666666666\nNum Peaks: 2\n"
                                "50.02 50\n91.05 300\n\n"

@@ -38,6 +38,10 @@ public:
                 "%1 [spectrum|spectra] without peaks [is|are] left out: %2%3.", leftOut.size(),
                 {QString::number(leftOut.size()), leftOut.mid(0, mostNamed).join(QLatin1String(", ")),
                  leftOut.size() > mostNamed ? QStringLiteral(", ...") : QString()}));
+        if (pointsLeftOut > 0)
+            log->warn(ms_counted_text(
+                "%1 [point|points] below m/z 1 or of a negative intensity [is|are] left out.",
+                pointsLeftOut));
         if (written == 0)
             return log->fail(QStringLiteral("there is no spectrum with peaks"));
         return output.finish();
@@ -142,6 +146,9 @@ private:
 
     void put(const MspEntry &entry)
     {
+        for (std::size_t i = 0; i < entry.masses.size(); ++i)
+            pointsLeftOut +=
+                entry.intensities[i] != 0.0 && !isMspPeak(entry.masses[i], entry.intensities[i]);
         if (writeMspEntry(output, entry))
             ++written;
         else
@@ -154,6 +161,7 @@ private:
     ProgressBar *progress;
     ConversionLog *log;
     QStringList leftOut;
+    qint64 pointsLeftOut = 0; // of spectra
     int written = 0;
 };
 

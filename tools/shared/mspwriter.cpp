@@ -52,12 +52,12 @@ void putNumber(TextOutput &output, const char *field, double number)
     output.put('\n');
 }
 
-bool isPeak(double mass, double intensity)
+} // namespace
+
+bool isMspPeak(double mass, double intensity)
 {
     return std::isfinite(mass) && mass >= leastMass && std::isfinite(intensity) && intensity > 0.0;
 }
-
-} // namespace
 
 QByteArray asciiLine(const QString &text)
 {
@@ -92,7 +92,8 @@ MspEntry entryOf(const MsCompound &compound, qint32 number)
 {
     constexpr double secondsPerMinute = 60.0;
     MspEntry entry;
-    entry.name = compound.name.isNull() ? QStringLiteral("Entry %1").arg(number) : compound.name;
+    const bool hasName = !asciiLine(compound.name).isEmpty(); // an entry begins with its name
+    entry.name = hasName ? compound.name : QStringLiteral("Entry %1").arg(number);
     entry.synonyms = compound.otherNames;
     if (!compound.casName.isNull() && compound.casName != compound.name)
         entry.synonyms += compound.casName;
@@ -112,7 +113,7 @@ bool writeMspEntry(TextOutput &output, const MspEntry &entry)
 {
     qint64 count = 0;
     for (std::size_t i = 0; i < entry.masses.size(); ++i)
-        count += isPeak(entry.masses[i], entry.intensities[i]);
+        count += isMspPeak(entry.masses[i], entry.intensities[i]);
     if (count == 0)
         return false;
 
@@ -130,7 +131,7 @@ bool writeMspEntry(TextOutput &output, const MspEntry &entry)
     output.integer(count);
     output.put('\n');
     for (std::size_t i = 0; i < entry.masses.size(); ++i) {
-        if (!isPeak(entry.masses[i], entry.intensities[i]))
+        if (!isMspPeak(entry.masses[i], entry.intensities[i]))
             continue;
         output.plainReal(entry.masses[i]);
         output.put(' ');

@@ -32,9 +32,11 @@ MspEntry entryOf(const MsCompound &compound, qint32 entry);
 // Returns a CAS number with its hyphens; null for none.
 QString casText(qint32 number);
 
-// Appends an entry and the blank line behind it. Texts are written in ASCII on one line. Points below
-// mass 1, and those without a finite intensity above 0, are left out. Returns false, and writes nothing,
-// for a spectrum that has no other points.
+// Whether MSP has such a point: from mass 1 on, with a finite intensity above 0.
+bool isMspPeak(double mass, double intensity);
+
+// Appends an entry and the blank line behind it. Texts are written in ASCII on one line, other points
+// than isMspPeak() are left out. Returns false, and writes nothing, for a spectrum that has no others.
 bool writeMspEntry(TextOutput &output, const MspEntry &entry);
 
 // Returns a text in ASCII without line breaks: letters with marks lose them, Greek letters are spelled
