@@ -102,7 +102,12 @@ def test_a_killed_worker_loses_and_doubles_nothing(folder, tmp_path):
             die_once(victim, str(marker))
         return part
 
-    patience = {"distributed.comm.timeouts.connect": "300s", "distributed.comm.timeouts.tcp": "300s"}
+    # On a busy machine a killed worker takes long to come back; a cluster gives it up after 15 s.
+    patience = {
+        "distributed.comm.timeouts.connect": "300s",
+        "distributed.comm.timeouts.tcp": "300s",
+        "distributed.deploy.lost-worker-timeout": "300s",
+    }
     with dask.config.set(patience):
         with LocalCluster(n_workers=2, threads_per_worker=1, processes=True, dashboard_address=None) as cluster:
             with Client(cluster, timeout=300) as client:
