@@ -68,6 +68,22 @@ QString textOfAttribute(int ncid, const MsAttributeRow &row, const void *record)
         : text;
 }
 
+QByteArray attributeName(const MsAttributeRow &row)
+{
+    switch (row.variable) {
+    case MsVar_mass_values:
+        return QByteArray("mass_") + row.name;
+    case MsVar_time_values:
+        return QByteArray("time_") + row.name;
+    case MsVar_intensity_values:
+        return QByteArray("intensity_") + row.name;
+    case MsVar_total_intensity:
+        return QByteArray("total_intensity_") + row.name;
+    default:
+        return row.name;
+    }
+}
+
 const MsAttributeRow &attributeRow(const MsTable<MsAttributeRow> &table, std::size_t field)
 {
     return *std::find_if(table.begin(), table.end(),

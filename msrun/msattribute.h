@@ -5,6 +5,7 @@
 
 #include "mstoolkit.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstddef>
@@ -25,6 +26,10 @@ QString statedText(int ncid, const MsAttributeRow &row);
 // `record` is the one that was read from the file and that the row belongs to: its own texts are Latin-1,
 // which hasn't all letters.
 QString textOfAttribute(int ncid, const MsAttributeRow &row, const void *record);
+
+// Returns the name under which an attribute is shown: with a prefix, such as mass_, where it is one of a
+// variable, since attributes of different variables have the same names.
+QByteArray attributeName(const MsAttributeRow &row);
 
 // Returns the row that fills the field at that offset of the table's record. There has to be one.
 const MsAttributeRow &attributeRow(const MsTable<MsAttributeRow> &table, std::size_t field);

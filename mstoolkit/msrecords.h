@@ -92,6 +92,14 @@ struct MsGlobalsDraft : MsGlobalRecords {
 // Records that were read
 // ---------------------------------------------------------------------------------------------------
 
+// Stores a text, in Latin-1, in the field at that offset of a record that owns its texts. The text that
+// was there is freed.
+inline void ms_replace_text(void *record, std::size_t field, const QString &text)
+{
+    ms_free(*reinterpret_cast<char **>(static_cast<char *>(record) + field));
+    ms_store_variant(record, field, QVariant(text), NC_CHAR);
+}
+
 // A record that was read from a file. It owns its texts and vectors and frees them at its end.
 template <class Record> class MsOwned : public Record
 {

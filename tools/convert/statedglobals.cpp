@@ -36,23 +36,6 @@ bool isDescription(const MsAttributeRow &row)
                         [&row](const char *name) { return qstrcmp(name, row.name) == 0; });
 }
 
-// Attributes of different variables have the same names.
-QByteArray nameOf(const MsAttributeRow &row)
-{
-    switch (row.variable) {
-    case MsVar_mass_values:
-        return QByteArray("mass_") + row.name;
-    case MsVar_time_values:
-        return QByteArray("time_") + row.name;
-    case MsVar_intensity_values:
-        return QByteArray("intensity_") + row.name;
-    case MsVar_total_intensity:
-        return QByteArray("total_intensity_") + row.name;
-    default:
-        return row.name;
-    }
-}
-
 // Returns the value of the row's field as a text; null where it has none.
 QString textOf(const MsAttributeRow &row, const void *record)
 {
@@ -139,16 +122,14 @@ void forEachDescription(const MsGlobalRecords &globals,
         for (const MsAttributeRow &row : table) {
             const QString text = isDescription(row) ? textOf(row, record) : QString();
             if (!text.isEmpty())
-                use(nameOf(row), text);
+                use(attributeName(row), text);
         }
     });
 }
 
 void replaceText(void *record, std::size_t field, const QByteArray &bytes)
 {
-    ms_free(*reinterpret_cast<char **>(static_cast<char *>(record) + field));
-    // The toolkit stores texts as Latin-1, a byte for each letter.
-    ms_store_variant(record, field, QVariant(QString::fromLatin1(bytes)), NC_CHAR);
+    ms_replace_text(record, field, QString::fromLatin1(bytes)); // which is a byte for each letter
 }
 
 bool setDescription(const char *name, const QString &text, MsGlobalRecords *globals)
@@ -156,7 +137,7 @@ bool setDescription(const char *name, const QString &text, MsGlobalRecords *glob
     bool isSet = false;
     forEachTable(*globals, [&](const MsTable<MsAttributeRow> &table, void *record) {
         for (const MsAttributeRow &row : table) {
-            if (nameOf(row) != name || !isDescription(row))
+            if (attributeName(row) != name || !isDescription(row))
                 continue;
             if (row.enumerated)
                 *reinterpret_cast<qint32 *>(static_cast<char *>(record) + row.field) =

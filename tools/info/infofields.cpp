@@ -61,24 +61,6 @@ void addField(InfoNode *section, const QString &name, const QVariant &value, Lac
         section->addValue(name, value);
 }
 
-// Attributes of different variables have the same names, so a prefix says to which variable one belongs.
-QString attributeName(const MsAttributeRow &row)
-{
-    QString name = QString::fromLatin1(row.name);
-    switch (row.variable) {
-    case MsVar_mass_values:
-        return QLatin1String("mass_") + name;
-    case MsVar_time_values:
-        return QLatin1String("time_") + name;
-    case MsVar_intensity_values:
-        return QLatin1String("intensity_") + name;
-    case MsVar_total_intensity:
-        return QLatin1String("total_intensity_") + name;
-    default:
-        return name;
-    }
-}
-
 } // namespace
 
 QVariant textValue(const char *text)
@@ -101,8 +83,9 @@ void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *r
                    InfoNode *section)
 {
     for (const MsAttributeRow &row : table) {
+        const QString name = QString::fromLatin1(attributeName(row));
         if (!row.enumerated) {
-            addField(section, attributeName(row),
+            addField(section, name,
                      fieldValue(record, row.field, row.nc_type, row.nc_type, longestAttribute), lacking);
             continue;
         }
@@ -110,7 +93,7 @@ void addAttributes(int ncid, const MsTable<MsAttributeRow> &table, const void *r
         if (phrase.isNull())
             phrase = QStringLiteral("%1 (not in the vocabulary)")
                          .arg(shortened(statedText(ncid, row), longestLine));
-        section->addValue(attributeName(row), phrase).isDefault = !isStated(ncid, row);
+        section->addValue(name, phrase).isDefault = !isStated(ncid, row);
     }
 }
 
