@@ -33,3 +33,11 @@ MsFile openInput(const QString &name, const QString &lookProgram)
         lookProgram.isEmpty() ? pluginFolder() + QStringLiteral("/" AIA_LOOK) : lookProgram;
     return ms_look_first(path.constData(), program) == 0 ? MsFile(path.constData()) : MsFile();
 }
+
+QString whyNotOpened(const QString &name, const QString &errors)
+{
+    return errors.isEmpty()
+        ? QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is damaged or cut off.")
+              .arg(name)
+        : errors;
+}

@@ -19,4 +19,8 @@ QString pluginFolder();
 // file if that fails; where more is known than that netCDF refuses it, an error message says so.
 MsFile openInput(const QString &name, const QString &lookProgram = QString());
 
+// Returns the sentence that says why openInput returned no file: `errors`, its messages, or what is left
+// where there were none.
+QString whyNotOpened(const QString &name, const QString &errors);
+
 #endif // MSINPUT_H
