@@ -76,7 +76,8 @@ private slots:
         row("no mass") = {"convert plain.cdf -o out.csv --masses 50,x", 2, "no value of the option --masses"};
         row("no table") = {"convert plain.cdf -o out.csv --csv all", 2, "no CSV table"};
         row("jobs") = {"convert plain.cdf -o out.csv --jobs 0", 2, "from 1 to"};
-        row("device") = {"convert plain.cdf -o /dev/null --to cdf", 2, "no room"};
+        row("device") = {"convert plain.cdf -o /dev/null --to cdf", 2,
+                         "\"/dev/null\", a pipe or a device: name one on a disk."};
     }
     void usage() { checkCall(Rows<Call>::current()); }
 

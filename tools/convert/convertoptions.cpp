@@ -249,10 +249,9 @@ QString objectionTo(const ConvertOptions &options, const QStringList &inputs)
     QHash<QString, QString> inputOfPlace;
     for (const ConversionPair &pair : options.pairs) {
         const OutputFile output(pair.output, options.existing);
-        if (output.isDirect() && pair.format == FileFormat::Cdf)
-            return QStringLiteral("\"%1\" is a pipe or a device, which has no room for such a file.")
-                .arg(pair.output);
-        const QString objection = output.objection(inputs);
+        const QString objection = output.objection(
+            inputs,
+            pair.format == FileFormat::Cdf ? OutputFile::Order::Any : OutputFile::Order::FrontToBack);
         if (!objection.isNull())
             return objection;
         if (output.isDirect())
@@ -278,10 +277,8 @@ std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions
     const StandardOptions standard(&parser);
     parser.addPositionalArgument(QStringLiteral("INPUT"), QStringLiteral("A file to convert."),
                                  QStringLiteral("INPUT..."));
-    if (!parser.parse(arguments))
-        return refuse(parser.errorText());
-    if (standard.answer(parser))
-        return Success;
+    if (const std::optional<int> code = standard.parse(arguments, &parser))
+        return code;
 
     Values values(parser, options);
     values.read(target);

@@ -71,10 +71,8 @@ CommandLine parseCommandLine(const QStringList &arguments)
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A file to import."),
                                  QStringLiteral("FILE..."));
 
-    if (!parser.parse(arguments))
-        return refused(parser.errorText());
-    if (standard.answer(parser))
-        return {Success, {}};
+    if (const std::optional<int> code = standard.parse(arguments, &parser))
+        return {code, {}};
 
     ImportOptions options;
     options.files = namesOfFiles(parser.positionalArguments());

@@ -69,13 +69,7 @@ int show(const QString &path, const CommandLine &line, MessageList &messages)
     const MsFile file = openInput(path);
     if (!file) {
         const QString reason = messages.takeSentences(MessageList::Level::Error).join(QLatin1Char(' '));
-        return fail(path,
-                    reason.isEmpty()
-                        ? QStringLiteral("The file \"%1\" isn't a netCDF file, or its header is "
-                                         "damaged or cut off.")
-                              .arg(path)
-                        : reason,
-                    line.format);
+        return fail(path, whyNotOpened(path, reason), line.format);
     }
     InfoOptions options = line.info;
     {
@@ -124,10 +118,8 @@ int parse(const QStringList &arguments, CommandLine *line)
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("The files to look into."),
                                  QStringLiteral("FILE..."));
 
-    if (!parser.parse(arguments))
-        return refuse(parser.errorText());
-    if (standard.answer(parser))
-        return Success;
+    if (const std::optional<int> code = standard.parse(arguments, &parser))
+        return *code;
 
     line->paths = namesOfFiles(parser.positionalArguments());
     if (line->paths.isEmpty())
@@ -135,11 +127,10 @@ int parse(const QStringList &arguments, CommandLine *line)
     line->format = parser.isSet(json) ? Format::Json : Format::Text;
     line->info.everything = parser.isSet(all);
     if (parser.isSet(scan)) {
-        bool isNumber = false;
-        const int number = parser.value(scan).toInt(&isNumber);
-        if (!isNumber || number < 0)
-            return refuse(QStringLiteral("\"%1\" isn't the number of a scan: they are counted from 0.")
-                              .arg(parser.value(scan)));
+        int number = 0;
+        const QString mistake = readScanNumber(parser.value(scan), &number);
+        if (!mistake.isNull())
+            return refuse(mistake);
         line->info.scan = number;
     }
     return -1;

@@ -159,10 +159,8 @@ int parse(const QStringList &arguments, CommandLine *line)
     QCommandLineParser parser;
     addOptions(&parser);
     const StandardOptions standard(&parser);
-    if (!parser.parse(arguments))
-        return refuse(parser.errorText());
-    if (standard.answer(parser))
-        return Success;
+    if (const std::optional<int> code = standard.parse(arguments, &parser))
+        return *code;
 
     const QStringList words = parser.positionalArguments();
     if (words.size() != 2 || words[1].isEmpty())
@@ -179,10 +177,7 @@ int parse(const QStringList &arguments, CommandLine *line)
     if (parser.isSet(forceOption()))
         line->existing = OutputFile::Existing::Replace;
     const OutputFile output(line->path, line->existing);
-    const QString objection = output.isDirect()
-        ? QStringLiteral("\"%1\" is a pipe or a device, which has no room for such a file.")
-              .arg(line->path)
-        : output.objection();
+    const QString objection = output.objection({}, OutputFile::Order::Any);
     return objection.isNull() ? -1 : refuseOutput(objection);
 }
 

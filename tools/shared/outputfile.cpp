@@ -98,8 +98,12 @@ QByteArray OutputFile::makeTemporaryName() const
     return direct ? QByteArray() : temporaryName(target);
 }
 
-QString OutputFile::objection(const QStringList &inputs) const
+QString OutputFile::objection(const QStringList &inputs, Order order) const
 {
+    if (direct && order == Order::Any)
+        return QStringLiteral("Such a file can't go to %1: name one on a disk.")
+            .arg(isStandardOutput() ? QStringLiteral("standard output")
+                                    : QStringLiteral("\"%1\", a pipe or a device").arg(name));
     std::error_code unknown;
     if (direct || !fs::exists(target.constData(), unknown))
         return QString();

@@ -22,9 +22,13 @@ public:
     ~OutputFile();
     Q_DISABLE_COPY(OutputFile)
 
+    // How the file is written: from its beginning to its end, or here and there by a library that has
+    // its path().
+    enum class Order { FrontToBack, Any };
+
     // Why the file mustn't be written, as a sentence: it is there already, or is one of the `inputs`, by
-    // whatever name. Null where there is no objection.
-    QString objection(const QStringList &inputs = {}) const;
+    // whatever name, or is none that can be written in that order. Null where there is no objection.
+    QString objection(const QStringList &inputs = {}, Order order = Order::FrontToBack) const;
 
     bool isDirect() const { return direct; }
     bool isStandardOutput() const { return name == QLatin1String("-"); }

@@ -25,6 +25,14 @@ StandardOptions::StandardOptions(QCommandLineParser *parser)
     parser->addOptions({help, version});
 }
 
+std::optional<int> StandardOptions::parse(const QStringList &arguments, QCommandLineParser *parser) const
+{
+    if (!parser->parse(arguments))
+        return refuse(parser->errorText());
+    return answer(*parser) ? std::optional<int>(Success) : std::nullopt;
+}
+
+// Prints help or version, if the line asks for one of them. Returns whether it did.
 bool StandardOptions::answer(const QCommandLineParser &parser) const
 {
     if (parser.isSet(help)) {
@@ -44,6 +52,15 @@ QCommandLineOption forceOption()
 {
     return {QStringLiteral("force"),
             QStringLiteral("Write over a file that exists; never over one that is read.")};
+}
+
+QString readScanNumber(const QString &text, int *number)
+{
+    bool isNumber = false;
+    *number = text.toInt(&isNumber);
+    return isNumber && *number >= 0
+        ? QString()
+        : QStringLiteral("\"%1\" isn't the number of a scan: they are counted from 0.").arg(text);
 }
 
 int refuseOutput(const QString &objection)

@@ -4,6 +4,8 @@
 
 #include <QCommandLineOption>
 
+#include <optional>
+
 class QCommandLineParser;
 
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
@@ -20,17 +22,22 @@ public:
     // option, which would also list Qt's options.
     explicit StandardOptions(QCommandLineParser *parser);
 
-    // Prints help or version, in the terminal's coding, if the parsed line asks for one of them. Returns
-    // whether it did.
-    bool answer(const QCommandLineParser &parser) const;
+    // Parses the arguments. Returns the exit code where the program has no more to do: it has refused
+    // them, or printed help or version, in the terminal's coding, as they asked.
+    std::optional<int> parse(const QStringList &arguments, QCommandLineParser *parser) const;
 
 private:
+    bool answer(const QCommandLineParser &parser) const;
+
     QCommandLineOption help;
     QCommandLineOption version;
 };
 
 // --force, for programs that write files.
 QCommandLineOption forceOption();
+
+// Reads the number of a scan. Returns the sentence that says why the text is none, or a null text.
+QString readScanNumber(const QString &text, int *number);
 
 // Reports an OutputFile's objection. Returns WrongUsage.
 int refuseOutput(const QString &objection);

@@ -57,18 +57,14 @@ ViewCommand parseViewCommand(const QStringList &arguments)
                                  QStringLiteral("[FILE...]"));
     parser.addOptions({gcxgc, imageOption, trace, map, scan, at, size, force});
     const StandardOptions standard(&parser);
-    const bool isRight = parser.parse(arguments);
     ViewCommand command;
-    if (standard.answer(parser)) {
-        command.exitStatus = Success;
+    command.exitStatus = standard.parse(arguments, &parser);
+    if (command.exitStatus)
         return command;
-    }
     const auto refused = [&command](const QString &why) {
         command.exitStatus = refuse(why);
         return command;
     };
-    if (!isRight)
-        return refused(parser.errorText());
     bool isNumber = true;
     if (parser.isSet(gcxgc)) {
         command.modulation = parser.value(gcxgc).toDouble(&isNumber);
@@ -106,10 +102,9 @@ ViewCommand parseViewCommand(const QStringList &arguments)
         image.what = ImageRequest::What::Map;
     if (parser.isSet(scan)) {
         image.what = ImageRequest::What::Scan;
-        image.scan = parser.value(scan).toInt(&isNumber);
-        if (!isNumber || image.scan < 0)
-            return refused(QStringLiteral("\"%1\" isn't the number of a scan: they are counted from 0.")
-                               .arg(parser.value(scan)));
+        const QString mistake = readScanNumber(parser.value(scan), &image.scan);
+        if (!mistake.isNull())
+            return refused(mistake);
     }
     if (parser.isSet(at)) {
         image.what = ImageRequest::What::Time;
