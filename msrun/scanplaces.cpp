@@ -49,9 +49,13 @@ ScanPlaces::ScanPlaces(const MsFile &file, qint32 scanCount, const QList<MsDoubt
     const bool leaveAxis = contains(found, "scans-beyond-end");
     const bool haveNoCounts = scanCount > 0 && ms_read_scan_place(file.id(), 0).points == MsMissingLong;
     points_ = positions_;
-    if (scanCount < 1 || positions_ < 1
-        || !(haveOverlap || leaveAxis || haveNoCounts || contains(found, "no-scan-index")))
+    if (scanCount < 1 || positions_ < 1)
         return;
+    if (!(haveOverlap || leaveAxis || haveNoCounts || contains(found, "no-scan-index"))) {
+        if (contains(found, "cut-off")) // a damaged header may count any number of positions
+            points_ = survey(positions_).onAxis;
+        return;
+    }
     const Survey all = survey(positions_);
     written_ = all.written;
     hasIndex_ = all.withIndex > 0;

@@ -7,6 +7,7 @@
 #include "rows.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 #include <cmath>
@@ -22,6 +23,7 @@ struct Places {
     int positions = 10;
     QString masses{}; // of the scans, "-" for one that can't be read
     QStringList codes{};
+    quint32 claimed = 0; // positions by a damaged header
 };
 
 struct Times {
@@ -73,10 +75,16 @@ class TestMsRun : public QObject
 {
     Q_OBJECT
 
-    MsRun make(const QByteArray &cdl, const QString &kind = QStringLiteral("classic")) const
+    MsRun make(const QByteArray &cdl, const QString &kind = QStringLiteral("classic"), quint32 claimed = 0) const
     {
         const QString path = folder.filePath(QStringLiteral("made.cdf"));
-        return MsRun(makeNetcdf(path, kind, cdl) ? path : QString(), options);
+        bool isMade = makeNetcdf(path, kind, cdl);
+        if (claimed > 0) {
+            QByteArray bytes = content(path);
+            qToBigEndian(claimed, bytes.data() + 4); // the count of records
+            isMade = isMade && writeFile(path, bytes);
+        }
+        return MsRun(isMade ? path : QString(), options);
     }
 
     const Silence silence;
@@ -107,6 +115,8 @@ private slots:
         row("overlaps, flags") = {"0, 3, 6", "4, 3, 3", "0, 1, 0", 10, "1 2 3, 4 5, 7 8 9 10", {"counts-from-index"}};
         row("last one over the end") = {"0, 3, 7", "3, 4, 9", "", 10, "1 2 3, 4 5 6 7, 8 9 10", {"counts-from-index"}};
         row("negative count") = {"0, 3, 7", "3, -4, 3", "", 10, "1 2 3, -, 8 9 10", {"bad-counts", "unowned-points"}};
+        row("points that no file holds") = {"0, 3, 7",   "3, 4, 3", "", 10, "1 2 3, 4 5 6 7, 8 9 10",
+                                            {"cut-off"}, 0x7fffffff};
     }
     void places()
     {
@@ -123,15 +133,17 @@ private slots:
             masses += QString::number(i + 1);
             intensities += QString::number(10 * i);
         }
-        const MsRun run =
-            make("netcdf made {\ndimensions:\n scan_number = 3 ;\n point_number = " + QByteArray::number(row.positions)
-                 + " ;\nvariables:\n" + variable("scan_index", row.index) + variable("point_count", row.counts)
-                 + variable("flag_count", row.flags)
-                 + " double scan_acquisition_time(scan_number) ;\n float mass_values(point_number) ;\n"
-                   " int intensity_values(point_number) ;\ndata:\n"
-                 + values("scan_index", row.index) + values("point_count", row.counts) + values("flag_count", row.flags)
-                 + " scan_acquisition_time = 1, 2, 3 ;\n" + values("mass_values", masses.join(", ").toLatin1())
-                 + values("intensity_values", intensities.join(", ").toLatin1()) + "}\n");
+        const MsRun run = make(
+            "netcdf made {\ndimensions:\n scan_number = 3 ;\n point_number = "
+                + (row.claimed > 0 ? QByteArray("UNLIMITED") : QByteArray::number(row.positions)) + " ;\nvariables:\n"
+                + variable("scan_index", row.index) + variable("point_count", row.counts)
+                + variable("flag_count", row.flags)
+                + " double scan_acquisition_time(scan_number) ;\n float mass_values(point_number) ;\n"
+                  " int intensity_values(point_number) ;\ndata:\n"
+                + values("scan_index", row.index) + values("point_count", row.counts) + values("flag_count", row.flags)
+                + " scan_acquisition_time = 1, 2, 3 ;\n" + values("mass_values", masses.join(", ").toLatin1())
+                + values("intensity_values", intensities.join(", ").toLatin1()) + "}\n",
+            "classic", row.claimed);
         QVERIFY2(run.isOpen(), qPrintable(run.error()));
         QCOMPARE(massesOf(run), row.masses);
         QCOMPARE(codesOf(run), row.codes);
