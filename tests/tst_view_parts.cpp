@@ -163,6 +163,7 @@ private slots:
         row("no spectra") = {"tic", {"--scan", "2"}, "The run has no masses"};
         row("no such scan") = {"gcms", {"--scan", "2000"}, "There is no scan 2000"};
         row("no trace") = {"library", {"--trace"}, "A library has no trace"};
+        row("no map of a library") = {"library", {"--map"}, "A library has no trace"};
     }
     void drawsImages()
     {

@@ -73,11 +73,14 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
     }
     RunPlot *plot = page.trace();
     QString fault;
-    if ((request.what == What::Trace || request.what == What::Map)
-        && page.model()->summary().kind == MsRun::Kind::Library)
+    if (page.model()->summary().size == 0) {
+        fault = QStringLiteral("The file \"%1\" has no scans, so there is nothing to draw.")
+                    .arg(shownName(fileName));
+    } else if ((request.what == What::Trace || request.what == What::Map)
+               && page.model()->summary().kind == MsRun::Kind::Library) {
         fault = QStringLiteral(
             "A library has no trace and no map; the option --scan draws one of its spectra.");
-    if (request.what == What::Map) {
+    } else if (request.what == What::Map) {
         plot = page.map()->plot();
         if (modulation > 0.0)
             page.setModulation(modulation);
