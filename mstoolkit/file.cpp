@@ -35,6 +35,16 @@ void report_damage(const char *path)
         nullptr);
 }
 
+// Of a header that may be right.
+void report_library_refusal(const char *path)
+{
+    MessageLoggerInterface::Error(
+        QStringLiteral("The file <b>%1</b> can't be opened: its header is damaged, or the system read "
+                       "only a part of it (%2).")
+            .arg(ms_shown_name(path), QString::fromLatin1(nc_strerror(ncerr)).toHtmlEscaped()),
+        nullptr);
+}
+
 void report_change(const char *path)
 {
     MessageLoggerInterface::Error(
@@ -137,6 +147,8 @@ int ms_open_read(const char *path)
     // In a classic file they are among its doubts.
     if (bytes->refusals() > 0 && (file.id() == -1 || header != MsHeader::Sound))
         ms_report_refusal(path, bytes->first_error());
+    else if (file.id() == -1 && header == MsHeader::Sound)
+        report_library_refusal(path);
     if (file.id() == -1)
         return -1;
 
