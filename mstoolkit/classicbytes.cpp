@@ -155,7 +155,7 @@ void MsClassicBytes::close()
 bool MsClassicBytes::is_of(const char *path) const
 {
     MsFileStamp now;
-    return is_open() && ask_stamp(path, &now) && now == opened;
+    return is_open() && !changed && ask_stamp(path, &now) && now == opened;
 }
 
 bool MsClassicBytes::has_changed() const

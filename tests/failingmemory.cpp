@@ -1,11 +1,14 @@
 #include "failingmemory.h"
 
+#include <QtGlobal>
+
 #include <cstddef>
 #include <cstdlib>
 
 namespace {
 
-int left = 0; // allocations to the failing one, with it
+// Allocations to the failing one, with it. A program gets the number from its environment.
+int left = qEnvironmentVariableIntValue("FAILING_ALLOCATION");
 
 void *allocate(std::size_t size)
 {

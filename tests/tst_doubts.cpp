@@ -482,6 +482,8 @@ private slots:
                                                   "dashed-names 1"};
         row("texts of length 0") = {QStringLiteral("empty-attributes"), {}, "time-units 1, acquisition-date 1"};
         row("a unit that is none of time") = {QStringLiteral("units-of-another-family"), {}, "time-units 1"};
+        row("a short mass never written") = {QStringLiteral("scaled-short"), put("mass_values", 1, NC_FILL_SHORT),
+                                             "fill-masses 1, time-units 1"};
         row("an unknown unit of time") = {QStringLiteral("scaled-short"), {}, "time-units 1"};
         row("GCxGC, evenly spaced") = {QStringLiteral("gcxgc"), {}, "", {}, 4.0};
         row("GCxGC, a pause") = {

@@ -8,6 +8,7 @@
 #include "rows.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <cerrno>
 #include <csignal>
@@ -38,6 +39,10 @@ const char largeScan[] =
     "netcdf large { dimensions: scan_number = 1; point_number = 300000000; content = 2097152;"
     "variables: byte content(content); int scan_index(scan_number), point_count(scan_number);"
     "float intensity_values(point_number); data: content = 1; scan_index = 0; point_count = 300000000; }";
+
+// More scans than can be read in the time of a look, none of which was ever written.
+const char manyScans[] = "netcdf many { dimensions: scan_number = 2000000000;"
+                         "variables: int scan_index(scan_number), point_count(scan_number); }";
 
 } // namespace
 
@@ -178,6 +183,40 @@ private slots:
         QVERIFY(count >= 5);
     }
 
+    void takesScansWithoutEnd()
+    {
+        const QString path = folder.filePath("many.cdf");
+        QVERIFY(makeNetcdf(path, "nc4", manyScans));
+        QVERIFY2(look(path, realProgram) == 0, qPrintable(messages.join('\n')));
+    }
+
+    // The places of a variable's parts are damaged, which ends the process that reads it.
+    void readsAllThatProgramsRead_data()
+    {
+        const Rows<QByteArray> row;
+        row("instruments") = "instrument_number = 2; _32_byte_string = 32;"
+                             "variables: char instrument_name(instrument_number, _32_byte_string);"
+                             "instrument_name:_ChunkSizes = 1, 32; data: instrument_name = \"one\", \"two\"; }";
+        row("groups") = "group_number = 2; group_max_masses = 2; variables: int group_mass_count(group_number);"
+                        "double group_masses(group_number, group_max_masses); group_masses:_ChunkSizes = 1, 2;"
+                        "data: group_mass_count = 2, 2; group_masses = 1, 2, 3, 4; }";
+        row("entries") = "_255_byte_string = 32; variables: :experiment_type = \"library mass spectrum\";"
+                         "char entry_name(scan_number, _255_byte_string); entry_name:_ChunkSizes = 1, 32;"
+                         "data: entry_name = \"one\", \"two\"; }";
+    }
+    void readsAllThatProgramsRead()
+    {
+        const QString path = folder.filePath("parts.cdf");
+        QVERIFY(makeNetcdf(path, "nc4", "netcdf parts { dimensions: scan_number = 2;" + Rows<QByteArray>::current()));
+        QByteArray bytes = content(path);
+        const int node = bytes.indexOf(QByteArray("TREE\x01\0", 6));
+        QVERIFY(node > 0);
+        bytes[node + 5] = 1; // a node of nodes, the first of which is itself
+        qToLittleEndian<qint64>(node, bytes.data() + node + 56);
+        QCOMPARE(look(write("parts.cdf", bytes), realProgram), -1);
+        QVERIFY2(messages.join('\n').contains("a first look at it "), qPrintable(messages.join('\n')));
+    }
+
     // In a folder whose name has to reach the program as it is.
     void refusesToFillTheMemory()
     {
@@ -196,6 +235,23 @@ private slots:
     {
         const QString path = write("hanging.cdf", damagedNewer(hangingDamage));
         QCOMPARE(runProgram(realProgram, {path}).code, int(MsLookTooLong));
+    }
+
+    // Whichever allocation fails.
+    void endsWithoutMemory()
+    {
+        const QString path = write("right.cdf", content(fixture("wide-values")));
+        int refused = 0;
+        for (int n = 1; n < 100; n += n / 4 + 1) {
+            const QByteArray program = "LD_PRELOAD=" AIA_FAILING_MEMORY " FAILING_ALLOCATION=" + QByteArray::number(n)
+                + " ASAN_OPTIONS=verify_asan_link_order=0 exec '" + QFile::encodeName(realProgram) + "' \"$1\"";
+            messages.clear();
+            const bool isRefused = look(path, writeProgram(program)) == -1;
+            QVERIFY2(!isRefused || messages.join('\n').contains("took too much memory"),
+                     qPrintable(messages.join('\n')));
+            refused += isRefused;
+        }
+        QVERIFY(refused > 0);
     }
 
     // In a process as young as the look's that often goes well, in an older one it doesn't.

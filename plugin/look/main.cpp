@@ -55,10 +55,10 @@ int main(int argc, char *argv[])
 {
     if (argc != 2)
         return 2;
-    const QByteArray path = QByteArray::fromPercentEncoding(argv[1]);
-    watchProcess(ms_look_limits(path.constData()));
-    fillMemory();
     try {
+        const QByteArray path = QByteArray::fromPercentEncoding(argv[1]);
+        watchProcess(ms_look_limits(path.constData()));
+        fillMemory();
         if (const MsFile file(path.constData()); file)
             readAll(file);
     } catch (const std::bad_alloc &) {
