@@ -7,6 +7,7 @@
 
 #include "tmath.h"
 
+#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <cmath>
@@ -31,26 +32,22 @@ public:
 
     qint32 of(double number) const { return TMath::round(number * scale * power); }
 
-    // Computes the keys of `count` numbers, up to block_size.
-    template <class Stored> void compute(const Stored *numbers, int count, Block *block) const
+    // Computes the keys of `count` numbers, up to block_size. Returns the largest one, where those below
+    // 0 count as larger than all others: whoever has a table of keys learns whether all are in it.
+    template <class Stored> quint32 compute(const Stored *numbers, int count, Block *block) const
     {
         qint32 *const keys = block->data();
         const bool is_usual = is_in_range(scale) && is_in_range(scale * power);
-        if (is_usual && guess(numbers, count, keys))
-            return;
+        quint32 largest = 0;
+        if (is_usual && guess(numbers, count, keys, &largest))
+            return largest;
+        largest = 0;
         for (int i = 0; i < count; ++i) {
             if (!is_usual || keys[i] == uncertain)
                 keys[i] = of(double(numbers[i]));
+            largest = std::max(largest, quint32(keys[i]));
         }
-    }
-
-    // Whether all keys are from 0 to below `limit`.
-    static bool are_below(const qint32 *keys, int count, quint32 limit)
-    {
-        qint32 beyond = 0;
-        for (int i = 0; i < count; ++i)
-            beyond |= quint32(keys[i]) < limit ? 0 : 1;
-        return beyond == 0;
+        return largest;
     }
 
 private:
@@ -85,7 +82,8 @@ private:
 
     // Computes the keys that are certain; the others become `uncertain`. Returns whether all are certain.
     // Compilers make whole vectors of the loop, with SSE2 alone. A comparison with NaN is false.
-    template <class Stored> bool guess(const Stored *numbers, int count, qint32 *keys) const
+    template <class Stored>
+    bool guess(const Stored *numbers, int count, qint32 *keys, quint32 *largest) const
     {
         using Way = std::conditional_t<std::is_same_v<Stored, double>, Double, Single>;
         using Real = typename Way::Real;
@@ -94,6 +92,7 @@ private:
         Bits zero;
         std::memcpy(&zero, &Way::large, sizeof(zero));
         qint32 doubts = 0;
+        quint32 most = 0;
         for (int i = 0; i < count; ++i) {
             const Real product = Way::product(Real(numbers[i]), scale, power);
             const Real sum = product + Way::large;
@@ -102,8 +101,10 @@ private:
             std::memcpy(&bits, &sum, sizeof(bits));
             const bool is_certain = std::fabs(rest) + std::fabs(product) * Way::error < Real(0.5);
             keys[i] = is_certain ? qint32(bits - zero) : uncertain;
-            doubts |= qint32(!is_certain);
+            most = std::max(most, quint32(keys[i]));
+            doubts |= is_certain ? 0 : -1;
         }
+        *largest = most;
         return doubts == 0;
     }
 

@@ -48,8 +48,8 @@ private:
         MsMassKeys::Block keys;
         for (qint32 first = 0; first < count && !has_stopped; first += MsMassKeys::block_size) {
             const qint32 size = std::min(MsMassKeys::block_size, count - first);
-            MsMassKeys(scale, power).compute(stored + first, size, &keys);
-            if (is_full || !are_marked(keys.data(), size))
+            const quint32 largest = MsMassKeys(scale, power).compute(stored + first, size, &keys);
+            if (is_full || largest >= marked_keys || !are_marked(keys.data(), size))
                 take_each(stored + first, size, scale);
         }
     }
@@ -72,10 +72,9 @@ private:
     // One mark more than there are keys stands for all others and is never set.
     bool is_marked(qint32 key) const { return marks[std::min(quint32(key), marked_keys)] != 0; }
 
+    // Of keys below marked_keys.
     bool are_marked(const qint32 *keys, qint32 count) const
     {
-        if (!MsMassKeys::are_below(keys, count, marked_keys))
-            return false;
         const char *const first = marks.data();
         constexpr qint32 at_once = 4;
         char all[at_once] = {1, 1, 1, 1};

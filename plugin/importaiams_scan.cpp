@@ -45,7 +45,7 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
     OrderedSum total;
     for (int first = 0; first < count; first += MsMassKeys::block_size) {
         const int size = std::min(MsMassKeys::block_size, count - first);
-        massKeys.compute(masses + first, size, &keys);
+        const quint32 largest = massKeys.compute(masses + first, size, &keys);
 
         float *const abundances = place.abundances + first;
         if (isPlain && total.addWhole(intensities + first, size)) {
@@ -60,7 +60,7 @@ double ImportAiaMs::placePoints(const Positions &known, const Mass *masses, cons
         }
 
         unsigned short *const positions = place.positions + first;
-        int unknown = known.find(keys.data(), size, positions);
+        int unknown = known.find(keys.data(), size, largest, positions);
         for (int i = 0; unknown > 0 && i < size; ++i) {
             if (positions[i] != MassPositions::unknown)
                 continue;

@@ -52,8 +52,12 @@ template <class Stored> void compareAll(double scale, double power)
     for (std::size_t first = 0; first < numbers.size(); first += keys.size() - 1) {
         const int count = int(std::min(keys.size() - 1, numbers.size() - first));
         keys.back() = -77;
-        ms_with_widest_vectors([&](auto) { masses.compute(numbers.data() + first, count, &keys); });
+        const quint32 largest =
+            ms_with_widest_vectors([&](auto) { return masses.compute(numbers.data() + first, count, &keys); });
         QCOMPARE(keys.back(), -77);
+        QCOMPARE(largest, quint32(*std::max_element(keys.begin(), keys.begin() + count, [](qint32 one, qint32 other) {
+                     return quint32(one) < quint32(other);
+                 })));
         for (int i = 0; i < count; ++i) {
             const double number = double(numbers[first + std::size_t(i)]);
             QVERIFY2(keys[std::size_t(i)] == TMath::round(number * scale * power),
