@@ -249,6 +249,8 @@ private slots:
         openSample("library");
         CompoundList *list = page()->compounds();
         QVERIFY(list && list->isVisible() && !page()->trace()->isVisible());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down); // goes to the list at once
+        QTRY_COMPARE(page()->scan(), 1);
         const int all = list->view()->model()->rowCount();
         const QString name = page()->model()->compounds().at(2).name;
         QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
@@ -293,8 +295,10 @@ private slots:
         QCOMPARE(trace->graph(1)->name(), QString("other.cdf"));
         trace->replot();
         const auto *item = trace->legend->item(1);
+        const QSignalSpy picked(trace, &TracePlot::timePicked);
         QTest::mouseClick(trace, Qt::LeftButton, {}, item->outerRect().center());
         QCOMPARE(trace->inFront(), 1);
+        QVERIFY(picked.isEmpty()); // the spectrum stays
         QTest::keyClick(trace, Qt::Key_N);
         QCOMPARE(trace->inFront(), 0);
         const double height = valuesOf(trace->graph(0)).upper;
@@ -303,6 +307,8 @@ private slots:
         QCOMPARE(valuesOf(trace->graph(1)).upper, height);
         trigger("O&ffset traces");
         QVERIFY(valuesOf(trace->graph(1)).lower > 0.1 * height);
+        const QString name = trace->graph(1)->name();
+        QVERIFY2(name.startsWith(QString("other.cdf \u00d7 ")) && name.contains(" + "), qPrintable(name));
         QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
         QTRY_COMPARE(page()->trace()->graphCount(), 1);
         QCOMPARE(window->recentFiles(), (QStringList{sample("other"), sample("gcms")}));
@@ -325,6 +331,7 @@ private slots:
         openSample("gcxgc");
         MapPlot *plot = page()->map()->plot();
         QVERIFY(page()->showsMap()); // of itself, as the trace shows its modulation
+        QVERIFY(plot->hasFocus());   // not a field, where keys of the plot would be numbers
         QVERIFY(std::abs(page()->map()->length() - 4.0) < 0.01);
         QVERIFY2(page()->map()->remark()->text().contains("confidence"), qPrintable(page()->map()->remark()->text()));
 
@@ -356,11 +363,21 @@ private slots:
         QVERIFY(plot->valueRange().lower > 0.0);
         const QList<QLineEdit *> ends = page()->map()->findChildren<QLineEdit *>(QString(), Qt::FindDirectChildrenOnly);
         QCOMPARE(ends.size(), 2);
-        for (int i = 0; i < 2; ++i) {
-            ends[i]->setText(i == 0 ? "10" : "500");
-            emit ends[i]->editingFinished();
-        }
+        const auto typeRange = [&](const char *from, const char *to) {
+            ends[0]->setText(from);
+            ends[1]->setText(to);
+            emit ends[1]->editingFinished();
+        };
+        typeRange("10", "500");
         QCOMPARE(plot->valueRange(), QCPRange(10.0, 500.0));
+        typeRange("500", "10");
+        QCOMPARE(plot->valueRange().upper, highest);
+        QVERIFY(page()->map()->remark()->text().startsWith("The range of colours ends before it begins."));
+        typeRange("10", "");
+        QCOMPARE(plot->valueRange(), QCPRange(10.0, highest));
+        page()->map()->values()->setCurrentIndex(0);
+        emit page()->map()->values()->activated(0);
+        QCOMPARE(plot->valueRange(), QCPRange(10.0, valuesOf(page()->trace()->graph(0)).upper)); // the other map's
         const qint32 lowest = plot->map().scan(1, 0);
         page()->map()->shift()->setValue(1.0);
         QCOMPARE(plot->map().scan(1, plot->map().rows / 4), lowest);

@@ -175,10 +175,23 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(isPressed, longestWait);
         QVERIFY(!model->isBusy() && model->sums().totals.empty());
         QVERIFY(page()->remark().startsWith("Reading was cancelled"));
-        page()->showScan(7); // the thread is free again
+        // The reading has come to its end: the next long work has its turn before much quick work is done.
+        const auto hasTurn = std::make_shared<std::atomic<bool>>(false);
+        readingThread.postLong([hasTurn] { *hasTurn = true; });
+        for (int quick = 0; quick < 50 && !*hasTurn; ++quick) {
+            const auto done = std::make_shared<QSemaphore>();
+            readingThread.postQuick([done] { done->release(); });
+            done->acquire();
+        }
+        QVERIFY(*hasTurn);
+        page()->goTo("here");
+        QVERIFY(!page()->remark().startsWith("Reading was cancelled"));
+        page()->goTo("7");
+        QVERIFY(page()->remark().startsWith("Reading was cancelled"));
         QTRY_COMPARE_WITH_TIMEOUT(page()->scan(), 7, longestWait);
         page()->setSource(RunPage::Source::Summed); // reads on
         QTRY_COMPARE_WITH_TIMEOUT(model->sums().totals.size(), std::size_t(40000), longestWait);
+        QCOMPARE(page()->remark(), QString());
     }
 
     void saves()

@@ -5,7 +5,6 @@
 #include "namecodec.h"
 #include "runpage.h"
 #include "tracepane.h"
-#include "traceplot.h"
 
 #include <QAction>
 #include <QApplication>
@@ -154,7 +153,7 @@ void MainWindow::makeMenus()
     offset_ = addSwitch(trace, QStringLiteral("O&ffset traces"), {}, [this] { overlay(); });
     normalised_ = addSwitch(trace, QStringLiteral("&Normalise traces"), {}, [this] { overlay(); });
     trace->addSeparator();
-    add(trace, QStringLiteral("Trace the &largest masses of the pinned spectrum"), {},
+    add(trace, QStringLiteral("Trace the &largest masses of the pinned or shown spectrum"), {},
         [this] { page()->traceLargest(pinned_ ? *pinned_ : page()->shown()); });
     add(trace, QStringLiteral("&Remove all extracted traces"), {},
         [this] { page()->setMasses(QString()); });
@@ -279,7 +278,7 @@ void MainWindow::openOne(const QString &fileName)
         if (overlays_->isChecked())
             overlay();
         if (page == this->page())
-            page->trace()->setFocus();
+            page->focusUpper();
     });
     connect(page->model(), &RunModel::sumsRead, this, [this] {
         if (overlays_->isChecked())
@@ -318,7 +317,7 @@ void MainWindow::showTab()
                                .arg(front->model()->shownName(), QApplication::applicationName())
                          : QApplication::applicationName());
     if (front)
-        front->trace()->setFocus();
+        front->focusUpper();
 }
 
 QStringList MainWindow::recentFiles() const

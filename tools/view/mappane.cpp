@@ -79,8 +79,10 @@ MapPane::MapPane(QWidget *parent)
     connect(length_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(false); });
     connect(shift_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { fold(true); });
     connect(shown_, qOverload<int>(&QComboBox::activated), this, [this] { fold(true); });
-    connect(scale_, qOverload<int>(&QComboBox::currentIndexChanged), this,
-            [this](int place) { plot_->setScale(MapPlot::Scale(place)); });
+    connect(scale_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this](int place) {
+        plot_->setScale(MapPlot::Scale(place));
+        setRange();
+    });
     connect(interpolates_, &QCheckBox::toggled, plot_, &MapPlot::setInterpolated);
     connect(from_, &QLineEdit::editingFinished, this, &MapPane::setRange);
     connect(to_, &QLineEdit::editingFinished, this, &MapPane::setRange);
@@ -129,12 +131,6 @@ void MapPane::choose(double seconds)
 void MapPane::fold(bool keepsView)
 {
     fault_.clear();
-    const bool isGuess = std::isfinite(guess_.seconds);
-    QString remark;
-    if (isGuess)
-        remark = QStringLiteral("Guessed: %1 s, confidence %2%")
-                     .arg(guess_.seconds, 0, 'g', 5)
-                     .arg(percent * guess_.confidence, 0, 'f', 0);
     ModulationMap map;
     const int place = shown_->currentIndex();
     if (length() == 0.0)
@@ -146,12 +142,25 @@ void MapPane::fold(bool keepsView)
     const bool isNew = plot_->map().isEmpty();
     plot_->setMap(map, shown_->currentText(), keepsView && !isNew);
     plot_->choose(chosen_);
+    plot_->setFault(fault_);
+    setRange(); // an end that isn't typed is the map's own
+}
+
+void MapPane::showRemark()
+{
+    QStringList remarks;
+    if (!rangeFault_.isEmpty())
+        remarks += rangeFault_;
+    if (std::isfinite(guess_.seconds))
+        remarks += QStringLiteral("Guessed: %1 s, confidence %2%")
+                       .arg(guess_.seconds, 0, 'g', 5)
+                       .arg(percent * guess_.confidence, 0, 'f', 0);
+    const QString remark = remarks.join(QLatin1Char(' '));
     remark_->setText(remark);
     // Cut where the window is narrow, so that the bar doesn't keep it wide.
     remark_->setToolTip(remark);
     remark_->setMinimumWidth(1);
-    plot_->setFault(fault_);
-    remark_->setVisible(!remark_->text().isEmpty());
+    remark_->setVisible(!remark.isEmpty());
 }
 
 void MapPane::setRange()
@@ -162,7 +171,13 @@ void MapPane::setRange()
     const double to = QLocale::c().toDouble(to_->text(), &hasTo);
     plot_->setAutomaticRange();
     const QCPRange automatic = plot_->valueRange();
-    const QCPRange wanted(hasFrom ? from : automatic.lower, hasTo ? to : automatic.upper);
-    if ((hasFrom || hasTo) && wanted.size() > 0.0)
-        plot_->setValueRange(wanted);
+    const double lower = hasFrom ? from : automatic.lower;
+    const double upper = hasTo ? to : automatic.upper;
+    const bool isWanted = hasFrom || hasTo;
+    rangeFault_.clear();
+    if (isWanted && lower < upper)
+        plot_->setValueRange({lower, upper});
+    else if (isWanted)
+        rangeFault_ = QStringLiteral("The range of colours ends before it begins.");
+    showRemark();
 }

@@ -50,6 +50,7 @@ public:
 private:
     void fold(bool keepsView);
     void setRange();
+    void showRemark();
 
     MapPlot *plot_;
     QDoubleSpinBox *length_;
@@ -65,6 +66,7 @@ private:
     std::vector<Values> choices_;
     double chosen_;
     QString fault_;
+    QString rangeFault_;
 };
 
 #endif // MAPPANE_H

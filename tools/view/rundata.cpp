@@ -52,11 +52,6 @@ void subtract(MsPeaks background, double width, MsPeaks *peaks)
     *peaks = std::move(left);
 }
 
-bool isGiven(const MsInterval &interval)
-{
-    return std::isfinite(interval.from) && std::isfinite(interval.to);
-}
-
 QString rangeText(const MsInterval &times, const RunSummary &summary)
 {
     return QStringLiteral("%1 to %2")
@@ -190,8 +185,9 @@ SpectrumData spectrumOf(const MsRun &run, qint32 scan, const RunSummary &summary
     return data;
 }
 
-SpectrumData averageOf(const MsRun &run, const MsInterval &times, const MsInterval &background,
-                       const RunSummary &summary, const MsRun::Progress &progress)
+SpectrumData averageOf(const MsRun &run, const MsInterval &times,
+                       const std::optional<MsInterval> &background, const RunSummary &summary,
+                       const MsRun::Progress &progress)
 {
     const auto inRun = [unit = summary.timeUnit](const MsInterval &shown) {
         return MsInterval{shown.from * unit, shown.to * unit};
@@ -201,10 +197,10 @@ SpectrumData averageOf(const MsRun &run, const MsInterval &times, const MsInterv
     data.isProfile = summary.isProfile;
     data.title = QStringLiteral("Average of %1").arg(rangeText(times, summary));
     MsPeaks peaks = run.averaged(inRun(times), width, progress);
-    if (isGiven(background)) {
-        subtract(run.averaged(inRun(background), width, progress), width / 2.0, &peaks);
+    if (background) {
+        subtract(run.averaged(inRun(*background), width, progress), width / 2.0, &peaks);
         data.title += QStringLiteral(" less background, %1; what fell below zero is dropped")
-                          .arg(rangeText(background, summary));
+                          .arg(rangeText(*background, summary));
     }
     data.masses = std::move(peaks.masses);
     data.intensities = std::move(peaks.intensities);

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 // What a run's trace is made of.
@@ -80,9 +81,10 @@ RunSummary summaryOf(const MsRun &run);
 ScanSums sumsOf(const MsRun &run, const MsRun::Progress &progress);
 SpectrumData spectrumOf(const MsRun &run, qint32 scan, const RunSummary &summary);
 
-// The average of the scans in a range of shown times, less that of those in another one, unless that is
-// without numbers. What falls to zero or below is left out.
-SpectrumData averageOf(const MsRun &run, const MsInterval &times, const MsInterval &background,
-                       const RunSummary &summary, const MsRun::Progress &progress);
+// The average of the scans in a range of shown times, less that of those in another one, if any. What
+// falls to zero or below is left out.
+SpectrumData averageOf(const MsRun &run, const MsInterval &times,
+                       const std::optional<MsInterval> &background, const RunSummary &summary,
+                       const MsRun::Progress &progress);
 
 #endif // RUNDATA_H

@@ -325,7 +325,7 @@ void RunModel::requestSpectrum(qint32 scan)
     });
 }
 
-void RunModel::requestAverage(const MsInterval &times, const MsInterval &background)
+void RunModel::requestAverage(const MsInterval &times, const std::optional<MsInterval> &background)
 {
     if (!summary().hasTimes) {
         emit failed(

@@ -53,9 +53,9 @@ public:
     qint32 scanAt(double shownTime) const;
 
     // Ask for a scan, for the average of a range of shown times less that of another one, and for traces.
-    // A newer request of a kind replaces the older one. An interval without a number is none.
+    // A newer request of a kind replaces the older one.
     void requestSpectrum(qint32 scan);
-    void requestAverage(const MsInterval &times, const MsInterval &background);
+    void requestAverage(const MsInterval &times, const std::optional<MsInterval> &background);
     // Asks for a scan as the host gets it.
     void requestHostScan(qint32 scan);
     void requestTraces(const std::vector<ExtractedTrace> &wanted);

@@ -13,30 +13,35 @@
 #include <QDataStream>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
+#include <QTableView>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
+#include <utility>
 
 namespace {
 
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
-constexpr MsInterval noInterval = {unknown, unknown};
 constexpr qint32 fewScans = 1;
 constexpr qint32 manyScans = 10;
 constexpr double zoomStep = 0.7;
 constexpr double moveStep = 0.2;
 
+// Keeps what doesn't fit into a small window within reach, and leaves the keys to the page.
+class PageScroll : public QScrollArea
+{
+protected:
+    void keyPressEvent(QKeyEvent *event) override { event->ignore(); }
+};
+
 } // namespace
 
 RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent)
     : QWidget(parent), model_(new RunModel(thread, fileName, this)), stack_(new QStackedWidget),
-      sentence_(new QLabel), conversion_(new Conversion(this)), average_(noInterval),
-      background_(noInterval)
+      sentence_(new QLabel), conversion_(new Conversion(this))
 {
     sentence_->setText(QStringLiteral("Opening %1 \u2026").arg(model_->shownName()));
     sentence_->setTextFormat(Qt::PlainText);
@@ -72,7 +77,12 @@ RunPage::RunPage(ReadingThread &thread, const QString &fileName, QWidget *parent
     auto *contentLayout = new QVBoxLayout(content);
     contentLayout->setContentsMargins(0, 0, 0, 0);
     contentLayout->setSpacing(0);
-    contentLayout->addWidget(across_, 1);
+    auto *scroll = new PageScroll;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(across_);
+    contentLayout->addWidget(scroll, 1);
     contentLayout->addWidget(remark_);
 
     stack_->addWidget(sentence_);
@@ -111,6 +121,8 @@ void RunPage::connectParts()
             compounds_->setCompounds(model_->compounds(), model_->summary().size);
     });
     connect(model_, &RunModel::sumsRead, this, [this] {
+        if (std::exchange(wasCancelled_, false))
+            say(QString());
         fillSources();
         showTraces(hasChosenSource_ || model_->summary().hasStored);
         if (wanted_ == -1)
@@ -130,14 +142,14 @@ void RunPage::connectParts()
     connect(model_, &RunModel::progressed, this, &RunPage::progressed);
     connect(model_, &RunModel::failed, this, &RunPage::say);
     connect(model_, &RunModel::idle, this, [this](bool wasCancelled) {
-        if (wasCancelled && model_->sums().totals.empty())
-            remark_->setText(
-                QStringLiteral("Reading was cancelled, so not all doubts and sums are known. "
-                               "<a href=\"read\">Read all scans</a>"));
-        remark_->setVisible(!remark_->text().isEmpty());
+        if (wasCancelled && model_->sums().totals.empty()) {
+            wasCancelled_ = true;
+            say(QString());
+        }
         emit idle();
     });
     connect(remark_, &QLabel::linkActivated, this, [this] {
+        wasCancelled_ = false;
         say(QString());
         model_->requestRest();
     });
@@ -200,13 +212,25 @@ void RunPage::convertTo(const QString &name)
 
 void RunPage::say(const QString &sentence)
 {
-    remark_->setText(sentence.toHtmlEscaped());
-    remark_->setVisible(!sentence.isEmpty());
+    QString text = sentence.toHtmlEscaped();
+    if (text.isEmpty() && wasCancelled_)
+        text = QStringLiteral("Reading was cancelled, so not all doubts and sums are known. "
+                              "<a href=\"read\">Read all scans</a>");
+    remark_->setText(text);
+    remark_->setVisible(!text.isEmpty());
 }
 
 QString RunPage::remark() const
 {
     return stack_->currentIndex() == 0 ? sentence_->text() : remark_->text();
+}
+
+void RunPage::focusUpper()
+{
+    if (compounds_)
+        compounds_->view()->setFocus();
+    else
+        upperPlot()->setFocus();
 }
 
 void RunPage::focusSearch()
@@ -280,7 +304,7 @@ void RunPage::keyPressEvent(QKeyEvent *event)
     case Qt::Key_H:
         return trace_->fitHeight();
     case Qt::Key_Escape:
-        upperPlot()->setFocus(); // out of a field
+        focusUpper(); // out of a field
         return model_->cancel();
     default:
         QWidget::keyPressEvent(event);

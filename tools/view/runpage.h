@@ -90,6 +90,8 @@ public:
 
     TracePane *tracePane() const { return tracePane_; }
     void focusSearch();
+    // Has the keys go to what is shown above: a plot, or the list of compounds.
+    void focusUpper();
 
     // Shows what the file says and the peaks, beside the plots, or leaves the room to the plots.
     void showSide(bool isShown);
@@ -148,10 +150,11 @@ private:
     bool hasChosenSource_ = false;
     bool hasChosenView_ = false;
     bool showsHost_ = false;
+    bool wasCancelled_ = false; // before all scans were read
     SpectrumData shown_;
     qint32 wanted_ = -1; // the scan that was asked for last
-    MsInterval average_;
-    MsInterval background_;
+    std::optional<MsInterval> average_;
+    std::optional<MsInterval> background_;
     std::vector<ExtractedTrace> traces_;
     Overlay overlay_;
 };

@@ -19,11 +19,10 @@
 namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
-constexpr MsInterval noInterval = {unknown, unknown};
 
-QCPRange rangeOf(const MsInterval &interval)
+std::optional<QCPRange> rangeOf(const std::optional<MsInterval> &interval)
 {
-    return {interval.from, interval.to};
+    return interval ? std::make_optional(QCPRange(interval->from, interval->to)) : std::nullopt;
 }
 
 } // namespace
@@ -39,7 +38,8 @@ void RunPage::showScan(qint32 scan)
     if (scan < 0 || scan >= model_->summary().size)
         return;
     wanted_ = scan;
-    average_ = background_ = noInterval;
+    average_.reset();
+    background_.reset();
     if (model_->summary().kind != MsRun::Kind::Trace) {
         model_->requestSpectrum(scan);
         return;
@@ -82,7 +82,7 @@ void RunPage::goTo(const QString &text)
     else if (place->kind == TypedPlace::Kind::Time)
         showScan(model_->scanAt(place->time));
     else if (place->kind == TypedPlace::Kind::Average) {
-        background_ = place->background.value_or(noInterval);
+        background_ = place->background;
         showAverage(place->average, false);
     } else if (place->scan < model_->summary().size)
         showScan(place->scan);
@@ -95,13 +95,13 @@ void RunPage::goTo(const QString &text)
 void RunPage::showAverage(const MsInterval &times, bool isBackground)
 {
     (isBackground ? background_ : average_) = times;
-    if (std::isnan(average_.from)) {
+    if (!average_) {
         say(QStringLiteral("The background is known. Drag with Shift over the range to take it from."));
         markShown();
         return;
     }
     say(QString());
-    model_->requestAverage(average_, background_);
+    model_->requestAverage(*average_, background_);
 }
 
 void RunPage::takeSpectrum(const SpectrumData &spectrum)
@@ -115,13 +115,10 @@ void RunPage::takeSpectrum(const SpectrumData &spectrum)
 
 void RunPage::markShown()
 {
-    const QCPRange average = rangeOf(average_);
-    const QCPRange background = rangeOf(background_);
     trace_->markTime(shown_.scan != -1 ? shown_.time : unknown);
     if (shown_.scan != -1)
         map_->choose(shown_.time * model_->summary().timeUnit);
-    trace_->markRanges(std::isnan(average_.from) ? nullptr : &average,
-                       std::isnan(background_.from) ? nullptr : &background);
+    trace_->markRanges(rangeOf(average_), rangeOf(background_));
 }
 
 void RunPage::setMirrored(const std::optional<SpectrumData> &spectrum)
@@ -171,6 +168,6 @@ QString RunPage::describe(double time, double *nearest) const
     parts += QStringLiteral("scan %1").arg(scan);
     if (!std::isnan(total))
         parts +=
-            QStringLiteral("%1 %2").arg(sourceName(source_).toLower(), QString::number(total, 'g', 7));
+            QStringLiteral("%1: %2").arg(sourceName(source_).toLower(), QString::number(total, 'g', 7));
     return parts.join(QStringLiteral(", "));
 }

@@ -9,6 +9,7 @@
 #include "traceplot.h"
 #include "viewexport.h"
 
+#include <QApplication>
 #include <QStackedWidget>
 
 namespace {
@@ -75,8 +76,13 @@ void RunPage::fillMap()
         values.push_back({QStringLiteral("m/z %1").arg(trace.name), trace.values});
     map_->setValues(values);
     map_->setGuess(guess);
-    if (guess.isConfident && !hasChosenView_)
-        views_->setCurrentWidget(map_);
+    if (!guess.isConfident || hasChosenView_ || showsMap())
+        return;
+    // A stack would give the focus to the map's first field, where keys of the plots are numbers.
+    const bool hasFocus = tracePane_->isAncestorOf(QApplication::focusWidget());
+    views_->setCurrentWidget(map_);
+    if (hasFocus)
+        focusUpper();
 }
 
 void RunPage::showMap(bool isShown)
@@ -85,7 +91,7 @@ void RunPage::showMap(bool isShown)
     if (model_->summary().kind == MsRun::Kind::Library)
         return;
     views_->setCurrentWidget(isShown ? static_cast<QWidget *>(map_) : tracePane_);
-    upperPlot()->setFocus();
+    focusUpper();
 }
 
 bool RunPage::showsMap() const

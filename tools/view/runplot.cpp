@@ -46,13 +46,32 @@ void RunPlot::setTitle(const QString &title)
 void RunPlot::fitTexts()
 {
     updateLayout(); // to know what room there is
-    const QFontMetrics metrics(titleElement_->font());
-    titleElement_->setText(
-        metrics.elidedText(title_.simplified(), Qt::ElideRight, titleElement_->rect().width()));
+    fitTitle();
     for (QCPAxisRect *rect : axisRects()) {
         for (QCPAxis *axis : rect->axes())
             PlotLook::fitTicks(axis);
     }
+}
+
+void RunPlot::fitTitle()
+{
+    constexpr int heightOfLine = 75; // pixels of the plot for each line that its title may have
+    const QFontMetrics metrics(titleElement_->font());
+    const int width = titleElement_->rect().width();
+    const int most = std::max(height() / heightOfLine, 1);
+    QStringList lines;
+    for (const QString &part : title_.simplified().split(QStringLiteral("; "))) {
+        const QString joined = lines.isEmpty() ? part : lines.last() + QStringLiteral("; ") + part;
+        if (lines.isEmpty() || (lines.size() < most && metrics.horizontalAdvance(joined) > width))
+            lines += part;
+        else
+            lines.last() = joined;
+    }
+    for (QString &line : lines)
+        line = metrics.elidedText(line, Qt::ElideRight, width);
+    titleElement_->setText(lines.join(QLatin1Char('\n')));
+    titleElement_->setMinimumSize(1, metrics.lineSpacing() * lines.size());
+    updateLayout();
 }
 
 void RunPlot::showAll()
@@ -120,7 +139,8 @@ void RunPlot::mousePressEvent(QMouseEvent *event)
 void RunPlot::mouseReleaseEvent(QMouseEvent *event)
 {
     const bool wasClick = isClick_ && (event->pos() - pressedAt_).manhattanLength() < leastDrag
-        && event->modifiers() == Qt::NoModifier;
+        && event->modifiers() == Qt::NoModifier
+        && !(legend->visible() && legend->outerRect().contains(event->pos()));
     isClick_ = false;
     QCustomPlot::mouseReleaseEvent(event);
     if (wasClick && xAxis->axisRect()->rect().contains(event->pos()))
@@ -158,7 +178,6 @@ void RunPlot::applyLook()
     PlotLook::apply(this);
     titleElement_->setFont(font());
     titleElement_->setTextColor(palette().color(QPalette::Text));
-    titleElement_->setMinimumSize(1, QFontMetrics(font()).height());
     const QColor chosen = palette().color(QPalette::Highlight);
     QColor filled = chosen;
     filled.setAlpha(50);

@@ -14,7 +14,8 @@ class RunPlot : public QCustomPlot
 public:
     explicit RunPlot(QWidget *parent = nullptr);
 
-    // What the plot shows, above it; cut where it is too long for the width.
+    // What the plot shows, above it; broken behind semicolons where it is too long for the width, and cut
+    // at last.
     void setTitle(const QString &title);
     QString title() const { return title_; }
 
@@ -54,6 +55,7 @@ protected:
     virtual void applyLook();
 
 private:
+    void fitTitle();
     void keepInBounds(QCPAxis *axis, const QCPRange &bounds, const QCPRange &range);
 
     QString title_;

@@ -97,7 +97,12 @@ void TracePlot::fill()
         const bool isSorted =
             std::is_sorted(points.begin(), points.end(), qcpLessThanSortKey<QCPGraphData>);
         graph->data()->set(points, isSorted);
-        graph->setName(curve.name);
+        QString name = curve.name;
+        if (factor != 1.0)
+            name += QStringLiteral(" \u00d7 %1").arg(factor, 0, 'g', 3);
+        if (offset != 0.0)
+            name += QStringLiteral(" + %1").arg(offset, 0, 'g', 3);
+        graph->setName(name);
         if (points.size() == 1)
             graph->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, 5));
         graph->setLayer(int(i) == inFront_ ? QStringLiteral("front") : QStringLiteral("main"));
@@ -139,9 +144,9 @@ void TracePlot::markTime(double time)
     replot(rpQueuedReplot);
 }
 
-void TracePlot::mark(QCPItemRect *item, const QCPRange *range)
+void TracePlot::mark(QCPItemRect *item, const std::optional<QCPRange> &range)
 {
-    item->setVisible(range);
+    item->setVisible(range.has_value());
     if (!range)
         return;
     item->topLeft->setTypeY(QCPItemPosition::ptAxisRectRatio);
@@ -150,7 +155,8 @@ void TracePlot::mark(QCPItemRect *item, const QCPRange *range)
     item->bottomRight->setCoords(range->upper, 1.0);
 }
 
-void TracePlot::markRanges(const QCPRange *shown, const QCPRange *background)
+void TracePlot::markRanges(const std::optional<QCPRange> &shown,
+                           const std::optional<QCPRange> &background)
 {
     mark(averaged_, shown);
     mark(background_, background);

@@ -4,6 +4,7 @@
 
 #include "runplot.h"
 
+#include <optional>
 #include <vector>
 
 // A curve of the plot. Points whose number isn't finite are gaps.
@@ -26,16 +27,16 @@ public:
     void setCurves(const std::vector<TraceCurve> &curves, bool keepsView);
     const std::vector<TraceCurve> &curves() const { return curves_; }
     // Other runs' curves: each a part of the height above the one before it, and as high as the first
-    // one.
+    // one. The legend says by how much.
     void setStacking(bool isOffset, bool isNormalised);
 
     // Brings the curve with that number forward.
     void bringForward(int curve);
     int inFront() const { return inFront_; }
 
-    // Marks the scan that is shown, or the ranges of an average. Those without numbers aren't.
+    // Marks the scan that is shown, if that is a number, or the ranges of an average.
     void markTime(double time);
-    void markRanges(const QCPRange *shown, const QCPRange *background);
+    void markRanges(const std::optional<QCPRange> &shown, const std::optional<QCPRange> &background);
 
     // What the line at the pointer says of a time.
     using Describe = std::function<QString(double time, double *nearest)>;
@@ -63,7 +64,7 @@ private:
     void fill();
     int curveOf(QCPAbstractLegendItem *item) const;
     QCPRange heightOf(const QCPRange &times) const;
-    void mark(QCPItemRect *item, const QCPRange *range);
+    void mark(QCPItemRect *item, const std::optional<QCPRange> &range);
 
     std::vector<TraceCurve> curves_;
     int inFront_ = 0;
