@@ -9,6 +9,7 @@ struct Opened {
     QString said;  // in place of the run; the beginning of the sentence
     int scans = 0; // of the run, or entries
     bool hasSpectra = true;
+    bool isDotted = false; // as a point lies between gaps
 };
 
 struct Stated {
@@ -38,7 +39,7 @@ private slots:
         const Rows<Opened> row;
         row("run") = {"plain", "", 5};
         row("library") = {"info-library", "", 22};
-        row("trace") = {"total-ion", "", 3, false};
+        row("trace") = {"total-ion", "", 3, false, true};
         row("no scans") = {"no-scans", "", 0};
         row("chromatogram") = {"chromatogram", "The file \"%1\" can't be read: it has no dimension"};
         row("text") = {"text", "The file \"%1\" isn't a netCDF file"};
@@ -54,6 +55,8 @@ private slots:
         if (row.said.isEmpty()) {
             QCOMPARE(page()->model()->summary().size, row.scans);
             QCOMPARE(page()->spectrum()->isVisible(), row.hasSpectra);
+            const TracePlot *trace = page()->trace();
+            QCOMPARE(trace->graphCount() > 0 && !trace->graph(0)->scatterStyle().isNone(), row.isDotted);
         } else {
             const QString sentence = row.said.contains("%1") ? row.said.arg(path) : row.said;
             QVERIFY2(page()->remark().startsWith(sentence), qPrintable(page()->remark()));
@@ -197,11 +200,13 @@ private slots:
     void saves()
     {
         openSample("gcms");
+        page()->setMasses("43");
+        QTRY_COMPARE(page()->trace()->graphCount(), 2);
         const QString trace = folder.filePath("trace.csv");
         QCOMPARE(page()->saveUpper(trace), QString());
         const QList<QByteArray> lines = content(trace).split('\n');
         QCOMPARE(lines.first().trimmed(), QByteArray("Trace,Time (min),\"Total, stored\""));
-        QCOMPARE(lines.size(), 2002); // and nothing behind the last line end
+        QCOMPARE(lines.size(), 4002); // of both curves, and nothing behind the last line end
         const QString spectrum = folder.filePath("spectrum.csv");
         QCOMPARE(page()->saveSpectrum(spectrum), QString());
         QCOMPARE(content(spectrum).count('\n'), int(page()->shown().masses.size()) + 1);

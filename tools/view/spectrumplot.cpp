@@ -128,8 +128,7 @@ void SpectrumPlot::update()
     if (isMirrored())
         title += QStringLiteral("; below: %1").arg(lower_.title);
     setTitle(title);
-    yAxis->setLabel(isMirrored() ? QStringLiteral("Relative abundance (%)")
-                                 : QStringLiteral("Intensity"));
+    yAxis->setLabel(isMirrored() ? QStringLiteral("Relative (%)") : QStringLiteral("Intensity"));
     double least = std::numeric_limits<double>::infinity();
     double most = -least;
     for (const Side *side : {&upper_, &lower_}) {

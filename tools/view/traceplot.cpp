@@ -18,6 +18,19 @@ double highest(const std::vector<double> &values)
     return result;
 }
 
+// Whether a point has a gap at each side, so that no line makes it visible.
+bool hasLonePoint(const QCPGraphDataContainer &points)
+{
+    const auto isGap = [&points](int i) {
+        return i < 0 || i >= points.size() || std::isnan(points.at(i)->value);
+    };
+    for (int i = 0; i < points.size(); ++i) {
+        if (!isGap(i) && isGap(i - 1) && isGap(i + 1))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 TracePlot::TracePlot(QWidget *parent)
@@ -101,10 +114,10 @@ void TracePlot::fill()
         if (factor != 1.0)
             name += QStringLiteral(" \u00d7 %1").arg(factor, 0, 'g', 3);
         if (offset != 0.0)
-            name += QStringLiteral(" + %1").arg(offset, 0, 'g', 3);
+            name += QStringLiteral(" + %1").arg(offset, 0, 'g', 2);
         graph->setName(name);
-        if (points.size() == 1)
-            graph->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, 5));
+        if (hasLonePoint(*graph->data()))
+            graph->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, 4));
         graph->setLayer(int(i) == inFront_ ? QStringLiteral("front") : QStringLiteral("main"));
     }
     if (least <= most)
