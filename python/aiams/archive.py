@@ -31,7 +31,7 @@ import dask.dataframe as dd
 import numpy as np
 import pandas as pd
 
-from .errors import Error
+from .errors import Error, ReadError
 from .run import Run
 
 Paths = str | bytes | os.PathLike | Iterable[str | bytes | os.PathLike]
@@ -106,7 +106,7 @@ def points(paths: Paths, scans_per_partition: int | None = None) -> dd.DataFrame
     parts = [
         (name, first, min(first + scans_per_partition, count))
         for name, count in zip(named, counts)
-        for first in range(0, max(count, 1), scans_per_partition)
+        for first in range(0, count, scans_per_partition)
     ]
     return _table(_points_of, parts, _POINTS)
 
@@ -150,8 +150,8 @@ def convert(
     """Converts each file with aia-convert, and returns a row for each: file, output, error.
 
     The output's kind follows from `suffix`: mzML, csv, msp or cdf. `program` has to be there on each worker;
-    `options` are its own, such as "--force". A file that fails has the program's sentences as its error. Outputs
-    that exist are treated as by `store`.
+    `options` are its own, such as "--force". A file that fails has the program's sentences as its error; one that
+    loses something has both these and an output. One that exists when this is called is kept, with an error.
     """
     return _table(_convert, _outputs(paths, folder, suffix), _DONE, list(options), program)
 
@@ -182,7 +182,10 @@ def _names(name: str, count: int) -> np.ndarray:
 def _scans_of(name: str) -> pd.DataFrame:
     try:
         with Run(name) as run:
-            counts = list(map(len, run))  # one by one, as any file can be read
+            try:
+                counts = np.diff(run.points()[2])
+            except (ReadError, MemoryError):
+                counts = list(map(len, run))  # one by one, as any file can be read
             return _frame(
                 _SCANS,
                 file=_names(name, len(run)),
@@ -241,7 +244,7 @@ def _report_of(name: str) -> pd.DataFrame:
     try:
         with Run(name) as run:
             row.update(kind=run.kind, scans=len(run))
-            row["points"] = sum(map(len, run))
+            row["points"] = sum(map(len, run))  # one by one, as any file can be read
             doubts = run.doubts
             unread = [doubt.count for doubt in doubts if doubt.code == "unreadable-scans"]
             row.update(
@@ -322,11 +325,13 @@ def _store(task: tuple[str, str, bool], format: str, overwrite: bool) -> pd.Data
 
 def _convert(task: tuple[str, str, bool], options: list[str], program: str) -> pd.DataFrame:
     name, output, existed = task
-    if _is_made(output, existed):
-        return _done(name, output, "")
+    # What wasn't there before the job is of an earlier attempt, whose program may even outlive its worker. It
+    # is made again, as what that lost isn't known.
+    force = [] if existed else ["--force"]
+    before = _identity(output)
     try:
         done = subprocess.run(
-            [program, *options, "-o", os.path.abspath(output), "--", os.path.abspath(name)],
+            [program, *force, *options, "-o", os.path.abspath(output), "--", os.path.abspath(name)],
             stdin=subprocess.DEVNULL,
             capture_output=True,
             text=True,
@@ -335,9 +340,16 @@ def _convert(task: tuple[str, str, bool], options: list[str], program: str) -> p
         error = "" if done.returncode == 0 else done.stderr.strip() or f"{program} ended with {done.returncode}."
     except (OSError, ValueError) as failure:
         error = f"{program} can't be started: {failure}."
-    if _is_made(output, existed):  # by the program of the earlier attempt, which outlived its worker
-        error = ""
-    return _done(name, output, error)
+    is_made = _identity(output) not in (None, before)
+    return _frame(_DONE, file=[name], output=[output if is_made else ""], error=[error])
+
+
+def _identity(path: str) -> tuple[int, int] | None:
+    try:
+        found = os.stat(path)
+    except (OSError, ValueError):
+        return None
+    return found.st_ino, found.st_mtime_ns
 
 
 def main(arguments: list[str] | None = None) -> int:
