@@ -7,6 +7,7 @@ import subprocess
 import sys
 import threading
 
+import netCDF4
 import numpy as np
 import pytest
 from conftest import FIXTURES, make_sample
@@ -57,6 +58,10 @@ def test_a_map_has_each_scan_where_its_time_lies(tmp_path):
     with aiams.open(tmp_path / "run.cdf") as run:
         np.testing.assert_array_equal(run.map(2.0), expected)
         np.testing.assert_array_equal(run.map(2.0, -run.tic), np.negative(expected))
+        uneven = [[1, 2, 3, 4.5], [np.nan, 6, 7.5, 9.5], [np.nan, np.nan, 11, np.nan]]
+        np.testing.assert_array_equal(run.map(2.2), uneven)
+        gap = np.where(run.tic == 9, np.nan, run.tic)
+        assert np.isnan(run.map(2.0, gap)[1, 3])
         with pytest.raises(ValueError, match="one number for each scan"):
             run.map(2.0, run.tic[1:])
 
@@ -192,6 +197,15 @@ def test_times_that_are_no_seconds_are_not_written_as_such(tmp_path):
         assert run.to_xarray().time.attrs == {}
         with pytest.raises(aiams.WriteError, match="isn't in seconds"):
             aiams.write(tmp_path / "copy.cdf", run)
+
+
+def test_numbers_that_were_never_written_are_none(tmp_path):
+    path = tmp_path / "run.cdf"
+    aiams.write(path, [aiams.ScanData(1.0, [50.0], [1.0], numbers={"a_d_coaddition_factor": 3})] * 2)
+    with netCDF4.Dataset(path, "a") as file:
+        file["a_d_coaddition_factor"][0] = netCDF4.default_fillvals["i2"]
+    with aiams.open(path) as run:
+        assert ["a_d_coaddition_factor" in scan.numbers for scan in run] == [False, True]
 
 
 def test_a_child_process_opens_its_own(sample):
@@ -335,6 +349,7 @@ class Short(list):
         ([(1.0, [50.0 + 1j], [1.0])], {}, "aren't numbers"),
         ([(1.0, ["50"], [1.0])], {}, "aren't numbers"),
         ([(1.0, np.ma.masked_equal([50.0], 50.0), [1.0])], {}, "Masked points"),
+        ([(1.0, [50.0], np.ma.masked_equal([1.0], 1.0))], {}, "Masked points"),
         ([(np.inf, [50.0], [1.0])], {}, "scan_acquisition_time can't be inf"),
         ([(-9999.0, [50.0], [1.0])], {}, "scan_acquisition_time can't be -9999"),
         ([], {}, "there are no scans"),
@@ -368,8 +383,11 @@ def test_what_cannot_be_written_leaves_the_old_file(tmp_path, scans, more, sente
 
 def test_messages_go_to_the_logger(caplog):
     with caplog.at_level(logging.INFO, "aiams"):
-        aiams.open(FIXTURES / "no-attributes.cdf").close()
-    assert any("is missing from file" in record.getMessage() for record in caplog.records)
+        for name in ("no-attributes", "instrument-rank-1"):
+            aiams.open(FIXTURES / f"{name}.cdf").close()
+    said = {(record.levelname, record.getMessage()) for record in caplog.records}
+    assert any(level == "INFO" and "is missing from file" in text for level, text in said)
+    assert ("WARNING", 'Size type mismatch while loading "instrument_name"') in said
     assert all("<b>" not in record.getMessage() for record in caplog.records)
 
 
