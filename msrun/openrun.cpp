@@ -39,7 +39,7 @@ void MsRun::Private::open(const MsRunOptions &options)
 // Opens the file, and returns the sentence that says why that can't be done; null if it could.
 QString MsRun::Private::fault(const MsRunOptions &options)
 {
-    const QString obstacle = whyUnreadable(name);
+    QString obstacle = whyUnreadable(name);
     if (!obstacle.isNull())
         return obstacle;
     const auto refusal = [this](const QString &why) {

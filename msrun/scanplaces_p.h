@@ -37,7 +37,7 @@ private:
 
     struct Survey;
     Survey survey(qint64 positions) const;
-    Rule judge(const Survey &survey, bool haveOverlap) const;
+    Rule judge(const Survey &all, bool haveOverlap) const;
     MsScanPlace place(qint32 scan);
 
     const MsFile &file_;
