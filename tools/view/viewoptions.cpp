@@ -52,7 +52,9 @@ ViewCommand parseViewCommand(const QStringList &arguments)
         QStringLiteral("WIDTHxHEIGHT"));
     const QCommandLineOption force = forceOption();
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shows runs and libraries of AIA MS files."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Shows runs and libraries of AIA MS files in a window. Exit code: 0, or 1 where an "
+        "image can't be drawn, or not in full, or 2 for wrong usage."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to show, each in a tab."),
                                  QStringLiteral("[FILE...]"));
     parser.addOptions({gcxgc, imageOption, trace, map, scan, at, size, force});
