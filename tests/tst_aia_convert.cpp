@@ -199,6 +199,12 @@ private slots:
         row("times that fall in mzML") = {
             "convert plain.cdf -o a.mzML; sed -i 's/value=\"5.8/value=\"0.8/' a.mzML; convert a.mzML -o b.cdf", 0,
             "\"b.cdf\", 1 of 5 scans has a time before that of the scan before"};
+        row("a run in minutes") = {
+            "ncdump plain.cdf | sed 's/\"Seconds\"/\"Minutes\"/' | ncgen -o a.cdf; convert a.cdf -o a.mzML;"
+            "convert a.mzML -o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
+            0, "", " scan_acquisition_time = 315, 348, 381, 414, 447 ;\n"};
+        row("a time behind the run") = {"convert plain.cdf -o b.msp --at 5", 0,
+                                        "no scan at 5.000 min; scan 4, at 0.124 min, is taken"};
         row("scan window with one limit") = {
             "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed -z 's/mass_range_max =\\s*[0-9.]*/mass_range_max = "
             "-9999/' |"

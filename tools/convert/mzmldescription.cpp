@@ -50,7 +50,6 @@ public:
                 said.polarity == MsRunFacts::Polarity::Positive ? MS_positive_scan : MS_negative_scan;
         facts.intensityUnit = orElse(mzmlTerm(TermFamily::IntensityUnit, globals.raw.intensity_units),
                                      MS_number_of_detector_counts);
-        facts.timeUnit = options.inMinutes ? UO_minute : UO_second;
 
         data->id = xmlText(baseName(run.name()));
         data->cvs = defaultCVList();

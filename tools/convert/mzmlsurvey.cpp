@@ -63,10 +63,13 @@ public:
                     .arg(differing)
                     .arg(run.size()));
         sortByTime(times);
+        const bool areMinutes = haveMinutes();
+        const bool isDivided = options.inMinutes && !areMinutes;
+        if (options.inMinutes || areMinutes)
+            survey->facts.timeUnit = pwiz::cv::UO_minute;
         for (const qint32 scan : survey->facts.scans) {
             const auto place = std::size_t(scan);
-            survey->facts.times.push_back(options.inMinutes ? times[place] / secondsPerMinute
-                                                            : times[place]);
+            survey->facts.times.push_back(isDivided ? times[place] / secondsPerMinute : times[place]);
             survey->facts.totals.push_back(totals[place]);
             survey->facts.numbers.push_back(numbers[place]);
         }
@@ -75,6 +78,13 @@ public:
     }
 
 private:
+    // Whether the file's own unit of time is the minute, which the template lacks.
+    bool haveMinutes() const
+    {
+        const QString unit = run.facts().timeUnits.text.trimmed();
+        return !run.hasSeconds() && unit.startsWith(QLatin1String("min"), Qt::CaseInsensitive);
+    }
+
     void sortByTime(const std::vector<double> &times)
     {
         const auto isEarlier = [&times](qint32 one, qint32 other) {

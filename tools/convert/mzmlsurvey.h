@@ -10,7 +10,7 @@
 #include "progressbar.h"
 
 struct MzMlSurvey {
-    SpectrumFacts facts; // the vectors alone
+    SpectrumFacts facts; // the vectors and the unit of time
     CommonNumbers common;
     bool isFloatMasses = true;
     bool isFloatIntensities = true;

@@ -85,7 +85,9 @@ private:
                 return false;
         }
         for (const double minutes : options.minutes) {
-            if (!writeScan(run.scanAt(minutes * secondsPerMinute)))
+            const qint32 nearest = run.scanAt(minutes * secondsPerMinute);
+            warnIfOutside(minutes, nearest);
+            if (!writeScan(nearest))
                 return false;
         }
         for (const MinuteRange &range : options.sums) {
@@ -93,6 +95,14 @@ private:
                 return false;
         }
         return true;
+    }
+
+    void warnIfOutside(double minutes, qint32 nearest) const
+    {
+        const double found = run.spectrum(nearest).time() / secondsPerMinute;
+        if ((nearest == 0 && minutes < found) || (nearest == run.size() - 1 && minutes > found))
+            log->warn(QStringLiteral("The run has no scan at %1; scan %2, at %3, is taken.")
+                          .arg(minuteText(minutes), QString::number(nearest), minuteText(found)));
     }
 
     bool writeScan(qint32 index)
