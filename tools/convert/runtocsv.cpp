@@ -230,7 +230,11 @@ private:
                 QStringLiteral("its trace doesn't show the length of a modulation, which the option "
                                "--modulation takes for a map"));
         const std::vector<double> times = run.times();
-        const std::vector<double> totals = run.storedTotals();
+        std::vector<double> totals = run.storedTotals();
+        const bool lacksTotals =
+            std::all_of(totals.begin(), totals.end(), [](double total) { return std::isnan(total); });
+        if (lacksTotals && run.kind() != MsRun::Kind::Trace)
+            totals = run.summedTotals();
         const std::size_t count = times.size();
         const double span = count > 1 ? times.back() - times.front() : unknown;
         const double step = span / double(count - 1);
