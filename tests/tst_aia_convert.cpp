@@ -205,6 +205,41 @@ private slots:
             0, "", " scan_acquisition_time = 315, 348, 381, 414, 447 ;\n"};
         row("a time behind the run") = {"convert plain.cdf -o b.msp --at 5", 0,
                                         "no scan at 5.000 min; scan 4, at 0.124 min, is taken"};
+        row("what mzML says of run and scan") = {
+            "sample gcms --scans 1 s.cdf; convert s.cdf -o a.mzML;"
+            "grep -oE '(base peak m/z|highest observed m/z|r limit|startTime)[^.Z]*[.Z]' a.mzML > out",
+            0, "",
+            "startTimeStamp=\"2024-03-12T14:25:30Z\nbase peak m/z\" value=\"57.\nhighest observed m/z\" value=\"355.\n"
+            "r limit\" value=\"38.\nr limit\" value=\"355.\n"};
+        row("a number of some scans, and of all") = {
+            "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed 's/ scan_duration = [0-9.]*/ scan_duration = 9/' | ncgen "
+            "-o a.cdf;"
+            "convert a.cdf -o a.mzML; convert a.mzML -o b.cdf; ncdump -h b.cdf | grep -o 'electron_energy.*' > out",
+            0, "no place for what the file has of this: scan_duration", "electron_energy = 70.f ;\n"};
+        row("serial number in mzML") = {"convert plain.cdf -o a.mzML; sed -i 's/<componentList/<cvParam cvRef=\"MS\" "
+                                        "accession=\"MS:1000529\" name=\"instrument serial number\" "
+                                        "value=\"S7\"\\/>&/' a.mzML; convert a.mzML -o b.cdf;"
+                                        "ncdump -v instrument_serial_no b.cdf | grep -o 'S7' > out",
+                                        0, "", "S7\n"};
+        row("a polarity") = {
+            "sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML; sed -i '0,/1000130/s//1000129/' a.mzML;"
+            "convert --polarity positive a.mzML -o b.cdf",
+            0, "1 spectrum of the other polarity is left out"};
+        row("a compound's numbers") = {
+            "sample library --scans 1 s.cdf; convert s.cdf -o b.msp; grep -E '^(MW|RT):' b.msp > out;"
+            "convert info-library.cdf -o b.cdf; ncdump -v melting_point b.cdf | grep -o 'point = [^,]*' >> out",
+            0, "", "MW: 92\nRT: 3.65625\npoint = 5.53\n"};
+        row("edges of a trace's masses") = {
+            "convert library.cdf --csv trace --masses 59.8,70 -o - --to csv | cut -d , -f 5- > out", 0, "",
+            "m/z 59.8,m/z 70\n2,0\n0,0\n16,0\n"};
+        row("map without totals") = {
+            "sample gcxgc --scans 800 s.cdf; ncdump s.cdf | sed 's/total_intensity/others/' | ncgen -o a.cdf;"
+            "convert a.cdf --csv map --modulation 4 -o - --to csv | cut -d , -f 2 | grep -c . > out",
+            0, "", "401\n"};
+        row("quotes in a unit") = {
+            "ncdump plain.cdf | sed 's/Arbitrary Intensity Units/a \\\\\"b\\\\\"/' | ncgen -o a.cdf;"
+            "convert a.cdf -o - --to csv | head -1 | cut -d , -f 3- > out",
+            0, "", "\"total intensity (a \"\"b\"\")\",\"sum of intensities (a \"\"b\"\")\"\n"};
         row("scan window with one limit") = {
             "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed -z 's/mass_range_max =\\s*[0-9.]*/mass_range_max = "
             "-9999/' |"

@@ -248,6 +248,8 @@ private slots:
                 QCOMPARE(scan.isRead(), expected.isRead());
                 QCOMPARE(scan.size(), expected.masses().size());
                 QCOMPARE(scan.flagValues().toVector(), expected.flagValues().toVector());
+                QCOMPARE(scan.summedTotal(),
+                         std::accumulate(scan.intensities(), scan.intensities() + scan.size(), 0.0));
                 const bool isFloat = file.record()->mass_format == MsFloatFormat && globals.mass(1.0) == 1.0;
                 QCOMPARE(scan.storedMasses() != nullptr, isFloat && scan.size() > 0);
                 for (int i = 0; i < scan.size(); ++i) {
