@@ -318,7 +318,15 @@ def test_texts_of_compounds(tmp_path):
     path, compound = tmp_path / "library.cdf", aiams.Compound(name="é" * 254, formula="C2H6")
     aiams.write(path, [(np.nan, [31.0], [1.0])], library=[compound])
     with aiams.open(path) as run:
-        assert (run.library[0].name, run.library[0].formula) == (compound.name, compound.formula)
+        assert repr(run.library[0]) == repr(compound)  # with None and NaN for all else
+
+
+def test_what_groups_lack_is_no_number(tmp_path):
+    path = tmp_path / "sim.cdf"
+    aiams.write(path, ONE, groups=[*group_with(masses=(50.0, np.nan)), *group_with(masses=(50.0,))])
+    with aiams.open(path) as run:
+        for group in run.groups:
+            np.testing.assert_array_equal(group.masses, [50.0, np.nan])
 
 
 def scan_with(**numbers):
