@@ -93,6 +93,10 @@ bool is_given(double number)
     return std::isfinite(number) && !ms_is_missing(number) && !ms_is_fill(NC_DOUBLE, number);
 }
 
+// What a writer may leave in the place of masses that it has none of.
+constexpr MsDoubtKind kinds_without_mass[] = {MsDoubtKind::BadMasses, MsDoubtKind::FillMasses,
+                                              MsDoubtKind::NegativeMasses, MsDoubtKind::ZeroMasses};
+
 bool is_near(double one, double other)
 {
     constexpr double tolerance = 1e-3;
@@ -180,6 +184,10 @@ private:
         judge_totals();
         if (is_trace())
             found[MsDoubtKind::EqualMasses] = {}; // that is said of all points
+        for (const MsDoubtKind kind : kinds_without_mass) {
+            if (!has_points_of_a_run() && found[kind].count == tally.points_of_scans)
+                found[kind] = {}; // the points of a trace have none
+        }
         // Of a trace the scans need no points.
         const auto is_absent = [this](int slot) { return file.variables[slot] == -1; };
         if (!file.has_mass_values
@@ -238,6 +246,9 @@ private:
     {
         return !file.has_mass_values || (tally.census.is_done && tally.census.keys < 2);
     }
+
+    // A trace has one for each scan.
+    bool has_points_of_a_run() const { return tally.points_of_scans > scans; }
 
     void list_length()
     {
@@ -325,7 +336,7 @@ private:
                 QString::number(census.grid));
         if (!census.is_done || census.keys > 1)
             return;
-        const bool has_points = tally.points_of_scans > scans; // a trace has one for each scan
+        const bool has_points = has_points_of_a_run();
         if (!census.is_read || (file.has_mass_values && census.seen == 0 && tally.points_of_scans > 0)) {
             add(MsDoubtKind::UnreadableMasses, scans, QString(), QString());
             return;
@@ -337,8 +348,7 @@ private:
             add(MsDoubtKind::SingleMass, tally.points_of_scans, QString::number(scans),
                 QString::number(census.masses.least));
         // Masses that no scan has, or the points of a trace, needn't be any.
-        for (const MsDoubtKind kind :
-             {MsDoubtKind::BadMasses, MsDoubtKind::FillMasses, MsDoubtKind::ZeroMasses}) {
+        for (const MsDoubtKind kind : kinds_without_mass) {
             const MsFinding &finding = census.found[kind];
             if (finding.count > 0 && has_points && found[kind].count == 0)
                 add(kind, finding.count, QString(), QStringLiteral("position %1").arg(finding.first));

@@ -334,6 +334,7 @@ private slots:
                 putAttribute("mass_values", "scale_factor", 1e-9));
         changed("mass scale of 2", "mass-scale 1, mass-range 15, scan-mass-range 20",
                 putAttribute("mass_values", "scale_factor", 2.0));
+        changed("mass scale of a calibration", "mass-scale 1", putAttribute("mass_values", "scale_factor", 1.001));
         changed("one mass only", "single-mass 600", put("mass_values", 0, 50, 600));
         changed("one mass in a scan", "equal-masses 1, scan-mass-range 1", put("mass_values", 150, 60, 30));
         changed("no axis of points", "unreadable-masses 20", [](int id) {
@@ -373,6 +374,7 @@ private slots:
         changed("a mass far off", "unordered-masses 1, mass-range 1, scan-mass-range 1", put("mass_values", 155, 1e30));
         changed("a last mass off", "scan-mass-range 1", add("mass_values", 179, 0.1));
         changed("all masses NaN", "bad-masses 600", put("mass_values", 0, notANumber, 600));
+        changed("all masses missing", "negative-masses 600", put("mass_values", 0, -9999, 600));
         changed("all masses 0", "zero-masses 600", put("mass_values", 0, 0, 600));
         changed("an intensity NaN", "bad-intensities 1", put("intensity_values", 155, notANumber));
         changed("an intensity never written", "fill-intensities 1", put("intensity_values", 155, NC_FILL_FLOAT));
@@ -459,6 +461,12 @@ private slots:
                                                            },
                                                            "time-range 1"};
         row("a trace without points") = {QStringLiteral("tic"), put("point_count", 0, 0, 20), "unowned-points 20"};
+        row("a trace whose points have no masses") = {QStringLiteral("tic"), [](int id) {
+                                                          nc_redef(id);
+                                                          nc_rename_var(id, variable(id, "time_values"), "mass_values");
+                                                          nc_enddef(id);
+                                                          put("mass_values", 0, -9999, 20)(id);
+                                                      }};
         row("a trace whose points have no axis") = {QStringLiteral("tic"), rename("time_values")};
         row("a trace whose points should have masses") = {QStringLiteral("tic"),
                                                           [](int id) {
