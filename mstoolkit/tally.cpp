@@ -379,8 +379,7 @@ MsFinding MsAgreement::odd_ones_out() const
 
 bool MsAgreement::holds_where(const MsAgreement &other_fails) const
 {
-    return nearly_all_are_within(Rounding)
-        && other_fails.off_by_more_than(Hundredth).count * 2 > compared;
+    return nearly_all_are_within(Rounding) && other_fails.off_by_more_than(Little).count * 2 > compared;
 }
 
 void ms_tally_globals(MsTally &tally, const MsAdminRecord &admin, const MsRawGlobalRecord &raw)
