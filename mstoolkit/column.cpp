@@ -2,9 +2,12 @@
 
 #include "column_p.h"
 
+#include "msformat.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
@@ -85,13 +88,18 @@ MsFetch MsColumn::number(std::size_t index, qint32 wanted, void *target)
     if (!ms_is_number(found.type))
         return MsFetch::None;
     // The library would make a whole number even of a NaN.
-    if ((wanted == NC_SHORT || wanted == NC_LONG)
-        && (found.type == NC_FLOAT || found.type == NC_DOUBLE)) {
+    if ((found.type == NC_FLOAT || found.type == NC_DOUBLE) && ms_is_whole(wanted)) {
         double wide = 0.0;
         const MsFetch result = number(index, NC_DOUBLE, &wide);
         if (result != MsFetch::Read)
             return result;
-        return wanted == NC_SHORT ? put_whole<qint16>(wide, target) : put_whole<qint32>(wide, target);
+        return ms_with_format(ms_format_of_nc_type(wanted, 0), [&](auto *stored) {
+            using Number = std::remove_pointer_t<decltype(stored)>;
+            if constexpr (std::is_integral_v<Number>)
+                return put_whole<Number>(wide, target);
+            else
+                return MsFetch::None;
+        });
     }
 
     if (read_ahead(index / scans_ahead * scans_ahead, scans_ahead, index, 1, wanted)) {

@@ -132,9 +132,8 @@ bool reads_alone(MsFileState &file, int slot, qint32 wanted)
     const MsShape *shape = file.column(slot).shape();
     if (!shape || !ms_is_number(shape->type))
         return true;
-    const bool is_whole = wanted == NC_SHORT || wanted == NC_LONG;
     const bool is_real = shape->type == NC_FLOAT || shape->type == NC_DOUBLE;
-    return MsClassicBytes::can_convert(shape->type, is_whole && is_real ? NC_DOUBLE : wanted);
+    return MsClassicBytes::can_convert(shape->type, ms_is_whole(wanted) && is_real ? NC_DOUBLE : wanted);
 }
 
 } // namespace

@@ -60,6 +60,13 @@ quint32 ms_type_width(qint32 type)
     return 0;
 }
 
+bool ms_is_whole(qint32 type)
+{
+    return ms_with_format(ms_format_of_nc_type(type, 0), [](auto *stored) {
+        return std::is_integral_v<std::remove_pointer_t<decltype(stored)>>;
+    });
+}
+
 bool ms_is_number(nc_type type)
 {
     return type >= NC_BYTE && type <= NC_UINT64 && type != NC_CHAR;

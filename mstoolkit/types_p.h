@@ -22,6 +22,9 @@ void ms_clear_text(char release, char **text);
 // Returns the bytes of an element of NC_SHORT to NC_DOUBLE; 0 for other types.
 quint32 ms_type_width(qint32 type);
 
+// Whether a data format of that type stores whole numbers.
+bool ms_is_whole(qint32 type);
+
 // Whether netCDF converts a type to other numbers.
 bool ms_is_number(nc_type type);
 
