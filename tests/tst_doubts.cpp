@@ -276,6 +276,11 @@ private slots:
         });
         changed("a point too many", "overlapping-scans 1, wrong-totals 1, unordered-masses 1",
                 put("point_count", 5, 31));
+        changed("a scan within another", "overlapping-scans 2, wrong-totals 2, unordered-masses 1, scan-mass-range 1",
+                [](int id) {
+                    put("point_count", 5, 90)(id);
+                    put("point_count", 6, 29)(id);
+                });
         changed("a point too many at the end", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1",
                 put("point_count", 19, 31));
         changed("a missing count", "bad-counts 1, unowned-points 30, wrong-totals 1", put("point_count", 5, -9999));
@@ -403,6 +408,20 @@ private slots:
         });
         changed("no totals", "", put("total_intensity", 0, -9999, 20));
         changed("an intensity scale of 2", "wrong-totals 20", putAttribute("intensity_values", "scale_factor", 2.0));
+        changed("an intensity scale of a half and all that belongs to it", "", [](int id) {
+            for (std::size_t i = 0; i < 20; ++i) {
+                double total = 0.0;
+                nc_get_var1_double(id, variable(id, "total_intensity"), &i, &total);
+                put("total_intensity", i, 0.5 * total)(id);
+            }
+            double least = 0.0;
+            double most = 0.0;
+            nc_get_att_double(id, NC_GLOBAL, "global_intensity_min", &least);
+            nc_get_att_double(id, NC_GLOBAL, "global_intensity_max", &most);
+            putAttribute("intensity_values", "scale_factor", 0.5)(id);
+            putAttribute(nullptr, "global_intensity_min", 0.5 * least)(id);
+            putAttribute(nullptr, "global_intensity_max", 0.5 * most)(id);
+        });
         changed("a small offset", "wrong-totals 20", putAttribute("intensity_values", "add_offset", 5.0));
         changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
         changed("intensity range", "intensity-range 20", putAttribute(nullptr, "global_intensity_max", 1.0));
