@@ -24,11 +24,13 @@ IMPORT_BARS = [
 NUMPY_BARS = [("long-fixed", 0.25), ("long-unlimited", 0.1)]
 
 
-def benchmark(build, program, run, repetitions=3):
-    """The median of the times and of the counters, by the name before the slash."""
+def benchmark(build, program, run, repetitions=9):
+    """The median of the times and of the counters, by the name before the slash. What is compared takes turns,
+    since a machine may be slower for some seconds."""
     output = subprocess.run(
         [os.path.join(build, "bin", program), f"--benchmark_filter={run}", "--benchmark_format=json",
-         f"--benchmark_repetitions={repetitions}", "--benchmark_min_time=0.2"],
+         f"--benchmark_repetitions={repetitions}", "--benchmark_min_time=0.1",
+         "--benchmark_enable_random_interleaving=true"],
         check=True, capture_output=True, text=True).stdout
     result = {}
     for entry in json.loads(output)["benchmarks"]:
