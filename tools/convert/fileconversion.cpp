@@ -108,9 +108,13 @@ private:
             return writeCsv(source, &output, wanted, &progress, &log);
         case FileFormat::Msp:
             return writeMsp(source, &output, wanted, &progress, &log);
-        default:
+        case FileFormat::Cdf:
             return writeCdf(source, output.path(), &progress, &log);
+        case FileFormat::MzXml: // is only read
+        case FileFormat::Unknown:
+            break;
         }
+        return false;
     }
 
     void say(const QString &text) const
