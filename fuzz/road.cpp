@@ -9,6 +9,8 @@
 #include "msrun.h"
 #include "msrunlimit.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -136,8 +138,20 @@ void readWithToolkit(const QString &path)
     infoJson(info.report);
 }
 
+// Whether the file claims so many scans that going through their counters takes most of a second. A
+// damaged header often does, so only some of such files are read.
+bool isLongWork(const QString &path)
+{
+    constexpr int manyScans = 1 << 14;
+    constexpr int oneOf = 32;
+    return MsFile(path.toLatin1().constData()).scanCount() > manyScans
+        && QFileInfo(path).size() % oneOf != 0;
+}
+
 void readWithJudgement(const QString &path)
 {
+    if (isLongWork(path))
+        return;
     const MsRun run(path);
     require(run.isOpen() == run.error().isNull());
     for (qint32 number = -1; number < std::min(run.size(), most) + 1; ++number) {
@@ -157,10 +171,12 @@ void readWithJudgement(const QString &path)
     run.spectrum(run.size() - 1);
     run.doubts();
     run.instruments();
-    run.groups();
-    // Numbers of more scans take time, and are read the same way.
-    constexpr qint32 few = 1 << 12;
-    if (run.size() > few)
+    // More groups and scans take time, and are read the same way.
+    constexpr qint32 fewGroups = 64;
+    constexpr qint32 fewScans = 1 << 12;
+    if (run.facts().groups <= fewGroups)
+        run.groups();
+    if (run.size() > fewScans)
         return;
     const std::vector<double> times = run.times();
     run.scanAt(times.empty() ? 0.0 : times.back());
