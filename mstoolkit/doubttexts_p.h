@@ -2,7 +2,7 @@
 #ifndef DOUBTTEXTS_P_H
 #define DOUBTTEXTS_P_H
 
-#include "tally_p.h"
+#include "findings_p.h"
 
 struct MsDoubtRow {
     MsDoubtKind kind;

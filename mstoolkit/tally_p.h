@@ -4,157 +4,20 @@
 #ifndef TALLY_P_H
 #define TALLY_P_H
 
+#include "agreement_p.h"
+#include "findings_p.h"
 #include "mstoolkit.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <optional>
 #include <vector>
 
 struct MsFileState;
-
-// The kinds of doubt, in the order in which they are listed. doubttexts.cpp has the code and the sentence
-// of each.
-enum class MsDoubtKind {
-    CutOff,
-    Unfinished,
-    TrailingBytes,
-    ReadFailed,
-    ChangedFile,
-    DashedNames,
-    UnwrittenScans,
-    BadCounts,
-    BadFlagCounts,
-    NoScanIndex,
-    FallingScanIndex,
-    OverlappingScans,
-    ScansBeyondEnd,
-    UnownedPoints,
-    UnreadableScans,
-    UnreadableMasses,
-    MissingMasses,
-    NoIntensities,
-    BadTotals,
-    MassScale,
-    IntensityScale,
-    IntensityOffset,
-    MergedMasses,
-    SingleMass,
-    WrongTotals,
-    BadMasses,
-    FillMasses,
-    NegativeMasses,
-    ZeroMasses,
-    OddMasses,
-    EqualMasses,
-    UnorderedMasses,
-    BadIntensities,
-    FillIntensities,
-    UnplacedPoints,
-    MissingTimes,
-    BadTimes,
-    NegativeTimes,
-    ZeroTime,
-    RestartingTimes,
-    FallingTimes,
-    EqualTimes,
-    TimeGap,
-    OddTimes,
-    UnevenTimes,
-    MassFormat,
-    IntensityFormat,
-    TimeUnit,
-    TimeRange,
-    AcquisitionDate,
-    StartingScan,
-    GroupCounts,
-    MassRange,
-    IntensityRange,
-    ScanMassRange,
-    ScanTimeRange,
-    Count
-};
-
-struct MsFinding {
-    qint64 count = 0;
-    qint64 first = -1; // a scan or a position
-
-    void add(qint64 place, qint64 times = 1)
-    {
-        if (count == 0)
-            first = place;
-        count += times;
-    }
-
-    void add(const MsFinding &other)
-    {
-        if (count == 0 || (other.count > 0 && other.first < first))
-            first = other.first;
-        count += other.count;
-    }
-};
-
-class MsFindings
-{
-public:
-    MsFinding &operator[](MsDoubtKind kind) { return findings[std::size_t(kind)]; }
-    const MsFinding &operator[](MsDoubtKind kind) const { return findings[std::size_t(kind)]; }
-
-private:
-    std::array<MsFinding, std::size_t(MsDoubtKind::Count)> findings;
-};
-
-// How a number that the scans of a file claim agrees with what their points say.
-class MsAgreement
-{
-public:
-    void compare(qint64 scan, double claimed, double measured)
-    {
-        ++compared;
-        largest = std::max(largest, std::abs(claimed));
-        if (!(std::abs(claimed - measured) <= exact * std::abs(claimed))) // a NaN, too
-            add_disagreement(scan, claimed, measured);
-    }
-
-    // Scans that disagree: by more than a tenth of a percent, where that is more than a hundredth of
-    // them.
-    MsFinding disagreeing() const;
-
-    // Scans that disagree where nearly all others agree to the last digits, or but for rounding.
-    MsFinding odd_ones_out() const;
-
-    // Scans that disagree by more than rounding, where nearly all agree in another comparison of theirs.
-    MsFinding disagreeing_unlike(const MsAgreement &other) const;
-
-    // Scans that are off by more than a hundredth.
-    MsFinding far_off() const;
-
-    bool is_empty() const { return compared == 0; }
-
-    // Whether nearly all scans agree, and hardly any do in another comparison of theirs.
-    bool holds_where(const MsAgreement &other_fails) const;
-
-    // Whether nearly all scans agree to the last digits.
-    bool is_exact() const { return nearly_all_are_within(Exact); }
-
-private:
-    enum Limit { Exact, Rounding, Little, Thousandth, Hundredth, LimitCount };
-    static constexpr double exact = 1e-9;
-
-    bool nearly_all_are_within(Limit limit) const;
-    void add_disagreement(qint64 scan, double claimed, double measured);
-    MsFinding off_by_more_than(Limit limit) const;
-
-    qint64 compared = 0;
-    double largest = 0.0;                  // that was claimed
-    std::array<MsFinding, LimitCount> off; // by more than each, but not the next
-};
 
 // A range of numbers.
 struct MsNumberRange {
