@@ -1,169 +1,14 @@
 // What can't be right about a run is said, and nothing of a right one.
 
-#include "dvheader.h"
-#include "messageredirection.h"
+#include "changedsamples.h"
 #include "msdoubts.h"
-#include "msfile.h"
-#include "plugin.h"
-#include "program.h"
 #include "rows.h"
 
-#include <QTemporaryDir>
-
-#include <array>
-#include <cerrno>
 #include <cmath>
-#include <dlfcn.h>
 #include <functional>
-#include <limits>
-#include <sys/types.h>
 #include <utility>
 
-// What reads a file's bytes meets with, in place of the file; 0: nothing.
-static int readError = 0;
-
-extern "C" ssize_t pread(int descriptor, void *target, std::size_t size, off_t place)
-{
-    static auto *const real = reinterpret_cast<ssize_t (*)(int, void *, std::size_t, off_t)>(dlsym(RTLD_NEXT, "pread"));
-    if (readError == 0)
-        return real(descriptor, target, size, place);
-    errno = readError;
-    return -1;
-}
-
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-using Change = std::function<void(int id)>; // of a file that is open for writing
-
-int variable(int id, const char *name)
-{
-    int found = NC_GLOBAL; // also for a null name
-    nc_inq_varid(id, name ? name : "", &found);
-    return found;
-}
-
-// Puts `value` in `count` elements of a variable from `first` on.
-Change put(const char *name, std::size_t first, double value, std::size_t count = 1)
-{
-    return [=](int id) {
-        for (std::size_t i = first; i < first + count; ++i)
-            nc_put_var1_double(id, variable(id, name), &i, &value);
-    };
-}
-
-// Adds `value` to `count` elements of a variable from `first` on.
-Change add(const char *name, std::size_t first, double value, std::size_t count = 1)
-{
-    return [=](int id) {
-        for (std::size_t i = first; i < first + count; ++i) {
-            double number = 0.0;
-            nc_get_var1_double(id, variable(id, name), &i, &number);
-            put(name, i, number + value)(id);
-        }
-    };
-}
-
-Change putAttribute(const char *name, const char *attribute, double value)
-{
-    return [=](int id) {
-        nc_redef(id);
-        nc_put_att_double(id, variable(id, name), attribute, NC_DOUBLE, 1, &value);
-    };
-}
-
-Change putAttribute(const char *attribute, const char *text)
-{
-    return [=](int id) {
-        nc_redef(id);
-        nc_put_att_text(id, NC_GLOBAL, attribute, qstrlen(text), text);
-    };
-}
-
-Change renameTo(const char *newName, const char *name)
-{
-    return [=](int id) {
-        nc_redef(id);
-        nc_rename_var(id, variable(id, name), newName);
-    };
-}
-
-Change rename(const char *name)
-{
-    return renameTo("unknown", name);
-}
-
-// The plugin's working copy, driven by a loop that isn't the host's own.
-class HostRun
-{
-public:
-    HostRun(Plugin &plugin, const QString &path) : copy(plugin.copyFor(path)) { }
-
-    ~HostRun() { end(); }
-
-    int makeTable()
-    {
-        delete std::exchange(header(), nullptr);
-        copy->importHeader();
-        float *masses = nullptr;
-        size = copy->importMassTable(&masses);
-        table.reset(masses);
-        return size;
-    }
-
-    void importScan(int scan)
-    {
-        double time = 0.0;
-        int points = 0;
-        copy->importScan(scan, &time, size, table.get(), &points, abundances.data(), positions.data());
-    }
-
-    void importScans(int first, int last)
-    {
-        for (int scan = first; scan <= last; ++scan)
-            importScan(scan);
-    }
-
-    QByteArray property() const
-    {
-        QByteArrayList found;
-        for (const QVariant &each : copy->property("doubts").toList()) {
-            const QVariantMap doubt = each.toMap();
-            found += doubt[QStringLiteral("code")].toByteArray() + ' ' + doubt[QStringLiteral("count")].toByteArray();
-        }
-        return found.join(", ");
-    }
-
-    // The file, and what was told of it, goes to a copy of the copy.
-    void passOn()
-    {
-        Plugin::Copy next(copy->clone());
-        end();
-        copy = std::move(next);
-    }
-
-    void end()
-    {
-        if (copy)
-            delete std::exchange(header(), nullptr);
-        copy.reset();
-    }
-
-    Plugin::Copy copy;
-    int size = 0;
-
-private:
-    struct Opened : DVImportAnalysisInterface {
-        using DVImportAnalysisInterface::header;
-    };
-    DVHeader *&header() { return copy.get()->*(&Opened::header); } // the host's to free
-
-    std::unique_ptr<float[]> table;
-    std::array<float, 1000> abundances;
-    std::array<unsigned short, 1000> positions;
-};
 
 using ByteChange = std::function<void(QByteArray *bytes)>;
 
@@ -177,15 +22,9 @@ struct Doubted {
 
 } // namespace
 
-class TestDoubts : public QObject
+class TestDoubts : public QObject, private ChangedSamples
 {
     Q_OBJECT
-
-    QString path(const QString &name) const
-    {
-        const QString sample = folder.filePath(name + QStringLiteral(".cdf"));
-        return QFile::exists(sample) ? sample : fixture(name);
-    }
 
     // Of the file at `path`, in order.
     static QByteArray doubtsOf(const QString &path, const MsDoubtOptions &options)
@@ -200,39 +39,8 @@ class TestDoubts : public QObject
         return found.join(", ");
     }
 
-    // Of a sample, with these changes made to it.
-    QString changedCopy(const QString &name, const QList<Change> &changes) const
-    {
-        const QString copy = folder.filePath(QStringLiteral("copy.cdf"));
-        QFile::remove(copy);
-        QFile::copy(path(name), copy);
-        int id = -1;
-        nc_open(QFile::encodeName(copy).constData(), NC_WRITE, &id);
-        const MsFile file = MsFile::adopt(id);
-        for (const Change &change : changes)
-            change(id);
-        return copy;
-    }
-
-    // Since the last call.
-    QByteArray newMessages() { return std::exchange(messages, {}).join("; "); }
-
-    QTemporaryDir folder;
-    Plugin plugin;
-    QByteArrayList messages;
-    const MessageRedirection redirection{[this](MessageLoggerInterface::Level level, const QString &text) {
-        messages += (level == MessageLoggerInterface::Level::Error ? "E " : "W ") + text.toLatin1();
-    }};
-
 private slots:
-    void initTestCase()
-    {
-        for (const QString kind : {"gcms", "gcxgc", "tic", "library", "sim"}) {
-            const QString points = kind == "tic" ? "1" : "30";
-            const QStringList options = {"--scans", "20", "--points", points, kind, folder.filePath(kind + ".cdf")};
-            QCOMPARE(runProgram(QStringLiteral(AIA_TOOLS "/aia-sample"), options).code, 0);
-        }
-    }
+    void initTestCase() { makeSamples(); }
 
     void isSaid_data()
     {
@@ -585,147 +393,6 @@ private slots:
             file(real.fileName().toLocal8Bit()) = real.filePath();
     }
     void ofARightFileNothing() { QCOMPARE(doubtsOf(Rows<QString>::current(), {}), QByteArray()); }
-
-    // What is known at the table, and the rest after the last scan, whichever it is; each of them once.
-    void theHostIsTold()
-    {
-        HostRun run(
-            plugin,
-            changedCopy(QStringLiteral("gcms"), {put("scan_acquisition_time", 7, -9999), put("mass_values", 95, -50)}));
-        messages.clear();
-        QVERIFY(run.makeTable() > 20);
-        QCOMPARE(newMessages(),
-                 QByteArray("W In &quot;copy.cdf&quot;, 1 of 20 scans has no time; the first is scan 7."));
-        QCOMPARE(run.property(), QByteArray("missing-times 1"));
-        run.importScans(1, 19);
-        QCOMPARE(newMessages(), QByteArray());
-        run.importScan(0);
-        QCOMPARE(newMessages(), QByteArray("W In &quot;copy.cdf&quot;, 1 mass is below 0; the first is in scan 3."));
-        QCOMPARE(run.property(), QByteArray("negative-masses 1, missing-times 1"));
-        run.makeTable();
-        run.importScans(0, 19);
-        run.end();
-        QCOMPARE(newMessages(), QByteArray());
-    }
-
-    // A host may give up, or never begin.
-    void theRestIsToldAtTheEnd()
-    {
-        const QString file = changedCopy(QStringLiteral("gcms"), {put("mass_values", 95, -50)});
-        for (const int last : {-1, 3, 18}) {
-            HostRun run(plugin, file);
-            messages.clear();
-            run.makeTable();
-            run.importScans(0, last);
-            QCOMPARE(messages.size(), 0);
-            run.end();
-            QCOMPARE(messages.size(), last < 3 ? 0 : 1);
-        }
-        HostRun run(plugin, file);
-        run.end();
-        QCOMPARE(messages.size(), 1);
-    }
-
-    void ofPointsWithoutAPlace()
-    {
-        HostRun run(plugin, path(QStringLiteral("gcms")));
-        messages.clear();
-        QVERIFY(run.makeTable() > 20);
-        run.size = 20; // the host's table may be another
-        run.importScans(0, 19);
-        const QByteArray property = run.property();
-        QVERIFY(property.startsWith("unplaced-points "));
-        run.makeTable();
-        run.size = 20;
-        run.importScans(0, 19);
-        QCOMPARE(run.property(), property); // of the second run alone
-        run.passOn();
-        QCOMPARE(messages.size(), 1);
-        run.makeTable();
-        QCOMPARE(run.property(), QByteArray());
-        run.size = 20;
-        run.importScans(0, 19);
-        QCOMPARE(run.property(), property);
-        run.end();
-        QCOMPARE(messages.size(), 1);
-    }
-
-    void ofARightRunTheHostIsToldNothing_data()
-    {
-        const Rows<double> modulation;
-        for (const char *kind : {"gcms", "tic", "library", "sim"})
-            modulation(kind) = 0.0;
-        modulation("gcxgc") = 4.0;
-    }
-    void ofARightRunTheHostIsToldNothing()
-    {
-        HostRun run(plugin, path(QLatin1String(QTest::currentDataTag())));
-        run.copy->setModulation(float(Rows<double>::current()));
-        messages.clear();
-        run.makeTable();
-        run.importScans(0, 19);
-        run.end();
-        QCOMPARE(newMessages(), QByteArray());
-    }
-
-    // GCxGC counts by the modulation that the user gave.
-    void ofAGcxgcRun()
-    {
-        HostRun run(plugin, changedCopy(QStringLiteral("gcxgc"), {add("scan_acquisition_time", 19, 0.1)}));
-        run.copy->setModulation(4.0f);
-        run.makeTable();
-        QCOMPARE(run.property(), QByteArray("odd-times 1, uneven-times 16"));
-    }
-
-    void ofATraceAllIsToldAtTheTable()
-    {
-        HostRun run(plugin,
-                    changedCopy(QStringLiteral("gcms"),
-                                {put("mass_values", 0, notANumber, 600), put("total_intensity", 4, -9999)}));
-        messages.clear();
-        QCOMPARE(run.makeTable(), 0);
-        QCOMPARE(run.property(), QByteArray("bad-totals 1, bad-masses 600"));
-        run.importScan(4);
-        QCOMPARE(run.copy->property("scanFailure").toString(), QStringLiteral("its total intensity is missing"));
-        run.end();
-        QCOMPARE(messages.size(), 2);
-    }
-
-    void ofATraceWithPoints()
-    {
-        HostRun run(plugin, changedCopy(QStringLiteral("tic"), {put("total_intensity", 4, 5)}));
-        QCOMPARE(run.makeTable(), 0);
-        QCOMPARE(run.property(), QByteArray("wrong-totals 1"));
-    }
-
-    void whyAScanCantBeRead()
-    {
-        HostRun run(plugin, changedCopy(QStringLiteral("gcms"), {put("scan_index", 5, 590)}));
-        run.makeTable();
-        run.importScan(4);
-        QVERIFY(run.copy->dynamicPropertyNames() == QByteArrayList{"doubts"});
-        run.importScan(5);
-        QCOMPARE(run.copy->property("scanFailure").toString(),
-                 QStringLiteral("its positions, 590 up to 619, lie outside the 600 of mass_values"));
-        run.importScan(6);
-        QVERIFY(!run.copy->property("scanFailure").isValid());
-    }
-
-    // It would be taken for a trace.
-    void aRefusedReadIsAnError()
-    {
-        HostRun run(plugin, path(QStringLiteral("gcms")));
-        messages.clear();
-        readError = EIO;
-        const int size = run.makeTable();
-        readError = 0;
-        QCOMPARE(size, 0);
-        const QByteArray told = newMessages();
-        QVERIFY2(told.contains("E The system couldn't read &quot;gcms.cdf&quot;")
-                     && told.contains(": Input/output error."),
-                 told.constData());
-        QVERIFY2(told.contains("W In &quot;gcms.cdf&quot;, the masses can't be read"), told.constData());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestDoubts)
