@@ -30,6 +30,14 @@ constexpr struct {
 };
 // clang-format on
 
+QString tableNames()
+{
+    QStringList names;
+    for (const auto &table : tables)
+        names += QLatin1String(table.name);
+    return names.join(QLatin1String(", "));
+}
+
 QString description()
 {
     return QStringLiteral("Converts runs and libraries of mass spectra: .cdf files to %1, .mzML, "
@@ -55,8 +63,8 @@ struct Options {
     const QCommandLineOption noCompression{"no-compression", "mzML: leave the numbers uncompressed."};
     const QCommandLineOption inMinutes{"minutes",
                                        "mzML: write times in minutes, for readers that ignore units."};
-    const QCommandLineOption csv{"csv", "CSV: the table to make: trace, scans, points, matrix or map.",
-                                 "TABLE", "trace"};
+    const QCommandLineOption csv{"csv", QStringLiteral("CSV: the table to make: %1.").arg(tableNames()),
+                                 "TABLE", tables[0].name};
     const QCommandLineOption masses{"masses", "CSV trace: a column for each of these masses.", "M,M,..."};
     const QCommandLineOption bin{
         "bin", "CSV matrix: columns of that many mass units, in place of unit masses.", "WIDTH"};
@@ -159,10 +167,8 @@ private:
             return name == QLatin1String(row.name);
         });
         if (table == std::end(tables))
-            return fail(
-                QStringLiteral(
-                    "There is no CSV table \"%1\": the tables are trace, scans, points, matrix, map.")
-                    .arg(name));
+            return fail(QStringLiteral("There is no CSV table \"%1\": the tables are %2.")
+                            .arg(name, tableNames()));
         conversion->table = table->table;
         if (parser.isSet(options.masses)) {
             for (const QString &mass : parser.value(options.masses).split(QLatin1Char(',')))

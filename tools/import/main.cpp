@@ -3,14 +3,13 @@
 #include "fileimport.h"
 #include "importjson.h"
 #include "importoptions.h"
+#include "importplugin.h"
 #include "interruption.h"
-#include "msinput.h"
 #include "outputfile.h"
 #include "standardoptions.h"
 #include "terminaltext.h"
 
 #include <QApplication>
-#include <QPluginLoader>
 
 #include <cerrno>
 #include <optional>
@@ -75,13 +74,10 @@ int importAll(DVImportAnalysisInterface &prototype, const ImportOptions &options
 
 int runProgram(const ImportOptions &options)
 {
-    QPluginLoader loader(pluginFolder() + QStringLiteral("/Hsk.Dorvane.ImportAiaMs.so"));
-    auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader.instance());
+    ImportPlugin plugin;
+    DVImportAnalysisInterface *prototype = plugin.prototype();
     if (!prototype) {
-        report(loader.isLoaded()
-                   ? QStringLiteral("The file \"%1\" isn't an import plugin.").arg(loader.fileName())
-                   : withFullStop(
-                       QStringLiteral("The plugin can't be loaded: %1").arg(loader.errorString())));
+        report(plugin.fault());
         return Failure;
     }
     const int status = importAll(*prototype, options);

@@ -4,7 +4,6 @@
 #include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
 #include "messageredirection.h"
-#include "msinput.h"
 #include "namecodec.h"
 #include "terminaltext.h"
 
@@ -62,8 +61,7 @@ private:
     std::vector<HostScan> scans_;
 };
 
-HostScans::HostScans(const QString &fileName)
-    : fileName_(fileName), loader_(pluginFolder() + QStringLiteral("/Hsk.Dorvane.ImportAiaMs.so"))
+HostScans::HostScans(const QString &fileName) : fileName_(fileName)
 {
 }
 
@@ -71,10 +69,9 @@ void HostScans::import(qint32 number, const MsRun::Progress &progress)
 {
     const Redirection<Debugger> account([](const QString &) {}); // the running account of the import
     kept_.clear();
-    auto *prototype = dynamic_cast<DVImportAnalysisInterface *>(loader_.instance());
+    DVImportAnalysisInterface *prototype = plugin_.prototype();
     if (!prototype) {
-        fault_ =
-            withFullStop(QStringLiteral("The plugin can't be loaded: %1").arg(loader_.errorString()));
+        fault_ = plugin_.fault();
         return;
     }
     QString reason;

@@ -3,9 +3,8 @@
 #ifndef HOSTSCANS_H
 #define HOSTSCANS_H
 
+#include "importplugin.h"
 #include "msrun.h"
-
-#include <QPluginLoader>
 
 #include <vector>
 
@@ -31,7 +30,7 @@ private:
     void import(qint32 number, const MsRun::Progress &progress);
 
     const QString fileName_;
-    QPluginLoader loader_;
+    ImportPlugin plugin_;
     QString fault_;
     qint32 first_ = 0; // of those that are kept
     std::vector<HostScan> kept_;
