@@ -139,6 +139,9 @@ EvenSeries evenSeriesOf(const std::vector<double> &times, const std::vector<doub
     if (!(range > 0.0) || !std::isfinite(range))
         return {};
     const auto size = std::size_t(span / series.step) + 1;
+    const double by = finest / series.step;
+    if (!(by < double(size)))
+        return {};
     std::size_t behind = 1;
     for (std::size_t i = 0; i < size; ++i) {
         const double time = trace.times.front() + double(i) * series.step;
@@ -150,8 +153,8 @@ EvenSeries evenSeriesOf(const std::vector<double> &times, const std::vector<doub
             trace.totals[behind - 1] + part * (trace.totals[behind] - trace.totals[behind - 1]);
         series.values.push_back(float((total - *least) / range));
     }
-    if (const auto by = std::size_t(finest / series.step); by > 1)
-        thinOut(&series, by);
+    if (by >= 2.0)
+        thinOut(&series, std::size_t(by));
     return series;
 }
 

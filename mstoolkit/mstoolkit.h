@@ -242,8 +242,8 @@ int ms_close(int ncid);
 
 // Returns how many bytes are missing at the end of a file of the classic kinds, opened by ms_open_read,
 // by what its header says. What lies there can't be read: a number of a scan, an entry or a group is then
-// missing, a text is null, and a scan whose counts or vectors lie there fails. Returns 0 for a whole
-// file, another kind of file, and an unknown id.
+// missing, a text is null, and a scan or a group whose counts or arrays lie there fails. Returns 0 for a
+// whole file, another kind of file, and an unknown id.
 quint64 ms_missing_bytes(int ncid);
 
 // Returns the record of an open file, or null for an unknown id. It lives until ms_close; hold the

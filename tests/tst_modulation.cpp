@@ -132,6 +132,10 @@ private slots:
             QVERIFY(std::isnan(ms_guess_modulation(one.times, right.totals).seconds));
         }
         QVERIFY(std::isnan(ms_guess_modulation({}, {}).seconds));
+        Trace shortest = right; // of a run
+        for (double &time : shortest.times)
+            time = (time - 300.0) * 1e-290;
+        QVERIFY(std::isnan(ms_guess_modulation(shortest.times, shortest.totals).seconds));
     }
 
     // In a file, in its two programs.
