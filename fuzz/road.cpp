@@ -173,7 +173,7 @@ void readWithJudgement(const QString &path)
     run.instruments();
     // More groups and scans take time, and are read the same way.
     constexpr qint32 fewGroups = 64;
-    constexpr qint32 fewScans = 1 << 12;
+    constexpr qint32 fewScans = 1 << 9;
     if (run.facts().groups <= fewGroups)
         run.groups();
     if (run.size() > fewScans)
