@@ -69,6 +69,7 @@ public:
         // Or one with which nearly all scans' ranges are those of the masses as they are stored.
         if (is_bad_scale(raw.mass_scale_factor) || tally.stored_masses.holds_where(tally.most_masses))
             list.add(MsDoubtKind::MassScale, 1, QString(), QString::number(raw.mass_scale_factor));
+        look_at_mass_offset();
         if (is_bad_scale(raw.intensity_scale_factor))
             list.add(MsDoubtKind::IntensityScale, 1, QString(),
                      QString::number(raw.intensity_scale_factor));
@@ -86,6 +87,15 @@ public:
     }
 
 private:
+    void look_at_mass_offset()
+    {
+        const int masses = file.variables[MsVar_mass_values];
+        const double offset =
+            masses == -1 ? 0.0 : ms_number_attribute(file.ncid, masses, "add_offset", 0.0);
+        if (offset != 0.0)
+            list.add(MsDoubtKind::MassOffset, 1, QString(), QString::number(offset));
+    }
+
     void look_at_format(MsDoubtKind kind, const char *attribute, qint32 claimed, int slot)
     {
         const char *text = ms_enum_text(claimed);

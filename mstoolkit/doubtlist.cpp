@@ -3,6 +3,7 @@
 #include "columnwalk_p.h"
 #include "countedtext_p.h"
 #include "doubttexts_p.h"
+#include "types_p.h"
 
 #include <netcdf.h>
 
@@ -59,4 +60,15 @@ QByteArray ms_text_attribute(int ncid, int varid, const char *name)
     if (nc_get_att_text(ncid, varid, name, text.data()) != NC_NOERR)
         return QByteArray();
     return text.constData(); // up to a zero byte
+}
+
+double ms_number_attribute(int ncid, int varid, const char *name, double otherwise)
+{
+    nc_type type = NC_NAT;
+    std::size_t length = 0;
+    double number = otherwise;
+    if (nc_inq_att(ncid, varid, name, &type, &length) != NC_NOERR || !ms_is_number(type) || length != 1
+        || nc_get_att_double(ncid, varid, name, &number) != NC_NOERR)
+        return otherwise;
+    return number;
 }

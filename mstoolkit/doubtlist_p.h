@@ -51,4 +51,7 @@ QString ms_range_text(double least, double most);
 // than 200 characters, which nobody would show.
 QByteArray ms_text_attribute(int ncid, int varid, const char *name);
 
+// Returns the number of an attribute of a variable; `otherwise` where it has none, or not just one.
+double ms_number_attribute(int ncid, int varid, const char *name, double otherwise);
+
 #endif // DOUBTLIST_P_H

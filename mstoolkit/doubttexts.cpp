@@ -49,6 +49,8 @@ constexpr MsDoubtRow doubt_rows[] = {
      "In \"%1\", the total intensity of %2 of %3 scans is missing, infinite or no number; the first is %4."},
     {MsDoubtKind::MassScale, "mass-scale", false, true,
      "In \"%1\", the scale_factor of mass_values is %4, which can't be right."},
+    {MsDoubtKind::MassOffset, "mass-offset", false, true,
+     "In \"%1\", mass_values has an add_offset of %4, which isn't used: the template has none for masses."},
     {MsDoubtKind::IntensityScale, "intensity-scale", false, true,
      "In \"%1\", the scale_factor of intensity_values is %4, which can't be right."},
     {MsDoubtKind::IntensityOffset, "intensity-offset", false, true,

@@ -30,6 +30,7 @@ enum class MsDoubtKind {
     NoIntensities,
     BadTotals,
     MassScale,
+    MassOffset,
     IntensityScale,
     IntensityOffset,
     MergedMasses,

@@ -30,6 +30,7 @@
 //     no-intensities      L   scans      the run has neither masses nor a total intensity
 //     bad-totals          L   scans      of a trace: a total intensity that is missing, infinite or NaN
 //     mass-scale              1          a scale_factor of 0, below 0, infinite or NaN, or that the ranges of scans lack
+//     mass-offset             1          mass_values has an add_offset other than 0, which isn't used
 //     intensity-scale         1          the same of the intensities
 //     intensity-offset        1          an add_offset that is infinite or NaN
 //     merged-masses           1          the scale_factor leaves fewer than two masses, where more are stored

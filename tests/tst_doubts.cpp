@@ -140,6 +140,7 @@ private slots:
         changed("no times", "missing-times 20", rename("scan_acquisition_time"));
         changed("mass scale 0", "mass-scale 1, merged-masses 1", putAttribute("mass_values", "scale_factor", 0.0));
         changed("mass scale below 0", "mass-scale 1", putAttribute("mass_values", "scale_factor", -1.0));
+        changed("mass offset", "mass-offset 1", putAttribute("mass_values", "add_offset", 0.5));
         changed("intensity scale NaN", "intensity-scale 1",
                 putAttribute("intensity_values", "scale_factor", notANumber));
         changed("offset NaN", "intensity-offset 1", putAttribute("intensity_values", "add_offset", notANumber));
