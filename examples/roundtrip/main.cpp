@@ -9,8 +9,10 @@ static bool writeRun(const char *path)
     MsFile file = MsFile::create(path, layout);
 
     MsGlobalsDraft globals;
-    char title[] = "Three scans of decane"; // stays ours, as a draft owns nothing
+    char title[] = "Three scans of decane",
+         time[] = "20240312142530+0000"; // stay ours: a draft owns nothing
     globals.admin.experiment_title = title;
+    globals.admin.experiment_date_time_stamp = globals.admin.netcdf_file_date_time_stamp = time;
     globals.raw.raw_data_mass_format = globals.raw.raw_data_intensity_format = MsFloatFormat;
     bool written = file.write(globals);
     for (int i = 0; i < layout.scan_count && written; ++i) {
