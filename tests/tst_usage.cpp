@@ -94,6 +94,7 @@ private slots:
         row("version") = {"aia-info --version", 0, "", "aia-info 1."};
         row("first look of aia-info") = {"aia-info newer.cdf", 1,
                                          "The file \"newer.cdf\" wasn't opened: a first look at it "};
+        row("help that nobody gets") = {"aia-info --help > /dev/full", 1, "Standard output can't be written: "};
         row("device") = {"aia-info /dev/null", 1, "\"/dev/null\" isn't a regular file."};
         row("not netCDF") = {"aia-info text.cdf", 1,
                              "The file \"text.cdf\" isn't a netCDF file, or its header is damaged or cut off."};

@@ -29,7 +29,8 @@ struct Typed {
 struct Drawn {
     QString kind; // of the sample
     QStringList options;
-    QString fault{}; // in place of an image
+    QString fault{};  // in place of an image
+    QString remark{}; // beside it
 };
 
 struct Folded {
@@ -157,6 +158,7 @@ private slots:
         row("trace") = {"gcms", {"--trace"}};
         row("scan") = {"gcms", {"--scan", "344"}};
         row("time") = {"gcms", {"--at", "6.44"}};
+        row("time beyond") = {"gcms", {"--at", "99"}, {}, "no scan at 99.000 min; scan 1999, at 22.990 min, is taken"};
         row("map") = {"gcxgc", {"--map"}};
         row("compound") = {"library", {"--scan", "2"}};
         row("no map") = {"gcms", {"--map"}, "doesn't show the length of the modulation"};
@@ -175,8 +177,8 @@ private slots:
             const QStringList arguments =
                 QStringList{"--size", "400x300", "--image", image} + row.options + QStringList(sample(row.kind));
             const Run drawn = runProgram(AIA_TOOLS "/aia-view", arguments);
-            QVERIFY2(drawn.err.contains(row.fault.toUtf8()), drawn.err);
-            QCOMPARE(drawn.err.isEmpty(), row.fault.isEmpty());
+            QVERIFY2(drawn.err.contains((row.fault + row.remark).toUtf8()), drawn.err);
+            QCOMPARE(drawn.err.isEmpty(), row.fault.isEmpty() && row.remark.isEmpty());
             QCOMPARE(drawn.code, row.fault.isEmpty() ? 0 : 1);
             QCOMPARE(QFile::exists(image), row.fault.isEmpty());
             if (!row.fault.isEmpty())
@@ -188,6 +190,15 @@ private slots:
             QCOMPARE(runProgram(AIA_TOOLS "/aia-view", arguments).code, 2); // without --force
             QCOMPARE(content(image), before);
         }
+    }
+
+    void needsADisplayForItsWindow()
+    {
+        const Run run = runProgram("env",
+                                   {"-u", "QT_QPA_PLATFORM", "-u", "WAYLAND_DISPLAY", "DISPLAY=:99999",
+                                    AIA_TOOLS "/aia-view", sample("gcms")});
+        QCOMPARE(run.code, 1);
+        QVERIFY2(run.err.startsWith("aia-view: The window needs a display"), run.err);
     }
 
     void drawsWhatIsLeft()

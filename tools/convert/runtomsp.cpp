@@ -4,6 +4,7 @@
 #include "fileformat.h"
 #include "mspwriter.h"
 #include "scanwalk.h"
+#include "standardoptions.h"
 #include "terminaltext.h"
 
 #include <cmath>
@@ -86,7 +87,10 @@ private:
         }
         for (const double minutes : options.minutes) {
             const qint32 nearest = run.scanAt(minutes * secondsPerMinute);
-            warnIfOutside(minutes, nearest);
+            const double found = run.spectrum(nearest).time() / secondsPerMinute;
+            const QString remark = remarkOnTime(minutes, nearest, run.size(), found);
+            if (!remark.isNull())
+                log->warn(remark);
             if (!writeScan(nearest))
                 return false;
         }
@@ -97,21 +101,18 @@ private:
         return true;
     }
 
-    void warnIfOutside(double minutes, qint32 nearest) const
-    {
-        const double found = run.spectrum(nearest).time() / secondsPerMinute;
-        if ((nearest == 0 && minutes < found) || (nearest == run.size() - 1 && minutes > found))
-            log->warn(QStringLiteral("The run has no scan at %1; scan %2, at %3, is taken.")
-                          .arg(minuteText(minutes), QString::number(nearest), minuteText(found)));
-    }
-
     bool writeScan(qint32 index)
     {
+        if (index < 0)
+            return log->fail(QStringLiteral("its scans have no times"));
+        if (index >= run.size())
+            return log->fail(
+                ms_counted_text("there is no scan %1: the run has %2 [scan|scans], counted from 0",
+                                run.size(), {QString::number(index), QString::number(run.size())}));
         const MsSpectrum spectrum = run.spectrum(index);
         if (!spectrum.isRead())
-            return log->fail(index < 0 ? QStringLiteral("its scans have no times")
-                                       : QStringLiteral("scan %1 can't be read: %2")
-                                             .arg(QString::number(index), spectrum.failure()));
+            return log->fail(QStringLiteral("scan %1 can't be read: %2")
+                                 .arg(QString::number(index), spectrum.failure()));
         MspEntry entry = pointsOf(spectrum);
         entry.name = title() + QStringLiteral(", scan %1").arg(index);
         if (run.hasSeconds() && !std::isnan(spectrum.time())) {

@@ -1,5 +1,6 @@
 // Plays the host: imports files through the plugin and shows what a host would receive.
 
+#include "display.h"
 #include "fileimport.h"
 #include "importjson.h"
 #include "importoptions.h"
@@ -11,33 +12,9 @@
 
 #include <QApplication>
 
-#include <cerrno>
 #include <optional>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
-
-// Whether a dialog can be shown. An application object ends the process where it can't open a display, so
-// another process tries it.
-bool canOpenDisplay(int argc, char **argv)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        forgetInterruptions();
-        constexpr unsigned patience = 20; // seconds
-        alarm(patience);
-        const rlimit noCore = {0, 0};
-        setrlimit(RLIMIT_CORE, &noCore);
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-        const QApplication application(argc, argv);
-        _exit(0);
-    }
-    int status = 0;
-    while (child != -1 && waitpid(child, &status, 0) == -1 && errno == EINTR) { }
-    return child != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
 
 // Moves the JSON to its place, if there is any. Returns false, after a report, if it can't be.
 bool finishJson(ImportJson &json, OutputFile &output)

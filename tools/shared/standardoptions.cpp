@@ -29,7 +29,9 @@ std::optional<int> StandardOptions::parse(const QStringList &arguments, QCommand
 {
     if (!parser->parse(arguments))
         return refuse(parser->errorText());
-    return answer(*parser) ? std::optional<int>(Success) : std::nullopt;
+    if (!answer(*parser))
+        return std::nullopt;
+    return flushOutput() ? Success : Failure;
 }
 
 // Prints help or version, if the line asks for one of them. Returns whether it did.
@@ -52,6 +54,15 @@ QCommandLineOption forceOption()
 {
     return {QStringLiteral("force"),
             QStringLiteral("Write over a file that exists; never over one that is read.")};
+}
+
+QString remarkOnTime(double minutes, qint32 scan, qint32 count, double found)
+{
+    const bool isOutside = (scan == 0 && minutes < found) || (scan == count - 1 && minutes > found);
+    const auto text = [](double time) { return QString::number(time, 'f', 3); };
+    return isOutside ? QStringLiteral("The run has no scan at %1 min; scan %2, at %3 min, is taken.")
+                           .arg(text(minutes), QString::number(scan), text(found))
+                     : QString();
 }
 
 QString readScanNumber(const QString &text, int *number)

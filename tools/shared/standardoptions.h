@@ -3,6 +3,7 @@
 #define STANDARDOPTIONS_H
 
 #include <QCommandLineOption>
+#include <QtGlobal>
 
 #include <optional>
 
@@ -38,6 +39,10 @@ QCommandLineOption forceOption();
 
 // Reads the number of a scan. Returns the sentence that says why the text is none, or a null text.
 QString readScanNumber(const QString &text, int *number);
+
+// Returns the sentence that says that the run has no scan at `minutes`, but `scan` of `count` at `found`
+// nearest to it; a null text where the time lies within the run.
+QString remarkOnTime(double minutes, qint32 scan, qint32 count, double found);
 
 // Reports an OutputFile's objection. Returns WrongUsage.
 int refuseOutput(const QString &objection);

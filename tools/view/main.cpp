@@ -1,7 +1,9 @@
 // Shows runs and libraries in a window, or draws one to a file.
 
+#include "display.h"
 #include "mainwindow.h"
 #include "standardoptions.h"
+#include "terminaltext.h"
 #include "viewimage.h"
 #include "viewoptions.h"
 
@@ -26,6 +28,12 @@ int main(int argc, char *argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
         // Qt's remarks on the desktop that there isn't.
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    }
+    if (!command.image && !canOpenDisplay(argc, argv)) {
+        report(
+            QStringLiteral("The window needs a display, and none can be opened. The option --image draws "
+                           "a run to a file without one."));
+        return Failure;
     }
     const QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(QStringLiteral(AIA_PROGRAM));

@@ -42,6 +42,9 @@ QString showSpectrum(RunPage *page, const ImageRequest &request)
         return QStringLiteral("The run has no masses, so it has no spectra.");
     if (request.what == What::Time && (!summary.hasTimes || scan == -1))
         return QStringLiteral("No scan of the run has a time.");
+    if (request.what == What::Time && summary.timeUnit == 1.0)
+        return QStringLiteral(
+            "The times of the run aren't in seconds, so --at can't find a scan; --scan can.");
     if (scan >= summary.size)
         return ms_counted_text("There is no scan %1: the run has %2 [scan|scans], counted from 0.",
                                summary.size, {QString::number(scan), QString::number(summary.size)});
@@ -74,8 +77,7 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
     RunPlot *plot = page.trace();
     QString fault;
     if (page.model()->summary().size == 0) {
-        fault = QStringLiteral("The file \"%1\" has no scans, so there is nothing to draw.")
-                    .arg(shownName(fileName));
+        fault = QStringLiteral("It has no scans, so there is nothing to draw.");
     } else if ((request.what == What::Trace || request.what == What::Map)
                && page.model()->summary().kind == MsRun::Kind::Library) {
         fault = QStringLiteral(
@@ -92,9 +94,17 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
         plot = page.spectrum();
         fault = showSpectrum(&page, request);
     }
+    const QString name = QStringLiteral("\"%1\": ").arg(shownName(fileName));
     if (!fault.isNull()) {
-        report(fault);
+        report(name + fault);
         return Failure;
+    }
+    if (request.what == What::Time) {
+        const RunSummary &summary = page.model()->summary();
+        const qint32 scan = page.model()->scanAt(request.minutes);
+        const QString remark = remarkOnTime(request.minutes, scan, summary.size, summary.shownTime(scan));
+        if (!remark.isNull())
+            report(name + remark);
     }
     plot->setParent(nullptr);
     plot->resize(request.width, request.height);
