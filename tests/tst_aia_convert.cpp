@@ -76,6 +76,10 @@ private slots:
         row("no mass") = {"convert plain.cdf -o out.csv --masses 50,x", 2, "no value of the option --masses"};
         row("no table") = {"convert plain.cdf -o out.csv --csv all", 2, "no CSV table"};
         row("jobs") = {"convert plain.cdf -o out.csv --jobs 0", 2, "from 1 to"};
+        row("no use for mzML") = {"convert plain.cdf -o out.mzML --sum 0-1", 2, "--sum goes with MSP only"};
+        row("no use for a table") = {"convert plain.cdf -o out.csv --csv scans --masses 50", 2, "table trace only"};
+        row("no use for .cdf") = {"convert plain.cdf -o out.mzML --ms-level 1", 2, "that are mzML or mzXML only"};
+        row("plain run as a map") = {"convert gcgc.cdf -o out.csv --csv map --modulation 0", 2, "no map of it"};
         row("device") = {"convert plain.cdf -o /dev/null --to cdf", 2,
                          "\"/dev/null\", a pipe or a device: name one on a disk."};
     }
@@ -89,7 +93,7 @@ private slots:
                                      "ncgen -o a.cdf; convert a.cdf -o out.mzML",
                                      1, "no scan can be read; of the first one, scan_index is missing"};
         row("not there") = {"convert no.cdf -o out.mzML", 1, "doesn't exist"};
-        row("not mzML") = {"echo text > no.mzML; convert no.mzML -o out.cdf", 1, "can't be read"};
+        row("not mzML") = {"echo text > no.mzML; convert no.mzML -o out.cdf", 1, "neither mzML nor mzXML"};
         row("mzML that is cut off") = {"convert plain.cdf -o a.mzML && head -c 3000 a.mzML > b.mzML;"
                                        "convert b.mzML -o out.cdf",
                                        1, "can't be read"};
@@ -97,10 +101,10 @@ private slots:
         row("spectra of a trace") = {"convert total-ion.cdf -o out.msp --scan 0", 1, "has no masses"};
         row("points of a trace") = {"convert total-ion.cdf -o out.csv --csv points", 1, "has no masses"};
         row("no choice of spectra") = {"convert plain.cdf -o out.msp", 1, "--scan, --at or --sum"};
-        row("scan that isn't there") = {"convert plain.cdf -o out.msp --scan 5", 1, "scan 5 can't be read"};
+        row("scan that isn't there") = {"convert plain.cdf -o out.msp --scan 5", 1, "no scan 5: the run has 5 scans"};
         row("choice in a library") = {"convert library.cdf -o out.msp --scan 0", 1, "is a library"};
         row("map without a length") = {"convert gcgc.cdf -o out.csv --csv map", 1, "--modulation"};
-        row("no folder") = {"convert plain.cdf -o no/out.mzML", 1, "No such file or directory"};
+        row("no folder") = {"convert plain.cdf -o no/out.mzML", 1, "there is no folder \"no\""};
         row("disk full, mzML") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML", 1, "File too large"};
         row("disk full, packed") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML.gz", 1,
                                     "File too large"};

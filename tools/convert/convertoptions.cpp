@@ -249,6 +249,48 @@ QString nameOutputs(const QStringList &inputs, const QCommandLineParser &parser,
     return QString();
 }
 
+// Returns the sentence that says which option has no effect on what is made, or a null text. All outputs
+// are of one format.
+QString idleOption(const QCommandLineParser &parser, const Options &options, const ConvertOptions &target)
+{
+    const FileFormat made = target.pairs.front().format;
+    const bool isMzMl = made == FileFormat::MzMl || made == FileFormat::MzMlGz;
+    const bool isCsv = made == FileFormat::Csv;
+    const bool isMsp = made == FileFormat::Msp;
+    const auto isTable = [&](CsvTable table) { return isCsv && target.conversion.table == table; };
+    const bool isFromMzMl =
+        std::any_of(target.pairs.begin(), target.pairs.end(),
+                    [](const ConversionPair &pair) { return isMzMlOrMzXml(formatOfName(pair.input)); });
+    // clang-format off
+    const struct {
+        const QCommandLineOption &option;
+        bool isOfUse;
+        const char *with;
+    } rows[] = {
+        {options.noCompression, isMzMl,                             "mzML"},
+        {options.inMinutes,     isMzMl,                             "mzML"},
+        {options.csv,           isCsv,                              "CSV"},
+        {options.delimiter,     isCsv,                              "CSV"},
+        {options.masses,        isTable(CsvTable::Trace),           "the CSV table trace"},
+        {options.bin,           isTable(CsvTable::Matrix),          "the CSV table matrix"},
+        {options.modulation,    isMzMl || isTable(CsvTable::Map),   "mzML and the CSV table map"},
+        {options.scan,          isMsp,                              "MSP"},
+        {options.at,            isMsp,                              "MSP"},
+        {options.sum,           isMsp,                              "MSP"},
+        {options.msLevel,       isFromMzMl,                         "inputs that are mzML or mzXML"},
+        {options.polarity,      isFromMzMl,                         "inputs that are mzML or mzXML"},
+    };
+    // clang-format on
+    for (const auto &row : rows) {
+        if (parser.isSet(row.option) && !row.isOfUse)
+            return QStringLiteral("The option --%1 goes with %2 only.")
+                .arg(row.option.names().last(), QLatin1String(row.with));
+    }
+    if (isTable(CsvTable::Map) && target.conversion.modulation == 0.0)
+        return QStringLiteral("With --modulation 0, a run isn't modulated, so there is no map of it.");
+    return QString();
+}
+
 // Returns the sentence that says why an output mustn't be written, or a null text.
 QString objectionTo(const ConvertOptions &options, const QStringList &inputs)
 {
@@ -291,7 +333,9 @@ std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions
     if (!values.mistake().isNull())
         return refuse(values.mistake());
     const QStringList inputs = namesOfFiles(parser.positionalArguments());
-    const QString mistake = nameOutputs(inputs, parser, options, &target->pairs);
+    QString mistake = nameOutputs(inputs, parser, options, &target->pairs);
+    if (mistake.isNull() && !parser.isSet(options.part)) // a worker may have one of the files that others need
+        mistake = idleOption(parser, options, *target);
     if (!mistake.isNull())
         return refuse(mistake);
     const QString objection = objectionTo(*target, inputs);

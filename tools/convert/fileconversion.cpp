@@ -53,9 +53,7 @@ private:
             sentence = obstacle;
             return false;
         }
-        const FileFormat from = formatOfName(pair.input);
-        const bool isMzMl =
-            from == FileFormat::MzMl || from == FileFormat::MzMlGz || from == FileFormat::MzXml;
+        const bool isMzMl = isMzMlOrMzXml(formatOfName(pair.input));
         if (isMzMl && pair.format != FileFormat::Cdf)
             return log.fail(QStringLiteral("such files become .cdf files, which become all the others"));
         if (isMzMl)
@@ -94,6 +92,7 @@ private:
             messages.drop(doubt.text); // which is said here
             doubt.isLoss ? log.lose(doubt.text) : log.warn(doubt.text);
         }
+        messages.dropCutOff(); // a doubt says it
     }
 
     bool writeRun(const MsRun &source)

@@ -41,6 +41,11 @@ FileFormat formatCalled(const QString &word)
     return row == std::end(formats) ? FileFormat::Unknown : row->format;
 }
 
+bool isMzMlOrMzXml(FileFormat format)
+{
+    return format == FileFormat::MzMl || format == FileFormat::MzMlGz || format == FileFormat::MzXml;
+}
+
 QStringList writtenFormats()
 {
     QStringList words;

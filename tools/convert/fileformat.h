@@ -13,6 +13,9 @@ FileFormat formatOfName(const QString &name);
 // Returns the format called that, which is the end of names without its dot.
 FileFormat formatCalled(const QString &word);
 
+// Whether it is one that becomes .cdf alone.
+bool isMzMlOrMzXml(FileFormat format);
+
 // Returns what --to takes, in the order in which it is listed.
 QStringList writtenFormats();
 

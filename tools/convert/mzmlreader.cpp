@@ -347,7 +347,9 @@ bool convertToCdf(const QString &input, const QByteArray &path, const Conversion
     } catch (const std::bad_alloc &) {
         throw;
     } catch (const std::exception &reason) { // all that the library throws
-        return log->fail(QStringLiteral("it can't be read, and may be cut off or damaged: %1")
-                             .arg(QString::fromUtf8(reason.what()).simplified()));
+        const QString text = QString::fromUtf8(reason.what()).simplified();
+        if (text.contains(QLatin1String("Unsupported file format")))
+            return log->fail(QStringLiteral("it is neither mzML nor mzXML"));
+        return log->fail(QStringLiteral("it can't be read, and may be cut off or damaged: %1").arg(text));
     }
 }
