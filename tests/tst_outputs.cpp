@@ -117,7 +117,7 @@ private slots:
         row("data file that is new") = {"import --force --json new.cdf run.cdf", 2, "data file"};
         row("link to a data file") = {"import --force --json soft.json " + fixture("plain"), 2, "data file"};
         row("folder") = {"import --force --json folder run.cdf", 2, "is a folder"};
-        row("folder that isn't there") = {"import --json no/new.json run.cdf", 1, "No such file or directory"};
+        row("folder that isn't there") = {"import --json no/new.json run.cdf", 1, "there is no folder \"no\""};
         row("folder that takes no files") = {"import --json /proc/new.json run.cdf", 1, "takes no new file"};
         row("pipe") = {"mkfifo pipe; cat pipe > old.json & import --json pipe run.cdf; s=$?; wait; exit $s", 0, "",
                        "{"};

@@ -133,8 +133,13 @@ bool OutputFile::open()
     handle = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle == -1) {
         temporary.clear();
-        error = QStringLiteral("The file \"%1\" can't be written, as its folder takes no new file: %2.")
-                    .arg(name, qt_error_string(errno));
+        const fs::path folder = fs::path(target.toStdString()).parent_path();
+        const QString ofSystem = qt_error_string(errno);
+        std::error_code unknown;
+        const QString reason = folder.empty() || fs::is_directory(folder, unknown)
+            ? QStringLiteral("its folder takes no new file: ") + ofSystem
+            : QStringLiteral("there is no folder \"%1\"").arg(QFile::decodeName(folder.c_str()));
+        error = QStringLiteral("The file \"%1\" can't be written, as %2.").arg(name, reason);
         return false;
     }
     unfinished = temporary.constData();

@@ -47,5 +47,5 @@ void Conversion::finish(const QString &output, bool isDone)
     process_->deleteLater();
     process_ = nullptr;
     emit said(isDone ? QStringLiteral("The run was converted to \"%1\". %2").arg(output, words).trimmed()
-                     : QStringLiteral("The run wasn't converted. %1").arg(words));
+                     : QStringLiteral("The run wasn't converted, or not in full. %1").arg(words));
 }
