@@ -24,6 +24,7 @@ import os
 import pathlib
 import shutil
 import subprocess
+import sys
 from collections.abc import Callable, Iterable
 
 import dask
@@ -368,7 +369,12 @@ def main(arguments: list[str] | None = None) -> int:
     if not 0 <= part < parts:
         parser.error("--part wants I/N, with I from 0 to N - 1.")
     # All files take part in the choice of names, so that no two parts write the same output.
-    tasks = _outputs(given.paths, given.folder, _suffix(given.format))[part::parts]
+    try:
+        tasks = _outputs(given.paths, given.folder, _suffix(given.format))[part::parts]
+    except OSError as failure:
+        parser.exit(1, f'{parser.prog}: The folder "{given.folder}" can\'t be made: {failure.strerror}.\n')
+    except ValueError as failure:
+        parser.exit(1, f"{parser.prog}: {failure}\n")
     table = os.path.join(given.folder, f"part-{part}-of-{parts}.csv")
     text = {"index": False, "errors": "surrogateescape"}  # names of files are any bytes
     done = _frame(_DONE)
@@ -378,7 +384,7 @@ def main(arguments: list[str] | None = None) -> int:
         done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
         done = done[(done.error == "") & done.output.map(os.path.lexists)]
     done.to_csv(table, **text)
-    failed = False
+    failed = 0
     kept = set(done.file)
     for name, output, existed in tasks:
         if name in kept:
@@ -387,7 +393,9 @@ def main(arguments: list[str] | None = None) -> int:
         existed = existed and (since is None or os.path.getmtime(output) < since)
         row = _store((name, output, existed), given.format, given.overwrite)
         row.to_csv(table, mode="a", header=False, **text)
-        failed = failed or row.error[0] != ""
+        failed += row.error[0] != ""
+    if failed:
+        print(f'{parser.prog}: {failed} of {len(tasks)} files have no output: "{table}" says why.', file=sys.stderr)
     return 1 if failed else 0
 
 

@@ -187,9 +187,13 @@ def test_attributes(folder, tmp_path):
     assert len(table) == RUNS and table.no_such.isna().all() and table.experiment_title.notna().all()
 
 
-def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path):
+def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path, capsys):
     command = [str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part"]
     assert [archive.main([*command, f"{part}/3"]) for part in range(3)] == [1, 1, 0]
+    assert capsys.readouterr().err.count("1 of 5 files have no output: ") == 2
+    with pytest.raises(SystemExit, match="1"):
+        archive.main([str(folder / "text.cdf"), "x.cdf"])
+    assert "File exists" in capsys.readouterr().err
     # The first was killed when an output was made, and is started anew. Somebody removed another one.
     (tmp_path / "run-05.csv").unlink()
     table = tmp_path / "part-0-of-3.csv"
