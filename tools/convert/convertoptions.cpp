@@ -334,7 +334,7 @@ std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions
         return refuse(values.mistake());
     const QStringList inputs = namesOfFiles(parser.positionalArguments());
     QString mistake = nameOutputs(inputs, parser, options, &target->pairs);
-    if (mistake.isNull() && !parser.isSet(options.part)) // a worker may have one of the files that others need
+    if (mistake.isNull() && !parser.isSet(options.part)) // a worker has one file and the options of all
         mistake = idleOption(parser, options, *target);
     if (!mistake.isNull())
         return refuse(mistake);
