@@ -211,8 +211,11 @@ private:
         std::vector<double> row(columns.size());
         return end(walk(ScanWalk::Second, [&](const MsSpectrum &spectrum) {
             std::fill(row.begin(), row.end(), 0.0);
-            for (qint32 i = 0; i < spectrum.size(); ++i)
-                row[columns.find(binOf(spectrum.masses()[i]))->second] += spectrum.intensities()[i];
+            for (qint32 i = 0; i < spectrum.size(); ++i) {
+                const auto column = columns.find(binOf(spectrum.masses()[i]));
+                if (column != columns.end()) // none where the file was changed meanwhile, which is told
+                    row[column->second] += spectrum.intensities()[i];
+            }
             csv.whole(spectrum.index());
             csv.number(spectrum.time());
             for (const double cell : row)
