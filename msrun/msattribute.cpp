@@ -36,6 +36,23 @@ Place placeOf(int ncid, const MsAttributeRow &row)
     return place;
 }
 
+// Returns how many bytes of UTF-8 are there without the part of a letter that they may end with.
+int sizeOfWholeLetters(const QByteArray &bytes)
+{
+    constexpr int mostFollowing = 3; // bytes of a letter behind its first one
+    for (int following = 0; following < std::min(mostFollowing, bytes.size()); ++following) {
+        const int place = bytes.size() - 1 - following;
+        const auto byte = uchar(bytes[place]);
+        if (byte >= 0xc0) {
+            const int needed = byte >= 0xf0 ? 3 : byte >= 0xe0 ? 2 : 1;
+            return following < needed ? place : bytes.size();
+        }
+        if (byte < 0x80)
+            break;
+    }
+    return bytes.size();
+}
+
 } // namespace
 
 bool isStated(int ncid, const MsAttributeRow &row)
@@ -46,7 +63,13 @@ bool isStated(int ncid, const MsAttributeRow &row)
 QString textFromFile(const char *bytes)
 {
     const QString text = QString::fromUtf8(bytes);
-    return text.toUtf8() == bytes ? text : QString::fromLatin1(bytes);
+    if (text.toUtf8() == bytes)
+        return text;
+    // A text that was cut off to fit its field may end within a letter, which isn't there then.
+    const QByteArray whole = QByteArray(bytes).left(sizeOfWholeLetters(bytes));
+    const QString cut = QString::fromUtf8(whole);
+    const bool isUtf8 = cut.size() < whole.size() && cut.toUtf8() == whole;
+    return isUtf8 ? cut : QString::fromLatin1(bytes);
 }
 
 QString statedText(int ncid, const MsAttributeRow &row)
