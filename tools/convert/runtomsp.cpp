@@ -39,6 +39,11 @@ public:
                 "%1 [spectrum|spectra] without peaks [is|are] left out: %2%3.", leftOut.size(),
                 {QString::number(leftOut.size()), leftOut.mid(0, mostNamed).join(QLatin1String(", ")),
                  leftOut.size() > mostNamed ? QStringLiteral(", ...") : QString()}));
+        if (wrongCasNumbers > 0)
+            log->warn(ms_counted_text(
+                "%1 CAS [number|numbers] can't be right, as the last digit doesn't fit the others; "
+                "the first is %2.",
+                wrongCasNumbers, {QString::number(wrongCasNumbers), firstWrongCas}));
         if (pointsLeftOut > 0)
             log->warn(ms_counted_text(
                 "%1 [point|points] below m/z 1 or of a negative intensity [is|are] left out.",
@@ -62,9 +67,12 @@ private:
         return isWhole || (output.hasFailed() ? false : log->fail(QStringLiteral("it was interrupted")));
     }
 
-    MspEntry compoundOf(const MsSpectrum &spectrum) const
+    MspEntry compoundOf(const MsSpectrum &spectrum)
     {
-        MspEntry entry = entryOf(run.compound(spectrum.index()), spectrum.index());
+        const MsCompound compound = run.compound(spectrum.index());
+        MspEntry entry = entryOf(compound, spectrum.index());
+        if (compound.casNumber > 0 && !isCasNumber(compound.casNumber) && wrongCasNumbers++ == 0)
+            firstWrongCas = entry.casNumber;
         MspEntry points = pointsOf(spectrum);
         entry.masses = std::move(points.masses);
         entry.intensities = std::move(points.intensities);
@@ -173,6 +181,8 @@ private:
     ConversionLog *log;
     QStringList leftOut;
     qint64 pointsLeftOut = 0; // of spectra
+    qint64 wrongCasNumbers = 0;
+    QString firstWrongCas;
     int written = 0;
 };
 

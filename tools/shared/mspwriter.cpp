@@ -14,24 +14,31 @@ constexpr struct {
     char16_t letter;
     const char *spelling;
 } spellings[] = {
-    {u'\u00b1', "+/-"},     {u'\u00b2', "2"},       {u'\u00b3', "3"},       {u'\u00b0', "deg"},
-    {u'\u00b5', "u"},       {u'\u00b7', "."},       {u'\u00b9', "1"},       {u'\u00c6', "AE"},
-    {u'\u00d7', "x"},       {u'\u00d8', "O"},       {u'\u00df', "ss"},      {u'\u00e6', "ae"},
-    {u'\u00f8', "o"},       {u'\u0141', "L"},       {u'\u0142', "l"},       {u'\u0152', "OE"},
-    {u'\u0153', "oe"},      {u'\u0391', "Alpha"},   {u'\u0392', "Beta"},    {u'\u0393', "Gamma"},
-    {u'\u0394', "Delta"},   {u'\u0395', "Epsilon"}, {u'\u03a9', "Omega"},   {u'\u03b1', "alpha"},
-    {u'\u03b2', "beta"},    {u'\u03b3', "gamma"},   {u'\u03b4', "delta"},   {u'\u03b5', "epsilon"},
-    {u'\u03b6', "zeta"},    {u'\u03b7', "eta"},     {u'\u03b8', "theta"},   {u'\u03b9', "iota"},
-    {u'\u03ba', "kappa"},   {u'\u03bb', "lambda"},  {u'\u03bc', "mu"},      {u'\u03bd', "nu"},
-    {u'\u03be', "xi"},      {u'\u03bf', "omicron"}, {u'\u03c0', "pi"},      {u'\u03c1', "rho"},
-    {u'\u03c3', "sigma"},   {u'\u03c4', "tau"},     {u'\u03c5', "upsilon"}, {u'\u03c6', "phi"},
-    {u'\u03c7', "chi"},     {u'\u03c8', "psi"},     {u'\u03c9', "omega"},   {u'\u2010', "-"},
-    {u'\u2011', "-"},       {u'\u2012', "-"},       {u'\u2013', "-"},       {u'\u2014', "-"},
-    {u'\u2018', "'"},       {u'\u2019', "'"},       {u'\u201c', "\""},      {u'\u201d', "\""},
-    {u'\u2032', "'"},       {u'\u2033', "''"},      {u'\u2192', "->"},      {u'\u2212', "-"},
+    {u'\u00ab', "\""},       {u'\u00b0', "deg"},      {u'\u00b1', "+/-"},      {u'\u00b5', "u"},
+    {u'\u00b7', "."},        {u'\u00bb', "\""},       {u'\u00c6', "AE"},       {u'\u00d0', "D"},
+    {u'\u00d7', "x"},        {u'\u00d8', "O"},        {u'\u00de', "Th"},       {u'\u00df', "ss"},
+    {u'\u00e6', "ae"},       {u'\u00f0', "d"},        {u'\u00f8', "o"},        {u'\u00fe', "th"},
+    {u'\u0110', "D"},        {u'\u0111', "d"},        {u'\u0131', "i"},        {u'\u0141', "L"},
+    {u'\u0142', "l"},        {u'\u0152', "OE"},       {u'\u0153', "oe"},       {u'\u0391', "Alpha"},
+    {u'\u0392', "Beta"},     {u'\u0393', "Gamma"},    {u'\u0394', "Delta"},    {u'\u0395', "Epsilon"},
+    {u'\u0396', "Zeta"},     {u'\u0397', "Eta"},      {u'\u0398', "Theta"},    {u'\u0399', "Iota"},
+    {u'\u039a', "Kappa"},    {u'\u039b', "Lambda"},   {u'\u039c', "Mu"},       {u'\u039d', "Nu"},
+    {u'\u039e', "Xi"},       {u'\u039f', "Omicron"},  {u'\u03a0', "Pi"},       {u'\u03a1', "Rho"},
+    {u'\u03a3', "Sigma"},    {u'\u03a4', "Tau"},      {u'\u03a5', "Upsilon"},  {u'\u03a6', "Phi"},
+    {u'\u03a7', "Chi"},      {u'\u03a8', "Psi"},      {u'\u03a9', "Omega"},    {u'\u03b1', "alpha"},
+    {u'\u03b2', "beta"},     {u'\u03b3', "gamma"},    {u'\u03b4', "delta"},    {u'\u03b5', "epsilon"},
+    {u'\u03b6', "zeta"},     {u'\u03b7', "eta"},      {u'\u03b8', "theta"},    {u'\u03b9', "iota"},
+    {u'\u03ba', "kappa"},    {u'\u03bb', "lambda"},   {u'\u03bc', "mu"},       {u'\u03bd', "nu"},
+    {u'\u03be', "xi"},       {u'\u03bf', "omicron"},  {u'\u03c0', "pi"},       {u'\u03c1', "rho"},
+    {u'\u03c2', "sigma"},    {u'\u03c3', "sigma"},    {u'\u03c4', "tau"},      {u'\u03c5', "upsilon"},
+    {u'\u03c6', "phi"},      {u'\u03c7', "chi"},      {u'\u03c8', "psi"},      {u'\u03c9', "omega"},
+    {u'\u2010', "-"},        {u'\u2011', "-"},        {u'\u2012', "-"},        {u'\u2013', "-"},
+    {u'\u2014', "-"},        {u'\u2018', "'"},        {u'\u2019', "'"},        {u'\u201c', "\""},
+    {u'\u201d', "\""},       {u'\u2032', "'"},        {u'\u2033', "''"},       {u'\u2044', "/"},
+    {u'\u2192', "->"},       {u'\u2212', "-"},        {u'\u2264', "<="},       {u'\u2265', ">="},
 };
 // clang-format on
-static_assert(std::size(spellings) == 60);
+static_assert(std::size(spellings) == 88);
 
 void putText(TextOutput &output, const char *field, const QString &text)
 {
@@ -72,6 +79,9 @@ QByteArray asciiLine(const QString &text)
             line += char(letter.unicode());
         else if (spelling != std::end(spellings))
             line += spelling->spelling;
+        else if (const QString plain = QString(letter).normalized(QString::NormalizationForm_KD);
+                 plain != letter)
+            line += asciiLine(plain); // of a small digit, say
         else if (!letter.isMark() && !letter.isLowSurrogate())
             line += '?';
     }
@@ -88,6 +98,16 @@ QString casText(qint32 number)
         .arg(number % 10);
 }
 
+bool isCasNumber(qint32 number)
+{
+    constexpr qint32 first = 50000; // 50-00-0
+    qint32 sum = 0;
+    qint32 weight = 1;
+    for (qint32 digits = number / 10; digits > 0; digits /= 10)
+        sum += weight++ * (digits % 10);
+    return number >= first && sum % 10 == number % 10;
+}
+
 MspEntry entryOf(const MsCompound &compound, qint32 number)
 {
     constexpr double secondsPerMinute = 60.0;
@@ -98,10 +118,11 @@ MspEntry entryOf(const MsCompound &compound, qint32 number)
     if (!compound.casName.isNull() && compound.casName != compound.name)
         entry.synonyms += compound.casName;
     entry.formula = compound.formula;
-    entry.molecularWeight = !std::isnan(compound.chemicalMass) ? compound.chemicalMass
-        : compound.nominalMass > 0                             ? double(compound.nominalMass)
-                                                               : entry.molecularWeight;
-    entry.exactMass = compound.accurateMass;
+    entry.molecularWeight = compound.chemicalMass > 0.0 ? compound.chemicalMass
+        : compound.nominalMass > 0                      ? double(compound.nominalMass)
+                                                        : entry.molecularWeight;
+    if (compound.accurateMass > 0.0) // nothing weighs nothing
+        entry.exactMass = compound.accurateMass;
     entry.casNumber = casText(compound.casNumber);
     entry.retentionIndex = compound.retentionIndex;
     entry.minutes = compound.absoluteRetention / secondsPerMinute;

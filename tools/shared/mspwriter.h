@@ -32,6 +32,9 @@ MspEntry entryOf(const MsCompound &compound, qint32 entry);
 // Returns a CAS number with its hyphens; null for none.
 QString casText(qint32 number);
 
+// Whether a CAS number can be one: its last digit checks the others.
+bool isCasNumber(qint32 number);
+
 // Whether MSP has such a point: from mass 1 on, with a finite intensity above 0.
 bool isMspPeak(double mass, double intensity);
 
