@@ -62,8 +62,10 @@ private:
         set("source_file_format", isMzXml ? QStringLiteral("mzXML") : QStringLiteral("mzML"));
         set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));
         const QDateTime start = QDateTime::fromString(textOf(source.run.startTimeStamp), Qt::ISODate);
-        if (start.isValid())
-            set("experiment_date_time_stamp", QString::fromLatin1(stampOf(start)));
+        if (start.isValid()) // a local time is one without a zone, and stays so
+            set("experiment_date_time_stamp",
+                start.timeSpec() == Qt::LocalTime ? start.toString(QStringLiteral("yyyyMMddhhmmss"))
+                                                  : QString::fromLatin1(stampOf(start)));
         if (!source.fileDescription.contacts.empty()) {
             const Contact &contact = source.fileDescription.contacts.front();
             set("operator_name", textOf(contact.cvParam(MS_contact_name).value));
