@@ -158,6 +158,11 @@ private slots:
             "convert a.cdf -o b.msp; head -3 b.msp > out",
             0, "1 point below m/z 1 or of a negative intensity is left out",
             "Name: Entry 0\nCAS#: 71-43-2\nNum Peaks: 1\n"};
+        row("letters that aren't ASCII, the last one cut off, and a wrong CAS number") = {
+            "ncdump library.cdf | sed 's/Benzene/\u03a3-C\u2086 \u2026 \u00b5\u00e9/; s/71432/71433/' | ncgen -o a.cdf;"
+            "convert a.cdf -o b.msp; head -2 b.msp > out",
+            0, "1 CAS number can't be right, as the last digit doesn't fit the others; the first is 71-43-3",
+            "Name: Sigma-C6 ... u\nCAS#: 71-43-3\n"};
         row("scan and sum") = {"convert plain.cdf --scan 1 --sum 0.09-0.1 -o - --to msp > out", 0, "",
                                "Name: Five scans, scan 1, 0.097 min\nRT: 0.09666666666666666\nNum Peaks: 2\n"
                                "50.02 50\n91.05 300\n\n"
@@ -249,6 +254,20 @@ private slots:
             "-9999/' |"
             "ncgen -o a.cdf; convert a.cdf -o a.mzML; grep -cE '100050[01]' a.mzML > out",
             0, "ranges of masses with one end", "4\n"};
+        row("formats of masses and intensities, through mzML") = {
+            "ncdump plain.cdf | sed 's/float mass_values/double mass_values/' | ncgen -o a.cdf;"
+            "for i in plain a; do convert $i.cdf -o $i.mzML; convert $i.mzML -o b.cdf --force;"
+            "ncdump -h b.cdf | grep -o '[a-z]* [a-z]*_values(' >> out; done",
+            0, "", "float mass_values(\nfloat intensity_values(\ndouble mass_values(\nfloat intensity_values(\n"};
+        row("packed arrays without numbers") = {
+            "convert plain.cdf -o a.mzML; sed -Ei 's/dLength=.0.>/dLength=\"12\">/; s/<binary(\\/>|><\\/binary>)/"
+            "<binary>eJwDAAAAAAE=<\\/binary>/' a.mzML; grep -c eJwDAAAAAAE a.mzML > out;"
+            "convert a.mzML -o b.cdf && ncdump -v point_count b.cdf | grep 'count = ' >> out",
+            0, "", "2\n point_count = 3, 2, 0, 4, 1 ;\n"};
+        row("a start in mzML without a zone") = {
+            "sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML; sed -i '/experiment_date/d; s/30Z/30/' a.mzML;"
+            "convert a.mzML -o b.cdf && ncdump -h b.cdf | grep -o 'experiment_date.*' > out",
+            0, "", "experiment_date_time_stamp = \"20240312142530\" ;\n"};
         row("trace in 64 bits") = {"convert plain.cdf -o a.mzML && grep -c 1000523 a.mzML > out", 0, "", "2\n"};
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"

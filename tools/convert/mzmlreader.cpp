@@ -1,5 +1,6 @@
 #include "mzmlreader.h"
 
+#include "arrayformats.h"
 #include "cdfdescription.h"
 #include "cdfwriter.h"
 #include "commonnumbers.h"
@@ -11,13 +12,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <exception>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
-#include <pwiz/utility/misc/random_access_compressed_ifstream.hpp>
 
 using namespace pwiz::cv;
 using namespace pwiz::msdata;
@@ -65,20 +67,6 @@ bool isTotal(const ChromatogramList &list, std::size_t place)
     return list.chromatogram(place, false)->hasCVParam(MS_total_ion_current_chromatogram);
 }
 
-// Whether the first arrays of the file are of 32 bits: the library makes doubles of all and doesn't tell.
-// The answer is a guess where a file names the precision elsewhere; the numbers themselves decide then.
-bool hasNarrowArrays(const QString &input)
-{
-    pwiz::util::random_access_compressed_ifstream file(QFile::encodeName(input).constData());
-    constexpr std::size_t enough = 1 << 18;
-    std::string beginning(enough, '\0');
-    file.read(&beginning[0], std::streamsize(enough));
-    beginning.resize(std::size_t(std::max<std::streamsize>(file.gcount(), 0)));
-    const auto has = [&beginning](const char *text) { return beginning.find(text) != std::string::npos; };
-    return (has("MS:1000521") || has("precision=\"32\"")) && !has("MS:1000523")
-        && !has("precision=\"64\"");
-}
-
 class MzMlConversion
 {
 public:
@@ -97,11 +85,12 @@ public:
             return false;
         findTrace(); // the spectra have the total ion current
         description.emplace(source, input, choice);
-        const bool isNarrow = hasNarrowArrays(input);
+        formats = firstArrayFormats(input);
         bool doesFit = true;
-        bool isWritten = writeAs(path, isNarrow ? MsFloatFormat : MsDoubleFormat, &doesFit);
-        if (!doesFit)
-            isWritten = writeAs(path, MsDoubleFormat, &doesFit);
+        bool isWritten = false;
+        do
+            isWritten = writeAs(path, &doesFit);
+        while (!doesFit); // with a wider format
         return isWritten;
     }
 
@@ -147,7 +136,7 @@ private:
         description.emplace(source, input, choice);
         const CVID timeUnit = trace->getTimeArray()->cvParam(MS_time_array).units;
         description->setUnit(trace->getIntensityArray()->cvParam(MS_intensity_array).units);
-        CdfWriter::Head head = headOf(pairs.size(), MsDoubleFormat);
+        CdfWriter::Head head = headOf(pairs.size());
         head.layout.has_mass_values = false;
         head.layout.has_time_values = true;
         CdfWriter writer(path, head, log);
@@ -167,13 +156,14 @@ private:
         return (isWritten && writer.finish()) || log->fail(writer.failure());
     }
 
-    // Writes the file with points of that format. `doesFit` becomes false where a number needs more.
-    bool writeAs(const QByteArray &path, qint32 format, bool *doesFit)
+    // Writes the file with points of those formats. Where a number needs more, its format becomes double
+    // and `doesFit` false.
+    bool writeAs(const QByteArray &path, bool *doesFit)
     {
         *doesFit = true;
         withoutData = 0;
         readUnit();
-        CdfWriter writer(path, headOf(choice.spectra.size(), format), log);
+        CdfWriter writer(path, headOf(choice.spectra.size()), log);
         if (!writer.failure().isNull())
             return log->fail(writer.failure());
         const auto count = int(choice.spectra.size());
@@ -181,14 +171,13 @@ private:
         for (int i = 0; i < count; ++i) {
             if (isInterrupted())
                 return log->fail(QStringLiteral("it was interrupted"));
-            const SpectrumPtr spectrum =
-                source.run.spectrumListPtr->spectrum(choice.spectra[std::size_t(i)], true);
-            if (!takePoints(*spectrum, format)) {
+            const SpectrumPtr spectrum = spectrumAt(i);
+            if (!takePoints(*spectrum)) {
                 *doesFit = false;
                 return false;
             }
             warnOfRest(*spectrum);
-            if (!writer.add(scanOf(*spectrum, i, format)))
+            if (!writer.add(scanOf(*spectrum, i)))
                 return log->fail(writer.failure());
             if (i % step == 0)
                 progress->show(i, count);
@@ -199,6 +188,22 @@ private:
                 "of netCDF [is|are] left out.",
                 withoutData));
         return writer.finish() || log->fail(writer.failure());
+    }
+
+    // Returns a spectrum that was chosen, with its points.
+    SpectrumPtr spectrumAt(int place) const
+    {
+        const std::size_t index = choice.spectra[std::size_t(place)];
+        try {
+            return source.run.spectrumListPtr->spectrum(index, true);
+        } catch (const std::runtime_error &reason) {
+            // The library takes packed arrays without numbers for damaged ones.
+            const SpectrumPtr spectrum = source.run.spectrumListPtr->spectrum(index, false);
+            if (spectrum->defaultArrayLength > 0 || !std::strstr(reason.what(), "Compression error"))
+                throw;
+            spectrum->binaryDataArrayPtrs.clear();
+            return spectrum;
+        }
     }
 
     // Says what of a spectrum has no place in the template.
@@ -215,14 +220,14 @@ private:
             log->warn(QStringLiteral("The scan windows of a spectrum become one range."));
     }
 
-    CdfWriter::Head headOf(std::size_t scanCount, qint32 format)
+    CdfWriter::Head headOf(std::size_t scanCount)
     {
         CdfWriter::Head head;
         head.layout.experiment_type = description->globals.admin.experiment_type;
         head.layout.scan_count = qint32(scanCount);
-        head.layout.mass_format = format;
+        head.layout.mass_format = formats[0];
         head.layout.time_format = MsDoubleFormat;
-        head.layout.intensity_format = format;
+        head.layout.intensity_format = formats[1];
         head.globals = &description->globals;
         for (const auto &instrument : description->instruments)
             head.instruments.push_back(&instrument);
@@ -231,13 +236,14 @@ private:
 
     void readUnit()
     {
-        const SpectrumPtr spectrum = source.run.spectrumListPtr->spectrum(choice.spectra.front(), true);
+        const SpectrumPtr spectrum = spectrumAt(0);
         const BinaryDataArrayPtr array = spectrum->getIntensityArray();
         description->setUnit(array ? array->cvParam(MS_intensity_array).units : CVID_Unknown);
     }
 
-    // Puts the points in the order of their masses. Returns false where the format can't hold one.
-    bool takePoints(const Spectrum &spectrum, qint32 format)
+    // Puts the points in the order of their masses. Where a format can't hold one of their numbers, it
+    // becomes double, and the result is false.
+    bool takePoints(const Spectrum &spectrum)
     {
         const BinaryDataArrayPtr massArray = spectrum.getMZArray();
         const BinaryDataArrayPtr intensityArray = spectrum.getIntensityArray();
@@ -257,20 +263,21 @@ private:
             std::stable_sort(points.begin(), points.end(), isLighter);
             log->warn(QStringLiteral("The points of some spectra are put in the order of their masses."));
         }
-        doubles[0].clear();
-        doubles[1].clear();
-        floats[0].clear();
-        floats[1].clear();
-        for (const auto &point : points) {
-            if (format == MsDoubleFormat) {
-                doubles[0].push_back(point.first);
-                doubles[1].push_back(point.second);
-                continue;
+        for (std::size_t axis = 0; axis < formats.size(); ++axis) {
+            doubles[axis].clear();
+            floats[axis].clear();
+            for (const auto &point : points) {
+                const double number = axis == 0 ? point.first : point.second;
+                if (formats[axis] == MsDoubleFormat) {
+                    doubles[axis].push_back(number);
+                    continue;
+                }
+                floats[axis].push_back(float(number));
+                if (double(floats[axis].back()) != number) {
+                    formats[axis] = MsDoubleFormat;
+                    return false;
+                }
             }
-            floats[0].push_back(float(point.first));
-            floats[1].push_back(float(point.second));
-            if (double(floats[0].back()) != point.first || double(floats[1].back()) != point.second)
-                return false;
         }
         return true;
     }
@@ -280,7 +287,7 @@ private:
         return one.first < other.first;
     }
 
-    MsScanDraft scanOf(const Spectrum &spectrum, int place, qint32 format)
+    MsScanDraft scanOf(const Spectrum &spectrum, int place)
     {
         MsScanDraft scan(place);
         takeCommonNumbers(source.run, &scan);
@@ -288,10 +295,8 @@ private:
         scan.point_count = qint32(points.size());
         scan.flag_count = 0;
         if (!points.empty()) {
-            scan.mass_values =
-                format == MsFloatFormat ? static_cast<void *>(floats[0].data()) : doubles[0].data();
-            scan.intensity_values =
-                format == MsFloatFormat ? static_cast<void *>(floats[1].data()) : doubles[1].data();
+            scan.mass_values = pointsOf(0);
+            scan.intensity_values = pointsOf(1);
         }
         scan.total_intensity = numberOf(spectrum.cvParam(MS_total_ion_current));
         if (scan.total_intensity == MsMissingDouble) {
@@ -316,6 +321,13 @@ private:
         return scan;
     }
 
+    // Returns the masses or the intensities of the spectrum at hand, in the format of the file.
+    void *pointsOf(std::size_t axis)
+    {
+        return formats[axis] == MsFloatFormat ? static_cast<void *>(floats[axis].data())
+                                              : doubles[axis].data();
+    }
+
     static qint32 numberOfScan(const Spectrum &spectrum, int place)
     {
         bool isNumber = false;
@@ -332,6 +344,7 @@ private:
     std::optional<CdfDescription> description;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
     qint64 withoutData = 0;                        // points of all spectra
+    ArrayFormats formats = {MsDoubleFormat, MsDoubleFormat};
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
 };
