@@ -118,6 +118,9 @@ private slots:
         row("several polarities") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
                                      "sed -i '0,/1000130/s//1000129/' a.mzML; convert a.mzML -o out.cdf",
                                      1, "several polarities"};
+        row("polarity that isn't there") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
+                                            "convert a.mzML --polarity negative -o out.cdf",
+                                            1, "no spectra of the MS level and polarity chosen"};
         row("strict") = {"convert --strict gcgc.cdf -o out.mzML", 1, "--strict"};
     }
     void refusals()

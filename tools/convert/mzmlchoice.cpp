@@ -69,7 +69,9 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
             QStringLiteral("it has spectra of several polarities, of which the option --polarity chooses "
                            "one"));
     if (choice->spectra.empty())
-        return log->fail(QStringLiteral("it has no such spectra"));
+        return log->fail(options.msLevel || options.isPositive
+                             ? QStringLiteral("it has no spectra of the MS level and polarity chosen")
+                             : QStringLiteral("it has no mass spectra"));
     choice->polarity = *polarities.begin();
     if (others > 0)
         log->warn(ms_counted_text(
