@@ -64,7 +64,7 @@ private slots:
         const Rows<Call> row;
         row("no file") = {"convert", 2, "No file is named"};
         row("no output") = {"convert plain.cdf", 2, "Either -o"};
-        row("unknown end") = {"convert plain.cdf -o out", 2, "none of .cdf"};
+        row("unknown end") = {"convert plain.cdf -o out", 2, "none of .mzML"};
         row("not a format that is written") = {"convert plain.cdf --to mzXML", 2, "--to takes one of"};
         row("several into one") = {"convert plain.cdf gcgc.cdf -o out.mzML", 2, "one file is converted"};
         row("one name for two") = {"mkdir a; cp plain.cdf a; convert plain.cdf a/plain.cdf --to mzML", 2,

@@ -40,12 +40,17 @@ QString tableNames()
 
 QString description()
 {
-    return QStringLiteral("Converts runs and libraries of mass spectra: .cdf files to %1, .mzML, "
-                          ".mzML.gz and .mzXML "
-                          "files to .cdf. The end of a name says which format it is.\n"
+    return QStringLiteral("Converts runs and libraries of mass spectra: .cdf files to .%1, where .cdf is "
+                          "a clean one; .mzML, .mzML.gz and .mzXML files to .cdf. The end of a name says "
+                          "which format it is.\n"
                           "Exit code: 0, or 1 where a file can't be converted, or not in full, or 2 for "
                           "wrong usage.")
-        .arg(QLatin1String("mzML, a clean .cdf, CSV and MSP"));
+        .arg(writtenFormats().join(QLatin1String(", .")));
+}
+
+bool isWritten(FileFormat format)
+{
+    return writtenFormats().contains(endOfNames(format).mid(1));
 }
 
 struct Options {
@@ -219,7 +224,7 @@ QString nameOutputs(const QStringList &inputs, const QCommandLineParser &parser,
     FileFormat format = FileFormat::Unknown;
     if (parser.isSet(options.to)) {
         format = formatCalled(parser.value(options.to));
-        if (!writtenFormats().contains(endOfNames(format).mid(1)))
+        if (!isWritten(format))
             return QStringLiteral("The option --to takes one of %1.").arg(writtenFormats().join(", "));
     }
     if (!parser.isSet(options.output)) {
@@ -241,7 +246,7 @@ QString nameOutputs(const QStringList &inputs, const QCommandLineParser &parser,
         return QStringLiteral("The options -o and --out-dir exclude each other.");
     if (format == FileFormat::Unknown)
         format = formatOfName(output);
-    if (format == FileFormat::Unknown || format == FileFormat::MzXml)
+    if (!isWritten(format))
         return QStringLiteral(
                    "The end of the name \"%1\" is none of %2. The option --to can name the format.")
             .arg(output, QLatin1Char('.') + writtenFormats().join(", ."));

@@ -2,6 +2,7 @@
 
 #include "mainwindow.h"
 
+#include "fileformat.h"
 #include "helppage.h"
 #include "runpage.h"
 #include "tracepane.h"
@@ -64,8 +65,7 @@ void MainWindow::makeMenus()
         save(&RunPage::saveSpectrum, images + QStringLiteral(";;Table (*.csv);;Spectrum (*.msp)"));
     });
     add(file, QStringLiteral("Con&vert the run\u2026"), {}, [this] {
-        const QString name = askForName(
-            QStringLiteral("mzML (*.mzML);;Clean file (*.cdf);;Table (*.csv);;Spectra (*.msp)"));
+        const QString name = askForName(writtenKinds().join(QLatin1String(";;")));
         if (!name.isEmpty())
             page()->convertTo(name);
     });

@@ -19,6 +19,9 @@ bool isMzMlOrMzXml(FileFormat format);
 // Returns what --to takes, in the order in which it is listed.
 QStringList writtenFormats();
 
+// Returns the formats that are written in the words of a dialog for files, such as "mzML (*.mzML)".
+QStringList writtenKinds();
+
 // Returns the name without folders and without the end of a format that is read.
 QString baseName(const QString &input);
 

@@ -12,14 +12,14 @@ constexpr struct {
     FileFormat format;
     const char *end;
     bool isRead;
-    bool isWritten;
+    const char *kind; // of a file that is made, as a dialog names it; null where none is
 } formats[] = {
-    {FileFormat::Cdf,    ".cdf",     true,  true},
-    {FileFormat::MzMl,   ".mzML",    true,  true},
-    {FileFormat::MzMlGz, ".mzML.gz", true,  true},
-    {FileFormat::MzXml,  ".mzXML",   true,  false},
-    {FileFormat::Csv,    ".csv",     false, true},
-    {FileFormat::Msp,    ".msp",     false, true},
+    {FileFormat::MzMl,   ".mzML",    true,  "mzML"},
+    {FileFormat::MzMlGz, ".mzML.gz", true,  "Compressed mzML"},
+    {FileFormat::MzXml,  ".mzXML",   true,  nullptr},
+    {FileFormat::Cdf,    ".cdf",     true,  "Clean file"},
+    {FileFormat::Csv,    ".csv",     false, "Table"},
+    {FileFormat::Msp,    ".msp",     false, "Spectra"},
 };
 // clang-format on
 
@@ -50,10 +50,20 @@ QStringList writtenFormats()
 {
     QStringList words;
     for (const auto &row : formats) {
-        if (row.isWritten)
+        if (row.kind)
             words += QLatin1String(row.end + 1);
     }
     return words;
+}
+
+QStringList writtenKinds()
+{
+    QStringList kinds;
+    for (const auto &row : formats) {
+        if (row.kind)
+            kinds += QStringLiteral("%1 (*%2)").arg(QLatin1String(row.kind), QLatin1String(row.end));
+    }
+    return kinds;
 }
 
 QString baseName(const QString &input)
