@@ -1,11 +1,13 @@
 // What stands behind the window of aia-view: texts that people type, folded traces, and images without a
 // window.
 
+#include "fileformat.h"
 #include "masswindows.h"
 #include "modulationmap.h"
 #include "program.h"
 #include "rows.h"
 #include "typedplace.h"
+#include "viewexport.h"
 
 #include <QImage>
 #include <QTemporaryDir>
@@ -31,6 +33,12 @@ struct Drawn {
     QStringList options;
     QString fault{};  // in place of an image
     QString remark{}; // beside it
+};
+
+struct NamedFile {
+    QString name;
+    QString chosen; // the kind, in the dialog's words
+    QString lacking;
 };
 
 struct Folded {
@@ -119,6 +127,23 @@ private slots:
         if (place && place->background)
             meaning += QString(" less %1 %2").arg(number(place->background->from), number(place->background->to));
         QCOMPARE(meaning, row.meaning);
+    }
+
+    void lackingEnds_data()
+    {
+        const Rows<NamedFile> row;
+        row("none") = {"run", "Table (*.csv)", ".csv"};
+        row("of another kind") = {"run.MSP", "Table (*.csv)", ""};
+        row("unknown") = {"run.1", "Images (*.png *.pdf)", ".png"};
+        row("of two parts") = {"run.mzML.gz", "Table (*.csv)", ""};
+        row("the last of two parts") = {"run.gz", "mzML (*.mzML)", ".mzML"};
+    }
+    void lackingEnds()
+    {
+        const NamedFile &row = Rows<NamedFile>::current();
+        const QString kinds = writtenKinds().join(";;") + ";;Images (*.png *.pdf)";
+        QVERIFY2(row.chosen.startsWith("Images") || writtenKinds().contains(row.chosen), qPrintable(kinds));
+        QCOMPARE(lackingEnd(row.name, kinds, row.chosen), row.lacking);
     }
 
     void foldsTraces_data()

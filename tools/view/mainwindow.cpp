@@ -3,6 +3,7 @@
 #include "countedtext_p.h"
 #include "namecodec.h"
 #include "runpage.h"
+#include "viewexport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -16,7 +17,6 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -96,11 +96,9 @@ QString MainWindow::askForName(const QString &kinds)
         kinds, &chosen);
     if (name.isEmpty())
         return name;
-    // A name without an ending gets that of the kind that was chosen.
-    const QString suffix = QFileInfo(name).suffix();
-    if (suffix.isEmpty() || !kinds.contains(QStringLiteral("*.") + suffix, Qt::CaseInsensitive)) {
-        name +=
-            chosen.section(QLatin1Char('*'), 1).section(QRegularExpression(QStringLiteral("[ )]")), 0, 0);
+    const QString lacking = lackingEnd(name, kinds, chosen);
+    if (!lacking.isEmpty()) {
+        name += lacking;
         // The dialog asked about the name without its ending.
         const QString question =
             QStringLiteral("The file \"%1\" exists. Write it over?").arg(shownName(name));

@@ -7,6 +7,10 @@
 #include "traceplot.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -115,6 +119,16 @@ template <class Write> QString replaceFile(const QString &name, const QString &r
     return objection.isNull() ? write(&output) : objection;
 }
 
+// Returns the endings in words of a dialog such as "Images (*.png *.pdf)".
+QStringList endingsOf(const QString &kinds)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\*(\\.[^ )]+)"));
+    QStringList endings;
+    for (auto match = pattern.globalMatch(kinds); match.hasNext();)
+        endings += match.next().captured(1);
+    return endings;
+}
+
 } // namespace
 
 QString writeTraces(TracePlot &plot, const QString &run, const QString &name)
@@ -143,4 +157,13 @@ QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const Ms
         return endingOf(name) == QLatin1String("msp") ? writeSpectrumMsp(spectrum, about, output)
                                                       : writeImage(plot, name, output);
     });
+}
+
+QString lackingEnd(const QString &name, const QString &kinds, const QString &chosen)
+{
+    const QStringList endings = endingsOf(kinds);
+    const bool hasOne = std::any_of(endings.begin(), endings.end(), [&name](const QString &ending) {
+        return name.endsWith(ending, Qt::CaseInsensitive);
+    });
+    return hasOne ? QString() : endingsOf(chosen).value(0);
 }

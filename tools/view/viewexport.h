@@ -8,6 +8,8 @@
 #include "mspwriter.h"
 #include "rundata.h"
 
+#include <QString>
+
 class MapPlot;
 class SpectrumPlot;
 class TracePlot;
@@ -22,5 +24,9 @@ QString writeMap(MapPlot &plot, const QString &value, const QString &run, const 
 // library, with the peaks of `spectrum`; `about` says what it is of.
 QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const MspEntry &about,
                       const QString &run, const QString &name);
+
+// Returns the ending that a typed name lacks, as it has none of those of `kinds`, the kinds of files that a
+// dialog offers: the first one of the kind that was chosen, such as ".mzML". Null where it lacks none.
+QString lackingEnd(const QString &name, const QString &kinds, const QString &chosen);
 
 #endif // VIEWEXPORT_H
