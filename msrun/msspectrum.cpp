@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -14,7 +15,12 @@ constexpr float leastSuspect = NC_FILL_FLOAT * (1.0f - 1e-5f);
 
 template <class Number> bool isFillOfWhole(Number number)
 {
-    return number == Number(sizeof(Number) == sizeof(qint16) ? NC_FILL_SHORT : NC_FILL_INT);
+    if constexpr (std::is_same_v<Number, qint16>) {
+        return number == NC_FILL_SHORT;
+    } else {
+        static_assert(std::is_same_v<Number, qint32>, "A whole number without a fill value.");
+        return number == NC_FILL_INT;
+    }
 }
 
 // Whether some of the numbers may be no data: a plain loop, as hardly ever one is.

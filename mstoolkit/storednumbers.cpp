@@ -96,7 +96,8 @@ template <class Number> void turn_in_place(Number *numbers, std::size_t count)
     for (std::size_t i = 0; i < words; ++i) {
         quint64 word;
         std::memcpy(&word, bytes + i * sizeof(word), sizeof(word));
-        word = exchange_halves<16>(word);
+        if constexpr (width > 1)
+            word = exchange_halves<16>(word);
         if constexpr (width > 2)
             word = exchange_halves<32>(word);
         if constexpr (width > 4)

@@ -4,6 +4,7 @@
 
 #include "interruption.h"
 #include "messageredirection.h"
+#include "msformat.h"
 #include "samplelibrary.h"
 #include "samplerecords.h"
 #include "samplerun.h"
@@ -14,6 +15,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -51,8 +53,9 @@ private:
 // `largest` fits in `format`.
 double fittingScale(qint32 format, double largest, double scale, double step)
 {
-    const double limit =
-        format == MsShortFormat ? std::numeric_limits<qint16>::max() : std::numeric_limits<qint32>::max();
+    const double limit = ms_with_format(format, [](auto *type) {
+        return double(std::numeric_limits<std::remove_pointer_t<decltype(type)>>::max());
+    });
     while (largest / scale > limit)
         scale *= step;
     return scale;
@@ -60,7 +63,8 @@ double fittingScale(qint32 format, double largest, double scale, double step)
 
 bool isWhole(qint32 format)
 {
-    return format == MsShortFormat || format == MsLongFormat;
+    return ms_with_format(
+        format, [](auto *type) { return std::is_integral_v<std::remove_pointer_t<decltype(type)>>; });
 }
 
 SampleScales scalesFor(const SampleOptions &options, const SampleRun &run)
