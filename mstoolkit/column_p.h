@@ -25,9 +25,9 @@ public:
     // variable. Whoever asks for elements has asked for the shape and seen its rank.
     const MsShape *shape();
 
-    // Reads element `index` of a variable of one dimension and converts it to `type`, NC_SHORT to
+    // Reads element `index` of a variable of one dimension and converts it to `wanted`, NC_SHORT to
     // NC_DOUBLE. What isn't a number counts as one that no type can hold.
-    MsFetch number(std::size_t index, qint32 type, void *target);
+    MsFetch number(std::size_t index, qint32 wanted, void *target);
 
     // Copies such an element if it was read ahead and is stored as `wanted`; the variable has one
     // dimension then. False otherwise: shape() and number() say more.
@@ -50,9 +50,9 @@ public:
     }
 
     // Reads `count` elements from `start` on, of a variable of one dimension, as a new array of type
-    // `type`, NC_SHORT to NC_DOUBLE. Null where the variable hasn't that many, where one of them can't be
-    // held, and where they can't be read.
-    MsBlock<void> points(qint64 start, qint64 count, qint32 type);
+    // `wanted`, NC_SHORT to NC_DOUBLE. Null where the variable hasn't that many, where one of them can't
+    // be held, and where they can't be read.
+    MsBlock<void> points(qint64 start, qint64 count, qint32 wanted);
 
     // Reads the first `width` numbers of line `line` of a variable of two dimensions. False where it
     // isn't that large and where they can't be read.

@@ -3,7 +3,6 @@
 #include "msdoubts.h"
 
 #include "columnwalk_p.h"
-#include "countedtext_p.h"
 #include "doubtattributes_p.h"
 #include "doubtfailure_p.h"
 #include "doubtlist_p.h"
