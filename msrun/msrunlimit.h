@@ -19,8 +19,8 @@ public:
     // Takes the limit from the length of the file, its kind and the points that it holds.
     void start(const MsFile &file, qint64 bytes);
 
-    // Counts a scan. Returns why the run has to be given up, as a part of a sentence; null if it may go
-    // on.
+    // Counts a scan by its points and its stored total: one with neither is empty. Returns why the run
+    // has to be given up, as a part of a sentence; null if it may go on.
     QString add(int pointCount, double total);
 
 private:

@@ -28,8 +28,8 @@ enum MsLookStatus {
 // the look ended well, or none was needed, as the file is of a classic kind, or of none that HDF5 would
 // get, or there is no such file. Returns -1, after an error message that names file and reason, where the
 // program crashed or failed, used up its limits, or is missing, or where the system can't read the
-// file's beginning. The process waits for the program, for
-// the seconds of ms_look_limits at the most; `milliseconds` from 0 on takes their place.
+// file's beginning. The process waits for the program, for the seconds of ms_look_limits at the most;
+// `milliseconds` from 0 on takes their place.
 //
 // The program is started with one argument, `path` percent-encoded (QByteArray::toPercentEncoding), as
 // no other spelling of a path's bytes reaches a program unchanged everywhere. Its output is thrown away.

@@ -25,8 +25,8 @@ QString writeMap(MapPlot &plot, const QString &value, const QString &run, const 
 QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const MspEntry &about,
                       const QString &run, const QString &name);
 
-// Returns the ending that a typed name lacks, as it has none of those of `kinds`, the kinds of files that a
-// dialog offers: the first one of the kind that was chosen, such as ".mzML". Null where it lacks none.
+// Returns the ending that a typed name lacks, as it has none of those of `kinds`, the kinds of files that
+// a dialog offers: the first one of the kind that was chosen, such as ".mzML". Null where it lacks none.
 QString lackingEnd(const QString &name, const QString &kinds, const QString &chosen);
 
 #endif // VIEWEXPORT_H
