@@ -10,10 +10,15 @@ namespace {
 
 constexpr qint64 largestCount = std::numeric_limits<qint32>::max();
 
-// Whether the counters of a scan were never written.
+bool hasIndex(const MsScanPlace &place)
+{
+    return place.first != MsMissingLong && place.first != NC_FILL_INT;
+}
+
+// Whether a scan was never written. One that has its count may do without its scan_index.
 bool isUnwritten(const MsScanPlace &place)
 {
-    return place.points == NC_FILL_INT || place.first == NC_FILL_INT;
+    return place.points == NC_FILL_INT || (place.first == NC_FILL_INT && place.points < 0);
 }
 
 qint64 lengthOf(const MsScanPlace &place)
@@ -81,7 +86,7 @@ ScanPlaces::Survey ScanPlaces::survey(qint64 positions) const
             continue;
         all.ascends = all.ascends && all.written == scan; // none was left out before it
         all.written = scan + 1;
-        all.withIndex += place.first != MsMissingLong;
+        all.withIndex += hasIndex(place);
         all.withCount += place.points >= 0;
         all.length += lengthOf(place);
         const qint64 end = place.first + lengthOf(place);

@@ -102,6 +102,8 @@ private slots:
         row("no index, too few counted") = {"", "3, 0, 6", "", 10, "-, -, -", {"unreadable-scans"}};
         row("no index, never finished") = {
             "", "3, 7, _", "", 10, "1 2 3, 4 5 6 7 8 9 10, -", {"unwritten-scans", "scans-in-a-row"}};
+        row("index never written") = {"_, _, _", "3, 0, 7", "", 10, "1 2 3, , 4 5 6 7 8 9 10", {"scans-in-a-row"}};
+        row("index written but once") = {"0, _, 7", "3, 4, 3", "", 10, "1 2 3, 4 5 6 7, 8 9 10", {"scans-in-a-row"}};
         row("zeros") = {"0, 0, 0", "3, 4, 3", "", 10, "1 2 3, 4 5 6 7, 8 9 10", {"scans-in-a-row"}};
         row("from 1") = {"1, 4, 8", "3, 4, 3", "", 10, "1 2 3, 4 5 6 7, 8 9 10", {"scans-in-a-row"}};
         // As ms_write_per_scan leaves it where the second scan is written first.
