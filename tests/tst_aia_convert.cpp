@@ -383,6 +383,7 @@ private slots:
             : signal == SIGINT                 ? "interrupted"
                                                : "changed meanwhile";
         QVERIFY2(result.err.contains(reason), result.err);
+        QCOMPARE(result.err.contains("crashed"), signal == SIGKILL);
         QCOMPARE(QFile::exists("plain.mzML"), signal != SIGINT);
         QVERIFY(!QFile::exists("s.mzML"));
         QCOMPARE(leftovers(), QStringList());

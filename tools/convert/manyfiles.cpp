@@ -73,9 +73,10 @@ private:
         QObject::connect(&worker->process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
                          [this, worker](int code, QProcess::ExitStatus status) {
                              end(worker,
-                                 status == QProcess::CrashExit
-                                     ? QStringLiteral("its process was killed or crashed")
-                                     : QString(),
+                                 status != QProcess::CrashExit ? QString()
+                                     : isInterrupted() // which a worker may hear of twice
+                                     ? QStringLiteral("it was interrupted")
+                                     : QStringLiteral("its process was killed or crashed"),
                                  code);
                          });
         ++running;
