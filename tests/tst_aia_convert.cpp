@@ -271,6 +271,13 @@ private slots:
             "sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML; sed -i '/experiment_date/d; s/30Z/30/' a.mzML;"
             "convert a.mzML -o b.cdf && ncdump -h b.cdf | grep -o 'experiment_date.*' > out",
             0, "", "experiment_date_time_stamp = \"20240312142530\" ;\n"};
+        row("times of points, never written and written") = {
+            "sample gcms --scans 2 s.cdf; ncdump s.cdf | sed 's/float mass_values.*/&double "
+            "time_values(point_number);/' "
+            "> a.cdl; ncgen -o a.cdf a.cdl; convert --strict a.cdf -o a.mzML && echo right > out;"
+            "sed 's/^ mass_values =/ time_values = 1, 2; mass_values =/' a.cdl | ncgen -o b.cdf; convert b.cdf -o "
+            "b.mzML",
+            0, "\"b.cdf\": mzML has no place for what the file has of this: times of points.", "right\n"};
         row("trace in 64 bits") = {"convert plain.cdf -o a.mzML && grep -c 1000523 a.mzML > out", 0, "", "2\n"};
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"

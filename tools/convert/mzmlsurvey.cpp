@@ -13,6 +13,14 @@ constexpr double secondsPerMinute = 60.0;
 // Beyond this share, a stored total isn't the rounded sum of its scan.
 constexpr double totalTolerance = 1e-6;
 
+// Whether there are times of points; most writers never write them. One for each scan is its own time.
+bool hasTimes(const MsNumbers &times)
+{
+    return times.size() > 1 && std::any_of(times.begin(), times.end(), [](double time) {
+               return std::isfinite(time) && time != MsMissingDouble && !ms_is_fill(NC_DOUBLE, time);
+           });
+}
+
 class Survey
 {
 public:
@@ -42,7 +50,7 @@ public:
             }
             survey->common.add(spectrum.record());
             survey->hasFlags = survey->hasFlags || !spectrum.flaggedPeaks().isEmpty();
-            survey->hasPointTimes = survey->hasPointTimes || spectrum.pointTimes().size() > 1;
+            survey->hasPointTimes = survey->hasPointTimes || hasTimes(spectrum.pointTimes());
             const MsInterval window = spectrum.massRange();
             survey->hasHalfWindows =
                 survey->hasHalfWindows || std::isnan(window.from) != std::isnan(window.to);
