@@ -113,6 +113,8 @@ private slots:
         row("no last time") = {"missing-times", "End: +not given"};         // the header has the scan's number
         row("rate without times") = {"missing-times", "Scan rate: +not known"};
         row("pause") = {"a-pause", "Longest pause: +30 s before scan 6", "0"};
+        row("pause of a trace") = {"trace-with-a-pause", "Longest pause: +30 s before scan 6", "0"};
+        row("first of several maxima") = {"a-pause", "Trace maximum: +2 at .*, in scan 1", "0"};
         row("maximum") = {"run-facts", "Trace maximum: +48 at 1.5 minutes, in scan 1"};
         row("masses") = {"import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1"};
         row("points") = {"import-odd-scans", "Points read: +4"};
@@ -189,6 +191,7 @@ private slots:
     {
         const Rows<Status> row;
         row("right") = {{"--strict", fixture("plain")}, 0};
+        row("longest modulation") = {{"--gcxgc", "100", fixture("plain")}, 0};
         row("doubted") = {{fixture("overlapping-scans")}, 0};
         row("doubted, strictly") = {{"--strict", fixture("overlapping-scans")}, 1, "and the option --strict is set.\n"};
         row("messages, strictly and quietly") = {

@@ -127,7 +127,6 @@ void ImportSummary::start(const QString &fileName, const std::optional<RunFacts>
 {
     facts = runFacts;
     scanCount = header.getNbScans();
-    isTrace = tableSize < 1;
     lines.emplace_back("File", fileName);
     if (facts)
         addFacts(*facts);
@@ -215,14 +214,14 @@ void ImportSummary::addScan(int scan, double time, double total, int pointCount,
         largest = {scan, total};
 }
 
-// Null where there is none. The times of a trace come as the file has them, others in minutes.
+// Null where there is none.
 QString ImportSummary::pauseText() const
 {
     const auto pause = pauses.pause();
     if (!pause || !facts)
         return QString();
     const bool inSeconds = facts->inMinutes;
-    const double length = pause->length * (inSeconds && !isTrace ? 60.0 : 1.0);
+    const double length = pause->length * (inSeconds ? 60.0 : 1.0);
     return QStringLiteral("%1 before scan %2")
         .arg(timeText(length, inSeconds ? QStringLiteral("s") : facts->timeUnit),
              QString::number(pause->scan));

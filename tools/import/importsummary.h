@@ -56,7 +56,6 @@ private:
     qint64 points = 0;
     int scanCount = 0; // that the header tells of
     int added = 0;
-    bool isTrace = false;
     LongestPause pauses;
     struct {
         int count = 0;
