@@ -90,12 +90,10 @@ bool Walk::fail()
 
 void Walk::skip(quint64 size)
 {
-    // Padding at the very end may be missing.
-    if (size > left() + 3) {
+    if (size > left())
         fail();
-        return;
-    }
-    position += std::min(size, left());
+    else
+        position += size;
 }
 
 bool Walk::read(void *target, std::size_t size)
