@@ -18,6 +18,7 @@ struct Doubted {
     QByteArray said{}; // codes and counts
     ByteChange changeBytes{};
     double modulation = 0.0;
+    QByteArray sentence{}; // of the first one; any where it is empty
 };
 
 } // namespace
@@ -27,15 +28,18 @@ class TestDoubts : public QObject, private ChangedSamples
     Q_OBJECT
 
     // Of the file at `path`, in order.
-    static QByteArray doubtsOf(const QString &path, const MsDoubtOptions &options)
+    static QByteArray doubtsOf(const QString &path, const MsDoubtOptions &options, QByteArray *firstSentence = nullptr)
     {
         QByteArrayList found;
         const MsFile file(path);
         const MsGlobals globals = file.globals();
         const MsCensus census = file.census(2, globals.mass(1.0));
         ms_read_other_scans(file.id());
-        for (const MsDoubt &doubt : ms_list_doubts(file.id(), QStringLiteral("x.cdf"), options))
+        const QList<MsDoubt> doubts = ms_list_doubts(file.id(), QStringLiteral("x.cdf"), options);
+        for (const MsDoubt &doubt : doubts)
             found += QByteArray(doubt.code) + ' ' + QByteArray::number(doubt.count);
+        if (firstSentence && !doubts.isEmpty())
+            *firstSentence = doubts.front().text.toUtf8();
         return found.join(", ");
     }
 
@@ -46,8 +50,8 @@ private slots:
     {
         const Rows<Doubted> row;
         const QString gcms = QStringLiteral("gcms");
-        const auto changed = [&](const char *name, const QByteArray &said, Change change) {
-            row(name) = {gcms, std::move(change), said};
+        const auto changed = [&](const char *name, const QByteArray &said, Change change) -> Doubted & {
+            return row(name) = {gcms, std::move(change), said};
         };
         // 20 scans of 30 points, 600 ms apart
         changed("index of one scan too low",
@@ -62,6 +66,9 @@ private slots:
                 "falling-scan-index 1, overlapping-scans 2, unowned-points 30, wrong-totals 1, unordered-masses 1, "
                 "scan-mass-range 1",
                 put("scan_index", 5, 400));
+        changed("indices of two scans the same",
+                "overlapping-scans 1, unowned-points 30, wrong-totals 1, scan-mass-range 1", put("scan_index", 5, 120))
+            .sentence = "In \"x.cdf\", 1 of 20 scans begins among the points of another; the first is scan 5.";
         changed("an index below 0", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1",
                 put("scan_index", 5, -1));
         changed("indices swapped", "falling-scan-index 1, wrong-totals 2", [](int id) {
@@ -101,9 +108,15 @@ private slots:
         changed("a first time of 0", "zero-time 1, time-range 1", put("scan_acquisition_time", 0, 0));
         changed("a first time below 0", "negative-times 1, time-range 1", put("scan_acquisition_time", 0, -180));
         changed("a first time a bit early", "odd-times 1", add("scan_acquisition_time", 0, -0.5));
-        changed("a time out of step", "odd-times 1", add("scan_acquisition_time", 5, -0.3));
+        changed("a time out of step", "odd-times 1", add("scan_acquisition_time", 5, -0.3)).sentence =
+            "In \"x.cdf\", the step in time to 1 of 20 scans isn't that of nearly all others, and no pause explains "
+            "it; "
+            "the first is scan 5.";
         changed("a last time a bit late", "odd-times 1", add("scan_acquisition_time", 19, 0.5));
-        changed("a time a bit out of step", "odd-times 1", add("scan_acquisition_time", 5, 0.06));
+        changed("a time a bit out of step", "odd-times 1", add("scan_acquisition_time", 5, 0.06)).sentence =
+            "In \"x.cdf\", the step in time to 1 of 20 scans isn't that of nearly all others, and no pause explains "
+            "it; "
+            "the first is scan 5.";
         changed("a first time half a step early", "odd-times 1", add("scan_acquisition_time", 0, -0.2));
         changed("the same by another clock", "", [](int id) {
             for (std::size_t i = 0; i < 20; ++i)
@@ -119,11 +132,19 @@ private slots:
         });
         changed("a time that isn't there", "missing-times 1", put("scan_acquisition_time", 5, -9999));
         changed("a time twice", "equal-times 1", add("scan_acquisition_time", 5, -0.6));
+        changed("three times twice", "equal-times 3", [](int id) {
+            for (const std::size_t i : {5u, 9u, 13u})
+                put("scan_acquisition_time", i, 180.0 + 0.6 * double(i - 1))(id);
+        });
         changed("a time that is no number", "bad-times 1", put("scan_acquisition_time", 5, notANumber));
         changed("times never written", "unwritten-scans 10", put("scan_acquisition_time", 10, NC_FILL_DOUBLE, 10));
         changed("times that begin anew", "restarting-times 1", [](int id) {
             for (std::size_t i = 10; i < 20; ++i)
                 put("scan_acquisition_time", i, 179.0 + double(i - 10))(id);
+        });
+        changed("times that begin anew at the first one", "restarting-times 1", [](int id) {
+            for (std::size_t i = 10; i < 20; ++i)
+                put("scan_acquisition_time", i, 180.0 + double(i - 10))(id);
         });
         changed("a pause", "", [](int id) {
             add("scan_acquisition_time", 10, 60, 10)(id);
@@ -134,7 +155,7 @@ private slots:
                 put("mass_values", i, i == 99 ? 153.97 : 50.0 + 1.05 * double(i))(id);
             put("mass_range_min", 0, -9999, 20)(id);
             putAttribute(nullptr, "global_mass_max", 679.0)(id);
-        });
+        }).sentence = "In \"x.cdf\", 1 of 600 different masses isn't a multiple of 0.05, as all others are.";
         changed("a last time far off", "time-gap 1, time-range 1", put("scan_acquisition_time", 19, 1e6));
         changed("a last time of 0", "falling-times 1, time-range 1", put("scan_acquisition_time", 19, 0));
         changed("no times", "missing-times 20", rename("scan_acquisition_time"));
@@ -233,6 +254,10 @@ private slots:
         });
         changed("a small offset", "wrong-totals 20", putAttribute("intensity_values", "add_offset", 5.0));
         changed("mass range", "mass-range 20", putAttribute(nullptr, "global_mass_max", 100.0));
+        changed("mass range from 0", "mass-range 20", [](int id) {
+            putAttribute(nullptr, "global_mass_min", 0.0)(id);
+            putAttribute(nullptr, "global_mass_max", 100.0)(id);
+        });
         changed("intensity range", "intensity-range 20", putAttribute(nullptr, "global_intensity_max", 1.0));
         changed("time range", "time-range 1", putAttribute(nullptr, "global_time_max", 181.0));
         changed("time range that ends before it begins", "time-range 1", putAttribute(nullptr, "global_time_max", 1.0));
@@ -252,6 +277,7 @@ private slots:
                 putAttribute("experiment_date_time_stamp", "20240612184530"));
         changed("a zone of 99 hours", "acquisition-date 1",
                 putAttribute("experiment_date_time_stamp", "20240312142530+9900"));
+        changed("a leap second", "", putAttribute("experiment_date_time_stamp", "20161231235960+0000"));
         changed("minutes", "", putAttribute("units", "Minutes"));
         changed("a date without a zone", "", putAttribute("experiment_date_time_stamp", "20240312184530"));
         changed("a scan's mass range", "scan-mass-range 1", put("mass_range_max", 5, 100));
@@ -279,6 +305,10 @@ private slots:
                                                     "bad-totals 2, wrong-totals 1"};
         row("a trace with a total unlike its point") = {QStringLiteral("tic"), put("total_intensity", 5, 0),
                                                         "wrong-totals 1"};
+        row("a trace with an offset") = {QStringLiteral("tic"), [](int id) {
+                                             add("total_intensity", 0, 1e6, 20)(id);
+                                             putAttribute("intensity_values", "add_offset", 1e6)(id);
+                                         }};
         row("a trace of texts") = {
             QStringLiteral("string-total"), {}, "unreadable-scans 2, missing-masses 6, bad-totals 3"};
         row("a trace in minutes, its range in seconds") = {QStringLiteral("tic"),
@@ -340,8 +370,10 @@ private slots:
                                            put("time_range_max", 5, 186)(id);
                                        },
                                        "scan-time-range 1"};
-        row("a group behind the last scan") = {QStringLiteral("sim"), put("group_starting_scan", 0, 99),
-                                               "group-counts 1"};
+        Doubted &group = row("a group behind the last scan");
+        group = {QStringLiteral("sim"), put("group_starting_scan", 0, 99), "group-counts 1"};
+        group.sentence = "In \"x.cdf\", 1 of 8 groups has more masses than there is room for, "
+                         "or begins at a scan that isn't there; the first is group 0.";
         row("too many masses in a group") = {QStringLiteral("sim"), put("group_mass_count", 0, 99), "group-counts 1"};
         row("masses of two dimensions") = {
             QStringLiteral("mass-values-rank-2"), {}, "unreadable-scans 3, unreadable-masses 3"};
@@ -359,6 +391,7 @@ private slots:
         };
         bytes("the last byte lost", "cut-off 1, unreadable-scans 1", [](QByteArray *file) { file->chop(1); });
         bytes("bytes behind", "trailing-bytes 5", [](QByteArray *file) { file->append("abcde"); });
+        bytes("padding behind", "", [](QByteArray *file) { file->append("abc"); });
         bytes("zeros behind", "", [](QByteArray *file) { file->append(5000, '\0'); });
         bytes("a record behind", "trailing-bytes 100", [](QByteArray *file) { file->append(100, 'a'); });
         bytes("no records counted", "unfinished 600, scans-beyond-end 20, unreadable-scans 20",
@@ -375,7 +408,10 @@ private slots:
         }
         MsDoubtOptions options;
         options.modulation = row.modulation;
-        QCOMPARE(doubtsOf(copy, options), row.said);
+        QByteArray sentence;
+        QCOMPARE(doubtsOf(copy, options, &sentence), row.said);
+        if (!row.sentence.isEmpty())
+            QCOMPARE(sentence, row.sentence);
     }
 
     // Samples, and the fixtures that are odd in what doesn't matter here, or not at all.

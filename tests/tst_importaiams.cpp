@@ -94,7 +94,10 @@ private slots:
         QVERIFY(canImport(fixture("chromatogram"))); // still attached
 
         plugin->setModulation(2.5f);
+        plugin->setApplicationData(reinterpret_cast<TApplicationData *>(this)); // which only the host looks into
         const Copy copy = clone();
+        QCOMPARE(copy->getApplicationData(), plugin->getApplicationData());
+        plugin->setApplicationData(nullptr);
         QCOMPARE(copy->modulationPeriod(), 2.5f);
         QCOMPARE(plugin->modulationPeriod(), 0.0f);
         QCOMPARE(copy->getFileName(), fixture("two-scans"));

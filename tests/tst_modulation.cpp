@@ -156,6 +156,19 @@ private slots:
         const QByteArray shown = runProgram(AIA_TOOLS "/aia-info", {"gcxgc.cdf"}, folder.path()).out;
         QVERIFY2(shown.contains("guessed_modulation:\n  seconds: 4\n"), shown);
         QVERIFY(!runProgram(AIA_TOOLS "/aia-info", {"gcms.cdf"}, folder.path()).out.contains("guessed"));
+
+        // Where most totals are missing, those of the points are taken.
+        const QString path = folder.filePath(QStringLiteral("gcxgc.cdf"));
+        int id = -1;
+        int totals = -1;
+        QCOMPARE(nc_open(QFile::encodeName(path).constData(), NC_WRITE, &id), NC_NOERR);
+        QCOMPARE(nc_inq_varid(id, "total_intensity", &totals), NC_NOERR);
+        const std::size_t first = 0;
+        const std::vector<double> missing(14000, MsMissingDouble); // of 24,000
+        const std::size_t count = missing.size();
+        nc_put_vara_double(id, totals, &first, &count, missing.data());
+        nc_close(id);
+        QCOMPARE(MsRun(path).modulation().seconds, 4.0);
     }
 };
 

@@ -115,6 +115,8 @@ private slots:
         row("no counts, falling") = {"3, 0, 7", "", "", 10, "-, -, -", {"unreadable-scans"}};
         row("overlaps") = {"0, 3, 5", "4, 4, 4", "", 10, "1 2 3, 4 5, 6 7 8 9 10", {"counts-from-index"}};
         row("overlaps, flags") = {"0, 3, 6", "4, 3, 3", "0, 1, 0", 10, "1 2 3, 4 5, 7 8 9 10", {"counts-from-index"}};
+        row("overlaps, and points before") = {
+            "2, 5, 7", "4, 4, 4", "", 10, "3 4 5, 6 7, 8 9 10", {"unowned-points", "counts-from-index"}};
         row("last one over the end") = {"0, 3, 7", "3, 4, 9", "", 10, "1 2 3, 4 5 6 7, 8 9 10", {"counts-from-index"}};
         row("negative count") = {"0, 3, 7", "3, -4, 3", "", 10, "1 2 3, -, 8 9 10", {"bad-counts", "unowned-points"}};
         row("points that no file holds") = {"0, 3, 7",   "3, 4, 3", "", 10, "1 2 3, 4 5 6 7, 8 9 10",
@@ -206,6 +208,12 @@ private slots:
             if (!std::isnan(time))
                 QCOMPARE(run.scanAt(time + 0.1), i);
         }
+        // In the middle of two scans, the first one is taken.
+        for (std::size_t i = 1; i < times.size(); ++i) {
+            const double middle = (times[i - 1] + times[i]) / 2.0;
+            if (!std::isnan(middle))
+                QCOMPARE(run.scanAt(middle), int(i - 1));
+        }
     }
 
     void opening_data()
@@ -217,6 +225,7 @@ private slots:
         row("trace") = {"total-ion", "", MsRun::Kind::Trace, 3};
         row("library") = {"library", "", MsRun::Kind::Library, 3};
         row("no scans") = {"no-scans", "", MsRun::Kind::Spectra, 0};
+        row("scans beyond all bytes") = {"info-claims", "", MsRun::Kind::Library, 1 << 20};
         row("counts beyond all points") = {"odd-scan-index", "", MsRun::Kind::Spectra, 6};
         row("absent") = {"absent", "The file \"FILE\" doesn't exist."};
         row("chromatogram") = {"chromatogram",
@@ -234,6 +243,10 @@ private slots:
         QCOMPARE(run.isOpen(), row.error.isEmpty());
         QCOMPARE(run.size(), row.size);
         QVERIFY(!run.isOpen() || run.kind() == row.kind);
+        qint64 leftOut = 0;
+        for (const MsDoubt &doubt : run.doubts())
+            leftOut += qstrcmp(doubt.code, "claimed-scans") == 0 ? doubt.count : 0;
+        QCOMPARE(leftOut, run.isOpen() ? qint64(MsFile(run.name()).scanCount()) - run.size() : 0);
         QVERIFY(!run.spectrum(run.size()).isRead() && !run.spectrum(-1).isRead());
     }
 
@@ -269,13 +282,17 @@ private slots:
                                " int scan_index(scan_number) ;\n int point_count(scan_number) ;\n"
                                " double scan_acquisition_time(scan_number) ;\n double total_intensity(scan_number) ;\n"
                                " float mass_values(point_number) ;\n float intensity_values(point_number) ;\n"
-                               " mass_values:scale_factor = 0. ;\n"
+                               " double time_values(point_number) ;\n mass_values:scale_factor = 0. ;\n"
+                               " intensity_values:scale_factor = Infinity ;\n"
                                "data:\n scan_index = 0, 5 ;\n point_count = 5, 4 ;\n scan_acquisition_time = 1, 2 ;\n"
                                " total_intensity = 9.969209968386869e+36, 90 ;\n"
                                " mass_values = 1, _, 3, 4, 5, 1, 2, 2.5, 4 ;\n"
-                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, 40 ;\n}\n");
-        QCOMPARE(massesOf(run), QString("1 4, 1 2 2.5 4")); // the factor of 0 doesn't count
+                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, 40 ;\n"
+                               " time_values = 1, 2, 3, 4, 5, 6, 7, 8, 9 ;\n}\n");
+        QCOMPARE(massesOf(run), QString("1 4, 1 2 2.5 4")); // such factors don't count
         QVERIFY(codesOf(run).contains("ignored-factor"));
+        QCOMPARE(run.spectrum(0).pointTimes().toVector(), (std::vector<double>{1, 4}));
+        QCOMPARE(run.spectrum(1).number(), 1); // the file has no number of its own
         QCOMPARE(run.summedTotals(), (std::vector<double>{50, 100}));
         QVERIFY(std::isnan(run.storedTotals()[0]));
         QCOMPARE(run.storedTotals()[1], 90.0);
@@ -288,6 +305,7 @@ private slots:
         const MsPeaks average = run.averaged({1, 2}, 0.75);
         QCOMPARE(average.masses, (std::vector<double>{1, 2.3, 4}));
         QCOMPARE(average.intensities, (std::vector<double>{10, 25, 40}));
+        QCOMPARE(run.averaged({1, 2}, 0.5).masses, (std::vector<double>{1, 2, 2.5, 4})); // less than the width
         QVERIFY(run.averaged({5, 9}).masses.empty());
     }
 
@@ -332,6 +350,12 @@ private slots:
         QCOMPARE(int(facts.spectra), int(MsRunFacts::Spectra::Profile));
         QCOMPARE(int(facts.scan), int(MsRunFacts::Scan::SelectedIons));
         QCOMPARE(facts.groups, 2);
+        const MsRun other = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 1 ;\n"
+                                 " group_number = 1 ;\n group_max_masses = 1 ;\nvariables:\n"
+                                 " double total_intensity(scan_number) ;\n"
+                                 " :test_scan_function = \"Other Function\" ;\n}\n");
+        QCOMPARE(other.facts().groups, 1);
+        QCOMPARE(int(other.facts().scan), int(MsRunFacts::Scan::Unknown));
         // Defaults of the template are no facts.
         const MsRun silent(fixture(QStringLiteral("no-attributes")), options);
         QVERIFY(!silent.facts().ionisation.isStated() && silent.facts().ionisation.code == -1);
@@ -347,6 +371,7 @@ private slots:
         const Rows<Moment> row;
         row("template") = {"20070923040800+0200", "2007-09-23 02:08:00"};
         row("template, west") = {"20070923223800-0530", "2007-09-24 04:08:00"};
+        row("template, farthest zone") = {"20070923040800+1400", "2007-09-22 14:08:00"};
         row("template, no seconds") = {"200709230408-0200", "2007-09-23 06:08:00"};
         row("template, no zone") = {"20070923040800"};
         row("ISO") = {"2007-09-23T04:08:00Z", "2007-09-23 04:08:00"};

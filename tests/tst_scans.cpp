@@ -99,6 +99,21 @@ private slots:
         QVERIFY(!scan.mass_values && scan.point_count == 0 && scan.scan_number == -1);
     }
 
+    // Of a record that was used before, in a file without flags.
+    void takesNoFlagsFromElsewhere()
+    {
+        open("two-scans");
+        MsScanDraft scan(0);
+        scan.flag_count = 3;
+        QCOMPARE(ms_read_per_scan(file.id(), &scan, nullptr), 0);
+        QCOMPARE(scan.flag_count, 0);
+        ms_init_per_scan(1, &scan, nullptr);
+        scan.scan_number = 0;
+        QCOMPARE(ms_read_scan_at(file.id(), {0, 1, MsMissingLong}, &scan), 0);
+        QVERIFY(scan.point_count == 1 && scan.flag_count == 0);
+        ms_init_per_scan(1, &scan, nullptr);
+    }
+
     void readsNumbersOfOtherTypes()
     {
         open("float-times");

@@ -164,6 +164,8 @@ private slots:
         run.importScans(0, 19);
         const QByteArray property = run.property();
         QVERIFY(property.startsWith("unplaced-points "));
+        const QVariantMap unplaced = run.copy->property("doubts").toList().value(0).toMap();
+        QCOMPARE(unplaced[QStringLiteral("example")].toString(), QStringLiteral("scan 0"));
         run.makeTable();
         run.size = 20;
         run.importScans(0, 19);
@@ -225,6 +227,12 @@ private slots:
         HostRun run(plugin, changedCopy(QStringLiteral("tic"), {put("total_intensity", 4, 5)}));
         QCOMPARE(run.makeTable(), 0);
         QCOMPARE(run.property(), QByteArray("wrong-totals 1"));
+        HostRun shifted(
+            plugin,
+            changedCopy(QStringLiteral("tic"),
+                        {add("total_intensity", 0, 1e6, 20), putAttribute("intensity_values", "add_offset", 1e6)}));
+        QCOMPARE(shifted.makeTable(), 0);
+        QCOMPARE(shifted.property(), QByteArray());
     }
 
     void whyAScanCantBeRead()
