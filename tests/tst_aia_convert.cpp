@@ -173,6 +173,13 @@ private slots:
                                "50.02 50\n91.05 300\n\n"};
         row("scan without peaks") = {"convert plain.cdf --scan 2 --scan 4 -o - --to msp > out", 0,
                                      "1 spectrum without peaks is left out: \"Five scans, scan 2, 0.106 min\""};
+        row("eleven scans without peaks") = {
+            "convert plain.cdf $(printf ' --scan 2%.0s' 1 2 3 4 5 6 7 8 9 10 11) --scan 4 "
+            "-o - --to msp > out",
+            0, "scan 2, 0.106 min\", ...."};
+        row("a CAS number with a 0") = {
+            "ncdump library.cdf | sed 's/71432/100027/' | ncgen -o a.cdf; convert a.cdf -o - --to msp | grep CAS > out",
+            0, "", "CAS#: 100-02-7\nCAS#: 108-88-3\n"};
         Call &chosenLevel = row("chosen level");
         chosenLevel = {"convert --no-compression plain.cdf -o a.mzML &&"
                        "sed -i '0,/level\" value=\"1/s//level\" value=\"2/' a.mzML;"
@@ -183,9 +190,10 @@ private slots:
         mzMLInMinutesAndBack = {"convert --minutes plain.cdf -o a.mzML && convert a.mzML -o b.cdf &&"
                                 "convert b.cdf -o - --to csv > out"};
         mzMLInMinutesAndBack.madePart = "0,5.25,1100,1100\n";
-        row("modulation that the trace shows") = {"sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML &&"
-                                                  "grep -cE '1002085|\"modulation length\" value=\"4\"' a.mzML > out",
-                                                  0, "modulated every 4 s", "2\n"};
+        row("modulation that the trace shows") = {
+            "sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML && grep -cE "
+            "'1002085|\"modulation length\" value=\"4\" .*UO:0000010' a.mzML > out",
+            0, "modulated every 4 s", "2\n"};
         row("totals that the file gives, through mzML") = {
             "ncdump plain.cdf | sed 's/total_intensity = .*/total_intensity = 1.1, 2, 3, 4, 5 ;/' | ncgen -o a.cdf;"
             "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && ncdump -v total_intensity b.cdf |"
@@ -215,6 +223,10 @@ private slots:
             "ncdump plain.cdf | sed 's/\"Seconds\"/\"Minutes\"/' | ncgen -o a.cdf; convert a.cdf -o a.mzML;"
             "convert a.mzML -o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
             0, "", " scan_acquisition_time = 315, 348, 381, 414, 447 ;\n"};
+        row("a run in minutes, into minutes") = {
+            "ncdump plain.cdf | sed 's/\"Seconds\"/\"Minutes\"/' | ncgen -o a.cdf; convert --minutes a.cdf -o a.mzML;"
+            "grep -oE 'start time\" value=\"[0-9.]*' a.mzML | head -1 > out",
+            0, "", "start time\" value=\"5.25\n"};
         row("a time behind the run") = {"convert plain.cdf -o b.msp --at 5", 0,
                                         "no scan at 5.000 min; scan 4, at 0.124 min, is taken"};
         row("what mzML says of run and scan") = {
@@ -312,6 +324,27 @@ private slots:
         row("title in Latin-1") = {retitled.arg("\\\\374ber")
                                        + "convert a.cdf -o b.cdf && ncdump -h b.cdf | grep title > out",
                                    0, "", "\t\t:experiment_title = \"\u00fcber\" ;\n"};
+        row("who took another program's mzML") = {
+            "sample gcms --scans 1 s.cdf; ncdump s.cdf | sed 's/dataset_owner = \"/&An owner of the /' | ncgen -o "
+            "a.cdf;"
+            "convert a.cdf -o a.mzML; sed -i -E '/userParam name=\"(operator_name|dataset_)/d' a.mzML;"
+            "convert a.mzML -o b.cdf; ncdump -h b.cdf | grep -oE '(operator_name|dataset_o.*) = .*' > out",
+            0, "", "dataset_owner = \"An owner of the Example laboratory\" ;\noperator_name = \"Operator\" ;\n"};
+        const QString flagged =
+            "ncdump " + fixture("flags-on-masses") + " | sed -E '%1' | ncgen -o a.cdf; convert a.cdf -o b.cdf; ";
+        row("times of points in another order") = {
+            flagged.arg("s/(mass_values =) 50, 60.25/\\1 60.25, 50/")
+                + "ncdump -v time_values b.cdf | grep 'time_values = ' | cut -d , -f 1-2 > out",
+            0, "Flags of peaks are left out", " time_values = 2, 1\n"};
+        row("flags where points lack data") = {flagged.arg("s/(mass_values =) 50/\\1 NaNf/")
+                                                   + "ncdump -v flag_count b.cdf | grep 'flag_count = ' > out",
+                                               0, "Flags of peaks are left out", " flag_count = 0, 0, 0 ;\n"};
+        row("map whose times are rounded at the edges") = {
+            "sample tic --scans 12 s.cdf; ncdump s.cdf | sed -z 's/scan_acquisition_time = [^;]*/scan_acquisition_time "
+            "= "
+            "2, 2.1, 2.2, 2.3, 2.4, 2.5, 2.6, 2.7, 2.8, 2.9, 3, 3.1 /' | ncgen -o a.cdf;"
+            "convert a.cdf --csv map --modulation 0.3 -o - --to csv | grep -vcE ',(,|$)' > out",
+            0, "", "4\n"};
         row("text that has no room") = {"convert plain.cdf -o a.mzML && sed -i 's/<componentList/<userParam "
                                         "name=\"instrument_name\" value=\"A name that is much longer than 31 "
                                         "letters\"\\/>&/' a.mzML; convert a.mzML -o b.cdf",

@@ -101,7 +101,9 @@ private slots:
         QVERIFY(trace->xAxis->range().size() < all.size());
         const QCPRange zoomed = trace->xAxis->range();
         const QPoint middle = trace->rect().center();
+        const QSignalSpy picked(trace, &TracePlot::timePicked);
         drag(trace, Qt::LeftButton, {}, middle, middle + QPoint(40, 0));
+        QVERIFY(picked.isEmpty()); // a drag is no click
         QVERIFY(trace->xAxis->range().lower < zoomed.lower);
         drag(trace, Qt::RightButton, {}, pixelOf(trace, 8.0, trace->yAxis->range().upper / 2),
              pixelOf(trace, 12.0, trace->yAxis->range().upper / 4));
@@ -253,6 +255,7 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down); // goes to the list at once
         QTRY_COMPARE(page()->scan(), 1);
         const int all = list->view()->model()->rowCount();
+        QCOMPARE(all, page()->model()->summary().size);
         const QString name = page()->model()->compounds().at(2).name;
         QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
         QTest::keyClicks(QApplication::focusWidget(), name.toUpper());
@@ -261,6 +264,9 @@ private slots:
             list->search(text);
             QCOMPARE(list->view()->model()->rowCount(), found);
         }
+        list->search("");
+        list->view()->sortByColumn(3, Qt::AscendingOrder); // by CAS number, not by its letters
+        QCOMPARE(list->view()->model()->index(0, 3).data().toString(), QString("54-11-5"));
         list->search(name);
         list->view()->selectRow(0);
         QTRY_COMPARE(page()->spectrum()->title(), name);
@@ -309,7 +315,8 @@ private slots:
         trigger("O&ffset traces");
         QVERIFY(valuesOf(trace->graph(1)).lower > 0.1 * height);
         const QString name = trace->graph(1)->name();
-        QVERIFY2(name.startsWith(QString("other.cdf \u00d7 ")) && name.contains(" + "), qPrintable(name));
+        const QString offset = QString(" + %1").arg(0.15 * height, 0, 'g', 2);
+        QVERIFY2(name.startsWith(QString("other.cdf \u00d7 ")) && name.endsWith(offset), qPrintable(name));
         QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
         QTRY_COMPARE(page()->trace()->graphCount(), 1);
         QCOMPARE(window->recentFiles(), (QStringList{sample("other"), sample("gcms")}));
@@ -397,6 +404,7 @@ private slots:
         const QList<QByteArray> lines = content(table).split('\n');
         QCOMPARE(lines.size(), page()->model()->summary().size + 2); // and nothing behind the last line end
         QCOMPARE(lines.value(1).split(',').value(0).toDouble(), plot->firstCut()->data()->at(0)->key);
+        QCOMPARE(lines.value(1).split(',').value(1).toDouble(), plot->secondCut()->data()->at(0)->key);
 
         const double time = page()->shown().time;
         QTest::keyClick(plot, Qt::Key_Right); // a modulation on
@@ -409,6 +417,11 @@ private slots:
         QTest::keyClick(plot, Qt::Key_Right);
         QTest::keyClick(plot, Qt::Key_Down);
         QTRY_COMPARE(page()->scan(), 23899);
+
+        page()->setModulation(5.0);
+        page()->setMasses("57, 71");
+        QTRY_COMPARE(page()->map()->values()->count(), 3);
+        QCOMPARE(page()->map()->length(), 5.0); // and not what was guessed
 
         QTest::keyClick(plot, Qt::Key_D, Qt::ControlModifier);
         QVERIFY(!page()->showsMap() && page()->trace()->isVisible());

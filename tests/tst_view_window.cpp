@@ -87,6 +87,13 @@ private slots:
         QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(window.get(), &drop);
         QCOMPARE(window->tabs()->count(), 2);
+        open(fixture("plain"));
+        for (const int tab : {1, 0, 2}) {
+            QTest::keyClick(window.get(), Qt::Key_Tab, Qt::ControlModifier | Qt::ShiftModifier);
+            QCOMPARE(window->tabs()->currentIndex(), tab);
+        }
+        QTest::keyClick(window.get(), Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(window->tabs()->currentIndex(), 0);
     }
 
     void remembersSizesAndFolder()
@@ -237,6 +244,7 @@ private slots:
         QTreeWidget *tree = page()->tree()->tree();
         QTreeWidgetItem *doubts = tree->topLevelItem(0);
         QVERIFY(doubts->childCount() > 0);
+        QCOMPARE(tree->findItems("doubts", Qt::MatchFixedString).size(), 1); // in no case of its letters
         QString sentence = page()->model()->doubts().list.first().text;
         QCOMPARE(doubts->child(0)->text(0), sentence.replace(fixture("overlapping-scans"), "overlapping-scans.cdf"));
         QTreeWidgetItem *way = doubts->child(0)->child(0); // to the scan that it names
@@ -280,7 +288,7 @@ private slots:
         table->copy();
         QCOMPARE(QApplication::clipboard()->text().split('\n').value(1).section('\t', 0, 0), mass);
         table->view()->clearSelection();
-        table->view()->sortByColumn(1, Qt::DescendingOrder);
+        table->view()->sortByColumn(2, Qt::DescendingOrder);
         table->copy();
         const QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), int(page()->shown().masses.size()) + 1);

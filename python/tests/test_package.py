@@ -20,7 +20,7 @@ def test_scans_points_and_slices_agree(sample):
         assert (mz.dtype, offsets.dtype, len(offsets), offsets[-1]) == (np.float32, np.int64, 201, len(mz))
         some = run[10:20:3]
         assert [scan.index for scan in some] == [10, 13, 16, 19] and len(some[1:]) == 3
-        assert run[-1].index == 199 and run.scan_at(run.times[7]).index == 7
+        assert run[-1].index == 199 and run[-200].index == 0 and run.scan_at(run.times[7]).index == 7
         part = run.points(5, 8)
         assert np.array_equal(part[0], mz[offsets[5] : offsets[8]]) and part[2][-1] == len(part[0])
         assert len(run.library) == 0 and run.to_xarray().time.attrs == {"units": "s"}

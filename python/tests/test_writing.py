@@ -26,6 +26,17 @@ def test_numbers_that_were_never_written_are_none(tmp_path):
         assert ["a_d_coaddition_factor" in scan.numbers for scan in run] == [False, True]
 
 
+def test_given_numbers_stay(tmp_path):
+    path = tmp_path / "run.cdf"
+    window = {"mass_range_min": 40.0, "mass_range_max": 60.0}
+    aiams.write(path, [aiams.ScanData(time, [50.0], [1.0], tic=5.0, numbers=window) for time in (1.0, 2.0)])
+    with netCDF4.Dataset(path, "a") as file:
+        file["total_intensity"][0] = -9999.0
+    with aiams.open(path) as run:
+        assert run[0].mass_range == (40.0, 60.0)
+        assert list(run.tic) == [1.0, 5.0]
+
+
 @pytest.mark.parametrize("source", ["sample", "groups", "attributes", "library"])
 def test_written_again(sample, tmp_path, source):
     options = {"sample": (), "groups": ("sim",), "attributes": (), "library": ("library",)}[source]
@@ -56,6 +67,7 @@ def test_written_again(sample, tmp_path, source):
                 if name not in made_anew and again.attributes.get(name) != value
             }
             assert lost == {}
+            assert all(type(again.attributes[name]) is type(value) for name, value in more.items())
 
 
 MASSES = np.arange(50.0, 60.0)
