@@ -251,8 +251,10 @@ private slots:
             0, "1 spectrum of the other polarity is left out"};
         row("a compound's numbers") = {
             "sample library --scans 1 s.cdf; convert s.cdf -o b.msp; grep -E '^(MW|RT):' b.msp > out;"
+            "ncdump s.cdf | sed 's/chemical_mass/others/' | ncgen -o c.cdf; convert c.cdf -o - --to msp | grep MW >> "
+            "out;"
             "convert info-library.cdf -o b.cdf; ncdump -v melting_point b.cdf | grep -o 'point = [^,]*' >> out",
-            0, "", "MW: 92\nRT: 3.65625\npoint = 5.53\n"};
+            0, "", "MW: 92\nRT: 3.65625\nMW: 92\npoint = 5.53\n"};
         row("edges of a trace's masses") = {
             "convert library.cdf --csv trace --masses 59.8,70 -o - --to csv | cut -d , -f 5- > out", 0, "",
             "m/z 59.8,m/z 70\n2,0\n0,0\n16,0\n"};

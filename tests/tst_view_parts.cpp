@@ -177,6 +177,15 @@ private slots:
             QCOMPARE(fault, QString("The times of the run have gaps that are too long for a map."));
     }
 
+    void keepsTheHigherOfTwoScans()
+    {
+        QString fault;
+        const ModulationMap map =
+            foldTrace({0, 1, 2, 3, 4, 5, 5.2, 6, 7}, {1, 1, 1, 1, 1, 9, 1, 1, 1}, 4.0, 0.0, &fault);
+        QCOMPARE(fault, QString());
+        QCOMPARE(map.values, (std::vector<double>{1, 1, 1, 1, 1, 9, 1, 1}));
+    }
+
     void drawsImages_data()
     {
         const Rows<Drawn> row;

@@ -191,6 +191,8 @@ def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path, capsys):
     command = [str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part"]
     assert [archive.main([*command, f"{part}/3"]) for part in range(3)] == [1, 1, 0]
     assert capsys.readouterr().err.count("1 of 5 files have no output: ") == 2
+    with pytest.raises(SystemExit, match="2"):  # the first part is 0
+        archive.main([*command, "3/3"])
     with pytest.raises(SystemExit, match="1"):
         archive.main([str(folder / "text.cdf"), "x.cdf"])
     assert "File exists" in capsys.readouterr().err
