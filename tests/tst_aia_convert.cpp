@@ -208,6 +208,17 @@ private slots:
             "sed -i 's/UO:0000010\" unitName=\"second/UO:0000032\" unitName=\"hour/; s/id=\"TIC/id=\"sum/' a.mzML;"
             "convert a.mzML -o b.cdf && ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
             0, "", " scan_acquisition_time = 216000, 432000 ;\n"};
+        row("mzML in microseconds") = {
+            "convert plain.cdf -o a.mzML; sed -i 's/UO:0000010\" unitName=\"second/UO:0000029\" "
+            "unitName=\"microsecond/' a.mzML;"
+            "convert a.mzML -o b.cdf && ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
+            0, "", " scan_acquisition_time = 5.25e-06, 5.8e-06, 6.35e-06, 6.9e-06, 7.45e-06 ;\n"};
+        row("two scan windows in mzML") = {
+            "sample gcms --scans 1 s.cdf; convert s.cdf -o a.mzML; sed -zi 's/ *<scanWindow>.*<.scanWindow>/&&/;"
+            "s/355.25/500/2; s/355.25/100/2; s/WindowList count=\"1/WindowList count=\"2/' a.mzML; grep -c 'r "
+            "limit.*\"100\"' a.mzML > out;"
+            "convert a.mzML -o b.cdf; ncdump -v mass_range_max b.cdf | grep ' mass.*max = ' >> out",
+            0, "become one range", "1\n mass_range_max = 500 ;\n"};
         row("mzML without a unit of time") = {
             "convert plain.cdf -o a.mzML; sed -i 's/unitAccession=\"UO:0000010\"/unitAccession=\"\"/' a.mzML; convert "
             "a.mzML -o b.cdf",
