@@ -19,12 +19,15 @@ std::string paramsOfArray(const std::string &beginning, const char *kind)
     const auto part = [&beginning](std::size_t from, const char *end) {
         return beginning.substr(from, beginning.find(end, from + 1) - from);
     };
-    for (std::size_t place = 0; (place = beginning.find("<binaryDataArray ", place)) != std::string::npos;
+    int searches = 1000; // more would take long, in a file that was made to
+    for (std::size_t place = 0;
+         --searches > 0 && (place = beginning.find("<binaryDataArray ", place)) != std::string::npos;
          ++place) {
         std::string params = part(place, "<binary");
         const std::string own = params;
         const std::string reference = "<referenceableParamGroupRef ref=";
-        for (std::size_t at = 0; (at = own.find(reference, at)) != std::string::npos; ++at) {
+        for (std::size_t at = 0; --searches > 0 && (at = own.find(reference, at)) != std::string::npos;
+             ++at) {
             const std::size_t name = at + reference.size();
             const std::string quoted = own.substr(name, own.find(own[name], name + 1) + 1 - name);
             const std::size_t group = beginning.find("<referenceableParamGroup id=" + quoted);
