@@ -113,7 +113,6 @@ private slots:
         QCOMPARE(census.keys.size(), row.masses);
     }
 
-    // Of a run so long that nobody holds its end already.
     // The library doesn't look at it.
     void takesAnyTagOfAnEmptyList()
     {
@@ -127,6 +126,7 @@ private slots:
         QVERIFY(file.scan(scanCount - 1).isRead());
     }
 
+    // Of a run so long that nobody holds its end already.
     void noticesACutWhileOpen_data()
     {
         const Rows<CutWhileOpen> row;
