@@ -4,7 +4,7 @@
 
 MsCompound::MsCompound(const MsLibraryRecord &entry)
 {
-    const auto numberOf = [](qint32 stored) { return isKnown(stored) ? stored : -1; };
+    const auto numberOf = [](qint32 stored) { return ms_is_given(stored) ? stored : -1; };
     casName = textOf(entry.CAS_name);
     name = textOf(entry.entry_name);
     if (name.isNull())

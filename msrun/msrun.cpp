@@ -199,7 +199,7 @@ MsModulation MsRun::modulation(const Progress &progress) const
         return {};
     std::vector<double> totals = storedTotals();
     const auto missing =
-        std::count_if(totals.begin(), totals.end(), [](double total) { return !isKnown(total); });
+        std::count_if(totals.begin(), totals.end(), [](double total) { return !ms_is_given(total); });
     if (std::size_t(missing) * 2 > totals.size() && kind() == Kind::Spectra)
         totals = summedTotals(progress);
     return ms_guess_modulation(times(), totals);

@@ -113,7 +113,7 @@ void MsSpectrum::dropPointsWithoutData()
 
 qint32 MsSpectrum::number() const
 {
-    return isKnown(scan_.actual_scan_number) ? scan_.actual_scan_number : index();
+    return ms_is_given(scan_.actual_scan_number) ? scan_.actual_scan_number : index();
 }
 
 const double *MsSpectrum::numbers() const

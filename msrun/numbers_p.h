@@ -6,33 +6,18 @@
 
 #include <QString>
 
-#include <cmath>
 #include <limits>
 
 constexpr double unknownNumber = std::numeric_limits<double>::quiet_NaN();
 
-// Whether a number of a record is there: not missing, never written or infinite.
-inline bool isKnown(double number)
-{
-    constexpr double belowFill = 9e36; // nearly all numbers are
-    if (std::abs(number) < belowFill)
-        return number != MsMissingDouble;
-    return std::isfinite(number) && !ms_is_fill(NC_DOUBLE, number);
-}
-
 inline double knownOr(double number, double otherwise)
 {
-    return isKnown(number) ? number : otherwise;
+    return ms_is_given(number) ? number : otherwise;
 }
 
 inline double known(double number)
 {
     return knownOr(number, unknownNumber);
-}
-
-inline bool isKnown(qint32 number)
-{
-    return number != MsMissingLong && !ms_is_fill(NC_LONG, number);
 }
 
 // A text of a record, without blanks around it; null for a blank one.

@@ -27,27 +27,27 @@ ScanTimes::ScanTimes(const MsFile &file, const MsGlobals &globals, qint32 scanCo
         const MsScanHeader header = file_.scanHeader(scan);
         if (!header.isRead())
             return; // times can't be asked for
-        haveDurations_ = haveDurations_ || isKnown(header.scan_duration);
-        lacking_ += !isKnown(header.scan_acquisition_time);
-        if (isKnown(firstKnown))
+        haveDurations_ = haveDurations_ || ms_is_given(header.scan_duration);
+        lacking_ += !ms_is_given(header.scan_acquisition_time);
+        if (ms_is_given(firstKnown))
             continue;
         firstKnown = known(header.scan_acquisition_time);
-        beforeIt += isKnown(firstKnown) ? 0.0 : durationOf(header);
+        beforeIt += ms_is_given(firstKnown) ? 0.0 : durationOf(header);
     }
     const MsRawGlobalRecord &raw = globals.raw;
     const bool allLack = lacking_ == scanCount_;
     // The length is that from the first scan to the last one.
-    if (allLack && scanCount_ > 1 && isKnown(raw.actual_run_time_length)
+    if (allLack && scanCount_ > 1 && ms_is_given(raw.actual_run_time_length)
         && raw.actual_run_time_length > 0.0)
         evenStep_ = raw.actual_run_time_length / (scanCount_ - 1);
-    if (!haveDurations_ && !isKnown(evenStep_))
+    if (!haveDurations_ && !ms_is_given(evenStep_))
         return;
     areMade_ = true;
     madeTimes_ = Fold<double>(allLack ? std::max(knownOr(raw.actual_delay_time, 0.0), 0.0)
                                       : firstKnown - beforeIt);
     for (qint32 scan = 0; scan < scanCount_; ++scan) {
         const MsScanHeader header = file_.scanHeader(scan);
-        if (!isKnown(header.scan_acquisition_time) && isKnown(of(header)) && made_++ == 0)
+        if (!ms_is_given(header.scan_acquisition_time) && ms_is_given(of(header)) && made_++ == 0)
             firstMade_ = scan;
     }
 }
@@ -55,14 +55,14 @@ ScanTimes::ScanTimes(const MsFile &file, const MsGlobals &globals, qint32 scanCo
 // The time from a scan to the next one, NaN if it doesn't say.
 double ScanTimes::durationOf(const MsScanRecord &scan)
 {
-    if (!isKnown(scan.scan_duration))
+    if (!ms_is_given(scan.scan_duration))
         return unknownNumber;
     return std::max(scan.scan_duration, 0.0) + std::max(knownOr(scan.inter_scan_time, 0.0), 0.0);
 }
 
 double ScanTimes::of(const MsScanRecord &scan)
 {
-    if (isKnown(scan.scan_acquisition_time) || !areMade_)
+    if (ms_is_given(scan.scan_acquisition_time) || !areMade_)
         return known(scan.scan_acquisition_time);
     return madeTimes_.at(scan.scan_number, [this](qint32 number, double time) {
         const MsScanHeader header = file_.scanHeader(number);

@@ -33,11 +33,6 @@ QList<MsDoubt> MsDoubtList::in_order() const
     return doubts;
 }
 
-bool ms_is_given(double number)
-{
-    return std::isfinite(number) && !ms_is_missing(number) && !ms_is_fill(NC_DOUBLE, number);
-}
-
 bool ms_is_near(double one, double other)
 {
     constexpr double tolerance = 1e-3;

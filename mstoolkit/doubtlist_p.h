@@ -38,9 +38,6 @@ private:
     QList<Listed> listed;
 };
 
-// Whether a number was given: neither missing nor a fill value, infinite or NaN.
-bool ms_is_given(double number);
-
 // Whether two numbers are the same but for a thousandth.
 bool ms_is_near(double one, double other);
 

@@ -331,7 +331,7 @@ void ms_look_at_totals(MsFileState &file)
         const auto [total, is_known] = totals.get(i);
         if (!is_known)
             continue;
-        if (!std::isfinite(total) || ms_is_missing(total) || totals.is_fill(total))
+        if (!ms_is_given(total) || totals.is_fill(total))
             findings[MsDoubtKind::BadTotals].add(qint64(i));
         else
             sums.compare(i, total);

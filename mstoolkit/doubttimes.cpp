@@ -17,8 +17,7 @@ constexpr qint64 enough = 10; // scans, to tell an odd one from the others
 
 bool can_be(const MsColumnWalk &times, const MsColumnNumber &time)
 {
-    return time.is_known && std::isfinite(time.value) && !ms_is_missing(time.value)
-        && !times.is_fill(time.value);
+    return time.is_known && ms_is_given(time.value) && !times.is_fill(time.value);
 }
 
 // The step from a scan to the next one that most scans have; 0 where none rises. A sample will do.

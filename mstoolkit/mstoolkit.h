@@ -22,6 +22,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <cmath>
 #include <cstddef>
 #include <netcdf.h>
 
@@ -682,6 +683,20 @@ qint64 ms_count_positions(int ncid);
 // Whether a number of type `type` is the one that netCDF stores where nothing was written. A double may
 // come from a float, or be the rounded number of the manuals.
 bool ms_is_fill(qint32 type, double number);
+
+// Whether a number of a record was given: it is finite, not missing, and not what netCDF stores where
+// nothing was written. That is another number in 16 bits; ask ms_is_fill, too, about a field of NC_SHORT.
+inline bool ms_is_given(double number)
+{
+    constexpr double below_fill = 9e36; // nearly all numbers are
+    if (std::abs(number) < below_fill)
+        return number != MsMissingDouble;
+    return std::isfinite(number) && !ms_is_fill(NC_DOUBLE, number);
+}
+inline bool ms_is_given(qint32 number)
+{
+    return number != MsMissingLong && !ms_is_fill(NC_LONG, number);
+}
 
 // Whether scans come from the file's bytes alone: the file is of a classic kind, and its variables have
 // types that need no conversion of netCDF. Asks netCDF all that the routines above want to know of them,

@@ -77,7 +77,8 @@ template <class Stored> Stored clamp_to(double number)
     return Stored(std::clamp(number, double(Limits::lowest()), double(Limits::max())));
 }
 
-bool is_given(double number)
+// Not ms_is_given: a number about as large as a fill value is no claim, and no time.
+bool is_usable(double number)
 {
     return std::abs(number) < huge && !ms_is_missing(number); // and no NaN
 }
@@ -87,7 +88,7 @@ bool is_given(double number)
 MsNumberRange claimed_range(double one, double other)
 {
     MsNumberRange range;
-    if (is_given(one) && is_given(other) && (one != 0.0 || other != 0.0))
+    if (is_usable(one) && is_usable(other) && (one != 0.0 || other != 0.0))
         range = {std::min(one, other), std::max(one, other)};
     return range;
 }
@@ -294,7 +295,7 @@ private:
         MsNumberRange range;
         for (qint32 i = 0; i < scan.point_count; ++i) {
             const double number = double(numbers[i]);
-            if (is_given(number))
+            if (is_usable(number))
                 range.add(number);
         }
         // Beyond rounding, and as stored or as scaled, as above.

@@ -37,7 +37,7 @@ bool storeNumber(const py::handle &value, qint32 type, std::size_t field, void *
 {
     if (type == NC_SHORT || type == NC_LONG) {
         const std::optional<qint32> number = wholeNumber(value);
-        if (!number || (type == NC_SHORT && *number != qint16(*number)) || !isKnown(*number)
+        if (!number || (type == NC_SHORT && *number != qint16(*number)) || !ms_is_given(*number)
             || ms_is_fill(type, *number))
             return false;
         ms_store_variant(record, field, QVariant(*number), type);
@@ -46,7 +46,7 @@ bool storeNumber(const py::handle &value, qint32 type, std::size_t field, void *
     const double number = py::isinstance<py::str>(value) ? unknownNumber : PyFloat_AsDouble(value.ptr());
     const bool isNumber = PyErr_Occurred() == nullptr;
     PyErr_Clear();
-    if (!isNumber || !isKnown(number) || (type == NC_FLOAT && !isKnown(double(float(number)))))
+    if (!isNumber || !ms_is_given(number) || (type == NC_FLOAT && !ms_is_given(double(float(number)))))
         return false;
     ms_store_variant(record, field, QVariant(number), type);
     return true;

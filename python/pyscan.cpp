@@ -36,12 +36,12 @@ py::dict numbers(const PyScan &scan)
         const void *field = record + row.field;
         if (row.nc_type == NC_DOUBLE) {
             const double number = *static_cast<const double *>(field);
-            if (isKnown(number))
+            if (ms_is_given(number))
                 result[row.name] = number;
         } else {
             const qint32 number = row.nc_type == NC_SHORT ? *static_cast<const qint16 *>(field)
                                                           : *static_cast<const qint32 *>(field);
-            if (isKnown(number) && !ms_is_fill(row.nc_type, number))
+            if (ms_is_given(number) && !ms_is_fill(row.nc_type, number))
                 result[row.name] = number;
         }
     }

@@ -119,7 +119,7 @@ void PyWriter::add(const py::dict &numbers, const py::array &masses, const py::a
         scan.mass_range_max = knownOr(scan.mass_range_max, range->to);
     }
     const double sum = storedIntensities.sum();
-    if (!isKnown(scan.total_intensity) && !std::isfinite(sum))
+    if (!ms_is_given(scan.total_intensity) && !std::isfinite(sum))
         refuse(QStringLiteral("its intensities add up to more than a number can hold"));
     scan.total_intensity = knownOr(scan.total_intensity, sum);
     scan.point_count = qint32(masses.size());

@@ -169,7 +169,7 @@ void PyWriter::writeGroups(const py::list &groups)
             std::vector<double> numbers(most, MsMissingDouble);
             for (std::size_t i = 0; i < std::size_t(stored.size()); ++i) {
                 const double number = stored.data()[i];
-                if (!std::isnan(number) && !isKnown(number))
+                if (!std::isnan(number) && !ms_is_given(number))
                     refuse(name);
                 numbers[i] = knownOr(number, MsMissingDouble);
             }

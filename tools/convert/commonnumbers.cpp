@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 void CommonNumbers::add(const MsScanRecord &scan)
@@ -20,8 +19,7 @@ void CommonNumbers::add(const MsScanRecord &scan)
 
 bool CommonNumbers::isGiven(double value) const
 {
-    return !isFirst && std::isfinite(value) && value != MsMissingDouble && !ms_is_fill(NC_DOUBLE, value)
-        && value != NC_FILL_SHORT;
+    return !isFirst && ms_is_given(value) && value != NC_FILL_SHORT;
 }
 
 double CommonNumbers::valueOf(std::size_t place) const

@@ -55,7 +55,8 @@ double numberOf(const CVParam &parameter)
     return isNumber && std::isfinite(number) ? number : MsMissingDouble;
 }
 
-// Readers of .cdf files take these for points that were never written.
+// Readers of .cdf files take these for points that were never written. Not ms_is_given: a point may be
+// -9999.
 bool isNoData(double number)
 {
     return !std::isfinite(number) || ms_is_fill(NC_DOUBLE, number);

@@ -16,9 +16,8 @@ constexpr double totalTolerance = 1e-6;
 // Whether there are times of points; most writers never write them. One for each scan is its own time.
 bool hasTimes(const MsNumbers &times)
 {
-    return times.size() > 1 && std::any_of(times.begin(), times.end(), [](double time) {
-               return std::isfinite(time) && time != MsMissingDouble && !ms_is_fill(NC_DOUBLE, time);
-           });
+    return times.size() > 1
+        && std::any_of(times.begin(), times.end(), [](double time) { return ms_is_given(time); });
 }
 
 class Survey

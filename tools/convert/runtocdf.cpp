@@ -14,7 +14,7 @@ namespace {
 
 double orMissing(double number)
 {
-    return std::isfinite(number) && !ms_is_fill(NC_DOUBLE, number) ? number : MsMissingDouble;
+    return ms_is_given(number) ? number : MsMissingDouble;
 }
 
 // What has to be known of a run before its first scan is written.
@@ -38,8 +38,7 @@ bool survey(const MsRun &run, ProgressBar *progress, Survey *result)
             }
             const MsNumbers times = spectrum.pointTimes();
             result->hasPointTimes = result->hasPointTimes
-                || std::any_of(times.begin(), times.end(),
-                               [](double time) { return orMissing(time) != MsMissingDouble; });
+                || std::any_of(times.begin(), times.end(), [](double time) { return ms_is_given(time); });
             return true;
         });
     for (const MsDoubt &doubt : run.doubts()) {
@@ -165,7 +164,7 @@ private:
                                         spectrum.storedIntensities(), &intensities);
         times = layout.has_time_values ? spectrum.pointTimes().toVector() : std::vector<double>();
         for (double &time : times)
-            time = orMissing(time) == MsMissingDouble ? time : run.globals().time(time);
+            time = ms_is_given(time) ? run.globals().time(time) : time;
         if (!isSorted && times.size() == count) {
             const std::vector<double> unordered = times;
             std::transform(order.begin(), order.end(), times.begin(),

@@ -5,7 +5,6 @@
 #include "msrunfacts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 
 namespace {
@@ -77,8 +76,7 @@ std::optional<double> timeOfScan(const MsFile &file, qint32 scan, bool inMinutes
     const Silence silence;
     const MsScanHeader header = file.scanHeader(scan);
     const double time = header.scan_acquisition_time;
-    if (!header.isRead() || time == MsMissingDouble || !std::isfinite(time)
-        || ms_is_fill(NC_DOUBLE, time))
+    if (!header.isRead() || !ms_is_given(time))
         return std::nullopt;
     return inMinutes ? time / 60.0 : time;
 }

@@ -61,6 +61,7 @@ public:
     }
 
 private:
+    // Not ms_is_given: a claim of infinity is shown.
     static QVariant claimed(double number)
     {
         return number == MsMissingDouble || ms_is_fill(NC_DOUBLE, number) ? QVariant() : number;
@@ -235,7 +236,7 @@ void Gatherer::addLibrary(InfoNode *report)
 // Adds a count of a scan, unless it wasn't read or never written.
 void addCount(const char *name, qint32 count, InfoNode *section)
 {
-    if (count != MsMissingLong && !ms_is_fill(NC_INT, count))
+    if (ms_is_given(count))
         section->addValue(QString::fromLatin1(name), count);
 }
 

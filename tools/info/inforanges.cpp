@@ -1,7 +1,6 @@
 #include "inforanges.h"
 
 #include <algorithm>
-#include <cmath>
 
 void Range::add(const MsNumbers &numbers)
 {
@@ -16,7 +15,7 @@ void Range::add(const MsNumbers &numbers)
 
 void Range::add(double number)
 {
-    if (!std::isfinite(number) || number == MsMissingDouble || ms_is_fill(NC_DOUBLE, number))
+    if (!ms_is_given(number))
         return;
     least = std::min(least, number);
     most = std::max(most, number);
