@@ -20,18 +20,19 @@ struct MsTerm {
     bool isStated() const { return !text.isNull(); }
 };
 
-// A time stamp.
+// A time stamp of a file.
 struct MsMoment {
     QString text{};   // as the file has it; null where it has none
     QDateTime time{}; // in UTC where hasZone, else a local time of which nobody knows the zone, which is
                       // shown as if it were UTC; not valid where the text can't be understood
-    bool hasZone = false;
+    bool hasZone = false; // whether the text names one
 };
 
+// The facts. Behind each stands the attribute that it comes from.
 struct MsRunFacts {
     enum class Polarity { Unknown, Positive, Negative };
-    enum class Spectra { Unknown, Centroid, Profile }; // of a library, unknown
-    enum class Scan { Unknown, FullScan, SelectedIons };
+    enum class Spectra { Unknown, Centroid, Profile };   // of a library, unknown
+    enum class Scan { Unknown, FullScan, SelectedIons }; // of another scan function, unknown
 
     QString title;        // experiment_title
     QString operatorName; // operator_name
@@ -71,24 +72,28 @@ struct MsRunFacts {
     MsTerm timeUnits;        // units of time_values, which hold for the times of scans, too
     MsTerm intensityUnits;   // units of intensity_values
     MsTerm totalUnits;       // units of total_intensity
-    double electronEnergy = std::numeric_limits<double>::quiet_NaN();    // test_electron_energy, in eV
+
+    // test_electron_energy, test_source_temperature, test_ms_inlet_temperature, test_detector_potential.
+    double electronEnergy = std::numeric_limits<double>::quiet_NaN();    // in eV
     double sourceTemperature = std::numeric_limits<double>::quiet_NaN(); // in degrees Celsius
     double inletTemperature = std::numeric_limits<double>::quiet_NaN();  // likewise
     double detectorPotential = std::numeric_limits<double>::quiet_NaN(); // in V
     qint32 groups = 0;                                                   // of monitored masses
 
-    // The terms that most ask for.
+    // What ionisationSign, experiment and scanFunction say, for those who choose by it.
     Polarity polarity = Polarity::Unknown;
     Spectra spectra = Spectra::Unknown;
     Scan scan = Scan::Unknown; // selected ions also where the file has groups and says nothing
 };
 
-// Reads the facts from the attributes of an open file, of which `globals` are the records.
+// Reads the facts from the attributes of an open file, of which `globals` are the records, and its
+// instrument and groups. What can't be read counts as not said. The facts belong to the caller and
+// outlive the file.
 MsRunFacts ms_read_run_facts(const MsFile &file, const MsGlobals &globals);
 
 // Takes a time stamp apart. Understood are year, month, day, hour, minute and second in this order,
 // together or apart, and a zone or none, as in 20070923040800+0200, 2007-09-23T04:08:00Z and
-// 2007,09,23,04:08:00.
+// 2007,09,23,04:08:00. Of another text, `time` isn't valid; the text is kept as it is.
 MsMoment ms_moment_of(const QString &stamp);
 
 #endif // MSRUNFACTS_H

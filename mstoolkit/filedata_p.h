@@ -58,7 +58,7 @@ public:
     void open_read(quint64 length);
 
     // The same of a classic file: its bytes, and what ms_inspect_header made of them.
-    void open_read(std::unique_ptr<MsClassicBytes> file, MsClassicLayout layout);
+    void open_read(std::unique_ptr<MsClassicBytes> file, MsClassicLayout found);
 
     // Whether shapes and elements stay as they are, so that what is known of them can be kept.
     bool is_constant() const { return constant; }

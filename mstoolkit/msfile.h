@@ -27,7 +27,10 @@ public:
 
     MsRange(int ncid, qint32 count) : ncid_(ncid), count_(std::max(count, 0)) { }
 
+    // How many the file claims, those included that can't be read.
     qint32 size() const { return count_; }
+
+    // Reads the record with that number. One outside the range isn't read: its isRead() is false.
     Record operator[](qint32 number) const { return Record(ncid_, number); }
     Iterator begin() const { return Iterator(*this, 0); }
     Iterator end() const { return Iterator(*this, count_); }
@@ -41,12 +44,12 @@ private:
 // vectors of each scan that is written have to be of that type.
 struct MsFileLayout {
     qint32 experiment_type = MsCentroidedSpectrum; // MsExperimentType
-    qint32 scan_count = 1;
-    qint32 instrument_count = 0;
+    qint32 scan_count = 1;                         // at least 1
+    qint32 instrument_count = 0;                   // below 1 the file has no instrument
     qint32 mass_format = MsFloatFormat;
     qint32 time_format = MsFloatFormat;
     qint32 intensity_format = MsFloatFormat;
-    bool has_mass_values = true;
+    bool has_mass_values = true; // at least one of these two
     bool has_time_values = false;
 };
 
@@ -57,7 +60,8 @@ public:
     // No file.
     MsFile() = default;
 
-    // Opens a file for reading. No file where that fails, see ms_open_read.
+    // Opens a file for reading. No file where that fails, see ms_open_read, which also says how `path` is
+    // coded. A name of Qt is coded by ms_path_of.
     explicit MsFile(const char *path) : id_(ms_open_read(path)) { }
     explicit MsFile(const QString &name) : MsFile(ms_path_of(name).constData()) { }
 
@@ -78,6 +82,7 @@ public:
         return file;
     }
 
+    // Moving hands the file over; the other object then has none. A file that this one had is closed.
     MsFile(MsFile &&other) noexcept : id_(other.release()) { }
     MsFile &operator=(MsFile &&other) noexcept
     {
@@ -113,15 +118,17 @@ public:
         return written;
     }
 
-    // What the toolkit knows of the file, until it is closed; null for no file.
+    // What the toolkit knows of the file. It is the toolkit's, until the file is closed; null for no
+    // file.
     const MsFileRecord *record() const { return ms_file_record(id_); }
 
     // Bytes that a file which is cut off lacks at its end; 0 for a whole one. See ms_missing_bytes.
     quint64 missingBytes() const { return ms_missing_bytes(id_); }
 
+    // Whether the file holds library spectra; false for no file.
     bool isLibrary() const { return record() && record()->experiment_type == MsLibrarySpectrum; }
 
-    // How many there are; 0 for no file.
+    // How many the file claims; 0 for no file. There are entries in a library only, one for each scan.
     qint32 scanCount() const { return size(MsDim_scan_number); }
     qint32 entryCount() const { return isLibrary() ? scanCount() : 0; }
     qint32 instrumentCount() const { return size(MsDim_instrument_number); }
@@ -132,7 +139,9 @@ public:
         return ms_inquire_groups(id_, &groups, &masses) == -1 ? 0 : groups;
     }
 
-    // What the file holds, read now. Numbers are counted from 0; one beyond the end isn't read.
+    // What the file holds, read now and owned by the caller. Numbers are counted from 0. Where a reading
+    // fails, as beyond the end and for no file, isRead() is false; msrecords.h says what is there then.
+    // The census wants the decimals of its grid and the factor of stored masses, see MsCensus.
     MsGlobals globals() const { return MsGlobals(id_); }
     MsScan scan(qint32 number) const { return MsScan(id_, number); }
     MsScanHeader scanHeader(qint32 number) const { return MsScanHeader(id_, number); }
@@ -158,12 +167,13 @@ public:
     void instruments() const && = delete;
     void groups() const && = delete;
 
-    // A file is the range of its scans.
+    // A file is the range of its scans, see scans().
     MsRange<MsScan>::Iterator begin() const { return scans().begin(); }
     MsRange<MsScan>::Iterator end() const { return scans().end(); }
 
-    // Write to a file that was created; false at a refused write. See ms_write_global, ms_write_per_scan,
-    // ms_write_instrument, ms_define_groups and ms_write_group. The records stay as they are.
+    // Write to a file that was created; false at a refused write and for no file. See ms_write_global,
+    // ms_write_per_scan, ms_write_instrument, ms_define_groups, which comes before the groups and takes
+    // the width of their arrays, and ms_write_group. The records stay the caller's, and as they are.
     bool write(const MsGlobalRecords &globals)
     {
         MsAdminRecord admin = globals.admin; // the routine drops four texts from its copy

@@ -14,7 +14,8 @@
 #include <memory>
 #include <utility>
 
-// The routines of mstoolkit.h for each kind of record.
+// The routines of mstoolkit.h for each kind of record, for the classes below: how it is cleared, and
+// freed first with `release`, which field is its number, and how it is read (-1 for a failure).
 template <class Record> struct MsRoutines;
 
 template <> struct MsRoutines<MsScanRecord> {
@@ -61,6 +62,7 @@ template <> struct MsRoutines<MsGroupRecord> {
 // and with the number of its place there, from 0. Its texts and vectors are the program's own: nothing
 // frees them.
 template <class Record> struct MsDraft : Record {
+    // Makes the record with that number, from 0.
     explicit MsDraft(qint32 number) : Record()
     {
         MsRoutines<Record>::init(0, this);
@@ -111,7 +113,7 @@ public:
         MsRoutines<Record>::number(this) = -1;
     }
 
-    // Reads the record with that number, from 0, of an open file.
+    // Reads the record with that number, from 0, of an open file. isRead() is false where that fails.
     MsOwned(int ncid, qint32 number)
         : MsOwned(number, [ncid](Record *record) { return MsRoutines<Record>::read(ncid, record); })
     {
@@ -157,10 +159,13 @@ using MsInstrument = MsOwned<MsInstrumentRecord>;
 class MsScan : public MsOwned<MsScanRecord>
 {
 public:
+    // An empty scan; isRead() is false.
     MsScan() = default;
+
+    // Reads the scan with that number, from 0, of an open file. See ms_read_per_scan.
     MsScan(int ncid, qint32 number) : MsOwned(ncid, number) { takeFormats(ncid); }
 
-    // Reads the scan whose points lie at `place`, whatever the file says. See ms_read_scan_at.
+    // Likewise, but its points lie at `place`, whatever the file says. See ms_read_scan_at.
     MsScan(int ncid, qint32 number, const MsScanPlace &place)
         : MsOwned(number, [&](MsScanRecord *scan) { return ms_read_scan_at(ncid, place, scan); })
     {
@@ -168,13 +173,14 @@ public:
     }
 
     // The numbers of the points as they are stored: point_count of them, or none where the file lacks
-    // them or they couldn't be read. MsGlobals has their scales.
+    // them or they couldn't be read. MsGlobals has their scales and units. These views, and those below,
+    // show memory of the scan: they end with it.
     MsNumbers masses() const { return {mass_values, massFormat_, point_count}; }
     MsNumbers times() const { return {time_values, timeFormat_, point_count}; }
     MsNumbers intensities() const { return {intensity_values, intensityFormat_, point_count}; }
 
-    // The flagged peaks and the value of each flag: flag_count of them, or none, as a scan without points
-    // has none to flag.
+    // The numbers of the flagged peaks and the value of each flag: flag_count of them, or none, as a scan
+    // without points has none to flag.
     MsNumbers flaggedPeaks() const { return {flagged_peaks, MsLongFormat, flag_count}; }
     MsNumbers flagValues() const { return {flag_values, MsShortFormat, flag_count}; }
 
@@ -204,6 +210,7 @@ private:
 class MsScanHeader : public MsScanDraft
 {
 public:
+    // Reads the numbers of the scan with that number, from 0, of an open file. See ms_read_scan_header.
     MsScanHeader(int ncid, qint32 number)
         : MsScanDraft(number), isRead_(ms_read_scan_header(ncid, this) != -1)
     {
@@ -223,7 +230,10 @@ private:
 class MsGroup : public MsOwned<MsGroupRecord>
 {
 public:
+    // An empty group; isRead() is false.
     MsGroup() = default;
+
+    // Reads the group with that number, from 0, of an open file. See ms_read_group.
     MsGroup(int ncid, qint32 number) : MsOwned(ncid, number)
     {
         if (const MsFileRecord *file = ms_file_record(ncid))
@@ -231,7 +241,8 @@ public:
     }
 
     // The masses of the group and their times, one of each for a mass. There may be fewer than
-    // group_mass_count: a file can claim more than its arrays hold.
+    // group_mass_count: a file can claim more than its arrays hold. They are as stored; the template has
+    // no attribute for their units. The views show memory of the group: they end with it.
     MsNumbers masses() const { return {group_masses, MsDoubleFormat, massCount_}; }
     MsNumbers samplingTimes() const { return {group_sampling_times, MsDoubleFormat, massCount_}; }
     MsNumbers delayTimes() const { return {group_delay_times, MsDoubleFormat, massCount_}; }
@@ -247,7 +258,7 @@ public:
     // Empty records, for a routine of mstoolkit.h to fill; isRead() is false.
     MsGlobals() = default;
 
-    // Reads the records of an open file.
+    // Reads the records of an open file. See ms_read_global.
     explicit MsGlobals(int ncid) : MsGlobals() // complete from here on: its end frees what was read
     {
         isRead_ = ms_read_global(ncid, &admin, &sample, &test, &raw) != -1;
@@ -276,7 +287,8 @@ public:
     bool isRead() const { return isRead_; }
 
     // The number that a stored one stands for, by the scale and the offset of its variable. A file that
-    // gives none stores the numbers as they are. Masses are in raw.mass_units, and so on.
+    // gives none stores the numbers as they are. The result is in raw.mass_units, raw.time_units and
+    // raw.intensity_units.
     double mass(double stored) const { return stored * ms_given(raw.mass_scale_factor, 1.0); }
     double time(double stored) const { return stored * ms_given(raw.time_scale_factor, 1.0); }
     double intensity(double stored) const
@@ -294,7 +306,8 @@ class MsCensus
 {
 public:
     // Takes the census with so many decimals, or fewer where there are too many masses. `scale` is the
-    // factor of stored masses: raw.mass_scale_factor, or 1 where the file has none.
+    // factor of stored masses: raw.mass_scale_factor, or 1 where the file has none. See
+    // ms_read_mass_census.
     MsCensus(int ncid, qint32 wantedDecimals, double scale)
         : decimals(wantedDecimals), isRead_(ms_read_mass_census(ncid, keys, &decimals, scale) != -1)
     {
@@ -317,7 +330,7 @@ public:
     // No trace.
     MsTrace() = default;
 
-    // Reads the trace of a file with so many scans.
+    // Reads the trace of an open file with so many scans. See ms_read_total_intensity.
     MsTrace(int ncid, qint32 scanCount) : count_(scanCount)
     {
         double *totals = nullptr;
@@ -330,7 +343,8 @@ public:
     // Whether both could be read; both are empty otherwise.
     bool isRead() const { return isRead_; }
 
-    // One number for each scan, as stored; -9999 where a file that is cut off has none.
+    // One number for each scan, as stored; -9999 where a file that is cut off has none, and where the
+    // system refuses to read it. The views show memory of the trace: they end with it.
     MsNumbers totalIntensities() const { return {totals_.get(), MsDoubleFormat, count_}; }
     MsNumbers times() const { return {times_.get(), MsDoubleFormat, count_}; }
 
