@@ -62,7 +62,6 @@ PASS_ON(nc_inq_var, anError, (int id, int var, char *name, int *type, int *rank,
 PASS_ON(nc_inq_att, anError, (int id, int var, const char *name, int *type, Size *n), (id, var, name, type, n))
 PASS_ON(nc_inq_dimid, anError, (int id, const char *name, int *dim), (id, name, dim))
 PASS_ON(nc_inq_dimlen, anError, (int id, int dim, Size *length), (id, dim, length))
-PASS_ON(nc_inq_unlimdim, anError, (int id, int *dim), (id, dim))
 PASS_ON(nc_inq_vardimid, anError, (int id, int var, int *dims), (id, var, dims))
 
 #define PASS_ON_VARA(name, type)                                                                                       \
