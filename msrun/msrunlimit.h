@@ -8,10 +8,10 @@
 
 class MsFile;
 
-// Return how many points all scans of an open file of `bytes` can have together, those that several share
-// counted for each, and how many scans in a row may be without any.
-qint64 mostPointsOf(const MsFile &file, qint64 bytes);
-qint64 mostEmptyScansOf(const MsFile &file, qint64 bytes);
+// Return how many points all scans of an open file of `length` bytes can have together, those that
+// several share counted for each, and how many scans in a row may be without any.
+qint64 mostPointsOf(const MsFile &file, qint64 length);
+qint64 mostEmptyScansOf(const MsFile &file, qint64 length);
 
 class RunLimit
 {
