@@ -4,8 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <deque>
+#include <functional>
 #include <memory>
+#include <new>
 #include <numeric>
+#include <utility>
+#include <vector>
 
 #include <kiss_fftr.h>
 

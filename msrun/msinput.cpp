@@ -2,6 +2,7 @@
 
 #include "mslook.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QFileInfo>
 

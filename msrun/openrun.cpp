@@ -5,6 +5,8 @@
 #include "msrunlimit.h"
 
 #include <QFileInfo>
+#include <QList>
+#include <QString>
 
 #include <algorithm>
 #include <cmath>

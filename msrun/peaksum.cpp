@@ -3,6 +3,8 @@
 #include "numbers_p.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 PeakSum PeakSum::of(const MsRun &run, const MsInterval &times, const MsRun::Progress &progress)
 {

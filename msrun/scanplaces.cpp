@@ -1,10 +1,12 @@
 #include "scanplaces_p.h"
 
 #include "countedtext_p.h"
-#include "numbers_p.h"
+
+#include <QList>
+#include <QString>
 
 #include <algorithm>
-#include <utility>
+#include <limits>
 
 namespace {
 

@@ -1,5 +1,8 @@
 #include "scantimes_p.h"
 
+#include <QList>
+#include <QString>
+
 #include <algorithm>
 
 namespace {

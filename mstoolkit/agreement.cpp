@@ -1,5 +1,9 @@
 #include "agreement_p.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
 void MsAgreement::add_disagreement(qint64 scan, double claimed, double measured)
 {
     constexpr std::array<double, LimitCount> limits = {exact, 1e-5, 1e-4, 1e-3, 1e-2};

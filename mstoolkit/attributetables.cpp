@@ -2,6 +2,7 @@
 
 #include "mstoolkit.h"
 
+#include <cstddef>
 #include <iterator>
 
 namespace {

@@ -2,13 +2,16 @@
 
 #include "classicheader_p.h"
 
+#include <QByteArray>
 #include <QSet>
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <netcdf.h>
 #include <utility>
+#include <vector>
 
 namespace {
 

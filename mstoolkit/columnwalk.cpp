@@ -3,6 +3,7 @@
 #include "filestate_p.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include "classicheader_p.h"
 
+#include <QByteArray>
 #include <QtEndian>
 
 #include <algorithm>

@@ -2,6 +2,8 @@
 
 #include "countedtext_p.h"
 
+#include <QString>
+
 QString ms_counted_text(const char *text, qint64 count, const QStringList &arguments)
 {
     QString result;

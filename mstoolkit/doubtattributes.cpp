@@ -2,9 +2,10 @@
 
 #include "columnwalk_p.h"
 #include "filestate_p.h"
-#include "path_p.h"
 
+#include <QByteArray>
 #include <QDate>
+#include <QString>
 
 #include <algorithm>
 #include <cmath>

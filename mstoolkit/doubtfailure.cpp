@@ -6,6 +6,8 @@
 #include "filestate_p.h"
 #include "variabletables_p.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>

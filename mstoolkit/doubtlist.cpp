@@ -1,9 +1,12 @@
 #include "doubtlist_p.h"
 
-#include "columnwalk_p.h"
 #include "countedtext_p.h"
 #include "doubttexts_p.h"
 #include "types_p.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
 
 #include <netcdf.h>
 

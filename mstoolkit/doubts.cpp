@@ -14,10 +14,12 @@
 #include "variabletables_p.h"
 
 #include <QByteArray>
-#include <QStringList>
+#include <QList>
+#include <QString>
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
+#include <optional>
 
 namespace {
 

@@ -9,7 +9,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace {

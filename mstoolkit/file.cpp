@@ -7,8 +7,11 @@
 
 #include "messageloggerinterface.h"
 
+#include <QString>
+
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <utility>

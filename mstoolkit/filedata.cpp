@@ -6,7 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include "rows_p.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 

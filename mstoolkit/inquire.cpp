@@ -4,7 +4,10 @@
 
 #include "variabletables_p.h"
 
+#include <QByteArray>
+
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 
 namespace {

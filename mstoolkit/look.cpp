@@ -7,11 +7,13 @@
 
 #include "messageloggerinterface.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QString>
 #include <QThread>
 #include <QVariant>
 

@@ -5,7 +5,9 @@
 #include "messageloggerinterface.h"
 #include "mstoolkit.h"
 
+#include <QByteArray>
 #include <QFile>
+#include <QString>
 
 #include <filesystem>
 #include <system_error>

@@ -8,6 +8,10 @@
 
 #include "messageloggerinterface.h"
 
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
 #include <algorithm>
 #include <cstring>
 #include <type_traits>

@@ -7,6 +7,8 @@
 
 #include "messageloggerinterface.h"
 
+#include <cstddef>
+
 bool ms_fits(const MsShape &shape, const MsVariableRow &row)
 {
     if (shape.type != row.nc_type) {

@@ -9,9 +9,14 @@
 #include "msformat.h"
 #include "widevectors_p.h"
 
+#include <QByteArray>
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <optional>
 #include <type_traits>
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include "msformat.h"
 
+#include <cstddef>
 #include <iterator>
 #include <limits>
 #include <type_traits>

@@ -2,6 +2,7 @@
 
 #include "variabletables_p.h"
 
+#include <cstddef>
 #include <iterator>
 
 namespace {

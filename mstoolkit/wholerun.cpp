@@ -7,8 +7,11 @@
 #include "msformat.h"
 #include "widevectors_p.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <utility>
 #include <vector>

@@ -3,6 +3,8 @@
 #define DVIMPORTGCGCDIALOG_H
 
 #include <QDialog>
+#include <QString>
+#include <QWidget>
 
 class QCheckBox;
 class QDoubleSpinBox;

@@ -7,7 +7,9 @@
 #include "masspositions.h"
 #include "mstoolkit.h"
 
+#include <QByteArray>
 #include <QSet>
+#include <QString>
 
 class MsScan;
 

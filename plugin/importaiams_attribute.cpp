@@ -4,6 +4,8 @@
 
 #include "ttestingmacros.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <cstring>
 #include <vector>

@@ -7,6 +7,7 @@
 #include "msdoubts.h"
 
 #include <QFileInfo>
+#include <QString>
 #include <QVariant>
 
 #include <new>

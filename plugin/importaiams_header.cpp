@@ -7,7 +7,9 @@
 #include "msrecords.h"
 #include "ttestingmacros.h"
 
+#include <QByteArray>
 #include <QDateTime>
+#include <QString>
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include "dvheader.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>

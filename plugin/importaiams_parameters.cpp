@@ -4,6 +4,7 @@
 #include "dvimportgcgcdialog.h"
 
 #include <QFileInfo>
+#include <QWidget>
 
 int ImportAiaMs::askParameters(QWidget *parent)
 {

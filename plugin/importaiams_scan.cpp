@@ -9,6 +9,8 @@
 #include "orderedsum.h"
 #include "widevectors_p.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>

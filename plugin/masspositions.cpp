@@ -1,6 +1,7 @@
 #include "masspositions.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 

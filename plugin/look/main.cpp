@@ -9,6 +9,7 @@
 #include "watch.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <limits>
 #include <new>

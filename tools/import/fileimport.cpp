@@ -11,10 +11,12 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QObject>
 #include <QTimer>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <memory>
 #include <new>
 #include <utility>

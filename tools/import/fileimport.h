@@ -15,6 +15,8 @@
 #include "progressbar.h"
 #include "runfacts.h"
 
+#include <QString>
+
 #include <memory>
 #include <optional>
 #include <vector>

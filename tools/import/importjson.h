@@ -6,6 +6,8 @@
 #include "jsonwriter.h"
 #include "rundoubt.h"
 
+#include <QString>
+
 #include <vector>
 
 class DVHeader;

@@ -4,6 +4,7 @@
 #include "namecodec.h"
 #include "standardoptions.h"
 
+#include <QCommandLineOption>
 #include <QCommandLineParser>
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include "outputfile.h"
 
+#include <QString>
 #include <QStringList>
 
 #include <optional>

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <optional>
 #include <utility>
 #include <vector>
 

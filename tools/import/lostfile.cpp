@@ -5,6 +5,7 @@
 #include "msfile.h"
 
 #include <QFileInfo>
+#include <QList>
 
 #include <algorithm>
 

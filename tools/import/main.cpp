@@ -11,6 +11,8 @@
 #include "terminaltext.h"
 
 #include <QApplication>
+#include <QCoreApplication>
+#include <QString>
 
 #include <optional>
 

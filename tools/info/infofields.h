@@ -6,6 +6,9 @@
 
 #include "msfile.h"
 
+#include <QString>
+#include <QVariant>
+
 #include <vector>
 
 // Returns a line of a text variable.

@@ -10,9 +10,12 @@
 #include "namecodec.h"
 
 #include <QFileInfo>
+#include <QList>
+#include <QVariant>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 #include <vector>

@@ -5,6 +5,8 @@
 #include "infofields.h"
 #include "msmodulation.h"
 
+#include <QString>
+
 #include <optional>
 
 class MsFile;

@@ -2,6 +2,9 @@
 
 #include "msfile.h"
 
+#include <QString>
+#include <QVariant>
+
 #include <utility>
 
 namespace {

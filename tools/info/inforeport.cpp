@@ -1,6 +1,7 @@
 #include "inforeport.h"
 
 #include <QJsonArray>
+#include <QJsonValue>
 #include <QLocale>
 
 #include <algorithm>

@@ -11,9 +11,12 @@
 #include "standardoptions.h"
 #include "terminaltext.h"
 
+#include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
 
 #include <cstdio>
 #include <new>

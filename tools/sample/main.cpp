@@ -11,10 +11,12 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QString>
 
 #include <algorithm>
 #include <iterator>
 #include <new>
+#include <optional>
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "samplecompounds.h"
 #include "samplerun.h"
 
+#include <QByteArray>
+
 #include <cstring>
 
 namespace {

@@ -1,7 +1,10 @@
 #include "csvwriter.h"
 
+#include <QByteArray>
+
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 void CsvWriter::text(const QString &cell)
 {

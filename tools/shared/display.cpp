@@ -3,6 +3,7 @@
 #include "interruption.h"
 
 #include <QGuiApplication>
+#include <QString>
 
 #include <cerrno>
 #include <sys/resource.h>

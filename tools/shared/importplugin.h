@@ -3,6 +3,7 @@
 #define IMPORTPLUGIN_H
 
 #include <QPluginLoader>
+#include <QString>
 
 class DVImportAnalysisInterface;
 

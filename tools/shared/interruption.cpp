@@ -3,10 +3,13 @@
 #include "outputfile.h"
 #include "terminaltext.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
+#include <QString>
 
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -3,6 +3,9 @@
 #include "countedtext_p.h"
 #include "terminaltext.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 QString label(MessageList::Level level)

@@ -6,8 +6,10 @@
 
 #include <QHash>
 #include <QPair>
+#include <QString>
 #include <QStringList>
 
+#include <cstddef>
 #include <vector>
 
 class MessageList

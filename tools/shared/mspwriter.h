@@ -2,9 +2,11 @@
 #ifndef MSPWRITER_H
 #define MSPWRITER_H
 
-#include "msrun.h"
+#include "mscompound.h"
 #include "textoutput.h"
 
+#include <QByteArray>
+#include <QString>
 #include <QStringList>
 
 #include <limits>

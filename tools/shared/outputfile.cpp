@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <string>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>

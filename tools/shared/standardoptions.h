@@ -3,6 +3,7 @@
 #define STANDARDOPTIONS_H
 
 #include <QCommandLineOption>
+#include <QString>
 #include <QtGlobal>
 
 #include <optional>

@@ -4,6 +4,7 @@
 
 #include "messagetext.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdio>
