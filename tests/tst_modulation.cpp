@@ -22,6 +22,8 @@ struct Made {
     double wave = 0.0;    // of this height, every three seconds
     double pause = 0.0;   // seconds without a scan in the middle
     double every = 0.0;   // seconds between plain peaks; 0 for any
+    double twin = 0.0;    // seconds from each plain peak to a second one; 0: there is none
+    double second = 1.0;  // the height of every second peak of a modulated trace, by that of the others
     int seed = 1;
 };
 
@@ -55,14 +57,19 @@ Trace trace(const Made &made)
         const double height = std::pow(10.0, from(3.0, 6.0));
         const double centre = made.every > 0.0 ? made.every * (peak + 1) * (1 + peak / 2000.0) : from(10, span - 10);
         if (made.length == 0.0) {
-            result.addPeak(centre, from(0.8, 2.0), height, made.rate);
+            const double width = from(0.8, 2.0);
+            result.addPeak(centre, width, height, made.rate);
+            if (made.twin > 0.0)
+                result.addPeak(centre + made.twin, width, height, made.rate);
             continue;
         }
         const double second = from(0.0, 0.7 * made.length);
         const double width = 0.9 * made.length; // in the first dimension
         for (int i = int((centre - 3 * width) / made.length); i * made.length < centre + 3 * width; ++i)
             result.addPeak(i * made.length + second + offset[std::size_t(std::max(i, 0))], from(0.04, 0.1),
-                           height * std::exp(-0.5 * std::pow((i * made.length - centre) / width, 2)), made.rate);
+                           (i % 2 == 0 ? height : made.second * height)
+                               * std::exp(-0.5 * std::pow((i * made.length - centre) / width, 2)),
+                           made.rate);
     }
     for (std::size_t i = 0; i < result.totals.size(); ++i) {
         const double time = double(i) / made.rate;
@@ -93,6 +100,9 @@ private slots:
         Made &pause = row("pause");
         pause.length = 4.0;
         pause.pause = 17.3;
+        Made &uneven = row("every second peak lower");
+        uneven.length = 5.0;
+        uneven.second = 0.015;
         row("plain") = {0.0};
         row("plain, few scans a second") = {0.0, 3.0};
         row("plain, drift") = {0.0, 10.0, 100, 100.0, 1e6};
@@ -104,6 +114,10 @@ private slots:
         Made &homologues = row("homologues");
         homologues.every = 12.0;
         homologues.peaks = 60;
+        Made &pairs = row("pairs of peaks");
+        pairs.twin = 20.0;
+        pairs.peaks = 40;
+        pairs.noise = 1000.0;
     }
     void guesses()
     {

@@ -278,17 +278,18 @@ private slots:
 
     void leavesOutWhatIsNoData()
     {
-        const MsRun run = make("netcdf made {\ndimensions:\n scan_number = 2 ;\n point_number = 9 ;\nvariables:\n"
+        const MsRun run = make("netcdf made {\ndimensions:\n scan_number = 2 ;\n point_number = 10 ;\nvariables:\n"
+                               " float mass_values(point_number) ;\n"
                                " int scan_index(scan_number) ;\n int point_count(scan_number) ;\n"
                                " double scan_acquisition_time(scan_number) ;\n double total_intensity(scan_number) ;\n"
-                               " float mass_values(point_number) ;\n float intensity_values(point_number) ;\n"
+                               " float intensity_values(point_number) ;\n"
                                " double time_values(point_number) ;\n mass_values:scale_factor = 0. ;\n"
                                " intensity_values:scale_factor = Infinity ;\n"
-                               "data:\n scan_index = 0, 5 ;\n point_count = 5, 4 ;\n scan_acquisition_time = 1, 2 ;\n"
+                               "data:\n scan_index = 0, 5 ;\n point_count = 5, 5 ;\n scan_acquisition_time = 1, 2 ;\n"
                                " total_intensity = 9.969209968386869e+36, 90 ;\n"
-                               " mass_values = 1, _, 3, 4, 5, 1, 2, 2.5, 4 ;\n"
-                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, 40 ;\n"
-                               " time_values = 1, 2, 3, 4, 5, 6, 7, 8, 9 ;\n}\n");
+                               " mass_values = 1, _, 3, 4, 5, 1, 2, 2.5, 3, 4 ;\n"
+                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, NaNf, 40 ;\n"
+                               " time_values = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 ;\n}\n");
         QCOMPARE(massesOf(run), QString("1 4, 1 2 2.5 4")); // such factors don't count
         QVERIFY(codesOf(run).contains("ignored-factor"));
         QCOMPARE(run.spectrum(0).pointTimes().toVector(), (std::vector<double>{1, 4}));
@@ -351,10 +352,11 @@ private slots:
         QCOMPARE(int(facts.scan), int(MsRunFacts::Scan::SelectedIons));
         QCOMPARE(facts.groups, 2);
         const MsRun other = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 1 ;\n"
-                                 " group_number = 1 ;\n group_max_masses = 1 ;\nvariables:\n"
+                                 " group_number = 3 ;\n group_max_masses = 500000 ;\nvariables:\n"
                                  " double total_intensity(scan_number) ;\n"
                                  " :test_scan_function = \"Other Function\" ;\n}\n");
-        QCOMPARE(other.facts().groups, 1);
+        QCOMPARE(other.facts().groups, 3);
+        QCOMPARE(other.groups().size(), std::size_t(2)); // a million masses are enough
         QCOMPARE(int(other.facts().scan), int(MsRunFacts::Scan::Unknown));
         // Defaults of the template are no facts.
         const MsRun silent(fixture(QStringLiteral("no-attributes")), options);
