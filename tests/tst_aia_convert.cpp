@@ -121,6 +121,10 @@ private slots:
         row("polarity that isn't there") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
                                             "convert a.mzML --polarity negative -o out.cdf",
                                             1, "no spectra of the MS level and polarity chosen"};
+        row("masses that come between the two walks of a matrix") = {
+            "sample gcms --scans 6000 s.cdf; mkfifo p; convert s.cdf -o - --to csv --csv matrix > p & { read -r head;"
+            "truncate -s -4000 s.cdf; printf '%4000s' | tr ' ' F >> s.cdf; cat > made; } < p; wait $!",
+            1, "was changed while it was open"};
         row("strict") = {"convert --strict gcgc.cdf -o out.mzML", 1, "--strict"};
     }
     void refusals()

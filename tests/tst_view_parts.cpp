@@ -6,6 +6,7 @@
 #include "modulationmap.h"
 #include "program.h"
 #include "rows.h"
+#include "rundata.h"
 #include "typedplace.h"
 #include "viewexport.h"
 
@@ -184,6 +185,23 @@ private slots:
             foldTrace({0, 1, 2, 3, 4, 5, 5.2, 6, 7}, {1, 1, 1, 1, 1, 9, 1, 1, 1}, 4.0, 0.0, &fault);
         QCOMPARE(fault, QString());
         QCOMPARE(map.values, (std::vector<double>{1, 1, 1, 1, 1, 9, 1, 1}));
+    }
+
+    // A peak and its background may lie a quarter of a mass apart, on either side.
+    void subtractsNearMasses()
+    {
+        const QString path = folder.filePath(QStringLiteral("near.cdf"));
+        QVERIFY(makeNetcdf(path, QStringLiteral("classic"),
+                           "netcdf near { dimensions: scan_number = 2; point_number = 6;"
+                           "variables: int scan_index(scan_number), point_count(scan_number);"
+                           "double scan_acquisition_time(scan_number);"
+                           "double mass_values(point_number), intensity_values(point_number);"
+                           "data: scan_index = 0, 3; point_count = 3, 3; scan_acquisition_time = 1, 2;"
+                           "mass_values = 100, 200, 300, 99.8, 200.2, 300.3;"
+                           "intensity_values = 9, 9, 9, 1, 2, 3; }"));
+        const MsRun run(path);
+        const SpectrumData left = averageOf(run, {1, 1}, MsInterval{2, 2}, RunSummary(), {});
+        QCOMPARE(left.intensities, (std::vector<double>{8, 7, 9}));
     }
 
     void drawsImages_data()
