@@ -71,10 +71,14 @@ private slots:
             .sentence = "In \"x.cdf\", 1 of 20 scans begins among the points of another; the first is scan 5.";
         changed("an index below 0", "scans-beyond-end 1, unowned-points 30, unreadable-scans 1",
                 put("scan_index", 5, -1));
-        changed("indices swapped", "falling-scan-index 1, wrong-totals 2", [](int id) {
-            put("scan_index", 5, 180)(id);
-            put("scan_index", 6, 150)(id);
-        });
+        changed("indices swapped", "falling-scan-index 1, wrong-totals 2",
+                [](int id) {
+                    put("scan_index", 5, 180)(id);
+                    put("scan_index", 6, 150)(id);
+                })
+            .sentence =
+            "In \"x.cdf\", 1 of 20 scans has its points before those of the scan before: they were stored in "
+            "another order, or scan_index is wrong; the first is scan 6.";
         changed("no index", "no-scan-index 20, unreadable-scans 20", rename("scan_index"));
         changed("a point too few", "unowned-points 1, wrong-totals 1, scan-mass-range 1", put("point_count", 5, 29));
         changed("points of nothing behind a scan", "wrong-totals 1, scan-mass-range 1", [](int id) {
@@ -112,6 +116,13 @@ private slots:
             "In \"x.cdf\", the step in time to 1 of 20 scans isn't that of nearly all others, and no pause explains "
             "it; "
             "the first is scan 5.";
+        changed("a first time a bit early, and a last time late", "odd-times 2",
+                [](int id) {
+                    add("scan_acquisition_time", 0, -0.2)(id);
+                    add("scan_acquisition_time", 19, 0.5)(id);
+                })
+            .sentence = "In \"x.cdf\", the step in time to 2 of 20 scans isn't that of nearly all others, and no pause "
+                        "explains it; the first is scan 1.";
         changed("a last time a bit late", "odd-times 1", add("scan_acquisition_time", 19, 0.5));
         changed("a time a bit out of step", "odd-times 1", add("scan_acquisition_time", 5, 0.06)).sentence =
             "In \"x.cdf\", the step in time to 1 of 20 scans isn't that of nearly all others, and no pause explains "
@@ -161,7 +172,8 @@ private slots:
         changed("no times", "missing-times 20", rename("scan_acquisition_time"));
         changed("mass scale 0", "mass-scale 1, merged-masses 1", putAttribute("mass_values", "scale_factor", 0.0));
         changed("mass scale below 0", "mass-scale 1", putAttribute("mass_values", "scale_factor", -1.0));
-        changed("mass offset", "mass-offset 1", putAttribute("mass_values", "add_offset", 0.5));
+        changed("mass offset", "mass-offset 1", putAttribute("mass_values", "add_offset", 0.5)).sentence =
+            "In \"x.cdf\", mass_values has an add_offset of 0.5, which isn't used: the template has none for masses.";
         changed("intensity scale NaN", "intensity-scale 1",
                 putAttribute("intensity_values", "scale_factor", notANumber));
         changed("offset NaN", "intensity-offset 1", putAttribute("intensity_values", "add_offset", notANumber));

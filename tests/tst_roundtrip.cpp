@@ -42,6 +42,7 @@ template <class Row> void fill(const MsTable<Row> &table, void *record, std::vec
         char *field = static_cast<char *>(record) + row.field;
         ++number;
         if (isText(row)) {
+            QVERIFY2(!*reinterpret_cast<char **>(field), row.name); // the field of no other row
             texts->push_back(QByteArray(row.name).left(20) + QByteArray::number(number));
             *reinterpret_cast<char **>(field) = texts->back().data();
         } else if (row.nc_type == NC_CHAR) {
@@ -259,6 +260,15 @@ private slots:
 
         ms_file_record(file.id())->variables[MsVar_error_log] = -1;
         QVERIFY(!file.write(globals));
+
+        // So is a number without a value, also in a record that held one.
+        nc_redef(file.id());
+        nc_put_att_int(file.id(), NC_GLOBAL, "number_of_times_calibrated", NC_INT, 0, nullptr);
+        readBack();
+        MsGlobals read;
+        read.admin.number_of_times_calibrated = 5;
+        QCOMPARE(ms_read_global(file.id(), &read.admin, &read.sample, &read.test, &read.raw), 0);
+        QCOMPARE(read.admin.number_of_times_calibrated, -9999);
     }
 
     void keepsNumbersAndEntries()
@@ -300,7 +310,7 @@ private slots:
         for (const int count : {1, 2}) {
             QVERIFY(create({MsCentroidedSpectrum, 1, count}));
             std::vector<QByteArray> texts[2];
-            MsInstrumentRecord written[2];
+            MsInstrumentRecord written[2] = {};
             for (int i = 0; i < count; ++i) {
                 fill(ms_instrument_table, &written[i], &texts[i]);
                 written[i].instrument_id = i == 0 ? nullptr : written[i].instrument_id;
