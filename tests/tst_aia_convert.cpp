@@ -73,6 +73,7 @@ private slots:
         row("over a file") = {"touch plain.mzML; convert plain.cdf --to mzML", 2, "--force"};
         row("half a range") = {"convert plain.cdf -o out.msp --sum 3", 2, "no time range"};
         row("range backwards") = {"convert plain.cdf -o out.msp --sum 3-2", 2, "ends before"};
+        row("half a scan") = {"convert plain.cdf -o out.msp --scan 1.5", 2, "takes a whole number"};
         row("no mass") = {"convert plain.cdf -o out.csv --masses 50,x", 2, "no value of the option --masses"};
         row("no table") = {"convert plain.cdf -o out.csv --csv all", 2, "no CSV table"};
         row("jobs") = {"convert plain.cdf -o out.csv --jobs 0", 2, "from 1 to"};
@@ -255,6 +256,15 @@ private slots:
             "-o a.cdf;"
             "convert a.cdf -o a.mzML; convert a.mzML -o b.cdf; ncdump -h b.cdf | grep -o 'electron_energy.*' > out",
             0, "no place for what the file has of this: scan_duration", "electron_energy = 70.f ;\n"};
+        row("a number never written, and what says how a file is made") = {
+            "sample gcms --scans 2 s.cdf; ncdump s.cdf | sed 's/factor = 1, 1/factor = _, _/' | ncgen -o a.cdf;"
+            "convert a.cdf -o a.mzML; grep -cE 'coaddition|global_mass' a.mzML > out;"
+            "convert a.cdf -o b.cdf; ncdump -v a_d_coaddition_factor b.cdf | grep 'factor = ' >> out",
+            0, "", "0\n a_d_coaddition_factor = -9999, -9999 ;\n"};
+        row("a wrong total, told once") = {
+            "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed 's/total_intensity = [0-9]*/total_intensity = 5/' |"
+            "ncgen -o a.cdf; convert a.cdf -o b.mzML 2>&1 | grep -c 'the sum of' > out",
+            0, "", "1\n"};
         row("serial number in mzML") = {"convert plain.cdf -o a.mzML; sed -i 's/<componentList/<cvParam cvRef=\"MS\" "
                                         "accession=\"MS:1000529\" name=\"instrument serial number\" "
                                         "value=\"S7\"\\/>&/' a.mzML; convert a.mzML -o b.cdf;"
@@ -307,7 +317,9 @@ private slots:
             "sed 's/^ mass_values =/ time_values = 1, 2; mass_values =/' a.cdl | ncgen -o b.cdf; convert b.cdf -o "
             "b.mzML",
             0, "\"b.cdf\": mzML has no place for what the file has of this: times of points.", "right\n"};
-        row("trace in 64 bits") = {"convert plain.cdf -o a.mzML && grep -c 1000523 a.mzML > out", 0, "", "2\n"};
+        row("trace in 64 bits, and lists") = {
+            "convert plain.cdf -o a.mzML && grep -oE '1000523|indexList count=.[0-9]' a.mzML > out", 0, "",
+            "1000523\n1000523\nindexList count=\"2\n"};
         row("spectra of light") = {
             "convert --no-compression plain.cdf -o a.mzML && sed -i '/index=.0/,/1000579/s/1000579/1000804/' a.mzML;"
             "convert a.mzML -o b.cdf",

@@ -117,6 +117,7 @@ private slots:
         row("first of several maxima") = {"a-pause", "Trace maximum: +2 at .*, in scan 1", "0"};
         row("maximum") = {"run-facts", "Trace maximum: +48 at 1.5 minutes, in scan 1"};
         row("masses") = {"import-odd-scans", "Masses: +2, from 50.1 to 60, on a grid of 0.1"};
+        row("decimals of masses") = {"plain", "Masses: .*, on a grid of 0.01"};
         row("points") = {"import-odd-scans", "Points read: +4"};
         row("unread scan") = {"import-odd-scans", "Scans not read: +1 \\(.* 3\\)"}; // the empty one isn't meant
         row("unread total") = {"total-ion", "Scans not read: +1 \\(.* 2\\)"};
@@ -171,6 +172,7 @@ private slots:
         row("whole") = {"plain"};
         row("last scan") = {"plain", 1, "Scans not read: +1 \\(counted from 0: number 4\\)"};
         row("all masses") = {"plain", 120, "Warning: +In \"copy.cdf\", the masses can't be read.*"};
+        row("ten scans") = {"a-pause", 40, "Scans not read: +10 \\(.*number 2, 3, 4, 5, 6, 7, 8, 9, 10, 11\\)"};
         row("no scan") = {"instruments", 1, "Scans not read: +none"};
     }
     void interruptedCopy()

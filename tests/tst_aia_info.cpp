@@ -69,6 +69,7 @@ private slots:
         row("raw_data/mass_scale_factor") = {0.5};
         row("raw_data/time_scale_factor") = {};
         row("raw_data/raw_data_mass_format") = {"Short"};
+        row("kind") = {"netCDF classic"};
         row("stored_as/mass_values") = {"Float"};
         row("stored_as/time_values") = {};
         row("dimensions/scan_number") = {22};
@@ -99,6 +100,7 @@ private slots:
         row("scan/points/1") = {QJsonObject{{"mass", 60}, {"intensity", {}}}}; // NaN
         row("scan/points/3") = {};
         row("scan/ranges/0/measured_max") = {35};
+        row("scan/flags/0") = {QJsonObject{{"peak", 1}, {"flag", -9999}}}; // which is missing among doubles only
         row("scan/flags/1") = {QJsonObject{{"peak", 2}, {"flag", 8}}};
         row("problems") = {};
         row("doubts/0/code") = {"bad-intensities"};
@@ -111,6 +113,7 @@ private slots:
     {
         const Rows<Text> row;
         row("control characters") = {"info-library", "experiment_title: Café \\x1b[31m\\nred\n"};
+        row("long attribute") = {"text-attributes", "789012345678901234567890123456789\n"}; // whole
         row("table") = {"info-library", "    mass  intensity\n    50.1         10\n      60        nan\n"};
         row("missing number") = {"info-library", "        77              -         0.1\n"};
         row("default") = {"info-library", "  test_scan_law: Linear (default: the file doesn't say)\n"};
@@ -212,6 +215,7 @@ private slots:
         QCOMPARE(result.code, 1);
         QVERIFY(result.out.contains("Scan 2147483643 can't be read whole."));
         QVERIFY(result.out.contains("... and 2147483624 more"));
+        QVERIFY(result.out.contains("... and 2147483643 more")); // groups, which are as wide
         QVERIFY(result.out.size() < 10000);
     }
 };

@@ -1,10 +1,13 @@
 // How the programs take the way in which they are called: what they say, and how they end.
 
 #include "damagednewer.h"
+#include "messagelist.h"
 #include "program.h"
 #include "rows.h"
 
 #include <QTemporaryDir>
+
+#include <unistd.h>
 
 namespace {
 
@@ -55,6 +58,7 @@ private slots:
         row("import nothing") = {"aia-import", 2, "No file is named."};
         row("no modulation") = {"aia-import --gcxgc 0 gcgc.cdf"};
         row("longest modulation") = {"aia-import --gcxgc 100 gcgc.cdf"};
+        row("decimals") = {"aia-import --gcxgc 4.5 gcgc.cdf"};
         row("too long") = {"aia-import --gcxgc 100.01 gcgc.cdf", 2, noLength("100.01")};
         row("negative") = {"aia-import --gcxgc -0.5 gcgc.cdf", 2, noLength("-0.5")};
         row("not a number") = {"aia-import --gcxgc nan gcgc.cdf", 2, noLength("nan")};
@@ -133,6 +137,28 @@ private slots:
         if (row.code == 1 && row.shown.isEmpty())
             QCOMPARE(result.err.count(speaker), 1 + result.err.count(speaker + "Warning for the file "));
         QVERIFY(!QFile::exists(folder.filePath("x.cdf")));
+    }
+
+    // What a program keeps of them, however many a file gives rise to.
+    void messages()
+    {
+        constexpr auto level = MessageList::Level::Warning;
+        MessageList list("run.cdf");
+        for (int i = 0; i < 1002; ++i)
+            list.add(level, QString::number(i));
+        list.drop("0");
+        list.add(level, "999");
+        QFile said(folder.filePath("said"));
+        QVERIFY(said.open(QIODevice::ReadWrite));
+        const int before = dup(STDERR_FILENO);
+        dup2(said.handle(), STDERR_FILENO);
+        list.reportAll(level);
+        dup2(before, STDERR_FILENO);
+        ::close(before);
+        const QByteArrayList lines = content(said.fileName()).split('\n');
+        QCOMPARE(lines.size(), 999 + 1 + 1); // and nothing behind the last line end
+        QVERIFY2(lines[998].endsWith(": 999 (2 times)."), lines[998]);
+        QVERIFY2(lines[999].endsWith(": 2 more messages for the file \"run.cdf\" are left out."), lines[999]);
     }
 };
 
