@@ -34,6 +34,7 @@ struct Drawn {
     QStringList options;
     QString fault{};  // in place of an image
     QString remark{}; // beside it
+    int code = 1;     // of a fault
 };
 
 struct NamedFile {
@@ -68,6 +69,8 @@ private slots:
             const Run made = runProgram(AIA_TOOLS "/aia-sample", {kind, "--seed", "3", sample(kind)});
             QCOMPARE(made.code, 0);
         }
+        for (const char *name : {"no-scans", "one-scan"})
+            QVERIFY(QFile::copy(fixture(name), sample(name)));
     }
 
     void massWindows_data()
@@ -216,6 +219,9 @@ private slots:
         row("no map") = {"gcms", {"--map"}, "doesn't show the length of the modulation"};
         row("no spectra") = {"tic", {"--scan", "2"}, "The run has no masses"};
         row("no such scan") = {"gcms", {"--scan", "2000"}, "There is no scan 2000"};
+        row("one scan") = {"one-scan", {"--trace"}};
+        row("no scans") = {"no-scans", {"--trace"}, "It has no scans, so there is nothing to draw."};
+        row("no modulation") = {"gcxgc", {"--map", "--gcxgc", "0"}, "\"0\" isn't a modulation length", {}, 2};
         row("no trace") = {"library", {"--trace"}, "A library has no trace"};
         row("no map of a library") = {"library", {"--map"}, "A library has no trace"};
     }
@@ -231,7 +237,7 @@ private slots:
             const Run drawn = runProgram(AIA_TOOLS "/aia-view", arguments);
             QVERIFY2(drawn.err.contains((row.fault + row.remark).toUtf8()), drawn.err);
             QCOMPARE(drawn.err.isEmpty(), row.fault.isEmpty() && row.remark.isEmpty());
-            QCOMPARE(drawn.code, row.fault.isEmpty() ? 0 : 1);
+            QCOMPARE(drawn.code, row.fault.isEmpty() ? 0 : row.code);
             QCOMPARE(QFile::exists(image), row.fault.isEmpty());
             if (!row.fault.isEmpty())
                 continue;

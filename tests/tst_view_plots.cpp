@@ -1,5 +1,6 @@
 // The plots of aia-view's window, driven by mouse and keyboard as a user does it, and what they show then.
 
+#include "tracepane.h"
 #include "viewtest.h"
 
 namespace {
@@ -80,6 +81,9 @@ private slots:
         QTest::mouseClick(trace, Qt::LeftButton, {}, at);
         const qint32 clicked = model->scanAt(trace->xAxis->pixelToCoord(at.x()));
         QTRY_COMPARE(page()->scan(), clicked);
+        QMouseEvent move(QEvent::MouseMove, at, Qt::NoButton, {}, {});
+        QApplication::sendEvent(trace, &move);
+        QVERIFY2(trace->pointerText().contains(QString("scan %1,").arg(clicked)), qPrintable(trace->pointerText()));
         std::vector<double> masses = page()->shown().masses;
         std::sort(masses.begin(), masses.end());
         QCOMPARE(keysOf(page()->spectrum()->graph(0)), masses);
@@ -149,6 +153,10 @@ private slots:
             window->resize(size + QSize(300, 300));
             page()->spectrum()->resize(size);
             page()->spectrum()->replot();
+            QCOMPARE(page()->spectrum()->xAxis->ticker()->tickCount() < 5, size.width() < 500);
+            const QString labels = page()->spectrum()->peakLabels().join(' ');
+            const QRegularExpression tooMuch("\\d\\d\\.\\d%|\\b0\\.[0-4]%"); // digits, and peaks that are too small
+            QVERIFY2(!labels.contains(tooMuch), qPrintable(labels));
             const std::vector<QRectF> places = page()->spectrum()->labelPlaces();
             QVERIFY(!places.empty() && page()->spectrum()->peakLabels().join(' ').contains("100%"));
             for (std::size_t i = 0; i < places.size(); ++i) {
@@ -191,12 +199,17 @@ private slots:
         QTest::mouseDClick(trace, Qt::LeftButton, {}, trace->legend->item(2)->outerRect().center());
         QTRY_COMPARE(trace->graphCount(), 3);
         QCOMPARE(page()->masses(), QString("43, %1").arg(qRound(highest.key)));
+        trace->xAxis->setRange(5.0, 10.0);
         page()->setSource(RunPage::Source::BasePeak);
+        QCOMPARE(trace->xAxis->range(), QCPRange(5.0, 10.0));
         QCOMPARE(trace->yAxis->label(), QString("Base peak"));
         QCOMPARE(trace->graph(0)->data()->at(page()->scan())->value, highest.value);
         QTest::keyClick(window.get(), Qt::Key_M, Qt::ControlModifier); // chooses the whole text
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
         QTRY_COMPARE(trace->graphCount(), 1);
+        open(fixture("a-pause")); // without stored totals
+        emit page()->tracePane()->findChild<QComboBox *>()->activated(1);
+        QCOMPARE(page()->trace()->yAxis->label(), QString("Base peak"));
     }
 
     void averagesLessBackground()
@@ -254,6 +267,8 @@ private slots:
         QVERIFY(list && list->isVisible() && !page()->trace()->isVisible());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down); // goes to the list at once
         QTRY_COMPARE(page()->scan(), 1);
+        list->search("-"); // of CAS numbers: the chosen one is among what is found
+        QCOMPARE(list->view()->currentIndex().row(), 1);
         const int all = list->view()->model()->rowCount();
         QCOMPARE(all, page()->model()->summary().size);
         const QString name = page()->model()->compounds().at(2).name;
@@ -398,6 +413,10 @@ private slots:
         const qint32 lowest = plot->map().scan(1, 0);
         page()->map()->shift()->setValue(1.0);
         QCOMPARE(plot->map().scan(1, plot->map().rows / 4), lowest);
+        const QSignalSpy picked(plot, &MapPlot::scanPicked);
+        plot->replot();
+        QTest::mouseClick(plot, Qt::LeftButton, {}, pixelOf(plot, plot->firstCut()->data()->at(0)->key, 0.5));
+        QVERIFY(picked.isEmpty()); // there, before the first scan
         page()->map()->shift()->setValue(0.0);
         const QString table = folder.filePath("map.csv");
         QCOMPARE(page()->saveUpper(table), QString());
@@ -405,6 +424,14 @@ private slots:
         QCOMPARE(lines.size(), page()->model()->summary().size + 2); // and nothing behind the last line end
         QCOMPARE(lines.value(1).split(',').value(0).toDouble(), plot->firstCut()->data()->at(0)->key);
         QCOMPARE(lines.value(1).split(',').value(1).toDouble(), plot->secondCut()->data()->at(0)->key);
+
+        const QCPAxis *along = plot->firstCut()->keyAxis();
+        const QPoint onCut = along->axisRect()->rect().center();
+        drag(plot, Qt::LeftButton, {}, onCut, onCut + QPoint(40, 0));
+        QCOMPARE(along->range(), plot->xAxis->range()); // the cut stays under its map
+        const QSizeF before(plot->xAxis->range().size(), plot->yAxis->range().size());
+        wheel(plot, pixelOf(plot, plot->xAxis->range().center(), plot->yAxis->range().center()), 1);
+        QVERIFY(plot->xAxis->range().size() < before.width() && plot->yAxis->range().size() < before.height());
 
         const double time = page()->shown().time;
         QTest::keyClick(plot, Qt::Key_Right); // a modulation on

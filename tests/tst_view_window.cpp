@@ -194,14 +194,37 @@ private slots:
             done->acquire();
         }
         QVERIFY(*hasTurn);
+        QSemaphore begun, posted, done;
+        QString order; // of quick work
+        readingThread.postLong([&] {
+            begun.release();
+            posted.acquire();
+            readingThread.catchUp();
+            done.release();
+        });
+        begun.acquire();
+        for (const char name : {'a', 'b', 'c'})
+            readingThread.postQuick([&order, name] { order += QLatin1Char(name); });
+        posted.release();
+        done.acquire();
+        QCOMPARE(order, QString("abc"));
         page()->goTo("here");
         QVERIFY(!page()->remark().startsWith("Reading was cancelled"));
         page()->goTo("7");
         QVERIFY(page()->remark().startsWith("Reading was cancelled"));
         QTRY_COMPARE_WITH_TIMEOUT(page()->scan(), 7, longestWait);
-        page()->setSource(RunPage::Source::Summed); // reads on
+        for (QLabel *label : page()->findChildren<QLabel *>()) {
+            if (label->text() == page()->remark())
+                emit label->linkActivated("read"); // reads on
+        }
+        QCOMPARE(page()->remark(), QString());
+        page()->setSource(RunPage::Source::Summed);
         QTRY_COMPARE_WITH_TIMEOUT(model->sums().totals.size(), std::size_t(40000), longestWait);
         QCOMPARE(page()->remark(), QString());
+        page()->setMasses("43");
+        page()->setMasses("57"); // in its place, so what is left of the first doesn't end the second
+        QTRY_VERIFY_WITH_TIMEOUT(!model->isBusy(), longestWait);
+        QCOMPARE(page()->trace()->graphCount(), 2);
     }
 
     void saves()
@@ -214,6 +237,7 @@ private slots:
         const QList<QByteArray> lines = content(trace).split('\n');
         QCOMPARE(lines.first().trimmed(), QByteArray("Trace,Time (min),\"Total, stored\""));
         QCOMPARE(lines.size(), 4002); // of both curves, and nothing behind the last line end
+        QVERIFY2(lines[2001].startsWith("m/z 43,"), lines[2001]);
         const QString spectrum = folder.filePath("spectrum.csv");
         QCOMPARE(page()->saveSpectrum(spectrum), QString());
         QCOMPARE(content(spectrum).count('\n'), int(page()->shown().masses.size()) + 1);
