@@ -33,6 +33,7 @@ def folder(tmp_path_factory):
 
 
 def check_counts(scans, report, folder):
+    assert scans.time.dtype == scans.tic.dtype == np.float64
     counts = scans.groupby("file").scan.agg(["count", "nunique"])
     assert list(counts["count"]) == list(counts["nunique"]) == [5 + i for i in range(RUNS)]
     assert sorted(report.file) == sorted(map(str, folder.glob("*.cdf")))

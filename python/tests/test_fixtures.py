@@ -114,6 +114,7 @@ def test_numbers(name):
         nearest = None if np.isnan(distances).all() else np.nanargmin(distances)
         assert getattr(run.scan_at(60.0), "index", None) == nearest
         codes = {doubt.code for doubt in run.doubts}
+        assert all(str(doubt) == doubt.text for doubt in run.doubts)
         if name in JUDGED:
             assert not agree and JUDGED[name] in codes
         else:

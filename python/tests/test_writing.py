@@ -28,12 +28,14 @@ def test_numbers_that_were_never_written_are_none(tmp_path):
 
 def test_given_numbers_stay(tmp_path):
     path = tmp_path / "run.cdf"
-    window = {"mass_range_min": 40.0, "mass_range_max": 60.0}
-    aiams.write(path, [aiams.ScanData(time, [50.0], [1.0], tic=5.0, numbers=window) for time in (1.0, 2.0)])
+    numbers = {"mass_range_min": 40.0, "mass_range_max": 60.0, "actual_scan_number": 70000}
+    scans = [aiams.ScanData(time, [50.0], [1.0], tic=5.0, numbers=numbers) for time in (1.0, 2.0)]
+    aiams.write(path, scans, experiment_type="Continuum Mass Spectrum")
     with netCDF4.Dataset(path, "a") as file:
         file["total_intensity"][0] = -9999.0
     with aiams.open(path) as run:
-        assert run[0].mass_range == (40.0, 60.0)
+        assert run[0].mass_range == (40.0, 60.0) and run[0].numbers["actual_scan_number"] == 70000
+        assert run.attributes["experiment_type"] == "Continuum Mass Spectrum"
         assert list(run.tic) == [1.0, 5.0]
 
 
@@ -77,6 +79,7 @@ MASSES = np.arange(50.0, 60.0)
     "masses",
     [
         MASSES[::-2],
+        MASSES + 2.0**-20,  # whose sum is no float
         MASSES.astype(">f8"),
         MASSES.astype(">f4"),
         MASSES.astype(np.float16),
@@ -175,3 +178,5 @@ def test_what_cannot_be_written_leaves_the_old_file(tmp_path, scans, more, sente
     with pytest.raises(aiams.WriteError, match=sentence):
         aiams.write(path, scans, overwrite=True, **more)
     assert os.listdir(tmp_path) == ["old.cdf"] and path.read_bytes() == b"old"
+    with pytest.raises(aiams.WriteError, match="is a folder"):
+        aiams.write(tmp_path, ONE, overwrite=True)
