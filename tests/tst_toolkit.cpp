@@ -131,8 +131,8 @@ private slots:
             QCOMPARE(ms_enum_text(row.code), row.text);
             codes.insert(row.code);
         }
-        QCOMPARE(codes.size(), 90);
-        QVERIFY(!ms_enum_text(-1) && !ms_enum_text(90));
+        QCOMPARE(codes.size(), ms_vocabulary.count); // each its own
+        QVERIFY(!ms_enum_text(-1) && !ms_enum_text(1000));
         for (const char *text : {"Gas ", "Ga", "", "zz", "\xe9lectron", static_cast<const char *>(nullptr)})
             QCOMPARE(ms_enum_code(text), -1);
         QCOMPARE(ms_enum_code("m/z"), 78);
