@@ -350,6 +350,17 @@ private slots:
             0, "",
             "\t\tintensity_values:units = \"Arbitrary Intensity Units\" ;\n"
             "\t\t:experiment_title = \"\u03b1-Pinen \u8a66\u6599\" ;\n\t\t:raw_data_comments = \"kept\" ;\n"};
+        row("nothing that the file doesn't say") = {
+            "convert " + fixture("no-attributes")
+                + " -o a.cdf; convert a.cdf -o a.mzML; convert a.mzML -o b.cdf;"
+                  "for i in a b; do ncdump -h $i.cdf | grep -oE '[a-z_]*:[a-z_]+' | grep -vE "
+                  "'global_|revision|format|stamp' |"
+                  "tr '\\n' ' '; done > out",
+            0, "",
+            ":dataset_completeness :languages :experiment_type :starting_scan_number "
+            "total_intensity:units mass_values:units intensity_values:units :dataset_completeness :languages "
+            ":experiment_title :post_experiment_program_name :source_file_reference :experiment_type "
+            ":test_scan_function :starting_scan_number "};
         row("title in Latin-1") = {retitled.arg("\\\\374ber")
                                        + "convert a.cdf -o b.cdf && ncdump -h b.cdf | grep title > out",
                                    0, "", "\t\t:experiment_title = \"\u00fcber\" ;\n"};
