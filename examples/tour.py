@@ -17,6 +17,7 @@ import aiams
 
 program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
 plots = pathlib.Path(sys.argv[3] if len(sys.argv) > 3 else folder)
+folder.mkdir(parents=True, exist_ok=True)
 for kind, scans in (("gcms", 2000), ("gcxgc", 40000)):
     if not (folder / f"{kind}.cdf").exists():
         subprocess.run([program, "--scans", str(scans), kind, folder / f"{kind}.cdf"], check=True)
