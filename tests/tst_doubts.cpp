@@ -291,6 +291,7 @@ private slots:
                 putAttribute("experiment_date_time_stamp", "20240312142530+9900"));
         changed("a leap second", "", putAttribute("experiment_date_time_stamp", "20161231235960+0000"));
         changed("minutes", "", putAttribute("units", "Minutes"));
+        changed("another unit of time", "", putAttribute("units", "Other Time"));
         changed("a date without a zone", "", putAttribute("experiment_date_time_stamp", "20240312184530"));
         changed("a scan's mass range", "scan-mass-range 1", put("mass_range_max", 5, 100));
         changed("ranges of 0", "", [](int id) {

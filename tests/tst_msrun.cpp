@@ -10,6 +10,7 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 
@@ -152,13 +153,20 @@ private slots:
         QCOMPARE(massesOf(run), row.masses);
         QCOMPARE(codesOf(run), row.codes);
         // From back to front, and what comes of the intensities.
+        double total = 0.0;
+        int readScans = 0;
         for (int i = run.size() - 1; i >= 0; --i) {
             const MsSpectrum scan = run.spectrum(i);
             QCOMPARE(scan.index(), i);
             const double sum = std::accumulate(scan.masses(), scan.masses() + scan.size(), 0.0);
-            if (scan.isRead())
-                QCOMPARE(scan.summedTotal(), 10.0 * (sum - scan.size()));
+            if (!scan.isRead())
+                continue;
+            QCOMPARE(scan.summedTotal(), 10.0 * (sum - scan.size()));
+            total += scan.summedTotal();
+            ++readScans;
         }
+        const std::vector<double> average = run.averaged({0, 9}).intensities; // of those that can be read
+        QCOMPARE(std::accumulate(average.begin(), average.end(), 0.0) * readScans, total);
     }
 
     void times_data()
@@ -169,6 +177,7 @@ private slots:
         row("some durations") = {"scan_acquisition_time|-9999, 7, NaN, _;scan_duration|2, 1, -9999, 3",
                                  "5 7 8 nan",
                                  {"unwritten-scans", "missing-times", "bad-times", "made-times"}};
+        row("twice the same") = {"scan_acquisition_time|1, 2, 2, 5", "1 2 2 5", {"equal-times"}};
         row("length") = {"|:actual_run_time_length = 30. ; :actual_delay_time = 5. ;", "5 15 25 35", {"made-times"}};
         row("nothing") = {"", "nan nan nan nan", {"missing-times"}};
         row("other unit") = {
@@ -202,17 +211,20 @@ private slots:
         const std::vector<double> times = run.times();
         QCOMPARE(join(times.data(), int(times.size())), row.times);
         QCOMPARE(codesOf(run), row.codes);
+        const auto firstAt = [&](double time) {
+            return int(std::find(times.begin(), times.end(), time) - times.begin());
+        };
         for (int i = run.size() - 1; i >= 0; --i) {
             const double time = run.spectrum(i).time();
             QVERIFY(time == times[std::size_t(i)] || (std::isnan(time) && std::isnan(times[std::size_t(i)])));
             if (!std::isnan(time))
-                QCOMPARE(run.scanAt(time + 0.1), i);
+                QCOMPARE(run.scanAt(time + 0.1), firstAt(time));
         }
         // In the middle of two scans, the first one is taken.
         for (std::size_t i = 1; i < times.size(); ++i) {
             const double middle = (times[i - 1] + times[i]) / 2.0;
             if (!std::isnan(middle))
-                QCOMPARE(run.scanAt(middle), int(i - 1));
+                QCOMPARE(run.scanAt(middle), firstAt(times[i - 1]));
         }
     }
 
@@ -352,9 +364,13 @@ private slots:
         QCOMPARE(int(facts.scan), int(MsRunFacts::Scan::SelectedIons));
         QCOMPARE(facts.groups, 2);
         const MsRun other = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 1 ;\n"
-                                 " group_number = 3 ;\n group_max_masses = 500000 ;\nvariables:\n"
+                                 " group_number = 3 ;\n group_max_masses = 500000 ;\n"
+                                 " instrument_number = 4 ;\n _32_byte_string = 32 ;\nvariables:\n"
+                                 " char instrument_name(instrument_number, _32_byte_string) ;\n"
                                  " double total_intensity(scan_number) ;\n"
-                                 " :test_scan_function = \"Other Function\" ;\n}\n");
+                                 " :test_scan_function = \"Other Function\" ;\n"
+                                 "data:\n instrument_name = \"A\", \"B\", \"C\", \"D\" ;\n}\n");
+        QCOMPARE(other.facts().instrument, QString("A, B, C, D")); // none is left out
         QCOMPARE(other.facts().groups, 3);
         QCOMPARE(other.groups().size(), std::size_t(2)); // a million masses are enough
         QCOMPARE(int(other.facts().scan), int(MsRunFacts::Scan::Unknown));

@@ -112,9 +112,11 @@ private slots:
         QCOMPARE(ms_read_scan_at(file.id(), {0, 1, MsMissingLong}, &scan), 0);
         QVERIFY(scan.point_count == 1 && scan.flag_count == 0);
         ms_init_per_scan(1, &scan, nullptr);
-        scan.scan_number = 0;
-        QCOMPARE(ms_read_scan_at(file.id(), {0, 1000, MsMissingLong}, &scan), -1);
-        ms_init_per_scan(1, &scan, nullptr);
+        for (const int points : {1000, -1}) {
+            scan.scan_number = 0;
+            QCOMPARE(ms_read_scan_at(file.id(), {0, points, MsMissingLong}, &scan), -1);
+            ms_init_per_scan(1, &scan, nullptr);
+        }
     }
 
     void readsNumbersOfOtherTypes()
@@ -258,6 +260,10 @@ private slots:
         QVERIFY(trace.isRead());
         QCOMPARE(numbersOf(trace.totalIntensities()), (QVector<double>{double(3.3f), 12.5, -9999}));
         QCOMPARE(numbersOf(trace.times()), (QVector<double>{60, -9999, 120}));
+        double *totals = nullptr;
+        QCOMPARE(ms_read_total_intensity(file.id(), 3, &totals, nullptr), 0); // without times
+        QCOMPARE(totals[1], 12.5);
+        ms_free(totals);
         for (const int otherCount : {-1, 0, 2, 4})
             QVERIFY(!MsTrace(file.id(), otherCount).isRead());
         for (const char *refused : {"total-ion-no-intensity", "total-ion-no-times", "string-total"}) {
