@@ -410,6 +410,9 @@ private slots:
         QVERIFY(file.write(MsGroupRecord{0, 1000, 0, masses, times, times})); // more than the arrays have room for
         QVERIFY(!file.write(MsGroupRecord{2, 2, 17, masses, times, times}));
         QVERIFY(!file.write(MsGroupRecord{0, 1, 1, masses, nullptr, times}));
+        const qint32 counts = std::exchange(ms_file_record(file.id())->variables[MsVar_group_mass_count], -1);
+        QVERIFY(!file.write(MsGroupRecord{1, 2, 17, masses, times, times}));
+        ms_file_record(file.id())->variables[MsVar_group_mass_count] = counts;
 
         readBack();
         QCOMPARE(file.groups().size(), 2);
