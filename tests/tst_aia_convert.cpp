@@ -113,7 +113,7 @@ private slots:
         row("disk full, CSV") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.csv --csv points", 1,
                                  "File too large"};
         row("several levels") = {"convert --no-compression plain.cdf -o a.mzML && sed -i '0,/level\" "
-                                 "value=\"1/s//level\" value=\"2/' a.mzML;"
+                                 "value=\"1/s//level\" value=\"4294967297/' a.mzML;"
                                  "convert a.mzML -o out.cdf",
                                  1, "MS levels above 1"};
         row("several polarities") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"

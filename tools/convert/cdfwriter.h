@@ -45,7 +45,7 @@ public:
 
     // Appends a scan, in its order, and its entry to a library. Its masses ascend. Ranges that it lacks
     // are those of its points; points outside make one wider.
-    bool add(const MsScanRecord &scan, const MsLibraryRecord *entry = nullptr);
+    bool add(const MsScanRecord &source, const MsLibraryRecord *entry = nullptr);
 
     // Writes what is known at the end only, and closes the file.
     bool finish();

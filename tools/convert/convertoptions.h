@@ -66,6 +66,6 @@ struct ConvertOptions {
 
 // Returns the exit code where there is nothing to convert, after a report in case of a mistake. Nothing
 // has been written then.
-std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions *options);
+std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions *target);
 
 #endif // CONVERTOPTIONS_H

@@ -1,11 +1,11 @@
 #include "mzmlchoice.h"
 
+#include "cdfdescription.h"
 #include "countedtext_p.h"
 #include "interruption.h"
 #include "mzmlterms.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 
 using namespace pwiz::cv;
@@ -18,7 +18,10 @@ constexpr std::size_t mostSpectra = 1 << 30;
 // Returns the MS level of a spectrum; 1 where it says none.
 int levelOf(const Spectrum &spectrum)
 {
-    return std::max(std::atoi(spectrum.cvParam(MS_ms_level).value.c_str()), 1);
+    constexpr double mostLevels = 1000.0; // more than any instrument has
+    const double level =
+        textOf(spectrum.cvParam(MS_ms_level).value).toDouble(); // 0 where it is no number
+    return level > 1.0 ? int(std::min(level, mostLevels)) : 1;
 }
 
 CVID polarityOf(const Spectrum &spectrum)

@@ -41,6 +41,30 @@ constexpr struct {
 // clang-format on
 static_assert(std::size(spellings) == 88);
 
+// Returns a text in ASCII without line breaks: letters with marks lose them, Greek letters are spelled
+// out, what has no counterpart becomes a question mark.
+QByteArray asciiLine(const QString &text)
+{
+    QByteArray line;
+    for (const QChar letter : text.normalized(QString::NormalizationForm_D)) {
+        const auto spelling =
+            std::find_if(std::begin(spellings), std::end(spellings),
+                         [letter](const auto &row) { return row.letter == letter.unicode(); });
+        if (letter.isSpace() || letter.category() == QChar::Other_Control)
+            line += ' ';
+        else if (letter.unicode() < 0x80)
+            line += char(letter.unicode());
+        else if (spelling != std::end(spellings))
+            line += spelling->spelling;
+        else if (const QString plain = QString(letter).normalized(QString::NormalizationForm_KD);
+                 plain != letter)
+            line += asciiLine(plain); // of a small digit, say
+        else if (!letter.isMark() && !letter.isLowSurrogate())
+            line += '?';
+    }
+    return line.simplified();
+}
+
 void putText(TextOutput &output, const char *field, const QString &text)
 {
     const QByteArray line = asciiLine(text);
@@ -65,28 +89,6 @@ void putNumber(TextOutput &output, const char *field, double number)
 bool isMspPeak(double mass, double intensity)
 {
     return std::isfinite(mass) && mass >= leastMass && std::isfinite(intensity) && intensity > 0.0;
-}
-
-QByteArray asciiLine(const QString &text)
-{
-    QByteArray line;
-    for (const QChar letter : text.normalized(QString::NormalizationForm_D)) {
-        const auto spelling =
-            std::find_if(std::begin(spellings), std::end(spellings),
-                         [letter](const auto &row) { return row.letter == letter.unicode(); });
-        if (letter.isSpace() || letter.category() == QChar::Other_Control)
-            line += ' ';
-        else if (letter.unicode() < 0x80)
-            line += char(letter.unicode());
-        else if (spelling != std::end(spellings))
-            line += spelling->spelling;
-        else if (const QString plain = QString(letter).normalized(QString::NormalizationForm_KD);
-                 plain != letter)
-            line += asciiLine(plain); // of a small digit, say
-        else if (!letter.isMark() && !letter.isLowSurrogate())
-            line += '?';
-    }
-    return line.simplified();
 }
 
 QString casText(qint32 number)

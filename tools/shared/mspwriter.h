@@ -44,8 +44,4 @@ bool isMspPeak(double mass, double intensity);
 // than isMspPeak() are left out. Returns false, and writes nothing, for a spectrum that has no others.
 bool writeMspEntry(TextOutput &output, const MspEntry &entry);
 
-// Returns a text in ASCII without line breaks: letters with marks lose them, Greek letters are spelled
-// out, what has no counterpart becomes a question mark.
-QByteArray asciiLine(const QString &text);
-
 #endif // MSPWRITER_H
