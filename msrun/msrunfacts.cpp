@@ -14,15 +14,9 @@ namespace {
 
 constexpr qint32 shownComponents = 4; // of the instrument
 
-// What an attribute says; in a file that says nothing, the term has neither code nor text.
 MsTerm termOf(const MsFile &file, const MsTable<MsAttributeRow> &table, std::size_t field)
 {
-    MsTerm term;
-    term.text = statedText(file.id(), attributeRow(table, field));
-    term.code = ms_enum_code(term.isStated() ? term.text.toLatin1().constData() : nullptr);
-    if (const char *phrase = ms_enum_text(term.code))
-        term.text = QString::fromLatin1(phrase);
-    return term;
+    return ms_read_term(file.id(), attributeRow(table, field));
 }
 
 // Returns a component's name, with its maker and model in parentheses; null if it has none of them.
@@ -143,6 +137,16 @@ void addChoices(MsRunFacts *facts)
 }
 
 } // namespace
+
+MsTerm ms_read_term(int ncid, const MsAttributeRow &row)
+{
+    MsTerm term;
+    term.text = statedText(ncid, row);
+    term.code = ms_enum_code(term.isStated() ? term.text.toLatin1().constData() : nullptr);
+    if (const char *phrase = ms_enum_text(term.code))
+        term.text = QString::fromLatin1(phrase);
+    return term;
+}
 
 MsRunFacts ms_read_run_facts(const MsFile &file, const MsGlobals &globals)
 {

@@ -86,6 +86,10 @@ struct MsRunFacts {
     Scan scan = Scan::Unknown; // selected ions also where the file has groups and says nothing
 };
 
+// Returns what an open file says in the attribute of a row that has a vocabulary: neither code nor text
+// where it says nothing.
+MsTerm ms_read_term(int ncid, const MsAttributeRow &row);
+
 // Reads the facts from the attributes of an open file, of which `globals` are the records, and its
 // instrument and groups. What can't be read counts as not said. The facts belong to the caller and
 // outlive the file.

@@ -23,6 +23,7 @@ public:
 
     void describe(const MzMlChoice &choice)
     {
+        clearTerms(&target.globals);
         target.globals.admin.experiment_type =
             choice.isProfile ? MsContinuumSpectrum : MsCentroidedSpectrum;
         target.globals.raw.mass_units = ms_enum_code("M/Z");
@@ -33,13 +34,6 @@ public:
             ? ms_enum_code("Positive Polarity")
             : choice.polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
                                                   : -1;
-        for (qint32 *unknown :
-             {&target.globals.test.test_separation_type, &target.globals.test.test_ms_inlet,
-              &target.globals.test.test_ionization_mode, &target.globals.test.test_detector_type,
-              &target.globals.test.test_resolution_type, &target.globals.test.test_scan_direction,
-              &target.globals.test.test_scan_law, &target.globals.sample.sample_state,
-              &target.globals.raw.intensity_units, &target.globals.raw.total_intensity_units})
-            *unknown = -1;
         target.globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
         describeFile();
         describeInstrument();

@@ -69,13 +69,15 @@ template <class Globals, class Use> void forEachTable(Globals &globals, Use &&us
     use(ms_raw_table, &globals.raw);
 }
 
-void keep(const MsTerm &term, qint32 *code, ConversionLog *log)
+// Returns the code of what the file says in an attribute, and tells of words that have none.
+qint32 statedCode(int ncid, const MsAttributeRow &row, ConversionLog *log)
 {
-    *code = term.isStated() ? term.code : noCode;
-    if (term.isStated() && term.code == noCode)
+    const MsTerm term = ms_read_term(ncid, row);
+    if (term.isStated() && term.code == noCode && isDescription(row))
         log->warn(
             QStringLiteral("The file's own words \"%1\" are none of the template's; they are left out.")
                 .arg(term.text));
+    return term.code;
 }
 
 } // namespace
@@ -86,33 +88,31 @@ StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log)
     static_cast<MsGlobalRecords &>(stated) = run.globals();
     forEachTable(stated, [&](const MsTable<MsAttributeRow> &table, void *record) {
         for (const MsAttributeRow &row : table) {
+            char *field = static_cast<char *>(record) + row.field;
+            if (row.enumerated)
+                *reinterpret_cast<qint32 *>(field) = statedCode(run.fileId(), row, log);
             if (row.nc_type != NC_CHAR || row.enumerated)
                 continue;
             const QString text = textOfAttribute(run.fileId(), row, record);
-            char *&field = *reinterpret_cast<char **>(static_cast<char *>(record) + row.field);
-            field = nullptr;
+            char *&kept = *reinterpret_cast<char **>(field);
+            kept = nullptr;
             if (text.isNull())
                 continue;
             stated.texts.push_back(text.toUtf8());
-            field = stated.texts.back().data();
+            kept = stated.texts.back().data();
         }
     });
-    const MsRunFacts &facts = run.facts();
-    keep(facts.sampleState, &stated.sample.sample_state, log);
-    keep(facts.separation, &stated.test.test_separation_type, log);
-    keep(facts.inlet, &stated.test.test_ms_inlet, log);
-    keep(facts.ionisation, &stated.test.test_ionization_mode, log);
-    keep(facts.ionisationSign, &stated.test.test_ionization_polarity, log);
-    keep(facts.detector, &stated.test.test_detector_type, log);
-    keep(facts.resolution, &stated.test.test_resolution_type, log);
-    keep(facts.scanFunction, &stated.test.test_scan_function, log);
-    keep(facts.scanDirection, &stated.test.test_scan_direction, log);
-    keep(facts.scanLaw, &stated.test.test_scan_law, log);
-    keep(facts.massUnits, &stated.raw.mass_units, log);
-    keep(facts.timeUnits, &stated.raw.time_units, log);
-    keep(facts.intensityUnits, &stated.raw.intensity_units, log);
-    keep(facts.totalUnits, &stated.raw.total_intensity_units, log);
     return stated;
+}
+
+void clearTerms(MsGlobalRecords *globals)
+{
+    forEachTable(*globals, [](const MsTable<MsAttributeRow> &table, void *record) {
+        for (const MsAttributeRow &row : table) {
+            if (row.enumerated)
+                *reinterpret_cast<qint32 *>(static_cast<char *>(record) + row.field) = noCode;
+        }
+    });
 }
 
 void forEachDescription(const MsGlobalRecords &globals,

@@ -19,6 +19,9 @@ struct StatedGlobals : MsGlobalsDraft {
 // vocabulary lacks, has no code. The log gets the terms that the vocabulary lacks.
 StatedGlobals statedGlobals(const MsRun &run, ConversionLog *log);
 
+// Takes the template's defaults out of cleared records: their terms have no codes then.
+void clearTerms(MsGlobalRecords *globals);
+
 // Calls `use` with name and text of each attribute of the records that describes the run: who, when, what
 // and how, but nothing of how the file is made. Texts of the records are UTF-8.
 void forEachDescription(const MsGlobalRecords &globals,
