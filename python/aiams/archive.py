@@ -308,7 +308,7 @@ def _store(task: tuple[str, str, bool], format: str, overwrite: bool) -> pd.Data
     error = ""
     try:
         if existed and not overwrite:
-            raise FileExistsError(f'"{output}" exists. With overwrite=True it is written over.')
+            raise FileExistsError(f'"{output}" exists. With the option "overwrite" it is written over.')
         with Run(name) as run:
             _WRITERS[format](run, part)
         if os.path.isdir(output):
@@ -353,6 +353,34 @@ def _identity(path: str) -> tuple[int, int] | None:
     return found.st_ino, found.st_mtime_ns
 
 
+def _store_part(tasks: list[tuple[str, str, bool]], table: str, format: str, overwrite: bool) -> int:
+    """Does what isn't done by the table, which gets a row for each, and returns how many have no output."""
+    text = {"index": False, "errors": "surrogateescape"}  # names of files are any bytes
+    done = _frame(_DONE)
+    since = None
+    if os.path.exists(table) and not overwrite:  # the part was begun before
+        since = os.path.getmtime(table)
+        if os.path.getsize(table) > 0:  # else a full disk or the machine ended it
+            done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
+        if list(done.columns) != list(_DONE):
+            raise ValueError(table)
+        done = done[(done.error == "") & done.output.map(os.path.lexists)]
+    begun = table + ".part"
+    done.to_csv(begun, **text)
+    os.replace(begun, table)
+    failed = 0
+    kept = set(done.file)
+    for name, output, existed in tasks:
+        if name in kept:
+            continue
+        # What is younger than the table was made by the attempt that ended before it could say so.
+        existed = existed and (since is None or os.path.getmtime(output) < since)
+        row = _store((name, output, existed), format, overwrite)
+        row.to_csv(table, mode="a", header=False, **text)
+        failed += row.error[0] != ""
+    return failed
+
+
 def main(arguments: list[str] | None = None) -> int:
     """Stores one part of an archive: for schedulers that start a program many times, such as Slurm's arrays."""
     parser = argparse.ArgumentParser(prog="python3 -m aiams.archive", description=main.__doc__)
@@ -376,24 +404,12 @@ def main(arguments: list[str] | None = None) -> int:
     except ValueError as failure:
         parser.exit(1, f"{parser.prog}: {failure}\n")
     table = os.path.join(given.folder, f"part-{part}-of-{parts}.csv")
-    text = {"index": False, "errors": "surrogateescape"}  # names of files are any bytes
-    done = _frame(_DONE)
-    since = None
-    if os.path.exists(table) and not given.overwrite:  # the part was begun before
-        since = os.path.getmtime(table)
-        done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
-        done = done[(done.error == "") & done.output.map(os.path.lexists)]
-    done.to_csv(table, **text)
-    failed = 0
-    kept = set(done.file)
-    for name, output, existed in tasks:
-        if name in kept:
-            continue
-        # What is younger than the table was made by the attempt that ended before it could say so.
-        existed = existed and (since is None or os.path.getmtime(output) < since)
-        row = _store((name, output, existed), given.format, given.overwrite)
-        row.to_csv(table, mode="a", header=False, **text)
-        failed += row.error[0] != ""
+    try:
+        failed = _store_part(tasks, table, given.format, given.overwrite)
+    except OSError as failure:
+        parser.exit(1, f'{parser.prog}: The table "{table}" can\'t be written: {failure.strerror}.\n')
+    except ValueError:
+        parser.exit(1, f'{parser.prog}: "{table}" is no table of this program; name another folder.\n')
     if failed:
         print(f'{parser.prog}: {failed} of {len(tasks)} files have no output: "{table}" says why.', file=sys.stderr)
     return 1 if failed else 0

@@ -204,8 +204,16 @@ def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path, capsys):
     table.write_text("".join(line for line in lines if "run-02" not in line))
     os.utime(table, (0, 0))
     archive.main([*command, "0/3"])
+    # The second had no room for its table.
+    os.truncate(tmp_path / "part-1-of-3.csv", 0)
+    os.utime(tmp_path / "part-1-of-3.csv", (0, 0))
+    archive.main([*command, "1/3"])
     tables = [pd.read_csv(path, keep_default_na=False) for path in tmp_path.glob("part-*-of-3.csv")]
     done = pd.concat(tables)
     assert sorted(done.file) == sorted(map(str, folder.glob("*.cdf")))
     assert sorted(done.output[done.error == ""]) == sorted(map(str, tmp_path.glob("run-*.csv")))
     assert (done.error != "").sum() == 2
+    table.write_text("of somebody else\n")
+    with pytest.raises(SystemExit, match="1"):
+        archive.main([*command, "0/3"])
+    assert "is no table of this program" in capsys.readouterr().err and table.read_text() == "of somebody else\n"
