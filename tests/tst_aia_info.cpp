@@ -209,6 +209,16 @@ private slots:
         }
     }
 
+    void countsThatWereNeverWrittenAreNone()
+    {
+        const QString path = folder.filePath("counts.cdf");
+        QVERIFY(makeNetcdf(path, "classic",
+                           "netcdf counts { dimensions: scan_number = 1; variables: int scan_index(scan_number), "
+                           "point_count(scan_number), flag_count(scan_number); data: scan_index = 0; }"));
+        const Run result = run({"--scan", "0", path});
+        QVERIFY2(result.out.contains("scan: 0\n") && !result.out.contains("_count: "), result.out);
+    }
+
     void claimsStayBounded()
     {
         const Run result = run({"--scan", "2147483643", fixture("info-claims")});

@@ -122,6 +122,9 @@ private slots:
         row("pipe") = {"mkfifo pipe; cat pipe > old.json & import --json pipe run.cdf; s=$?; wait; exit $s", 0, "",
                        "{"};
         row("standard output") = {"import --json - run.cdf > old.json", 0, "", "{"};
+        row("no room for the first of two") = {
+            "sample gcms --scans 6000 s.cdf; import --json - s.cdf s.cdf > /dev/full", 1,
+            "stopped before it looked at 1 of 2 files"};
         row("limit on size") = {"ulimit -f 0; import --force --json old.json run.cdf", 1, "File too large"};
         row("closed streams") = {AIA_TOOLS "/aia-import --verbose --force --json old.json run.cdf >&- 2>&-", 1, "",
                                  "{"};

@@ -118,6 +118,7 @@ private slots:
                                   "The scans would have more than 100000000 points together."};
         row("more masses than a group takes") = {"aia-sample sim --points 419 x.cdf", 2,
                                                  "The option --points takes a number from 1 to 418 for such a run."};
+        row("all masses in a group") = {"aia-sample sim --scans 1 --points 418 y.cdf && echo made", 0, "", "made"};
         row("unknown format") = {"aia-sample gcms --mass-format byte x.cdf", 2,
                                  "The option --mass-format takes short, long, float or double."};
         row("no seed") = {"aia-sample gcms --seed x x.cdf", 2, "The option --seed takes a number from 0 on."};

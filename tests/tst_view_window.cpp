@@ -225,6 +225,11 @@ private slots:
         page()->setMasses("57"); // in its place, so what is left of the first doesn't end the second
         QTRY_VERIFY_WITH_TIMEOUT(!model->isBusy(), longestWait);
         QCOMPARE(page()->trace()->graphCount(), 2);
+        page()->goTo("0-1000");
+        QVERIFY(model->isBusy());
+        page()->showScan(5); // which nobody wants an average after
+        QVERIFY(!model->isBusy());
+        QTRY_COMPARE(page()->scan(), 5);
     }
 
     void saves()
