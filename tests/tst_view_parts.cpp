@@ -250,6 +250,13 @@ private slots:
         }
     }
 
+    void tellsOptionsOfImages()
+    {
+        const Run run = runProgram(AIA_TOOLS "/aia-view", {"--gcxgc", "4", "--map", sample("gcxgc")});
+        QCOMPARE(run.code, 2);
+        QVERIFY2(run.err.contains("--map goes with --image only."), run.err);
+    }
+
     void needsADisplayForItsWindow()
     {
         const Run run = runProgram("env",

@@ -15,6 +15,12 @@ constexpr int dotsPerInch = 96;
 
 } // namespace
 
+bool isImageName(const QString &name)
+{
+    static const QStringList endings{QStringLiteral("png"), QStringLiteral("pdf"), QStringLiteral("svg")};
+    return endings.contains(QFileInfo(name).suffix().toLower());
+}
+
 QByteArray plotImage(QCustomPlot *plot, const QString &name, double scale)
 {
     plot->replot(); // labels go by the plot's size
@@ -55,9 +61,11 @@ QByteArray plotImage(QCustomPlot *plot, const QString &name, double scale)
     return buffer.data();
 }
 
-QString writeBytes(OutputFile *output, const QByteArray &bytes)
+QString writeImage(OutputFile *output, const QByteArray &image)
 {
+    if (image.isEmpty())
+        return QStringLiteral("The image can't be drawn in this size; a smaller one may be.");
     const bool isWritten =
-        output->open() && output->write(bytes.constData(), std::size_t(bytes.size())) && output->commit();
+        output->open() && output->write(image.constData(), std::size_t(image.size())) && output->commit();
     return isWritten ? QString() : output->errorText();
 }

@@ -98,12 +98,11 @@ QString writeMapCsv(const ModulationMap &map, const QString &value, OutputFile *
     return finish(table, output);
 }
 
-QString writeImage(RunPlot &plot, const QString &name, OutputFile *output)
+QString writePlot(RunPlot &plot, const QString &name, OutputFile *output)
 {
     constexpr double pixelsOfOne = 2.0; // fine enough for print
-    const QByteArray image = plotImage(&plot, name, pixelsOfOne);
-    return image.isEmpty() ? QStringLiteral("\"%1\" has to end in .png, .pdf, .svg or .csv.").arg(name)
-                           : writeBytes(output, image);
+    return isImageName(name) ? writeImage(output, plotImage(&plot, name, pixelsOfOne))
+                             : QStringLiteral("\"%1\" has to end in .png, .pdf, .svg or .csv.").arg(name);
 }
 
 QString endingOf(const QString &name)
@@ -136,7 +135,7 @@ QString writeTraces(TracePlot &plot, const QString &run, const QString &name)
     return replaceFile(name, run, [&](OutputFile *output) {
         return endingOf(name) == QLatin1String("csv")
             ? writeTracesCsv(plot.curves(), plot.xAxis->label(), plot.yAxis->label(), output)
-            : writeImage(plot, name, output);
+            : writePlot(plot, name, output);
     });
 }
 
@@ -144,7 +143,7 @@ QString writeMap(MapPlot &plot, const QString &value, const QString &run, const 
 {
     return replaceFile(name, run, [&](OutputFile *output) {
         return endingOf(name) == QLatin1String("csv") ? writeMapCsv(plot.map(), value, output)
-                                                      : writeImage(plot, name, output);
+                                                      : writePlot(plot, name, output);
     });
 }
 
@@ -155,7 +154,7 @@ QString writeSpectrum(SpectrumPlot &plot, const SpectrumData &spectrum, const Ms
         if (endingOf(name) == QLatin1String("csv"))
             return writeSpectrumCsv(spectrum, output);
         return endingOf(name) == QLatin1String("msp") ? writeSpectrumMsp(spectrum, about, output)
-                                                      : writeImage(plot, name, output);
+                                                      : writePlot(plot, name, output);
     });
 }
 

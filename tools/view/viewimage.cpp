@@ -112,8 +112,7 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
     static_cast<TracePlot *>(page.trace())->markTime(std::numeric_limits<double>::quiet_NaN());
     const QByteArray image = plotImage(plot, request.output, 1.0);
     plot->setParent(&page);
-    const QString failure =
-        image.isEmpty() ? QStringLiteral("The image can't be drawn.") : writeBytes(&output, image);
+    const QString failure = writeImage(&output, image);
     bool isWhole = true;
     for (const MsDoubt &doubt : page.model()->doubts().list) {
         report(doubt.text);

@@ -2,10 +2,10 @@
 
 #include "msmodulation.h"
 #include "namecodec.h"
+#include "plotimage.h"
 #include "standardoptions.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 #include <cmath>
 
@@ -79,15 +79,17 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     command.files = namesOfFiles(parser.positionalArguments());
     const int kinds = parser.isSet(trace) + parser.isSet(map) + parser.isSet(scan) + parser.isSet(at);
     if (!parser.isSet(imageOption)) {
-        if (kinds > 0 || parser.isSet(size) || parser.isSet(force))
-            return refused(QStringLiteral("These options go with --image only."));
+        for (const QCommandLineOption &option : {trace, map, scan, at, size, force}) {
+            if (parser.isSet(option))
+                return refused(
+                    QStringLiteral("--%1 goes with --image only.").arg(option.names().constFirst()));
+        }
         return command;
     }
 
     ImageRequest image;
     image.output = parser.value(imageOption);
-    static const QStringList endings{QStringLiteral("png"), QStringLiteral("pdf"), QStringLiteral("svg")};
-    if (!endings.contains(QFileInfo(image.output).suffix().toLower()))
+    if (!isImageName(image.output))
         return refused(QStringLiteral("The name of the image \"%1\" has to end in .png, .pdf or .svg.")
                            .arg(image.output));
     if (command.files.size() != 1)
