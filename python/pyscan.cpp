@@ -1,8 +1,9 @@
 #include "pyscan.h"
 
-#include "numbers_p.h"
 #include "pyarrays.h"
 #include "texts.h"
+
+#include <array>
 
 namespace {
 

@@ -9,7 +9,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <optional>
 

@@ -8,7 +8,11 @@
 #include "numbers_p.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 

@@ -5,8 +5,10 @@
 
 #include "numbers_p.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 

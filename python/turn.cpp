@@ -3,7 +3,7 @@
 #include "texts.h"
 
 #include "messageloggerinterface.h"
-#include "terminaltext.h"
+#include "messagetext.h"
 
 #include <QVector>
 

@@ -9,6 +9,9 @@
 
 #include <QCoreApplication>
 
+#include <optional>
+#include <vector>
+
 int main(int argc, char **argv)
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);

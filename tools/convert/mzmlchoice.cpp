@@ -6,7 +6,9 @@
 #include "mzmlterms.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
+#include <string>
 
 using namespace pwiz::cv;
 using namespace pwiz::msdata;

@@ -9,7 +9,11 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <memory>
+#include <vector>
 
 #include <boost/make_shared.hpp>
 

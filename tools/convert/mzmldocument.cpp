@@ -1,5 +1,7 @@
 #include "mzmldocument.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 

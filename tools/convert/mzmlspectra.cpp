@@ -6,8 +6,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <memory>
 #include <new>
 #include <numeric>
+#include <utility>
 
 #include <boost/make_shared.hpp>
 

@@ -1,6 +1,10 @@
 #include "mzmltrace.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <map>
+#include <string>
 
 #include <boost/make_shared.hpp>
 

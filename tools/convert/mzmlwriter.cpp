@@ -13,7 +13,10 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cstddef>
+#include <map>
 #include <new>
+#include <vector>
 
 #include <boost/make_shared.hpp>
 #include <pwiz/utility/misc/IterationListener.hpp>

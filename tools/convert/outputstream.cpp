@@ -1,5 +1,6 @@
 #include "outputstream.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "interruption.h"
 
+#include <optional>
+
 double modulationOf(const MsRun &run, const ConversionOptions &options, ConversionLog *log)
 {
     if (options.modulation)

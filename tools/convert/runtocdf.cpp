@@ -1,14 +1,15 @@
 #include "runtocdf.h"
 
 #include "cdfwriter.h"
-#include "interruption.h"
 #include "scanwalk.h"
 #include "statedglobals.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <numeric>
+#include <vector>
 
 namespace {
 

@@ -7,9 +7,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <limits>
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace {
 

@@ -7,7 +7,11 @@
 #include "standardoptions.h"
 #include "terminaltext.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 namespace {
 

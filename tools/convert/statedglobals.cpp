@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <memory>
 
 namespace {
 

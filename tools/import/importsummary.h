@@ -44,8 +44,8 @@ public:
 private:
     using Lines = std::vector<std::pair<QString, QString>>;
 
-    void addFacts(const RunFacts &facts);
-    void addTimes(const RunFacts &facts);
+    void addFacts(const RunFacts &said);
+    void addTimes(const RunFacts &said);
     void addModulation(const DVHeader &header);
     void addHeader(const DVHeader &header);
     QString pauseText() const;

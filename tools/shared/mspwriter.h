@@ -29,7 +29,7 @@ struct MspEntry {
 
 // Returns what a library says of a compound, under the name of its entry where it has none. The peaks are
 // left to the caller.
-MspEntry entryOf(const MsCompound &compound, qint32 entry);
+MspEntry entryOf(const MsCompound &compound, qint32 number);
 
 // Returns a CAS number with its hyphens; null for none.
 QString casText(qint32 number);

@@ -17,7 +17,7 @@ public:
 
     // "-" is standard output. It, pipes and devices have no place beside them and are written directly.
     // Behind symbolic links, the file that they lead to is meant.
-    OutputFile(const QString &name, Existing existing);
+    OutputFile(const QString &file, Existing policy);
     // Removes what wasn't moved to its place.
     ~OutputFile();
     Q_DISABLE_COPY(OutputFile)

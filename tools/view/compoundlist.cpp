@@ -10,7 +10,10 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <utility>
 
 namespace {
 

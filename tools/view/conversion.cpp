@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include <utility>
+
 Conversion::~Conversion()
 {
     if (!process_)

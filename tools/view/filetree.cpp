@@ -12,6 +12,11 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
 namespace {
 
 constexpr int scanRole = Qt::UserRole;

@@ -4,11 +4,13 @@
 #include "dvimportanalysisinterface.h"
 #include "dvimportreceiver.h"
 #include "messageredirection.h"
+#include "messagetext.h"
 #include "namecodec.h"
-#include "terminaltext.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <utility>
 
 namespace {
 

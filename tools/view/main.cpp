@@ -11,6 +11,8 @@
 #include <QIcon>
 #include <QSettings>
 
+#include <optional>
+
 int main(int argc, char *argv[])
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);

@@ -23,6 +23,10 @@
 #include <QTabBar>
 #include <QTabWidget>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace {
 
 constexpr int mostRecent = 10;

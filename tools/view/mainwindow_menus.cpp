@@ -11,6 +11,10 @@
 #include <QMenuBar>
 #include <QTabWidget>
 
+#include <functional>
+#include <optional>
+#include <utility>
+
 namespace {
 
 // A modifier and a key are of two enumerations, which aren't added as they are.

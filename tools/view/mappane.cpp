@@ -12,7 +12,10 @@
 #include <QLineEdit>
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <memory>
+#include <utility>
 
 namespace {
 

@@ -2,9 +2,13 @@
 
 #include "plotlook.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace {
 

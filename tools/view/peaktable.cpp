@@ -12,7 +12,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 

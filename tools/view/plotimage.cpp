@@ -9,6 +9,8 @@
 
 #include <qcustomplot.h>
 
+#include <cstddef>
+
 namespace {
 
 constexpr int dotsPerInch = 96;

@@ -3,6 +3,7 @@
 #include <qcustomplot.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 namespace {

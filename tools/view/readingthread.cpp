@@ -2,6 +2,9 @@
 
 #include "messageredirection.h"
 
+#include <algorithm>
+#include <utility>
+
 ReadingThread::ReadingThread(QObject *parent) : QThread(parent)
 {
     start();

@@ -9,7 +9,10 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <cstddef>
+#include <iterator>
 #include <new>
 
 namespace {

@@ -5,7 +5,6 @@
 #include "compoundlist.h"
 #include "countedtext_p.h"
 #include "mappane.h"
-#include "mapplot.h"
 #include "peaktable.h"
 #include "spectrumplot.h"
 #include "traceplot.h"
@@ -14,7 +13,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <optional>
+#include <vector>
 
 namespace {
 

@@ -12,6 +12,11 @@
 #include <QApplication>
 #include <QStackedWidget>
 
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
 namespace {
 
 constexpr std::size_t largestTraced = 3;

@@ -2,6 +2,9 @@
 
 #include "plotlook.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr int leastDrag = 4; // pixels; less is a click

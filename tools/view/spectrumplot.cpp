@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <iterator>
+#include <limits>
+#include <memory>
+#include <utility>
 
 namespace {
 

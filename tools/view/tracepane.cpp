@@ -7,6 +7,8 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 
+#include <utility>
+
 TracePane::TracePane(QWidget *parent)
     : QWidget(parent), sources_(new QComboBox), masses_(new QLineEdit), place_(new QLineEdit),
       plot_(new TracePlot)

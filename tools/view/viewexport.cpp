@@ -11,6 +11,8 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 namespace {
 

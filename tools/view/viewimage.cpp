@@ -15,6 +15,9 @@
 
 #include <QEventLoop>
 
+#include <limits>
+#include <utility>
+
 namespace {
 
 using What = ImageRequest::What;
