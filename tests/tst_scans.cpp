@@ -132,11 +132,11 @@ private slots:
         }
         QCOMPARE(int(scan.a_d_coaddition_factor), -9999);
         QCOMPARE(scan.resolution, 0.0);
-        QCOMPARE(scan.scan_duration, -9999.0); // characters
-        for (const int number : {2, 1, 0}) {
+        QCOMPARE(scan.scan_duration, -9999.0);  // characters
+        for (const int number : {3, 2, 1, 0}) { // a NaN and 2^31 have no 32-bit number
             scan.scan_number = number;
             QCOMPARE(ms_read_scan_header(file.id(), &scan), 0);
-            QCOMPARE(scan.actual_scan_number, number == 0 ? 1 : number == 1 ? -9999 : 2147483647); // the largest
+            QCOMPARE(scan.actual_scan_number, number == 0 ? 1 : number == 2 ? 2147483647 : -9999);
         }
         QCOMPARE(int(scan.a_d_coaddition_factor), 4);
 

@@ -37,7 +37,7 @@ private slots:
         QCOMPARE(lines.size(), wanted.size());
     }
 
-    // Whole samples, of all compounds: the same for the same seed.
+    // Whole samples, of all compounds: the same for the same seed. One that changes on purpose gets a new sum.
     void staysTheSame_data()
     {
         const Rows<QByteArray> sha1;

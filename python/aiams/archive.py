@@ -361,13 +361,20 @@ def _store_part(tasks: list[tuple[str, str, bool]], table: str, format: str, ove
     if os.path.exists(table) and not overwrite:  # the part was begun before
         since = os.path.getmtime(table)
         if os.path.getsize(table) > 0:  # else a full disk or the machine ended it
-            done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
+            try:
+                done = pd.read_csv(table, keep_default_na=False, encoding_errors="surrogateescape")
+            except ValueError:
+                done = pd.DataFrame()
         if list(done.columns) != list(_DONE):
-            raise ValueError(table)
+            raise ValueError(f'"{table}" is no table of this program; name another folder.')
         done = done[(done.error == "") & done.output.map(os.path.lexists)]
     begun = table + ".part"
-    done.to_csv(begun, **text)
-    os.replace(begun, table)
+    try:
+        done.to_csv(begun, **text)
+        os.replace(begun, table)
+    finally:
+        if os.path.exists(begun):
+            os.remove(begun)
     failed = 0
     kept = set(done.file)
     for name, output, existed in tasks:
@@ -408,8 +415,8 @@ def main(arguments: list[str] | None = None) -> int:
         failed = _store_part(tasks, table, given.format, given.overwrite)
     except OSError as failure:
         parser.exit(1, f'{parser.prog}: The table "{table}" can\'t be written: {failure.strerror}.\n')
-    except ValueError:
-        parser.exit(1, f'{parser.prog}: "{table}" is no table of this program; name another folder.\n')
+    except ValueError as failure:
+        parser.exit(1, f"{parser.prog}: {failure}\n")
     if failed:
         print(f'{parser.prog}: {failed} of {len(tasks)} files have no output: "{table}" says why.', file=sys.stderr)
     return 1 if failed else 0
