@@ -5,9 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-ReadingThread::ReadingThread(QObject *parent) : QThread(parent)
+ReadingThread::ReadingThread() : thread_([this] { run(); })
 {
-    start();
 }
 
 ReadingThread::~ReadingThread()
@@ -17,7 +16,7 @@ ReadingThread::~ReadingThread()
         ends_ = true;
     }
     changed_.notify_one();
-    wait();
+    thread_.join();
 }
 
 void ReadingThread::post(std::deque<Work> &queue, Work work)

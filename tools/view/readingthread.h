@@ -4,25 +4,25 @@
 #ifndef READINGTHREAD_H
 #define READINGTHREAD_H
 
-#include <QThread>
-
 #include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <thread>
 
-class ReadingThread : public QThread
+class ReadingThread
 {
-    Q_OBJECT
-
 public:
     using Work = std::function<void()>;
 
-    explicit ReadingThread(QObject *parent = nullptr);
-    // Ends after the work that waits. Who owns that work cancels it first.
-    ~ReadingThread() override;
+    ReadingThread();
+    // Ends after the work that waits. Who owns that work cancels it first. Returns when the
+    // thread is gone, with what libraries keep for it; QThread's wait() would return before that.
+    ~ReadingThread();
+    ReadingThread(const ReadingThread &) = delete;
+    ReadingThread &operator=(const ReadingThread &) = delete;
 
     // Long work waits for the long work before it; quick work comes in between, see catchUp().
     void postLong(Work work);
@@ -31,10 +31,8 @@ public:
     // Does the quick work that waits. Long work calls it now and then, on this thread.
     void catchUp();
 
-protected:
-    void run() override;
-
 private:
+    void run();
     void post(std::deque<Work> &queue, Work work);
     Work takeQuick();
 
@@ -43,6 +41,7 @@ private:
     std::deque<Work> long_;
     std::deque<Work> quick_;
     bool ends_ = false;
+    std::thread thread_; // the last, as it uses the others
 };
 
 // Stops long work: who asked for it keeps one copy, the work has another.
