@@ -457,10 +457,10 @@ private slots:
     void endedFromOutside()
     {
         const int signal = Rows<int>::current();
-        QCOMPARE(shell("sample gcxgc --scans 12000 s.cdf").code, 0);
+        QCOMPARE(shell("sample gcxgc --scans 60000 s.cdf").code, 0);
         QProcess program;
         program.start(AIA_TOOLS "/aia-convert", {"s.cdf", "plain.cdf", "--to", "mzML"});
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(leftovers().value(0, "none")).size() > 0, 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(leftovers().value(0, "none")).size() > 0, longestWait);
         const QString children = QStringLiteral("/proc/%1/task/%1/children").arg(program.processId());
         const int worker = content(children).split(' ').value(0).toInt();
         QVERIFY(worker > 0);

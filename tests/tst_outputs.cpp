@@ -79,7 +79,7 @@ class TestOutputs : public QObject
         for (int i = 0; i < 20; ++i)
             arguments += "long.cdf";
         program.start(AIA_TOOLS "/aia-import", arguments);
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(unfinished().value(0, "none")).size() > 0, 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(unfinished().value(0, "none")).size() > 0, longestWait);
     }
 
 private slots:
@@ -185,13 +185,13 @@ private slots:
     {
         QProcess program;
         program.start("/bin/sh", {"-c", "trap '' HUP; exec " AIA_TOOLS "/aia-import --ask run.cdf"});
-        QVERIFY(program.waitForStarted());
+        QVERIFY(program.waitForStarted(longestWait));
         const QString status = QStringLiteral("/proc/%1/status").arg(program.processId());
         const auto handles = [&](int signal) {
             const QByteArray text = content(status);
             return text.mid(text.indexOf("SigCgt:") + 7, 17).trimmed().toULongLong(nullptr, 16) >> (signal - 1) & 1;
         };
-        QTRY_VERIFY_WITH_TIMEOUT(handles(SIGTERM), 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(handles(SIGTERM), longestWait);
         QVERIFY(!handles(SIGHUP));
         program.terminate();
         QCOMPARE(finish(program).code, 1);

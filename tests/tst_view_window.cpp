@@ -182,7 +182,7 @@ private slots:
             if (part > 0.0 && !std::exchange(isPressed, true))
                 QTest::keyClick(page()->trace(), Qt::Key_Escape);
         });
-        QTRY_VERIFY_WITH_TIMEOUT(isPressed, longestWait);
+        QTRY_VERIFY(isPressed);
         QVERIFY(!model->isBusy() && model->sums().totals.empty());
         QVERIFY(page()->remark().startsWith("Reading was cancelled"));
         // The reading has come to its end: the next long work has its turn before much quick work is done.
@@ -212,18 +212,18 @@ private slots:
         QVERIFY(!page()->remark().startsWith("Reading was cancelled"));
         page()->goTo("7");
         QVERIFY(page()->remark().startsWith("Reading was cancelled"));
-        QTRY_COMPARE_WITH_TIMEOUT(page()->scan(), 7, longestWait);
+        QTRY_COMPARE(page()->scan(), 7);
         for (QLabel *label : page()->findChildren<QLabel *>()) {
             if (label->text() == page()->remark())
                 emit label->linkActivated("read"); // reads on
         }
         QCOMPARE(page()->remark(), QString());
         page()->setSource(RunPage::Source::Summed);
-        QTRY_COMPARE_WITH_TIMEOUT(model->sums().totals.size(), std::size_t(40000), longestWait);
+        QTRY_COMPARE(model->sums().totals.size(), std::size_t(40000));
         QCOMPARE(page()->remark(), QString());
         page()->setMasses("43");
         page()->setMasses("57"); // in its place, so what is left of the first doesn't end the second
-        QTRY_VERIFY_WITH_TIMEOUT(!model->isBusy(), longestWait);
+        QTRY_VERIFY(!model->isBusy());
         QCOMPARE(page()->trace()->graphCount(), 2);
         page()->goTo("0-1000");
         QVERIFY(model->isBusy());

@@ -14,7 +14,14 @@
 #include "spectrumplot.h"
 #include "traceplot.h"
 
+#include <QtTest>
 #include <QtWidgets>
+
+// Qt Test would wait for 5 s only, which a busy machine can take.
+#undef QTRY_COMPARE
+#undef QTRY_VERIFY
+#define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT((actual), (expected), longestWait)
+#define QTRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT((condition), longestWait)
 
 // For a test class to have as a second base.
 class ViewTest
@@ -45,7 +52,7 @@ protected:
         settings->clear();
         window = std::make_unique<MainWindow>(*settings, readingThread);
         window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        QVERIFY(QTest::qWaitForWindowExposed(window.get(), longestWait));
     }
 
     void closeWindow() { window.reset(); }
@@ -61,13 +68,13 @@ protected:
     void open(const QString &path)
     {
         window->open({path});
-        QTRY_VERIFY_WITH_TIMEOUT(isSettled(page()), longestWait);
+        QTRY_VERIFY(isSettled(page()));
     }
 
     void openSample(const QString &name)
     {
         open(sample(name));
-        QTRY_VERIFY_WITH_TIMEOUT(page()->scan() != -1, longestWait);
+        QTRY_VERIFY(page()->scan() != -1);
     }
 };
 
