@@ -126,6 +126,13 @@ private slots:
             "sample gcms --scans 6000 s.cdf; mkfifo p; convert s.cdf -o - --to csv --csv matrix > p & { read -r head;"
             "truncate -s -4000 s.cdf; printf '%4000s' | tr ' ' F >> s.cdf; cat > made; } < p; wait $!",
             1, "was changed while it was open"};
+        // It waits for who reads the pipe, so it can't be done before.
+        const QString ended =
+            "sample gcms --scans 6000 s.cdf; mkfifo p;" AIA_TOOLS "/aia-convert s.cdf -o - --to %1 > p &"
+            "{ read -r head; kill $!; cat > made; } < p; wait $!";
+        for (const char *format : {"mzML", "csv --csv points"})
+            row(QByteArray("interrupted, ") + format) = {ended.arg(format), 1,
+                                                         "\"s.cdf\" can't be converted: it was interrupted.\n"};
         row("strict") = {"convert --strict gcgc.cdf -o out.mzML", 1, "--strict"};
         row("strict, and quiet") = {"convert --strict --quiet gcgc.cdf -o out.mzML", 1, "taken for centroided"};
     }
@@ -464,14 +471,19 @@ private slots:
         const QString children = QStringLiteral("/proc/%1/task/%1/children").arg(program.processId());
         const int worker = content(children).split(' ').value(0).toInt();
         QVERIFY(worker > 0);
+        QCOMPARE(kill(worker, SIGSTOP), 0); // else it might be done before
         if (signal == 0)
             QVERIFY(QFile::resize("s.cdf", 100000));
         else
             QCOMPARE(kill(signal == SIGKILL ? worker : int(program.processId()), signal), 0);
+        const QString status = QStringLiteral("/proc/%1/status").arg(worker);
+        if (signal == SIGINT) // which is passed on as a request to end
+            QTRY_VERIFY_WITH_TIMEOUT(content(status).contains("ShdPnd:\t0000000000004000"), longestWait);
+        kill(worker, SIGCONT);
         const Run result = finish(program);
         QCOMPARE(result.code, 1);
         const char *reason = signal == SIGKILL ? "was killed or crashed"
-            : signal == SIGINT                 ? "interrupted"
+            : signal == SIGINT                 ? "can't be converted: it was interrupted."
                                                : "changed meanwhile";
         QVERIFY2(result.err.contains(reason), result.err);
         QCOMPARE(result.err.contains("crashed"), signal == SIGKILL);

@@ -1,5 +1,6 @@
 #include "fileconversion.h"
 
+#include "interruption.h"
 #include "messagelist.h"
 #include "messageredirection.h"
 #include "msdoubts.h"
@@ -127,11 +128,10 @@ private:
     bool judge(bool isWritten)
     {
         const ConversionOptions &wanted = options.conversion;
-        if (!isWritten && !log.failure().isNull() && !output.hasFailed())
-            sentence = withFullStop(
-                QStringLiteral("The file \"%1\" can't be converted: %2").arg(pair.input, log.failure()));
-        else if (!isWritten && output.hasFailed())
+        if (!isWritten && output.hasFailed())
             sentence = output.errorText();
+        else if (!isWritten && sentence.isNull() && (isInterrupted() || !log.failure().isNull()))
+            sentence = whyNotConverted(pair.input, log.failure());
         if (isWritten || sentence.isNull()) {
             for (const QString &text : log.losses())
                 say(text);
@@ -174,6 +174,12 @@ private:
 };
 
 } // namespace
+
+QString whyNotConverted(const QString &input, const QString &reason)
+{
+    return withFullStop(QStringLiteral("The file \"%1\" can't be converted: %2")
+                            .arg(input, isInterrupted() ? QStringLiteral("it was interrupted") : reason));
+}
 
 bool convertFile(const ConversionPair &pair, const ConvertOptions &options)
 {

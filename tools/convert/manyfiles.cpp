@@ -1,6 +1,7 @@
 #include "manyfiles.h"
 
 #include "countedtext_p.h"
+#include "fileconversion.h"
 #include "interruption.h"
 #include "outputfile.h"
 #include "progressbar.h"
@@ -72,15 +73,15 @@ private:
                              if (error == QProcess::FailedToStart)
                                  end(worker, QStringLiteral("its process couldn't be started"));
                          });
-        QObject::connect(&worker->process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
-                         [this, worker](int code, QProcess::ExitStatus status) {
-                             end(worker,
-                                 status != QProcess::CrashExit ? QString()
-                                     : isInterrupted() // which a worker may hear of twice
-                                     ? QStringLiteral("it was interrupted")
-                                     : QStringLiteral("its process was killed or crashed"),
-                                 code);
-                         });
+        QObject::connect(
+            &worker->process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
+            [this, worker](int code, QProcess::ExitStatus status) {
+                end(worker,
+                    status == QProcess::CrashExit // where it hears twice of an interruption, too
+                        ? QStringLiteral("its process was killed or crashed")
+                        : QString(),
+                    code);
+            });
         ++running;
         // What it says is passed on when it ends, so that files don't mix.
         worker->process.start(QCoreApplication::applicationFilePath(), arguments);
@@ -92,8 +93,7 @@ private:
         const QByteArray said = worker->process.readAllStandardError();
         std::fwrite(said.constData(), 1, std::size_t(said.size()), stderr);
         if (!accident.isNull()) {
-            report(QStringLiteral("The file \"%1\" can't be converted: %2.")
-                       .arg(worker->pair->input, accident));
+            report(whyNotConverted(worker->pair->input, accident));
             // A process that is killed leaves its file behind.
             if (!worker->part.isEmpty())
                 QFile::remove(QFile::decodeName(worker->part));

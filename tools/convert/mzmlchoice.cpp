@@ -46,7 +46,7 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     std::size_t others = 0; // of light, say: no mass spectra
     for (std::size_t i = 0; i < list.size(); ++i) {
         if (isInterrupted())
-            return log->fail(QStringLiteral("it was interrupted"));
+            return false;
         const SpectrumPtr spectrum = list.spectrum(i, false);
         const CVID polarity = polarityOf(*spectrum);
         if (spectrum->hasCVParamChild(MS_electromagnetic_radiation_spectrum)) {

@@ -146,7 +146,7 @@ private:
         bool isWritten = writer.failure().isNull();
         for (std::size_t i = 0; isWritten && i < pairs.size(); ++i) {
             if (isInterrupted())
-                return log->fail(QStringLiteral("it was interrupted"));
+                return false;
             MsScanDraft scan{qint32(i)};
             takeCommonNumbers(source.run, &scan);
             scan.actual_scan_number = qint32(i);
@@ -173,7 +173,7 @@ private:
         const int step = std::max(count / 100, 1);
         for (int i = 0; i < count; ++i) {
             if (isInterrupted())
-                return log->fail(QStringLiteral("it was interrupted"));
+                return false;
             const SpectrumPtr spectrum = spectrumAt(i);
             if (!takePoints(*spectrum)) {
                 *doesFit = false;

@@ -68,7 +68,7 @@ public:
     bool write(OutputFile *output, OutputBuffer::Packing packing)
     {
         if (!surveyRun(run, options, progress, &survey, log))
-            return log->fail(QStringLiteral("it was interrupted"));
+            return false;
         if (survey.facts.scans.empty())
             return log->fail(whyNoScan(run));
         const QByteArray sha1 = checksum(run.name());
@@ -85,9 +85,7 @@ public:
             throw std::bad_alloc();
         if (spectra && spectra->isLacking())
             return log->fail(whyScansWent());
-        if (isInterrupted())
-            return log->fail(QStringLiteral("it was interrupted"));
-        return buffer.finish();
+        return !isInterrupted() && buffer.finish();
     }
 
 private:

@@ -247,7 +247,7 @@ bool writeCdf(const MsRun &run, const QByteArray &path, ProgressBar *progress, C
 {
     Survey known;
     if (!survey(run, progress, &known))
-        return log->fail(QStringLiteral("it was interrupted"));
+        return false;
     if (known.scans == 0)
         return log->fail(whyNoScan(run));
     if (known.hasWrongTotals)
@@ -278,7 +278,7 @@ bool writeCdf(const MsRun &run, const QByteArray &path, ProgressBar *progress, C
             return isWritten;
         });
     if (isWritten && !isWhole)
-        return log->fail(QStringLiteral("it was interrupted"));
+        return false;
     if (isWritten && conversion.count() < known.scans)
         return log->fail(whyScansWent());
     isWritten = isWritten && writer.finish();

@@ -66,11 +66,6 @@ private:
         return unit.isStated() ? QStringLiteral("%1 (%2)").arg(what, unit.text) : what;
     }
 
-    bool interrupted() { return log->fail(QStringLiteral("it was interrupted")); }
-
-    // Ends a table whose scans were all written, or says why not.
-    bool end(bool isWhole) { return isWhole || csv.hasFailed() || interrupted(); }
-
     bool walk(ScanWalk kind, const std::function<void(const MsSpectrum &)> &use)
     {
         return forEachScan(run, kind, progress, [&](const MsSpectrum &spectrum) {
@@ -97,7 +92,7 @@ private:
         const auto traces =
             windows.empty() ? std::vector<std::vector<double>>() : run.extractedTraces(windows, step);
         if (isInterrupted())
-            return interrupted();
+            return false;
         csv.text("scan");
         csv.text(timeHeader());
         csv.text(intensityHeader("total intensity", run.facts().totalUnits));
@@ -133,7 +128,7 @@ private:
                                  "scanned to (m/z)", "flags"})
             csv.text(name);
         csv.endRow();
-        return end(walk(ScanWalk::Only, [this](const MsSpectrum &spectrum) { writeScan(spectrum); }));
+        return walk(ScanWalk::Only, [this](const MsSpectrum &spectrum) { writeScan(spectrum); });
     }
 
     void writeScan(const MsSpectrum &spectrum)
@@ -166,7 +161,7 @@ private:
         csv.text("mass (m/z)");
         csv.text(intensityHeader("intensity", run.facts().intensityUnits));
         csv.endRow();
-        return end(walk(ScanWalk::Only, [this](const MsSpectrum &spectrum) {
+        return walk(ScanWalk::Only, [this](const MsSpectrum &spectrum) {
             const double *masses = spectrum.masses();
             const double *intensities = spectrum.intensities();
             for (qint32 i = 0; i < spectrum.size(); ++i) {
@@ -176,7 +171,7 @@ private:
                 csv.number(intensities[i]);
                 csv.endRow();
             }
-        }));
+        });
     }
 
     // Returns the number of the column that a mass belongs to: of unit masses the nearest whole number,
@@ -195,7 +190,7 @@ private:
                 columns.emplace(binOf(spectrum.masses()[i]), 0);
         });
         if (!isSurveyed)
-            return interrupted();
+            return false;
         if (columns.size() > mostColumns)
             return log->fail(
                 QStringLiteral("the matrix would have more than %1 columns").arg(mostColumns));
@@ -212,7 +207,7 @@ private:
         }
         csv.endRow();
         std::vector<double> row(columns.size());
-        return end(walk(ScanWalk::Second, [&](const MsSpectrum &spectrum) {
+        return walk(ScanWalk::Second, [&](const MsSpectrum &spectrum) {
             std::fill(row.begin(), row.end(), 0.0);
             for (qint32 i = 0; i < spectrum.size(); ++i) {
                 const auto column = columns.find(binOf(spectrum.masses()[i]));
@@ -224,7 +219,7 @@ private:
             for (const double cell : row)
                 csv.number(cell);
             csv.endRow();
-        }));
+        });
     }
 
     // The trace of a modulated run, folded: a column for each modulation, a row for each place in it.

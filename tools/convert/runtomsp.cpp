@@ -63,12 +63,10 @@ private:
         if (!options.scans.empty() || !options.minutes.empty() || !options.sums.empty())
             return log->fail(QStringLiteral(
                 "it is a library, whose entries are all taken, without --scan, --at and --sum"));
-        const bool isWhole =
-            forEachScan(run, ScanWalk::Only, progress, [this](const MsSpectrum &spectrum) {
-                put(compoundOf(spectrum));
-                return !output.hasFailed();
-            });
-        return isWhole || (output.hasFailed() ? false : log->fail(QStringLiteral("it was interrupted")));
+        return forEachScan(run, ScanWalk::Only, progress, [this](const MsSpectrum &spectrum) {
+            put(compoundOf(spectrum));
+            return !output.hasFailed();
+        });
     }
 
     MspEntry compoundOf(const MsSpectrum &spectrum)
@@ -143,7 +141,7 @@ private:
                                        return !isInterrupted();
                                    });
         if (isInterrupted())
-            return log->fail(QStringLiteral("it was interrupted"));
+            return false;
         MspEntry entry;
         entry.name = QStringLiteral("%1, sum from %2 to %3")
                          .arg(title(), minuteText(range.from), minuteText(range.to));
