@@ -376,9 +376,13 @@ private slots:
                   "tr '\\n' ' '; done > out",
             0, "",
             ":dataset_completeness :languages :experiment_type :starting_scan_number "
-            "total_intensity:units mass_values:units intensity_values:units :dataset_completeness :languages "
-            ":experiment_title :post_experiment_program_name :source_file_reference :experiment_type "
-            ":test_scan_function :starting_scan_number "};
+            ":dataset_completeness :languages :post_experiment_program_name :source_file_reference "
+            ":experiment_type :starting_scan_number "};
+        row("what another program's mzML says in the same words") = {
+            "convert " + fixture("no-attributes")
+                + " -o a.mzML; sed -i 's/aia-convert/other/' a.mzML; convert a.mzML -o b.cdf; ncdump -h b.cdf |"
+                  "grep -oE '(title|function|l_intensity:units) = .*' > out",
+            0, "", "l_intensity:units = \"Total Counts\" ;\ntitle = \"run\" ;\nfunction = \"Mass Scan\" ;\n"};
         row("title in Latin-1") = {retitled.arg("\\\\374ber")
                                        + "convert a.cdf -o b.cdf && ncdump -h b.cdf | grep title > out",
                                    0, "", "\t\t:experiment_title = \"\u00fcber\" ;\n"};

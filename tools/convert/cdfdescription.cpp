@@ -5,8 +5,11 @@
 #include "namecodec.h"
 #include "statedglobals.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
+
+#include <algorithm>
 
 using namespace pwiz::cv;
 using namespace pwiz::msdata;
@@ -26,15 +29,19 @@ public:
         clearTerms(&target.globals);
         target.globals.admin.experiment_type =
             choice.isProfile ? MsContinuumSpectrum : MsCentroidedSpectrum;
-        target.globals.raw.mass_units = ms_enum_code("M/Z");
+        target.isOwn = isOwn();
         target.globals.raw.time_units = MsSeconds;
-        target.globals.test.test_scan_function =
-            ms_enum_code(choice.isSelectedIons ? "Selected Ion Detection" : "Mass Scan");
+        if (!target.isOwn)
+            target.globals.raw.mass_units = ms_enum_code("M/Z");
+        if (choice.isSelectedIons || !target.isOwn)
+            target.globals.test.test_scan_function =
+                ms_enum_code(choice.isSelectedIons ? "Selected Ion Detection" : "Mass Scan");
         target.globals.test.test_ionization_polarity = choice.polarity == MS_positive_scan
             ? ms_enum_code("Positive Polarity")
             : choice.polarity == MS_negative_scan ? ms_enum_code("Negative Polarity")
                                                   : -1;
-        target.globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
+        if (!target.isOwn || !source.run.hasCVParam(modulatedRun))
+            target.globals.test.test_separation_type = templateCode(TermFamily::Separation, source.run);
         describeFile();
         describeInstrument();
         // What this program wrote of another .cdf file says it in the template's own words.
@@ -49,12 +56,21 @@ private:
             setDescription(attribute, text, &target.globals);
     }
 
+    // Whether this program made the document.
+    bool isOwn() const
+    {
+        const std::string program = QCoreApplication::applicationName().toStdString();
+        return std::any_of(source.softwarePtrs.begin(), source.softwarePtrs.end(),
+                           [&program](const SoftwarePtr &software) { return software->id == program; });
+    }
+
     void describeFile()
     {
         set("source_file_reference", shownName(QFileInfo(input).fileName()));
         const bool isMzXml = input.endsWith(QLatin1String(".mzXML"), Qt::CaseInsensitive);
         set("source_file_format", isMzXml ? QStringLiteral("mzXML") : QStringLiteral("mzML"));
-        set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));
+        if (!target.isOwn || source.run.id != standInTitle)
+            set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));
         const QDateTime start = QDateTime::fromString(textOf(source.run.startTimeStamp), Qt::ISODate);
         if (start.isValid()) // a local time is one without a zone, and stays so
             set("experiment_date_time_stamp",
@@ -148,6 +164,8 @@ CdfDescription::CdfDescription(const MSData &source, const QString &input, const
 
 void CdfDescription::setUnit(CVID unit)
 {
+    if (isOwn && unit == standInUnit)
+        return;
     ParamContainer unitTerm;
     if (unit != CVID_Unknown)
         unitTerm.set(unit);

@@ -22,6 +22,9 @@ struct CdfDescription {
 
     MsGlobals globals;
     std::deque<MsInstrument> instruments;
+    // Whether this program made the source of a .cdf file. What that said is then there in the template's
+    // own words, and what it didn't say may stand there for mzML's sake: the run gets none of it.
+    bool isOwn = false;
 };
 
 // Returns a text of the library's, without blanks around it.

@@ -52,8 +52,8 @@ public:
         if (said.polarity != MsRunFacts::Polarity::Unknown)
             facts.polarity =
                 said.polarity == MsRunFacts::Polarity::Positive ? MS_positive_scan : MS_negative_scan;
-        facts.intensityUnit = orElse(mzmlTerm(TermFamily::IntensityUnit, globals.raw.intensity_units),
-                                     MS_number_of_detector_counts);
+        facts.intensityUnit =
+            orElse(mzmlTerm(TermFamily::IntensityUnit, globals.raw.intensity_units), standInUnit);
 
         data->id = xmlText(baseName(run.name()));
         data->cvs = defaultCVList();
@@ -155,13 +155,13 @@ private:
     void describeRun()
     {
         const MsRunFacts &said = run.facts();
-        data->run.id = "run";
+        data->run.id = standInTitle;
         data->run.defaultSourceFilePtr = data->fileDescription.sourceFilePtrs[0];
         if (said.acquired.hasZone && said.acquired.time.isValid())
             data->run.startTimeStamp = said.acquired.time.toUTC().toString(Qt::ISODate).toStdString();
         const double modulation = modulationOf(run, options, log);
         if (modulation > 0.0) {
-            data->run.set(MS_two_dimensional_gas_chromatography_with_fixed_modulation_time);
+            data->run.set(modulatedRun);
             data->run.userParams.emplace_back("modulation length", exactText(modulation), "xsd:double",
                                               UO_second);
         } else {

@@ -16,6 +16,14 @@ pwiz::cv::CVID mzmlTerm(TermFamily family, qint32 code);
 // a special case of it; -1 for none.
 qint32 templateCode(TermFamily family, const pwiz::data::ParamContainer &container);
 
+// What a document says where the run says nothing, as mzML wants a word there.
+constexpr const char standInTitle[] = "run";
+constexpr pwiz::cv::CVID standInUnit = pwiz::cv::MS_number_of_detector_counts;
+
+// Of a run whose modulation may be a guess.
+constexpr pwiz::cv::CVID modulatedRun =
+    pwiz::cv::MS_two_dimensional_gas_chromatography_with_fixed_modulation_time;
+
 // The user parameter of a library's spectrum.
 constexpr const char compoundName[] = "compound";
 
