@@ -281,9 +281,13 @@ private slots:
                                         "ncdump -v instrument_serial_no b.cdf | grep -o 'S7' > out",
                                         0, "", "S7\n"};
         row("a polarity") = {
-            "sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML; sed -i '0,/1000130/s//1000129/; /ionization_pol/d' "
-            "a.mzML; convert --polarity positive a.mzML -o b.cdf; ncdump -h b.cdf | grep -o 'polarity = .*' > out",
-            0, "1 spectrum of the other polarity is left out", "polarity = \"Positive Polarity\" ;\n"};
+            "sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML; sed -i '0,/1000130/s//1000129/; /ionization_pol/d;"
+            "/scan=1\"/,/1000130/s/.*1000130.*//' a.mzML; convert --polarity positive a.mzML -o b.cdf; ncdump -h b.cdf "
+            "| grep -o 'polarity = .*' > out",
+            0,
+            "1 spectrum of the other polarity is left out.\n"
+            "aia-convert: \"a.mzML\": 1 spectrum that says no polarity is left out.",
+            "polarity = \"Positive Polarity\" ;\n"};
         row("progress of mzML") = {"sample gcms --scans 200 s.cdf; convert s.cdf -o a.mzML;"
                                    "script -qec '" AIA_TOOLS
                                    "/aia-convert a.mzML -o b.cdf' /dev/null | tr '\\r' '\\n' | grep -c '50 %' > out",
@@ -356,6 +360,18 @@ private slots:
                         0, "",
                         "scan,time (s),mass (m/z),intensity (Total Counts)\n"
                         "0,60.5,50.0099983215332,100\n0,60.5,77.25,2.5\n1,61,91.05000305175781,7000000\n"};
+        const QString changedMzXml =
+            "sed '%1' " AIA_TEST_SOURCES "/convert/two-scans.mzXML > a.mzXML; convert a.mzXML ";
+        row("mzXML in hours, with no word on the kind of its spectra") = {
+            changedMzXml.arg("s/=.PT61S/=\"PT1H2M3.5S/; s/centroided=.1.//")
+                + "-o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
+            0, "they are taken for profiles.", " scan_acquisition_time = 60.5, 3723.5 ;\n"};
+        row("two kinds of spectra, and a number twice") = {
+            "sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML; sed -i '/index=.1/,/1000127/s/1000127/1000128/;"
+            "s/id=.scan=2\"/id=\"scan=1\"/' a.mzML; convert a.mzML -o b.cdf; ncdump -v actual_scan_number b.cdf |"
+            "grep '^ actual.* = ' > out",
+            0, "all are taken for profiles.\naia-convert: \"a.mzML\": 1 spectrum has the number of an earlier one",
+            " actual_scan_number = 0, 1, 1 ;\n"};
         Call &attributesThroughMzML = row("attributes through mzML");
         attributesThroughMzML = {"sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML &&"
                                  "convert a.mzML -o b.cdf && ncdump -v instrument_name b.cdf > out"};

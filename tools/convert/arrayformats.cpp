@@ -41,18 +41,32 @@ std::string paramsOfArray(const std::string &beginning, const char *kind)
     return std::string();
 }
 
-} // namespace
+bool has(const std::string &text, const char *what)
+{
+    return text.find(what) != std::string::npos;
+}
 
-ArrayFormats firstArrayFormats(const QString &input)
+// Returns the text of the file's head and its first spectra.
+std::string beginningOf(const QString &input)
 {
     pwiz::util::random_access_compressed_ifstream file(QFile::encodeName(input).constData());
     constexpr std::size_t enough = 1 << 22;
     std::string beginning(enough, '\0');
     file.read(&beginning[0], std::streamsize(enough));
     beginning.resize(std::size_t(std::max<std::streamsize>(file.gcount(), 0)));
-    const auto has = [](const std::string &text, const char *what) {
-        return text.find(what) != std::string::npos;
-    };
+    return beginning;
+}
+
+} // namespace
+
+bool saysCentroided(const QString &input)
+{
+    return has(beginningOf(input), " centroided=");
+}
+
+ArrayFormats firstArrayFormats(const QString &input)
+{
+    const std::string beginning = beginningOf(input);
     const bool isNarrowMzXml = has(beginning, "precision=\"32\"") && !has(beginning, "precision=\"64\"");
     ArrayFormats formats;
     const char *const kinds[] = {"\"MS:1000514\"", "\"MS:1000515\""}; // arrays of m/z and intensities

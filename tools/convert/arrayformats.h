@@ -1,5 +1,5 @@
-// In which formats an mzML or mzXML file has its numbers, which the library doesn't tell: it makes
-// doubles of all.
+// What the library doesn't tell of an mzML or mzXML file: in which formats it has its numbers, as doubles
+// are made of all, and whether mzXML says of what kind its spectra are.
 #ifndef ARRAYFORMATS_H
 #define ARRAYFORMATS_H
 
@@ -13,5 +13,8 @@ using ArrayFormats = std::array<qint32, 2>;
 // Returns the formats of the first arrays of the file. They are a guess, as later arrays may have others;
 // the numbers themselves decide then.
 ArrayFormats firstArrayFormats(const QString &input);
+
+// Whether the mzXML file says that its spectra are centroided, or that they aren't.
+bool saysCentroided(const QString &input);
 
 #endif // ARRAYFORMATS_H

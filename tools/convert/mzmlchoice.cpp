@@ -43,6 +43,7 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     std::set<CVID> polarities; // CVID_Unknown among them where a spectrum says none
     std::size_t otherLevels = 0;
     std::size_t otherPolarities = 0;
+    std::size_t withoutPolarity = 0;
     std::size_t others = 0; // of light, say: no mass spectra
     for (std::size_t i = 0; i < list.size(); ++i) {
         if (isInterrupted())
@@ -55,10 +56,14 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
             ++otherLevels;
         } else if (options.isPositive
                    && polarity != (*options.isPositive ? MS_positive_scan : MS_negative_scan)) {
-            ++otherPolarities;
+            ++(polarity == CVID_Unknown ? withoutPolarity : otherPolarities);
         } else {
             polarities.insert(polarity);
-            choice->isProfile = choice->isProfile || spectrum->hasCVParam(MS_profile_spectrum);
+            const bool isProfile = spectrum->hasCVParam(MS_profile_spectrum);
+            const bool isCentroided = spectrum->hasCVParam(MS_centroid_spectrum);
+            choice->isProfile = choice->isProfile || isProfile;
+            choice->isCentroided = choice->isCentroided || isCentroided;
+            choice->isOfUnsaidKind = choice->isOfUnsaidKind || (!isProfile && !isCentroided);
             choice->isSelectedIons = choice->isSelectedIons || spectrum->hasCVParam(MS_SIM_spectrum);
             choice->hasCompounds =
                 choice->hasCompounds || !spectrum->userParam(compoundName).value.empty();
@@ -89,6 +94,10 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
     if (otherPolarities > 0)
         log->warn(ms_counted_text("%1 [spectrum|spectra] of the other polarity [is|are] left out.",
                                   qint64(otherPolarities)));
+    if (withoutPolarity > 0)
+        log->warn(ms_counted_text(
+            "%1 [spectrum that says no polarity is|spectra that say no polarity are] left out.",
+            qint64(withoutPolarity)));
     if (choice->hasCompounds)
         log->warn(QStringLiteral("The names of the compounds are left out."));
     return true;

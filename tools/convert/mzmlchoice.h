@@ -13,7 +13,9 @@
 struct MzMlChoice {
     std::vector<std::size_t> spectra; // their places in the list
     pwiz::cv::CVID polarity = pwiz::cv::CVID_Unknown;
-    bool isProfile = false;
+    bool isProfile = false; // some of them, as below
+    bool isCentroided = false;
+    bool isOfUnsaidKind = false; // neither
     bool isSelectedIons = false;
     bool hasCompounds = false;
 };

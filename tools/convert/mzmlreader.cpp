@@ -9,6 +9,7 @@
 #include "mzmlchoice.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -57,6 +58,20 @@ double numberOf(const CVParam &parameter)
     return isNumber && std::isfinite(number) ? number : MsMissingDouble;
 }
 
+// Returns the number of a time; missing where it has none. Of mzXML's PT1H2M3.5S the library leaves
+// 1H2M3.5 and calls it seconds.
+double timeOf(const CVParam &parameter)
+{
+    static const QRegularExpression parts(QRegularExpression::anchoredPattern(
+        QStringLiteral("(?:(\\d+)H)?(?:(\\d+)M)?(\\d+(?:\\.\\d*)?)")));
+    const double number = numberOf(parameter);
+    const QRegularExpressionMatch duration = parts.match(textOf(parameter.value));
+    if (number != MsMissingDouble || !duration.hasMatch())
+        return number;
+    const auto part = [&duration](int place) { return duration.captured(place).toDouble(); };
+    return (part(1) * 60.0 + part(2)) * 60.0 + part(3);
+}
+
 // Readers of .cdf files take these for points that were never written. Not ms_is_given: a point may be
 // -9999.
 bool isNoData(double number)
@@ -87,6 +102,7 @@ public:
         if (!chooseSpectra(*source.run.spectrumListPtr, options, &choice, log))
             return false;
         findTrace(); // the spectra have the total ion current
+        warnOfKinds();
         description.emplace(source, input, choice);
         formats = firstArrayFormats(input);
         bool doesFit = true;
@@ -98,6 +114,21 @@ public:
     }
 
 private:
+    // The template has one word for the kind of all spectra. For mzXML the library makes one up.
+    void warnOfKinds() const
+    {
+        if (choice.isProfile && choice.isCentroided)
+            log->warn(QStringLiteral(
+                "Some spectra are centroided and some are profiles; all are taken for profiles."));
+        const bool isSaid =
+            formatOfName(input) == FileFormat::MzXml ? saysCentroided(input) : !choice.isOfUnsaidKind;
+        if (!isSaid)
+            log->warn(QStringLiteral("The file doesn't say whether its spectra are centroided; they are "
+                                     "taken for %1.")
+                          .arg(choice.isProfile ? QStringLiteral("profiles")
+                                                : QStringLiteral("centroided ones")));
+    }
+
     // Returns the first chromatogram that is the total ion current, and warns of all others.
     ChromatogramPtr findTrace() const
     {
@@ -165,6 +196,7 @@ private:
     {
         *doesFit = true;
         withoutData = 0;
+        numbers.clear();
         readUnit();
         CdfWriter writer(path, headOf(choice.spectra.size()), log);
         if (!writer.failure().isNull())
@@ -180,11 +212,14 @@ private:
                 return false;
             }
             warnOfRest(*spectrum);
-            if (!writer.add(scanOf(*spectrum, i)))
+            const MsScanDraft scan = scanOf(*spectrum, i);
+            numbers.push_back(scan.actual_scan_number);
+            if (!writer.add(scan))
                 return log->fail(writer.failure());
             if (i % step == 0)
                 progress->show(i, count);
         }
+        warnOfNumbers();
         if (withoutData > 0)
             log->lose(ms_counted_text(
                 "%1 [point|points] whose mass or intensity is infinite, no number or the fill value "
@@ -235,6 +270,17 @@ private:
         for (const auto &instrument : description->instruments)
             head.instruments.push_back(&instrument);
         return head;
+    }
+
+    void warnOfNumbers()
+    {
+        std::sort(numbers.begin(), numbers.end());
+        const auto different = std::unique(numbers.begin(), numbers.end()) - numbers.begin();
+        const qint64 repeated = qint64(numbers.size()) - different;
+        if (repeated > 0)
+            log->warn(ms_counted_text(
+                "%1 [spectrum has|spectra have] the number of an earlier one, and [keeps|keep] it.",
+                repeated));
     }
 
     void readUnit()
@@ -311,8 +357,9 @@ private:
             return scan;
         const Scan &details = spectrum.scanList.scans.front();
         const CVParam time = details.cvParam(MS_scan_start_time);
-        if (numberOf(time) != MsMissingDouble)
-            scan.scan_acquisition_time = secondsOf(numberOf(time), time.units);
+        const double number = timeOf(time);
+        if (number != MsMissingDouble)
+            scan.scan_acquisition_time = secondsOf(number, time.units);
         for (const ScanWindow &window : details.scanWindows) {
             const double least = numberOf(window.cvParam(MS_scan_window_lower_limit));
             const double most = numberOf(window.cvParam(MS_scan_window_upper_limit));
@@ -347,6 +394,7 @@ private:
     std::optional<CdfDescription> description;
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
     qint64 withoutData = 0;                        // points of all spectra
+    std::vector<qint32> numbers;                   // of all spectra
     ArrayFormats formats = {MsDoubleFormat, MsDoubleFormat};
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
