@@ -80,6 +80,7 @@ private slots:
         row("no use for mzML") = {"convert plain.cdf -o out.mzML --sum 0-1", 2, "--sum goes with MSP only"};
         row("no use for a table") = {"convert plain.cdf -o out.csv --csv scans --masses 50", 2, "table trace only"};
         row("no use for .cdf") = {"convert plain.cdf -o out.mzML --ms-level 1", 2, "that are mzML or mzXML only"};
+        row("two outputs") = {"convert plain.cdf -o a.csv --output out.csv", 2, "takes one value, and more are given"};
         row("plain run as a map") = {"convert gcgc.cdf -o out.csv --csv map --modulation 0", 2, "no map of it"};
         row("device") = {"convert plain.cdf -o /dev/null --to cdf", 2,
                          "\"/dev/null\", a pipe or a device: name one on a disk."};
@@ -103,9 +104,13 @@ private slots:
         row("points of a trace") = {"convert total-ion.cdf -o out.csv --csv points", 1, "has no masses"};
         row("no choice of spectra") = {"convert plain.cdf -o out.msp", 1, "--scan, --at or --sum"};
         row("scan that isn't there") = {"convert plain.cdf -o out.msp --scan 5", 1, "no scan 5: the run has 5 scans"};
+        row("sum behind the run") = {"convert plain.cdf -o out.msp --sum 5-6", 1,
+                                     "there is no scan from 5.000 min to 6.000 min: those of the run are from 0.087"};
         row("choice in a library") = {"convert library.cdf -o out.msp --scan 0", 1, "is a library"};
         row("map without a length") = {"convert gcgc.cdf -o out.csv --csv map", 1, "--modulation"};
         row("no folder") = {"convert plain.cdf -o no/out.mzML", 1, "there is no folder \"no\""};
+        row("name that is too long") = {"convert plain.cdf -o $(printf 'a%.0s' $(seq 300)).csv", 1,
+                                        "its folder takes no new file: File name too long"};
         row("disk full, mzML") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML", 1, "File too large"};
         row("disk full, packed") = {"sample gcms s.cdf; ulimit -f 100; convert s.cdf -o out.mzML.gz", 1,
                                     "File too large"};
@@ -184,6 +189,8 @@ private slots:
                                "50.02 50\n91.05 300\n\n"
                                "Name: Five scans, sum from 0.090 min to 0.100 min\nRT: 0.095\nNum Peaks: 2\n"
                                "50.02 50\n91.05 300\n\n"};
+        row("sum to behind the run") = {"convert plain.cdf --sum 0.09-10 -o - --to msp | grep RT > out", 0,
+                                        "has scans from 0.090 min to 0.124 min only", "RT: 0.10708333333333334\n"};
         row("sum at one time") = {"convert plain.cdf --sum 0.0875-0.0875 -o - --to msp | grep Peaks > out", 0, "",
                                   "Num Peaks: 3\n"};
         row("scan without peaks") = {"convert plain.cdf --scan 2 --scan 4 -o - --to msp > out", 0,

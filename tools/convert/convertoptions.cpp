@@ -327,7 +327,7 @@ std::optional<int> parseCommandLine(const QStringList &arguments, ConvertOptions
     QCommandLineParser parser;
     parser.setApplicationDescription(description());
     parser.addOptions(options.all());
-    const StandardOptions standard(&parser);
+    const StandardOptions standard(&parser, {"scan", "at", "sum"});
     parser.addPositionalArgument(QStringLiteral("INPUT"), QStringLiteral("A file to convert."),
                                  QStringLiteral("INPUT..."));
     if (const std::optional<int> code = standard.parse(arguments, &parser))

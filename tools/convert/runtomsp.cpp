@@ -24,6 +24,11 @@ QString minuteText(double minutes)
     return QString::number(minutes, 'f', 3) + QStringLiteral(" min");
 }
 
+QString rangeText(const MinuteRange &range)
+{
+    return QStringLiteral("%1 to %2").arg(minuteText(range.from), minuteText(range.to));
+}
+
 class Spectra
 {
 public:
@@ -135,6 +140,9 @@ private:
 
     bool writeSum(const MinuteRange &range)
     {
+        MinuteRange scans = range;
+        if (!keepToRun(&scans))
+            return false;
         MsPeaks peaks = run.summed({range.from * secondsPerMinute, range.to * secondsPerMinute}, 0.0,
                                    [this](double part) {
                                        progress->show(int(part * 100.0), 100);
@@ -143,12 +151,37 @@ private:
         if (isInterrupted())
             return false;
         MspEntry entry;
-        entry.name = QStringLiteral("%1, sum from %2 to %3")
-                         .arg(title(), minuteText(range.from), minuteText(range.to));
-        entry.minutes = (range.from + range.to) / 2.0;
+        entry.name = QStringLiteral("%1, sum from %2").arg(title(), rangeText(range));
+        entry.minutes = (scans.from + scans.to) / 2.0;
         entry.masses = std::move(peaks.masses);
         entry.intensities = std::move(peaks.intensities);
         put(entry);
+        return true;
+    }
+
+    // Makes of a range the part from the run's first scan to its last one. Returns false, with a failure,
+    // where no scan lies in it.
+    bool keepToRun(MinuteRange *range)
+    {
+        std::vector<double> times = run.times();
+        times.erase(
+            std::remove_if(times.begin(), times.end(), [](double time) { return std::isnan(time); }),
+            times.end());
+        if (times.empty())
+            return log->fail(QStringLiteral("its scans have no times"));
+        const auto ends = std::minmax_element(times.begin(), times.end());
+        const MinuteRange all = {*ends.first / secondsPerMinute, *ends.second / secondsPerMinute};
+        const bool hasScan = std::any_of(times.begin(), times.end(), [range](double time) {
+            return time >= range->from * secondsPerMinute && time <= range->to * secondsPerMinute;
+        });
+        if (!hasScan)
+            return log->fail(QStringLiteral("there is no scan from %1: those of the run are from %2")
+                                 .arg(rangeText(*range), rangeText(all)));
+        const QString wanted = rangeText(*range);
+        *range = {std::max(range->from, all.from), std::min(range->to, all.to)};
+        if (rangeText(*range) != wanted)
+            log->warn(QStringLiteral("The sum from %1 has scans from %2 only, as the run has no others.")
+                          .arg(wanted, rangeText(*range)));
         return true;
     }
 

@@ -129,14 +129,18 @@ bool OutputFile::open()
         return handle != -1 || failOfSystem();
     }
     temporary = wantedTemporary.isEmpty() ? temporaryName(target) : wantedTemporary;
-    handle = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    // The temporary name has room where the name itself may have none.
+    const bool isTooLong = access(target.constData(), F_OK) != 0 && errno == ENAMETOOLONG;
+    if (!isTooLong)
+        handle = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle == -1) {
+        const int ofSystem = errno;
         temporary.clear();
         const fs::path folder = fs::path(target.toStdString()).parent_path();
-        const QString ofSystem = qt_error_string(errno);
         std::error_code unknown;
-        const QString reason = folder.empty() || fs::is_directory(folder, unknown)
-            ? QStringLiteral("its folder takes no new file: ") + ofSystem
+        const bool hasFolder = folder.empty() || ofSystem != ENOENT || fs::is_directory(folder, unknown);
+        const QString reason = hasFolder
+            ? QStringLiteral("its folder takes no new file: ") + qt_error_string(ofSystem)
             : QStringLiteral("there is no folder \"%1\"").arg(QFile::decodeName(folder.c_str()));
         error = QStringLiteral("The file \"%1\" can't be written, as %2.").arg(name, reason);
         return false;

@@ -18,8 +18,9 @@ void setProgram(const char *name, const char *version)
     QCoreApplication::setApplicationVersion(QLatin1String(version));
 }
 
-StandardOptions::StandardOptions(QCommandLineParser *parser)
-    : help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")),
+StandardOptions::StandardOptions(QCommandLineParser *parser, const QStringList &lists)
+    : lists_(lists),
+      help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")),
       version({QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version."))
 {
     parser->addOptions({help, version});
@@ -29,9 +30,14 @@ std::optional<int> StandardOptions::parse(const QStringList &arguments, QCommand
 {
     if (!parser->parse(arguments))
         return refuse(parser->errorText());
-    if (!answer(*parser))
-        return std::nullopt;
-    return flushOutput() ? Success : Failure;
+    if (answer(*parser))
+        return flushOutput() ? Success : Failure;
+    for (const QString &name : parser->optionNames()) {
+        if (!lists_.contains(name) && parser->values(name).size() > 1)
+            return refuse(QStringLiteral("The option %1%2 takes one value, and more are given.")
+                              .arg(QLatin1String(name.size() > 1 ? "--" : "-"), name));
+    }
+    return std::nullopt;
 }
 
 // Prints help or version, if the line asks for one of them. Returns whether it did.

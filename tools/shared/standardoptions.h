@@ -4,6 +4,7 @@
 
 #include <QCommandLineOption>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <optional>
@@ -21,16 +22,19 @@ class StandardOptions
 {
 public:
     // Adds the options to the parser, after those that it has. They stand in for the parser's own help
-    // option, which would also list Qt's options.
-    explicit StandardOptions(QCommandLineParser *parser);
+    // option, which would also list Qt's options. Of the options with a value, `lists` names those that
+    // may be given more than once.
+    explicit StandardOptions(QCommandLineParser *parser, const QStringList &lists = {});
 
     // Parses the arguments. Returns the exit code where the program has no more to do: it has refused
-    // them, or printed help or version, in the terminal's coding, as they asked.
+    // them, as those that give several values where one would count, or printed help or version, in the
+    // terminal's coding, as they asked.
     std::optional<int> parse(const QStringList &arguments, QCommandLineParser *parser) const;
 
 private:
     bool answer(const QCommandLineParser &parser) const;
 
+    const QStringList lists_;
     QCommandLineOption help;
     QCommandLineOption version;
 };
