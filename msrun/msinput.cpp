@@ -4,13 +4,23 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
+
+#include <filesystem>
+#include <system_error>
 
 QString whyUnreadable(const QString &name)
 {
     const QFileInfo file(name);
-    if (!file.exists())
-        return QStringLiteral("The file \"%1\" doesn't exist.").arg(name);
+    if (!file.exists()) {
+        std::error_code reason;
+        static_cast<void>(std::filesystem::status(QFile::encodeName(name).constData(), reason));
+        return !reason || reason == std::errc::no_such_file_or_directory
+            ? QStringLiteral("The file \"%1\" doesn't exist.").arg(name)
+            : QStringLiteral("The file \"%1\" can't be reached: %2.")
+                  .arg(name, qt_error_string(reason.value()));
+    }
     if (file.isDir())
         return QStringLiteral("\"%1\" is a folder, not a file.").arg(name);
     if (!file.isFile())

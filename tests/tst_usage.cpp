@@ -76,6 +76,8 @@ private slots:
         row("import of an empty file") = {"aia-import empty.cdf", 1, "The file \"empty.cdf\" is empty."};
         row("import of a folder") = {"aia-import folder.cdf", 1, "\"folder.cdf\" is a folder, not a file."};
         row("import of what is missing") = {"aia-import x.cdf", 1, "The file \"x.cdf\" doesn't exist."};
+        row("import from a file as a folder") = {"aia-import gcgc.cdf/x.cdf", 1,
+                                                 "The file \"gcgc.cdf/x.cdf\" can't be reached: Not a directory."};
         row("header cut off") = {"aia-import cut.cdf", 1,
                                  "The file \"cut.cdf\" is damaged: its header can't be right."};
         row("first look") = {"aia-import newer.cdf", 1, "The file \"newer.cdf\" wasn't opened: a first look at it "};
@@ -106,6 +108,14 @@ private slots:
                               "- There is no scan 22: the file has scans 0 to 21.\n"};
         row("no scans to show") = {"aia-info --scan 0 info-chromatogram.cdf", 1, "",
                                    "There is no scan 0: the file has no scans."};
+        row("show what has too long a name") = {"aia-info $(printf 'a%.0s' $(seq 300)).cdf 2>&1 | tail -c 39", 0, "",
+                                                "can't be reached: File name too long.\n"};
+        row("two scans to show") = {"aia-info --scan 0 --scan 1 gcgc.cdf", 2,
+                                    "The option --scan takes one value, and more are given."};
+        row("count that was never written") = {
+            "ncdump info-library.cdf | sed 's/int flag_count/byte flag_count/; s/ flag_count = .*/ flag_count = _ ;/' |"
+            "ncgen -o b.cdf; aia-info --scan 0 b.cdf",
+            0, "", "  point_count: 3\n  ranges:\n"};
         row("other template") = {"aia-info info-chromatogram.cdf", 0, "", "lacks"};
         row("bad file first") = {"aia-info x.cdf info-library.cdf", 1, "The file \"x.cdf\" doesn't exist.", "Toluene"};
 

@@ -96,6 +96,7 @@ private:
     void addGroups(InfoNode *report);
     void addGroup(const MsGroup &group, InfoNode *groups) const;
     void addLibrary(InfoNode *report);
+    void addCount(const char *name, int slot, qint32 count, InfoNode *section) const;
     void addScan(qint32 number, InfoNode *report);
 
     qint32 size(int slot) const { return record.dimensions[slot].size; }
@@ -237,9 +238,12 @@ void Gatherer::addLibrary(InfoNode *report)
 }
 
 // Adds a count of a scan, unless it wasn't read or never written.
-void addCount(const char *name, qint32 count, InfoNode *section)
+void Gatherer::addCount(const char *name, int slot, qint32 count, InfoNode *section) const
 {
-    if (ms_is_given(count))
+    nc_type stored = NC_LONG;
+    nc_inq_vartype(file.id(), record.variables[slot], &stored);         // stays for an absent variable
+    const bool isFillByte = stored == NC_BYTE && count == NC_FILL_BYTE; // which is data elsewhere
+    if (ms_is_given(count) && !ms_is_fill(stored, count) && !isFillByte)
         section->addValue(QString::fromLatin1(name), count);
 }
 
@@ -260,8 +264,8 @@ void Gatherer::addScan(qint32 number, InfoNode *report)
     InfoNode &section = report->add(Kind::Section, QStringLiteral("scan"));
     section.addValue(QStringLiteral("scan"), number);
     addVariables(file.id(), ms_per_scan_table, &scan, options.lacking, &section);
-    addCount("point_count", scan.point_count, &section);
-    addCount("flag_count", scan.flag_count, &section);
+    addCount("point_count", MsVar_point_count, scan.point_count, &section);
+    addCount("flag_count", MsVar_flag_count, scan.flag_count, &section);
     Ranges stored;
     stored.add(scan);
     const Ranges measured = meant(stored);
