@@ -388,6 +388,19 @@ def _store_part(tasks: list[tuple[str, str, bool]], table: str, format: str, ove
     return failed
 
 
+def _parse(parser: argparse.ArgumentParser, arguments: list[str] | None) -> argparse.Namespace:
+    """Parses the arguments. A help that nobody gets is a failure."""
+    try:
+        try:
+            return parser.parse_args(arguments)
+        finally:
+            if sys.stdout is not None:
+                sys.stdout.flush()
+    except OSError as failure:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())  # which gets the rest when Python ends
+        parser.exit(1, f"{parser.prog}: Standard output can't be written: {failure.strerror}.\n")
+
+
 def main(arguments: list[str] | None = None) -> int:
     """Stores one part of an archive: for schedulers that start a program many times, such as Slurm's arrays."""
     parser = argparse.ArgumentParser(prog="python3 -m aiams.archive", description=main.__doc__)
@@ -396,7 +409,7 @@ def main(arguments: list[str] | None = None) -> int:
     parser.add_argument("--format", choices=list(_WRITERS), default="zarr")
     parser.add_argument("--part", default="0/1", metavar="I/N", help="take files I, I + N, I + 2 N... (default 0/1)")
     parser.add_argument("--overwrite", action="store_true", help="write over outputs that exist")
-    given = parser.parse_args(arguments)
+    given = _parse(parser, arguments)
     try:
         part, parts = map(int, given.part.split("/"))
     except ValueError:

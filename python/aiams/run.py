@@ -22,6 +22,13 @@ Item = TypeVar("Item")
 _LOOK_PROGRAM = os.path.join(os.path.dirname(_core.__file__), _places.LOOK_PROGRAM)
 
 
+def _range(kind: str, lowest: float, highest: float) -> tuple[float, float]:
+    lowest, highest = float(lowest), float(highest)
+    if not lowest <= highest:
+        raise ValueError(f"There is no {kind} from {lowest:g} to {highest:g}: it would end before it begins.")
+    return lowest, highest
+
+
 class Items(Sequence[Item]):
     """Items of a run, each read when it is asked for. A slice is such a sequence as well."""
 
@@ -143,18 +150,22 @@ class Run(Sequence[Scan]):
         """Returns extracted traces, shape (windows, scans), float64.
 
         Each number is the sum of the scan's intensities whose masses lie in the window (lowest, highest), both
-        ends in it; NaN for unreadable scans. All scans are read once.
+        ends in it; NaN for unreadable scans. All scans are read once. Raises ValueError for a window that ends
+        before it begins.
         """
-        return self._core.eic([(float(lowest), float(highest)) for lowest, highest in windows])
+        return self._core.eic([_range("window", lowest, highest) for lowest, highest in windows])
 
     def average(self, t0: float, t1: float, width: float = 0.0) -> tuple[np.ndarray, np.ndarray]:
         """Returns the mean spectrum of the scans from time t0 to t1, both in it, as (mz, intensity).
 
         Intensities of one mass are added up and divided by the number of scans that could be read. Peaks less
         than `width` above the lowest one of them count as one, at their mean mass weighted by intensity. Both
-        arrays are float64, and masses ascend.
+        arrays are float64, and masses ascend. Raises ValueError for a range of times that ends before it begins, or
+        a width below 0.
         """
-        return self._core.average(t0, t1, width)
+        if not float(width) >= 0.0:
+            raise ValueError(f"Peaks can't be averaged over a width of {float(width):g}.")
+        return self._core.average(*_range("time range", t0, t1), width)
 
     def modulation(self) -> Modulation:
         """Guesses the modulation length of a GCxGC run from its trace."""

@@ -2,6 +2,7 @@
 
 import os
 import signal
+import sys
 
 import dask
 import netCDF4
@@ -188,10 +189,14 @@ def test_attributes(folder, tmp_path):
     assert len(table) == RUNS and table.no_such.isna().all() and table.experiment_title.notna().all()
 
 
-def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path, capsys):
+def test_parts_of_an_archive_make_up_the_whole(folder, tmp_path, capsys, monkeypatch):
     command = [str(tmp_path), f"{folder}/*.cdf", "--format", "csv", "--part"]
     assert [archive.main([*command, f"{part}/3"]) for part in range(3)] == [1, 1, 0]
     assert capsys.readouterr().err.count("1 of 5 files have no output: ") == 2
+    with open("/dev/full", "w") as full, monkeypatch.context() as patch, pytest.raises(SystemExit, match="1"):
+        patch.setattr(sys, "stdout", full)
+        archive.main(["--help"])
+    assert "Standard output can't be written" in capsys.readouterr().err
     with pytest.raises(SystemExit, match="2"):  # the first part is 0
         archive.main([*command, "3/3"])
     with pytest.raises(SystemExit, match="1"):

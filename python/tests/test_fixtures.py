@@ -137,7 +137,7 @@ def test_whatever_is_asked_has_an_answer_or_a_sentence(name):
         return
     calls = {
         "points": lambda: run.points(),
-        "eic": lambda: run.eic([(0.0, 100.0), (5.0, 1.0)]),
+        "eic": lambda: run.eic([(0.0, 100.0), (5.0, 5.0)]),
         "average": lambda: run.average(-1e9, 1e9, 0.1),
         "modulation": lambda: run.modulation(),
         "map": lambda: run.map(1e4),

@@ -99,6 +99,14 @@ def test_misuse_raises(sample):
     for length in (0.1, np.nan, 1e9, 1e300):
         with pytest.raises(ValueError, match="A modulation can't be"):
             run.map(length)
+    for misuse in (
+        lambda: run.eic([(50.0, 60.0), (60.0, 50.0)]),
+        lambda: run.eic([(np.nan, 50.0)]),
+        lambda: run.average(2.0, 1.0),
+        lambda: run.average(1.0, 2.0, -0.1),
+    ):
+        with pytest.raises(ValueError, match="There is no (window|time range) from|over a width"):
+            misuse()
     with pytest.raises(ValueError, match="NUL"):
         aiams.open(f"{sample}\0.txt")
     for kind in (type(run[0]), type(run._core)):
