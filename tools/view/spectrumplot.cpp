@@ -8,7 +8,6 @@
 #include <iterator>
 #include <limits>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -196,7 +195,6 @@ void SpectrumPlot::placeLabels()
     for (std::size_t i = std::size_t(used); i < labels_.size(); ++i)
         labels_[i]->setVisible(false);
     shownLabels_ = used;
-    places_ = std::move(taken);
 }
 
 bool SpectrumPlot::isCrossed(const Side &side, const QRectF &place, double factor) const
@@ -288,11 +286,6 @@ QStringList SpectrumPlot::peakLabels() const
     for (const QCPItemText *label : shown)
         texts += label->text().replace(QLatin1Char('\n'), QLatin1Char(' '));
     return texts;
-}
-
-std::vector<QRectF> SpectrumPlot::labelPlaces() const
-{
-    return places_;
 }
 
 void SpectrumPlot::pickAt(const QPointF &place)

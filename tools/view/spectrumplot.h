@@ -29,8 +29,6 @@ public:
 
     // The labels of peaks as they are shown, from left to right: mass and percent of the largest peak.
     QStringList peakLabels() const;
-    // The places that they take.
-    std::vector<QRectF> labelPlaces() const;
 
 signals:
     void massPicked(double mass);
@@ -66,7 +64,6 @@ private:
     bool hasView_ = false;
     std::vector<QCPItemText *> labels_;
     int shownLabels_ = 0;
-    std::vector<QRectF> places_;
 };
 
 #endif // SPECTRUMPLOT_H
