@@ -189,7 +189,7 @@ private slots:
     {
         QString fault;
         const ModulationMap map =
-            foldTrace({0, 1, 2, 3, 4, 5, 5.2, 6, 7}, {1, 1, 1, 1, 1, 9, 1, 1, 1}, 4.0, 0.0, &fault);
+            foldTrace({-9, -8, -7, -6, -5, -4, -3.8, -3, -2}, {1, 1, 1, 1, 1, 9, 1, 1, 1}, 4.0, 0.0, &fault);
         QCOMPARE(fault, QString());
         QCOMPARE(map.values, (std::vector<double>{1, 1, 1, 1, 1, 9, 1, 1}));
     }

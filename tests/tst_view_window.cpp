@@ -225,11 +225,19 @@ private slots:
         page()->setMasses("57"); // in its place, so what is left of the first doesn't end the second
         QTRY_VERIFY(!model->isBusy());
         QCOMPARE(page()->trace()->graphCount(), 2);
+        QCOMPARE(page()->trace()->graph(1)->name(), QString("m/z 57"));
         page()->goTo("0-1000");
         QVERIFY(model->isBusy());
         page()->showScan(5); // which nobody wants an average after
         QVERIFY(!model->isBusy());
         QTRY_COMPARE(page()->scan(), 5);
+    }
+
+    void tellsMouseAndKeys()
+    {
+        QTest::keyClick(window.get(), Qt::Key_F1);
+        const auto *text = window->findChild<QTextBrowser *>();
+        QVERIFY(text && text->isVisible() && text->toPlainText().contains("Double click in the legend"));
     }
 
     void saves()
