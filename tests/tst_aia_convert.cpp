@@ -70,6 +70,8 @@ private slots:
         row("one name for two") = {"mkdir a; cp plain.cdf a; convert plain.cdf a/plain.cdf --to mzML", 2,
                                    "would both become"};
         row("over the input") = {"convert --force plain.cdf --to cdf", 2, "to be read"};
+        row("over another input, through a link") = {
+            "cp plain.cdf b.cdf; ln -s b.cdf plain.mzML; convert --force plain.cdf b.cdf --to mzML", 2, "to be read"};
         row("over a file") = {"touch plain.mzML; convert plain.cdf --to mzML", 2, "--force"};
         row("half a range") = {"convert plain.cdf -o out.msp --sum 3", 2, "no time range"};
         row("range backwards") = {"convert plain.cdf -o out.msp --sum 3-2", 2, "ends before"};
@@ -184,6 +186,10 @@ private slots:
             "convert a.cdf -o b.msp; head -2 b.msp > out",
             0, "1 CAS number can't be right, as the last digit doesn't fit the others; the first is 71-43-3",
             "Name: Sigma-C6 ... u\nCAS#: 71-43-3\n"};
+        row("letters that are spelled otherwise") = {
+            "ncdump library.cdf | sed 's/Benzene/\u00d0\u00f0\u00de\u00e6\u00df\u0142\u00d7/' | ncgen -o a.cdf;"
+            "convert a.cdf -o - --to msp | head -1 > out",
+            0, "", "Name: DdThaesslx\n"};
         row("scan and sum") = {"convert plain.cdf --scan 1 --sum 0.09-0.1 -o - --to msp > out", 0, "",
                                "Name: Five scans, scan 1, 0.097 min\nRT: 0.09666666666666666\nNum Peaks: 2\n"
                                "50.02 50\n91.05 300\n\n"
@@ -282,6 +288,9 @@ private slots:
             "sample gcms --scans 3 s.cdf; ncdump s.cdf | sed 's/total_intensity = [0-9]*/total_intensity = 5/' |"
             "ncgen -o a.cdf; convert a.cdf -o b.mzML 2>&1 | grep -c 'the sum of' > out",
             0, "", "1\n"};
+        row("points put in order, told once") = {"convert " + fixture("overlapping-scans")
+                                                     + " -o b.cdf 2>&1 | grep -c 'put in the order' > out",
+                                                 0, "", "1\n"};
         row("serial number in mzML") = {"convert plain.cdf -o a.mzML; sed -i 's/<componentList/<cvParam cvRef=\"MS\" "
                                         "accession=\"MS:1000529\" name=\"instrument serial number\" "
                                         "value=\"S7\"\\/>&/' a.mzML; convert a.mzML -o b.cdf;"
@@ -339,6 +348,10 @@ private slots:
             "sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML; sed -i '/experiment_date/d; s/30Z/30/' a.mzML;"
             "convert a.mzML -o b.cdf && ncdump -h b.cdf | grep -o 'experiment_date.*' > out",
             0, "", "experiment_date_time_stamp = \"20240312142530\" ;\n"};
+        row("a start in mzML, in another zone") = {
+            "sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML; sed -i '/experiment_date/d; s/30Z/30+02:00/' a.mzML;"
+            "convert a.mzML -o b.cdf && ncdump -h b.cdf | grep -o 'experiment_date.*' > out",
+            0, "", "experiment_date_time_stamp = \"20240312122530+0000\" ;\n"};
         row("times of points, never written and written") = {
             "sample gcms --scans 2 s.cdf; ncdump s.cdf | sed 's/float mass_values.*/&double "
             "time_values(point_number);/' "

@@ -116,6 +116,9 @@ def wrong_terms(mzml, source, clean):
     with open(source, "rb") as file:
         if hashlib.sha1(file.read()).hexdigest() not in text:
             yield "mzML has another checksum"
+    upto, _, own = text.encode().rpartition(b"<fileChecksum>")
+    if not own.startswith(hashlib.sha1(upto + b"<fileChecksum>").hexdigest().encode()):
+        yield "mzML has another checksum of itself"
     zone = re.search("[+-][0-9]{4}$", said.get("experiment_date_time_stamp", "").strip())
     if ("startTimeStamp" in text) != bool(zone):
         yield "mzML has a start without a zone, or none with one"
