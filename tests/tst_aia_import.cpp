@@ -17,6 +17,7 @@ struct SummaryLine {
     QString file; // imported with modulations of 60 s, and verbosely
     QString line; // a regular expression
     QString modulation = QStringLiteral("60");
+    QByteArray stamp{}; // instead of that of "plain"
 };
 
 struct Talk {
@@ -131,6 +132,8 @@ private slots:
         row("modulations") = {"gcgc", "Modulations: +2"};
         row("second dimension") = {"gcgc", "Second-dimension step: +30 s"};
         row("host's date") = {"import-odd-scans", "Date: +2007-09-23T05:08:00Z"};
+        row("no date for the host") = {"plain", "Date: +-", "0", "19510817103000+0100"};
+        row("delay for the host") = {"plain", "Delay: +0.0875 minutes"};
         row("present for the host") = {"gcgc-total-ion", "Date: +the present, as the file has none"};
         row("spectra for the host") = {"gcgc", "Detector type: +GCxGC, mass spectra \\(2048\\)"};
         row("total ion for the host") = {"gcgc-total-ion", "Detector type: +GCxGC, total ion \\(1792\\)"};
@@ -138,7 +141,10 @@ private slots:
     void summary()
     {
         const SummaryLine &row = Rows<SummaryLine>::current();
-        const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", row.modulation, fixture(row.file)}).out);
+        const QString file = row.stamp.isEmpty() ? fixture(row.file) : QStringLiteral("stamped.cdf");
+        if (!row.stamp.isEmpty())
+            write(file, content(fixture(row.file)).replace("19930817103000+0100", row.stamp));
+        const QString printed = QString::fromUtf8(run({"--verbose", "--gcxgc", row.modulation, file}).out);
         QVERIFY2(hasLine(printed, row.line), qPrintable(printed));
     }
 

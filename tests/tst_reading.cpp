@@ -104,7 +104,7 @@ private slots:
         QCOMPARE(globalsOf("several-numbers").admin.experiment_title, "12");
         messages.clear();
         const MsGlobals wrong = globalsOf("wrong-attribute-types");
-        QCOMPARE(wrong.admin.experiment_title, "12");
+        QCOMPARE(wrong.admin.experiment_title, "-12");
         QCOMPARE(wrong.admin.source_file_format, "0.10000000149011612");
         QCOMPARE(wrong.admin.operator_name, "-7");
         QCOMPARE(wrong.admin.dataset_owner, "0.1");
