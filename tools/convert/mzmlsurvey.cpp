@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <vector>
 
 namespace {
@@ -34,8 +33,8 @@ public:
     bool make()
     {
         std::vector<double> times = run.times();
-        std::vector<double> totals(times.size(), std::numeric_limits<double>::quiet_NaN());
-        std::vector<qint32> numbers(times.size(), -1);
+        std::vector<double> totals(times.size()); // of the scans that are read
+        std::vector<qint32> numbers(times.size());
         qint32 differing = 0;
         const bool isWhole = forEachScan(run, ScanWalk::First, progress, [&](const MsSpectrum &spectrum) {
             const auto place = std::size_t(spectrum.index());
