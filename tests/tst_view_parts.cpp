@@ -247,8 +247,9 @@ private slots:
         row("no such scan") = {"gcms", {"--scan", "2000"}, "There is no scan 2000"};
         row("one scan") = {"one-scan", {"--trace"}};
         row("no scans") = {"no-scans", {"--trace"}, "It has no scans, so there is nothing to draw."};
-        row("no modulation") = {"gcxgc", {"--map", "--gcxgc", "0"}, "\"0\" isn't a modulation length", {}, 2};
+        row("no modulation") = {"gcxgc", {"--map", "--gcxgc", "0.0004"}, "\"0.0004\" isn't a modulation length", {}, 2};
         row("no trace") = {"library", {"--trace"}, "A library has no trace"};
+        row("no time of a library") = {"library", {"--at", "4"}, "A library has no trace"};
         row("no map of a library") = {"library", {"--map"}, "A library has no trace"};
     }
     void drawsImages()

@@ -81,10 +81,9 @@ int drawImage(const QString &fileName, const ImageRequest &request, double modul
     QString fault;
     if (page.model()->summary().size == 0) {
         fault = QStringLiteral("It has no scans, so there is nothing to draw.");
-    } else if ((request.what == What::Trace || request.what == What::Map)
-               && page.model()->summary().kind == MsRun::Kind::Library) {
+    } else if (request.what != What::Scan && page.model()->summary().kind == MsRun::Kind::Library) {
         fault = QStringLiteral(
-            "A library has no trace and no map; the option --scan draws one of its spectra.");
+            "A library has no trace, map or course of time; the option --scan draws one of its spectra.");
     } else if (request.what == What::Map) {
         plot = page.map()->plot();
         if (modulation > 0.0)

@@ -70,10 +70,10 @@ ViewCommand parseViewCommand(const QStringList &arguments)
     bool isNumber = true;
     if (parser.isSet(gcxgc)) {
         command.modulation = parser.value(gcxgc).toDouble(&isNumber);
-        if (!isNumber || !(command.modulation > 0.0 && command.modulation <= MsLongestModulation))
+        constexpr double shortest = 0.001; // which the map's field can hold
+        if (!isNumber || !(command.modulation >= shortest && command.modulation <= MsLongestModulation))
             return refused(
-                QStringLiteral("\"%1\" isn't a modulation length: a number above 0, up to 100, "
-                               "is needed.")
+                QStringLiteral("\"%1\" isn't a modulation length: a number from 0.001 to 100 is needed.")
                     .arg(parser.value(gcxgc)));
     }
     command.files = namesOfFiles(parser.positionalArguments());
