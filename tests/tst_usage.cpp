@@ -121,6 +121,9 @@ private slots:
 
         row("unknown kind") = {"aia-sample lcms x.cdf", 2,
                                "There is no kind \"lcms\": the kinds are gcms, gcxgc, tic, library, sim."};
+        row("sample of another kind") = {"aia-sample gcms x.mzML", 2,
+                                         "A sample is a .cdf file, and the name \"x.mzML\" is that of another kind. "
+                                         "The program aia-convert makes others of it."};
         row("no file") = {"aia-sample gcms", 2, "One kind and one file have to be named."};
         row("no scan") = {"aia-sample gcms --scans 0 x.cdf", 2,
                           "The option --scans takes a number from 1 to 100000000."};

@@ -41,8 +41,8 @@ QString tableNames()
 QString description()
 {
     return QStringLiteral("Converts runs and libraries of mass spectra: .cdf files to .%1, where .cdf is "
-                          "a clean one; .mzML, .mzML.gz and .mzXML files to .cdf. The end of a name says "
-                          "which format it is.\n"
+                          "a clean one; .mzML and .mzXML files, packed (.gz) or not, to .cdf. The end of "
+                          "a name says which format it is.\n"
                           "Exit code: 0, or 1 where a file can't be converted, or not in full, or 2 for "
                           "wrong usage.")
         .arg(writtenFormats().join(QLatin1String(", .")));
@@ -244,8 +244,12 @@ QString nameOutputs(const QStringList &inputs, const QCommandLineParser &parser,
         return QStringLiteral("The file name after -o is empty.");
     if (parser.isSet(options.outDir))
         return QStringLiteral("The options -o and --out-dir exclude each other.");
+    const FileFormat named = formatOfName(output);
     if (format == FileFormat::Unknown)
-        format = formatOfName(output);
+        format = named;
+    else if (named != FileFormat::Unknown && named != format)
+        return QStringLiteral("The name \"%1\" is that of another format than the one after --to.")
+            .arg(output);
     if (!isWritten(format))
         return QStringLiteral(
                    "The end of the name \"%1\" is none of %2. The option --to can name the format.")

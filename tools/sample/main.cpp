@@ -1,5 +1,6 @@
 // Makes sample files: what an instrument could have measured, the same for the same seed.
 
+#include "fileformat.h"
 #include "interruption.h"
 #include "outputfile.h"
 #include "samplefile.h"
@@ -173,6 +174,12 @@ int parse(const QStringList &arguments, CommandLine *line)
             QStringLiteral("There is no kind \"%1\": the kinds are %2.").arg(words[0], listOfKinds()));
     line->sample.kind = kind->kind;
     line->path = words[1];
+    const FileFormat named = formatOfName(line->path);
+    if (named != FileFormat::Cdf && named != FileFormat::Unknown)
+        return refuse(
+            QStringLiteral("A sample is a .cdf file, and the name \"%1\" is that of another kind. "
+                           "The program aia-convert makes others of it.")
+                .arg(line->path));
     const QString wrong = readOptions(parser, &line->sample);
     if (!wrong.isNull())
         return refuse(wrong);
