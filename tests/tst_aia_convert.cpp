@@ -66,6 +66,7 @@ private slots:
         row("no output") = {"convert plain.cdf", 2, "Either -o"};
         row("unknown end") = {"convert plain.cdf -o out", 2, "none of .mzML"};
         row("not a format that is written") = {"convert plain.cdf --to mzXML", 2, "--to takes one of"};
+        row("name of another format") = {"convert plain.cdf --to cdf -o out.mzML", 2, "than the one after --to"};
         row("several into one") = {"convert plain.cdf gcgc.cdf -o out.mzML", 2, "one file is converted"};
         row("one name for two") = {"mkdir a; cp plain.cdf a; convert plain.cdf a/plain.cdf --to mzML", 2,
                                    "would both become"};
@@ -381,8 +382,8 @@ private slots:
                         "scan,time (s),mass (m/z),intensity (Total Counts)\n"
                         "0,60.5,50.0099983215332,100\n0,60.5,77.25,2.5\n1,61,91.05000305175781,7000000\n"};
         const QString changedMzXml =
-            "sed '%1' " AIA_TEST_SOURCES "/convert/two-scans.mzXML > a.mzXML; convert a.mzXML ";
-        row("mzXML in hours, with no word on the kind of its spectra") = {
+            "sed '%1' " AIA_TEST_SOURCES "/convert/two-scans.mzXML | gzip > a.mzXML.gz; convert a.mzXML.gz ";
+        row("mzXML in hours, packed, with no word on the kind of its spectra") = {
             changedMzXml.arg("s/=.PT61S/=\"PT1H2M3.5S/; s/centroided=.1.//")
                 + "-o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
             0, "they are taken for profiles.", " scan_acquisition_time = 60.5, 3723.5 ;\n"};

@@ -59,9 +59,10 @@ std::string beginningOf(const QString &input)
 
 } // namespace
 
-bool saysCentroided(const QString &input)
+bool lacksKind(const QString &input)
 {
-    return has(beginningOf(input), " centroided=");
+    const std::string beginning = beginningOf(input);
+    return has(beginning, "<mzXML") && !has(beginning, " centroided=");
 }
 
 ArrayFormats firstArrayFormats(const QString &input)

@@ -14,7 +14,8 @@ using ArrayFormats = std::array<qint32, 2>;
 // the numbers themselves decide then.
 ArrayFormats firstArrayFormats(const QString &input);
 
-// Whether the mzXML file says that its spectra are centroided, or that they aren't.
-bool saysCentroided(const QString &input);
+// Whether the file is mzXML that doesn't say whether its spectra are centroided, so that the library
+// makes it up.
+bool lacksKind(const QString &input);
 
 #endif // ARRAYFORMATS_H

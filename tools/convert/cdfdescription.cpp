@@ -1,6 +1,7 @@
 #include "cdfdescription.h"
 
 #include "cdfwriter.h"
+#include "fileformat.h"
 #include "mzmlterms.h"
 #include "namecodec.h"
 #include "statedglobals.h"
@@ -67,7 +68,7 @@ private:
     void describeFile()
     {
         set("source_file_reference", shownName(QFileInfo(input).fileName()));
-        const bool isMzXml = input.endsWith(QLatin1String(".mzXML"), Qt::CaseInsensitive);
+        const bool isMzXml = formatOfName(input) == FileFormat::MzXml;
         set("source_file_format", isMzXml ? QStringLiteral("mzXML") : QStringLiteral("mzML"));
         if (!target.isOwn || source.run.id != standInTitle)
             set("experiment_title", textOf(source.run.id.empty() ? source.id : source.run.id));

@@ -114,15 +114,13 @@ public:
     }
 
 private:
-    // The template has one word for the kind of all spectra. For mzXML the library makes one up.
+    // The template has one word for the kind of all spectra.
     void warnOfKinds() const
     {
         if (choice.isProfile && choice.isCentroided)
             log->warn(QStringLiteral(
                 "Some spectra are centroided and some are profiles; all are taken for profiles."));
-        const bool isSaid =
-            formatOfName(input) == FileFormat::MzXml ? saysCentroided(input) : !choice.isOfUnsaidKind;
-        if (!isSaid)
+        if (choice.isOfUnsaidKind || lacksKind(input))
             log->warn(QStringLiteral("The file doesn't say whether its spectra are centroided; they are "
                                      "taken for %1.")
                           .arg(choice.isProfile ? QStringLiteral("profiles")

@@ -14,12 +14,13 @@ constexpr struct {
     bool isRead;
     const char *kind; // of a file that is made, as a dialog names it; null where none is
 } formats[] = {
-    {FileFormat::MzMl,   ".mzML",    true,  "mzML"},
-    {FileFormat::MzMlGz, ".mzML.gz", true,  "Compressed mzML"},
-    {FileFormat::MzXml,  ".mzXML",   true,  nullptr},
-    {FileFormat::Cdf,    ".cdf",     true,  "Clean file"},
-    {FileFormat::Csv,    ".csv",     false, "Table"},
-    {FileFormat::Msp,    ".msp",     false, "Spectra"},
+    {FileFormat::MzMl,   ".mzML",     true,  "mzML"},
+    {FileFormat::MzMlGz, ".mzML.gz",  true,  "Compressed mzML"},
+    {FileFormat::MzXml,  ".mzXML",    true,  nullptr},
+    {FileFormat::MzXml,  ".mzXML.gz", true,  nullptr},
+    {FileFormat::Cdf,    ".cdf",      true,  "Clean file"},
+    {FileFormat::Csv,    ".csv",      false, "Table"},
+    {FileFormat::Msp,    ".msp",      false, "Spectra"},
 };
 // clang-format on
 
