@@ -154,7 +154,7 @@ def convert(
     `options` are its own, such as "--force". A file that fails has the program's sentences as its error; one that
     loses something has both these and an output. One that exists when this is called is kept, with an error.
     """
-    return _table(_convert, _outputs(paths, folder, suffix), _DONE, list(options), program)
+    return _table(_convert, _outputs(paths, folder, suffix.removeprefix(".")), _DONE, list(options), program)
 
 
 def _sentence(failure: Exception) -> str:

@@ -171,7 +171,7 @@ def test_conversion_of_an_archive(folder, tmp_path):
     if not PROGRAM.exists():
         pytest.skip("aia-convert isn't built")
     paths = [folder / "run-00.cdf", folder / "text.cdf"]
-    done = archive.convert(paths, tmp_path, "csv", program=PROGRAM).compute().reset_index()
+    done = archive.convert(paths, tmp_path, ".csv", program=PROGRAM).compute().reset_index()
     assert done.error[0] == "" and "text.cdf" in done.error[1] and os.listdir(tmp_path) == ["run-00.csv"]
     again = archive.convert(paths, tmp_path, "csv", program=PROGRAM).compute()
     assert "exists" in again.error.iloc[0] and list(again.output) == ["", ""]
