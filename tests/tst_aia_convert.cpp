@@ -406,15 +406,17 @@ private slots:
             "\t\tintensity_values:units = \"Arbitrary Intensity Units\" ;\n"
             "\t\t:experiment_title = \"\u03b1-Pinen \u8a66\u6599\" ;\n\t\t:raw_data_comments = \"kept\" ;\n"};
         row("nothing that the file doesn't say") = {
-            "convert " + fixture("no-attributes")
-                + " -o a.cdf; convert a.cdf -o a.mzML; convert a.mzML -o b.cdf;"
+            "ncdump " + fixture("no-attributes")
+                + " | sed 's/^data:/:operator_name = \"o\" ; :dataset_origin = \"p\" ; :sample_internal_id = \"q\" "
+                  ";&/' |"
+                  "ncgen -o c.cdf; convert c.cdf -o a.cdf; convert a.cdf -o a.mzML; convert a.mzML -o b.cdf;"
                   "for i in a b; do ncdump -h $i.cdf | grep -oE '[a-z_]*:[a-z_]+' | grep -vE "
-                  "'global_|revision|format|stamp' |"
-                  "tr '\\n' ' '; done > out",
+                  "'global_|revision|format|stamp' | tr '\n' ' '; done > out",
             0, "",
-            ":dataset_completeness :languages :experiment_type :starting_scan_number "
-            ":dataset_completeness :languages :post_experiment_program_name :source_file_reference "
-            ":experiment_type :starting_scan_number "};
+            ":dataset_completeness :languages :dataset_origin :operator_name :experiment_type "
+            ":sample_internal_id :starting_scan_number "
+            ":dataset_completeness :languages :dataset_origin :operator_name :post_experiment_program_name "
+            ":source_file_reference :experiment_type :sample_internal_id :starting_scan_number "};
         row("what another program's mzML says in the same words") = {
             "convert " + fixture("no-attributes")
                 + " -o a.mzML; sed -i 's/aia-convert/other/' a.mzML; convert a.mzML -o b.cdf; ncdump -h b.cdf |"
@@ -426,7 +428,8 @@ private slots:
         row("who took another program's mzML") = {
             "sample gcms --scans 1 s.cdf; ncdump s.cdf | sed 's/dataset_owner = \"/&An owner of the /' | ncgen -o "
             "a.cdf;"
-            "convert a.cdf -o a.mzML; sed -i -E '/userParam name=\"(operator_name|dataset_)/d' a.mzML;"
+            "convert a.cdf -o a.mzML; sed -i -E '/userParam name=\"(operator_name|dataset_)/d; s/aia-convert/other/' "
+            "a.mzML;"
             "convert a.mzML -o b.cdf; ncdump -h b.cdf | grep -oE '(operator_name|dataset_o.*) = .*' > out",
             0, "", "dataset_owner = \"An owner of the Example laboratory\" ;\noperator_name = \"Operator\" ;\n"};
         const QString flagged =

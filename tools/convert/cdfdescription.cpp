@@ -80,13 +80,15 @@ private:
         if (!source.fileDescription.contacts.empty()) {
             const Contact &contact = source.fileDescription.contacts.front();
             set("operator_name", textOf(contact.cvParam(MS_contact_name).value));
-            set("dataset_owner", textOf(contact.cvParam(MS_contact_affiliation).value));
+            if (!target.isOwn) // it may be the origin
+                set("dataset_owner", textOf(contact.cvParam(MS_contact_affiliation).value));
         }
         const SamplePtr sample = !source.run.samplePtr && !source.samplePtrs.empty()
             ? source.samplePtrs.front()
             : source.run.samplePtr;
         if (sample) {
-            set("sample_external_id", textOf(sample->name.empty() ? sample->id : sample->name));
+            if (!target.isOwn) // it may be the internal id
+                set("sample_external_id", textOf(sample->name.empty() ? sample->id : sample->name));
             target.globals.sample.sample_state = templateCode(TermFamily::SampleState, *sample);
         }
         const SoftwarePtr software =
