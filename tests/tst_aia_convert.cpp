@@ -387,11 +387,14 @@ private slots:
             changedMzXml.arg("s/=.PT61S/=\"PT1H2M3.5S/; s/centroided=.1.//")
                 + "-o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
             0, "they are taken for profiles.", " scan_acquisition_time = 60.5, 3723.5 ;\n"};
-        row("two kinds of spectra, and a number twice") = {
+        row("two kinds of spectra, a number twice, and none") = {
             "sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML; sed -i '/index=.1/,/1000127/s/1000127/1000128/;"
-            "s/id=.scan=2\"/id=\"scan=1\"/' a.mzML; convert a.mzML -o b.cdf; ncdump -v actual_scan_number b.cdf |"
-            "grep '^ actual.* = ' > out",
-            0, "all are taken for profiles.\naia-convert: \"a.mzML\": 1 spectrum has the number of an earlier one",
+            "s/id=.scan=2\"/id=\"scan=1\"/; s/id=.scan=0\"/id=\"index=0\"/' a.mzML; convert a.mzML -o b.cdf;"
+            "ncdump -v actual_scan_number b.cdf | grep '^ actual.* = ' > out",
+            0,
+            "1 spectrum has no scan number that a .cdf file holds; its place, counted from 0, is taken for it.\n"
+            "aia-convert: \"a.mzML\": Some spectra are centroided and some are profiles; all are taken for profiles.\n"
+            "aia-convert: \"a.mzML\": 1 spectrum has the number of an earlier one, and keeps it.\n",
             " actual_scan_number = 0, 1, 1 ;\n"};
         Call &attributesThroughMzML = row("attributes through mzML");
         attributesThroughMzML = {"sample gcms --scans 2 s.cdf; convert s.cdf -o a.mzML &&"

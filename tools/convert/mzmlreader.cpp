@@ -195,6 +195,7 @@ private:
         *doesFit = true;
         withoutData = 0;
         numbers.clear();
+        unnumbered = 0;
         readUnit();
         CdfWriter writer(path, headOf(choice.spectra.size()), log);
         if (!writer.failure().isNull())
@@ -272,6 +273,11 @@ private:
 
     void warnOfNumbers()
     {
+        if (unnumbered > 0)
+            log->note(ms_counted_text("%1 [spectrum has|spectra have] no scan number that a .cdf file "
+                                      "holds; [its place|their places], "
+                                      "counted from 0, [is|are] taken for it.",
+                                      unnumbered));
         std::sort(numbers.begin(), numbers.end());
         const auto different = std::unique(numbers.begin(), numbers.end()) - numbers.begin();
         const qint64 repeated = qint64(numbers.size()) - different;
@@ -376,10 +382,11 @@ private:
                                               : doubles[axis].data();
     }
 
-    static qint32 numberOfScan(const Spectrum &spectrum, int place)
+    qint32 numberOfScan(const Spectrum &spectrum, int place)
     {
         bool isNumber = false;
         const qint32 number = textOf(id::value(spectrum.id, "scan")).toInt(&isNumber);
+        unnumbered += !isNumber;
         return isNumber ? number : place;
     }
 
@@ -393,6 +400,7 @@ private:
     std::vector<std::pair<double, double>> points; // of the spectrum at hand
     qint64 withoutData = 0;                        // points of all spectra
     std::vector<qint32> numbers;                   // of all spectra
+    qint64 unnumbered = 0;                         // spectra
     ArrayFormats formats = {MsDoubleFormat, MsDoubleFormat};
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
