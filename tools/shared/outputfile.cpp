@@ -129,9 +129,9 @@ bool OutputFile::open()
         return handle != -1 || failOfSystem();
     }
     temporary = wantedTemporary.isEmpty() ? temporaryName(target) : wantedTemporary;
-    // The temporary name has room where the name itself may have none.
-    const bool isTooLong = access(target.constData(), F_OK) != 0 && errno == ENAMETOOLONG;
-    if (!isTooLong)
+    // There may be a temporary file where there can't be the file itself, as its name is too long.
+    const bool canBe = access(target.constData(), F_OK) == 0 || errno == ENOENT;
+    if (canBe)
         handle = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle == -1) {
         const int ofSystem = errno;
