@@ -391,12 +391,11 @@ void ms_tally_census(MsCensusTally &census, bool is_read, const QSet<qint32> &ke
     census.is_done = true;
     census.is_read = is_read;
     census.keys = keys.size();
-    constexpr int enough = 100;
     constexpr double largest_key = 1e9; // a fill value or infinity has another
-    if (decimals != 2 || keys.size() < enough)
+    if (decimals != 2)
         return;
     for (const qint32 step : {100, 10, 5}) {
-        const int most = keys.size() / 100;
+        const int most = keys.size() / 100; // of fewer than 100 keys none is told
         int odd = 0;
         for (auto key = keys.begin(); key != keys.end() && odd <= most; ++key)
             odd += *key % step != 0 && std::abs(double(*key)) < largest_key;
