@@ -15,7 +15,7 @@ struct Place {
     int holder = NC_GLOBAL;
     QByteArray name{};
     std::size_t length = 0;
-    bool isStated = false;
+    bool isText = false; // no text is taken from a number
 };
 
 Place placeOf(int ncid, const MsAttributeRow &row)
@@ -29,8 +29,7 @@ Place placeOf(int ncid, const MsAttributeRow &row)
         if (nc_inq_att(ncid, place.holder, name.constData(), &type, &place.length) != NC_NOERR)
             continue;
         place.name = name;
-        // A text isn't taken from a number, nor a number from an attribute without a value.
-        place.isStated = row.nc_type == NC_CHAR ? type == NC_CHAR : place.length > 0;
+        place.isText = type == NC_CHAR;
         break;
     }
     return place;
@@ -57,7 +56,7 @@ int sizeOfWholeLetters(const QByteArray &bytes)
 
 bool isStated(int ncid, const MsAttributeRow &row)
 {
-    return placeOf(ncid, row).isStated;
+    return placeOf(ncid, row).isText;
 }
 
 QString textFromFile(const char *bytes)
@@ -75,7 +74,7 @@ QString textFromFile(const char *bytes)
 QString statedText(int ncid, const MsAttributeRow &row)
 {
     const Place place = placeOf(ncid, row);
-    if (row.nc_type != NC_CHAR || !place.isStated || place.length > longestText)
+    if (row.nc_type != NC_CHAR || !place.isText || place.length > longestText)
         return QString();
     std::vector<char> text(place.length + 1, '\0');
     if (nc_get_att_text(ncid, place.holder, place.name.constData(), text.data()) != NC_NOERR)

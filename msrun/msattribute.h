@@ -10,8 +10,8 @@
 
 #include <cstddef>
 
-// Whether an open file has the attribute of a row: as a text if the row is a text, and in the spelling
-// with underscores or dashes. If not, the row's field of a record holds a default or a missing value.
+// Whether an open file has the attribute of a row, which is a text: as a text, and in the spelling with
+// underscores or dashes. If not, the row's field of a record holds a default or a missing value.
 bool isStated(int ncid, const MsAttributeRow &row);
 
 // Returns the text of bytes from a file, up to the first NUL: as UTF-8 where they are that, else as
