@@ -211,6 +211,8 @@ private slots:
         const std::vector<double> times = run.times();
         QCOMPARE(join(times.data(), int(times.size())), row.times);
         QCOMPARE(codesOf(run), row.codes);
+        for (const MsDoubt &doubt : run.doubts())
+            QVERIFY(!doubt.isLoss || doubt.code == QByteArray("unwritten-scans"));
         const auto firstAt = [&](double time) {
             return int(std::find(times.begin(), times.end(), time) - times.begin());
         };
@@ -300,7 +302,7 @@ private slots:
                                "data:\n scan_index = 0, 5 ;\n point_count = 5, 5 ;\n scan_acquisition_time = 1, 2 ;\n"
                                " total_intensity = 9.969209968386869e+36, 90 ;\n"
                                " mass_values = 1, _, 3, 4, 5, 1, 2, 2.5, 3, 4 ;\n"
-                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, NaNf, 40 ;\n"
+                               " intensity_values = 10, 20, NaNf, 40, -Infinityf, 10, 20, 30, _, 40 ;\n"
                                " time_values = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 ;\n}\n");
         QCOMPARE(massesOf(run), QString("1 4, 1 2 2.5 4")); // such factors don't count
         QVERIFY(codesOf(run).contains("ignored-factor"));
@@ -320,6 +322,16 @@ private slots:
         QCOMPARE(average.intensities, (std::vector<double>{10, 25, 40}));
         QCOMPARE(run.averaged({1, 2}, 0.5).masses, (std::vector<double>{1, 2, 2.5, 4})); // less than the width
         QVERIFY(run.averaged({5, 9}).masses.empty());
+    }
+
+    void leavesOutWholeNumbersNeverWritten()
+    {
+        const MsRun run = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 4 ;\nvariables:\n"
+                               " short mass_values(point_number) ;\n int intensity_values(point_number) ;\n"
+                               " int scan_index(scan_number) ;\n int point_count(scan_number) ;\n"
+                               "data:\n scan_index = 0 ;\n point_count = 4 ;\n mass_values = 1, _, 3, 4 ;\n"
+                               " intensity_values = 10, 20, _, 40 ;\n}\n");
+        QCOMPARE(massesOf(run), QString("1 4"));
     }
 
     void knowsCompounds()
@@ -382,6 +394,73 @@ private slots:
         QCOMPARE(run.instruments().size(), std::size_t(MsFile(run.name()).instrumentCount()));
         QCOMPARE(MsRun(fixture(QStringLiteral("groups")), options).groups()[0].masses()[0],
                  MsFile(fixture(QStringLiteral("groups"))).group(0).masses()[0]);
+    }
+
+    // Each from its own attribute, which says its own name here, or a number.
+    void readsEachFact()
+    {
+        const std::pair<QByteArray, QString MsRunFacts::*> texts[] = {
+            {"experiment_title", &MsRunFacts::title},
+            {"operator_name", &MsRunFacts::operatorName},
+            {"dataset_owner", &MsRunFacts::owner},
+            {"dataset_origin", &MsRunFacts::origin},
+            {"administrative_comments", &MsRunFacts::comments},
+            {"external_file_ref_0", &MsRunFacts::methodName},
+            {"source_file_reference", &MsRunFacts::sourceFile},
+            {"source_file_format", &MsRunFacts::sourceFormat},
+            {"pre_experiment_program_name", &MsRunFacts::acquiredWith},
+            {"post_experiment_program_name", &MsRunFacts::exportedWith},
+            {"sample_external_id", &MsRunFacts::sampleName},
+            {"sample_internal_id", &MsRunFacts::sampleId},
+            {"sample_owner", &MsRunFacts::sampleOwner},
+            {"sample_comments", &MsRunFacts::sampleComments},
+            {"test_comments", &MsRunFacts::testComments},
+            {"raw_data_comments", &MsRunFacts::rawDataComments},
+            {"test_reagent_gas", &MsRunFacts::reagentGas},
+        };
+        const std::pair<QByteArray, MsTerm MsRunFacts::*> terms[] = {
+            {"experiment_type", &MsRunFacts::experiment},
+            {"test_separation_type", &MsRunFacts::separation},
+            {"test_ms_inlet", &MsRunFacts::inlet},
+            {"test_ionization_mode", &MsRunFacts::ionisation},
+            {"test_ionization_polarity", &MsRunFacts::ionisationSign},
+            {"test_detector_type", &MsRunFacts::detector},
+            {"test_resolution_type", &MsRunFacts::resolution},
+            {"test_scan_function", &MsRunFacts::scanFunction},
+            {"test_scan_direction", &MsRunFacts::scanDirection},
+            {"test_scan_law", &MsRunFacts::scanLaw},
+            {"sample_state", &MsRunFacts::sampleState},
+            {"mass_values:units", &MsRunFacts::massUnits},
+            {"time_values:units", &MsRunFacts::timeUnits},
+            {"intensity_values:units", &MsRunFacts::intensityUnits},
+            {"total_intensity:units", &MsRunFacts::totalUnits},
+        };
+        const std::pair<QByteArray, double MsRunFacts::*> numbers[] = {
+            {"test_electron_energy", &MsRunFacts::electronEnergy},
+            {"test_source_temperature", &MsRunFacts::sourceTemperature},
+            {"test_ms_inlet_temperature", &MsRunFacts::inletTemperature},
+            {"test_detector_potential", &MsRunFacts::detectorPotential},
+        };
+        QByteArray cdl = "netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 1 ;\nvariables:\n"
+                         " double total_intensity(scan_number) ;\n float mass_values(point_number) ;\n"
+                         " float time_values(point_number) ;\n float intensity_values(point_number) ;\n";
+        const auto state = [&cdl](const QByteArray &name, const QByteArray &value) {
+            cdl += (name.contains(':') ? " " : " :") + name + " = " + value + " ;\n";
+        };
+        for (const auto &[name, fact] : texts)
+            state(name, '"' + name + '"');
+        for (const auto &[name, fact] : terms)
+            state(name, '"' + name + '"');
+        for (const auto &[name, fact] : numbers)
+            state(name, QByteArray::number(int(name[5])) + ".f");
+        const MsRun run = make(cdl + "}\n");
+        QVERIFY2(run.isOpen(), qPrintable(run.error()));
+        for (const auto &[name, fact] : texts)
+            QCOMPARE(run.facts().*fact, QString(name));
+        for (const auto &[name, fact] : terms)
+            QCOMPARE((run.facts().*fact).text, QString(name));
+        for (const auto &[name, fact] : numbers)
+            QCOMPARE(run.facts().*fact, double(name[5]));
     }
 
     void moment_data()
