@@ -183,10 +183,10 @@ private slots:
             0, "1 point below m/z 1 or of a negative intensity is left out",
             "Name: Entry 0\nCAS#: 71-43-2\nNum Peaks: 1\n"};
         row("letters that aren't ASCII, the last one cut off, and a wrong CAS number") = {
-            "ncdump library.cdf | sed 's/Benzene/\u03a3-C\u2086 \u2026 \u00b5\u00e9/; s/71432/71433/' | ncgen -o a.cdf;"
+            "ncdump library.cdf | sed 's/Benzene/\u03a3C\u2086 \u2026 \u00b5\u2026/; s/71432/71433/' | ncgen -o a.cdf;"
             "convert a.cdf -o b.msp; head -2 b.msp > out",
             0, "1 CAS number can't be right, as the last digit doesn't fit the others; the first is 71-43-3",
-            "Name: Sigma-C6 ... u\nCAS#: 71-43-3\n"};
+            "Name: SigmaC6 ... u\nCAS#: 71-43-3\n"};
         row("letters that are spelled otherwise") = {
             "ncdump library.cdf | sed 's/Benzene/\u00d0\u00f0\u00de\u00e6\u00df\u0142\u00d7/' | ncgen -o a.cdf;"
             "convert a.cdf -o - --to msp | head -1 > out",
@@ -315,6 +315,12 @@ private slots:
             "out;"
             "convert info-library.cdf -o b.cdf; ncdump -v melting_point b.cdf | grep -o 'point = [^,]*' >> out",
             0, "", "MW: 92\nRT: 3.65625\nMW: 92\npoint = 5.53\n"};
+        row("all of a library") = {
+            "sample library --scans 1 s.cdf; convert s.cdf -o b.cdf;"
+            "for i in s b; do ncdump $i.cdf | sed '1,/^data/d' > $i.txt; done; diff s.txt b.txt > out",
+            0, "", ""};
+        row("no scan of none") = {"convert " + fixture("no-scans") + " --scan 3 -o b.msp", 1,
+                                  "there is no scan 3: the run has 0 scans, counted from 0"};
         row("edges of a trace's masses") = {
             "convert library.cdf --csv trace --masses 59.8,70 -o - --to csv | cut -d , -f 5- > out", 0, "",
             "m/z 59.8,m/z 70\n2,0\n0,0\n16,0\n"};
