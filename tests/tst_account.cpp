@@ -3,6 +3,7 @@
 #include "debugger.h"
 #include "importaiams.h"
 #include "logger.h"
+#include "messageloggerinterface.h"
 #include "program.h"
 #include "rows.h"
 #include "ttestingmacros.h"
@@ -92,6 +93,12 @@ private slots:
         QCOMPARE(printed, QByteArray());
         QCOMPARE(seen, QString::fromUtf8(row.label) + message + '\n');
         QCOMPARE(logger.flushed, 2);
+    }
+
+    void writesMessages()
+    {
+        const auto write = [] { MessageLoggerInterface::Warning(QString::fromUtf8("d\xC3\xA9lai"), nullptr); };
+        QCOMPARE(standardError(write), QByteArray("Warning: d\xC3\xA9lai\n"));
     }
 
     void readsAnAttribute_data()

@@ -399,6 +399,16 @@ private slots:
         row("a library's time far off") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 1e6),
                                            "time-range 1"};
 
+        row("a scan behind many empty ones") = {QStringLiteral("unlimited-scans"),
+                                                [](int id) {
+                                                    put("point_count", 2, 0, 1998)(id);
+                                                    put("point_count", 2000, 2)(id);
+                                                    put("scan_index", 3, 4, 1998)(id);
+                                                    put("mass_values", 4, NC_FILL_FLOAT)(id);
+                                                    for (std::size_t i = 3; i <= 2000; ++i)
+                                                        put("scan_acquisition_time", i, 60.0 + 30.0 * double(i))(id);
+                                                },
+                                                "fill-masses 1"};
         const auto bytes = [&](const char *name, const QByteArray &said, ByteChange change) {
             row(name) = {gcms, {}, said, std::move(change)};
         };

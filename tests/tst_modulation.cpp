@@ -146,6 +146,9 @@ private slots:
             QVERIFY(std::isnan(ms_guess_modulation(one.times, right.totals).seconds));
         }
         QVERIFY(std::isnan(ms_guess_modulation({}, {}).seconds));
+        Trace twice = right; // two scans at one time
+        twice.times[1] = twice.times[0];
+        QVERIFY(ms_guess_modulation(twice.times, twice.totals).isConfident);
         Trace shortest = right; // of a run
         for (double &time : shortest.times)
             time = (time - 300.0) * 1e-290;

@@ -150,6 +150,13 @@ private slots:
         QCOMPARE(place, found ? row.place : 0);
     }
 
+    void refusesAFolder()
+    {
+        QString reason;
+        QVERIFY(!TestImport(0).canImport(nullptr, QStringLiteral("/"), reason));
+        QCOMPARE(reason, QStringLiteral("\"/\" is a folder, not a file."));
+    }
+
     void runs_data()
     {
         const Rows<Imported> row;

@@ -330,6 +330,7 @@ private slots:
         const Rows<Part> row;
         row("whole") = {0, 0, "bad-counts 2, unowned-points 2"};
         row("a sector") = {512, 512, "bad-counts 2"};
+        row("a sector further on") = {16384, 512, "bad-counts 2"};
         row("a whole stretch") = {0, 8192, "bad-counts 1"};
         row("cut") = {8192, -1, "changed-file 1, bad-counts 1"};
     }
