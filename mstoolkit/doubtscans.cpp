@@ -290,9 +290,9 @@ void ms_look_at_scans(MsFileState &file)
     if (file.tally.knows_scans)
         return;
     file.tally.knows_scans = true;
-    const std::size_t count = scans_looked_at(file);
-    if (count == 0)
+    if (file.dimensions[MsDim_scan_number].id == -1)
         return;
+    const std::size_t count = scans_looked_at(file); // of none the points are left
     Scans scans(file);
     CountsOfScans counts(scans, file.tally.found);
     PointsOfScans points(file, scans, count);
@@ -305,7 +305,8 @@ void ms_look_at_scans(MsFileState &file)
     }
     counts.finish(count);
     points.finish();
-    ms_look_at_times(file, count);
+    if (count > 0)
+        ms_look_at_times(file, count);
 }
 
 void ms_look_at_totals(MsFileState &file)

@@ -399,6 +399,7 @@ private slots:
         row("a library's time far off") = {QStringLiteral("library"), put("scan_acquisition_time", 5, 1e6),
                                            "time-range 1"};
 
+        row("points without a scan") = {QStringLiteral("no-scans"), {}, "unowned-points 6"};
         row("a scan behind many empty ones") = {QStringLiteral("unlimited-scans"),
                                                 [](int id) {
                                                     put("point_count", 2, 0, 1998)(id);
