@@ -248,6 +248,7 @@ private slots:
         row("one scan") = {"one-scan", {"--trace"}};
         row("no scans") = {"no-scans", {"--trace"}, "It has no scans, so there is nothing to draw."};
         row("no modulation") = {"gcxgc", {"--map", "--gcxgc", "0.0004"}, "\"0.0004\" isn't a modulation length", {}, 2};
+        row("two kinds") = {"gcms", {"--scan", "2", "--at", "6"}, "Only one of --trace, --map, --scan and --at", {}, 2};
         row("no trace") = {"library", {"--trace"}, "A library has no trace"};
         row("no time of a library") = {"library", {"--at", "4"}, "A library has no trace"};
         row("no map of a library") = {"library", {"--map"}, "A library has no trace"};

@@ -261,7 +261,8 @@ private slots:
         QVERIFY(std::accumulate(left.begin(), left.end(), 0.0) < whole);
         page()->goTo("6-7, 6-7");
         QTRY_VERIFY(page()->shown().title.contains("less background, 6.000 to 7.000"));
-        QVERIFY(page()->shown().intensities.empty()); // less itself, nothing
+        QVERIFY(page()->shown().intensities.empty());            // less itself, nothing
+        QVERIFY(page()->spectrum()->yAxis->range().upper < 2.0); // of nothing
     }
 
     void goesTo_data()
@@ -382,6 +383,7 @@ private slots:
         QCOMPARE(page()->trace()->legend->selectedTextColor(), QColor(Qt::yellow));
         QVERIFY(page()->trace()->graph(0)->pen().color().lightness() > onLight.lightness());
         QCOMPARE(page()->trace()->xAxis->tickLabelColor(), QColor(Qt::white));
+        QCOMPARE(page()->trace()->toPixmap().toImage().pixelColor(0, 0), QColor(Qt::black));
     }
 
     void showsAMap()
@@ -435,6 +437,12 @@ private slots:
         };
         typeRange("10.5", "500");
         QVERIFY(ends[0]->hasAcceptableInput());
+        ends[0]->setText("ten");
+        QVERIFY(!ends[0]->hasAcceptableInput());
+        plot->replot();
+        const QPoint onColours = plot->findChild<QCPColorScale *>()->axis()->axisRect()->rect().center();
+        drag(plot, Qt::LeftButton, {}, onColours, onColours + QPoint(0, 40));
+        QCOMPARE(cells->dataRange(), QCPRange(10.5, 500.0));
         QCOMPARE(plot->valueRange(), QCPRange(10.5, 500.0));
         typeRange("10", "500");
         QCOMPARE(plot->valueRange(), QCPRange(10.0, 500.0));
@@ -449,6 +457,8 @@ private slots:
         const qint32 lowest = plot->map().scan(1, 0);
         page()->map()->shift()->setValue(1.0);
         QCOMPARE(plot->map().scan(1, plot->map().rows / 4), lowest);
+        page()->map()->scale()->setCurrentIndex(1);
+        QVERIFY(std::isnan(cells->data()->cell(0, 0))); // empty now, and not 0
         const QSignalSpy picked(plot, &MapPlot::scanPicked);
         plot->replot();
         QTest::mouseClick(plot, Qt::LeftButton, {}, pixelOf(plot, plot->firstCut()->data()->at(0)->key, 0.5));
