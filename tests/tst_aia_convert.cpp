@@ -223,6 +223,8 @@ private slots:
             "sample gcxgc --scans 6000 s.cdf; convert s.cdf -o a.mzML && grep -cE "
             "'1002085|\"modulation length\" value=\"4\" .*UO:0000010' a.mzML > out",
             0, "modulated every 4 s", "2\n"};
+        row("modulation, quietly") = {"sample gcxgc --scans 6000 s.cdf; convert --quiet s.cdf -o a.mzML 2> out", 0, "",
+                                      ""};
         row("totals that the file gives, through mzML") = {
             "ncdump plain.cdf | sed 's/total_intensity = .*/total_intensity = 1.1, 2, 3, 4, 5 ;/' | ncgen -o a.cdf;"
             "convert a.cdf -o a.mzML && convert a.mzML -o b.cdf && ncdump -v total_intensity b.cdf |"
@@ -260,7 +262,7 @@ private slots:
             "convert plain.cdf -o a.mzML; sed -i 's/value=\"5.8/value=\"0.8/' a.mzML; convert a.mzML -o b.cdf", 0,
             "\"b.cdf\", 1 of 5 scans has a time before that of the scan before"};
         row("a run in minutes") = {
-            "ncdump plain.cdf | sed 's/\"Seconds\"/\"Minutes\"/' | ncgen -o a.cdf; convert a.cdf -o a.mzML;"
+            "ncdump plain.cdf | sed 's/\"Seconds\"/\" Minutes\"/' | ncgen -o a.cdf; convert a.cdf -o a.mzML;"
             "convert a.mzML -o b.cdf; ncdump -v scan_acquisition_time b.cdf | grep 'time = ' > out",
             0, "", " scan_acquisition_time = 315, 348, 381, 414, 447 ;\n"};
         row("a run in minutes, into minutes") = {
@@ -328,6 +330,11 @@ private slots:
                                     "its 6 points are left out"};
         row("words of its own") = {"convert " + fixture("run-facts") + " -o b.cdf", 0,
                                    "own words \"Fused silica\" are none of the template's; they are left out."};
+        row("map of stored totals, without places of two scans") = {
+            "sample gcxgc --scans 800 s.cdf; ncdump s.cdf | sed -z 's/total_intensity = [0-9]*/total_intensity = 5/;"
+            "s/scan_acquisition_time = [^,]*, \\([^,]*\\), [^,]*, [^,]*/scan_acquisition_time = \\1, \\1, \\1, \\1/' |"
+            "ncgen -o a.cdf; convert a.cdf --csv map --modulation 4 -o - --to csv | sed -n 2p | cut -d , -f 2 > out",
+            0, "3 scans have no place of their own in the map", "5\n"};
         row("map without totals") = {
             "sample gcxgc --scans 800 s.cdf; ncdump s.cdf | sed 's/total_intensity/others/' | ncgen -o a.cdf;"
             "convert a.cdf --csv map --modulation 4 -o - --to csv | cut -d , -f 2 | grep -c . > out",

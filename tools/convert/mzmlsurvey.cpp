@@ -89,7 +89,7 @@ private:
     // Whether the file's own unit of time is the minute, which the template lacks.
     bool haveMinutes() const
     {
-        const QString unit = run.facts().timeUnits.text.trimmed();
+        const QString unit = run.facts().timeUnits.text;
         return !run.hasSeconds() && unit.startsWith(QLatin1String("min"), Qt::CaseInsensitive);
     }
 
