@@ -3,6 +3,7 @@
 import resource
 import sys
 
+import netCDF4
 import numpy as np
 import pytest
 from conftest import FIXTURES, SOURCE
@@ -127,6 +128,15 @@ def test_numbers(name):
                 assert found.encode() == stored or found.encode("latin-1") == stored
             elif stored is not None:
                 assert np.array_equal(np.ravel(found)[:1], [stored], equal_nan=True)
+
+
+def test_attributes_of_all_types(tmp_path):
+    stored = {f"of_{kind}": np.array([-3, 7]).astype(kind) for kind in "bhiqBHIQfd"}
+    with netCDF4.Dataset(tmp_path / "types.cdf", "w") as data:
+        data.createDimension("scan_number", 1)
+        data.setncatts(stored)
+    with aiams.open(tmp_path / "types.cdf") as run:
+        assert run.attributes == {name: numbers.tolist() for name, numbers in stored.items()}
 
 
 @pytest.mark.parametrize("name", NAMES)

@@ -72,6 +72,10 @@ def test_written_again(sample, tmp_path, source):
             assert all(type(again.attributes[name]) is type(value) for name, value in more.items())
 
 
+def test_what_an_instrument_is_not_given_is_none():
+    assert set(vars(aiams.Instrument()).values()) == {None}
+
+
 MASSES = np.arange(50.0, 60.0)
 
 
