@@ -130,6 +130,10 @@ private slots:
         row("polarity that isn't there") = {"sample gcms --scans 3 s.cdf; convert s.cdf -o a.mzML;"
                                             "convert a.mzML --polarity negative -o out.cdf",
                                             1, "no spectra of the MS level and polarity chosen"};
+        row("spectra without any polarity") = {"sed 's/polarity=\"+\"//' " AIA_TEST_SOURCES
+                                               "/convert/two-scans.mzXML > a.mzXML;"
+                                               "convert a.mzXML --polarity positive -o out.cdf",
+                                               1, "its spectra say no polarity, so the option --polarity chooses none"};
         row("masses that come between the two walks of a matrix") = {
             "sample gcms --scans 6000 s.cdf; mkfifo p; convert s.cdf -o - --to csv --csv matrix > p & { read -r head;"
             "truncate -s -4000 s.cdf; printf '%4000s' | tr ' ' F >> s.cdf; cat > made; } < p; wait $!",

@@ -78,6 +78,9 @@ bool chooseSpectra(const SpectrumList &list, const ConversionOptions &options, M
         return log->fail(
             QStringLiteral("it has spectra of several polarities, of which the option --polarity chooses "
                            "one"));
+    if (choice->spectra.empty() && withoutPolarity > 0 && otherPolarities == 0)
+        return log->fail(
+            QStringLiteral("its spectra say no polarity, so the option --polarity chooses none of them"));
     if (choice->spectra.empty())
         return log->fail(options.msLevel || options.isPositive
                              ? QStringLiteral("it has no spectra of the MS level and polarity chosen")
