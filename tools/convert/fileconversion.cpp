@@ -24,9 +24,8 @@ class FileConversion
 public:
     FileConversion(const ConversionPair &files, const ConvertOptions &commandLine)
         : pair(files), options(commandLine), output(files.output, commandLine.existing),
-          messages(files.input), progress(commandLine.conversion.quiet || !commandLine.part.isNull()
-                                              ? ProgressBar::Mode::Hidden
-                                              : ProgressBar::Mode::OnTerminal)
+          messages(files.input), progress(commandLine.conversion.quiet ? ProgressBar::Mode::Hidden
+                                                                       : ProgressBar::Mode::OnTerminal)
     {
         if (!options.part.isEmpty())
             output.useTemporary(QFile::encodeName(options.part));

@@ -12,6 +12,18 @@
 #include <optional>
 #include <vector>
 
+namespace {
+
+// The library that reads mzML crashes on some damaged files, so a process of its own reads each.
+bool wantsProcesses(const ConvertOptions &options)
+{
+    const bool isProcessOfOne = !options.part.isNull();
+    return !isProcessOfOne
+        && (options.pairs.size() > 1 || isMzMlOrMzXml(formatOfName(options.pairs.front().input)));
+}
+
+} // namespace
+
 int main(int argc, char **argv)
 {
     setProgram(AIA_PROGRAM, AIA_VERSION);
@@ -20,8 +32,10 @@ int main(int argc, char **argv)
     const std::optional<int> early = parseCommandLine(QCoreApplication::arguments(), &options);
     if (early)
         return *early;
-    watchInterruptions();
-    const bool isDone =
-        options.pairs.size() == 1 ? convertFile(options.pairs.front(), options) : convertFiles(options);
+    const bool isForOthers = wantsProcesses(options);
+    // A process that is alone says what the terminal is to know.
+    watchInterruptions(isForOthers && options.pairs.size() == 1 ? InterruptionWord::Unsaid
+                                                                : InterruptionWord::Said);
+    const bool isDone = isForOthers ? convertFiles(options) : convertFile(options.pairs.front(), options);
     return isDone && !hasLostReports() ? Success : Failure;
 }

@@ -27,8 +27,9 @@ class ManyFiles
 {
 public:
     explicit ManyFiles(const ConvertOptions &commandLine)
-        : options(commandLine), progress(commandLine.conversion.quiet ? ProgressBar::Mode::Hidden
-                                                                      : ProgressBar::Mode::OnTerminal)
+        : options(commandLine), isOne(commandLine.pairs.size() == 1),
+          progress(commandLine.conversion.quiet || isOne ? ProgressBar::Mode::Hidden
+                                                         : ProgressBar::Mode::OnTerminal)
     {
     }
 
@@ -76,15 +77,24 @@ private:
         QObject::connect(
             &worker->process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
             [this, worker](int code, QProcess::ExitStatus status) {
-                end(worker,
-                    status == QProcess::CrashExit // where it hears twice of an interruption, too
-                        ? QStringLiteral("its process was killed or crashed")
-                        : QString(),
+                end(worker, status == QProcess::CrashExit ? whyCrashed(worker->pair->input) : QString(),
                     code);
             });
         ++running;
-        // What it says is passed on when it ends, so that files don't mix.
+        // What it says is passed on when it ends, so that files don't mix, or at once where it is the
+        // only one.
+        if (isOne)
+            worker->process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         worker->process.start(QCoreApplication::applicationFilePath(), arguments);
+    }
+
+    // A part of a sentence. A process that hears twice of an interruption ends so, too, which is said in
+    // its place.
+    static QString whyCrashed(const QString &input)
+    {
+        return isMzMlOrMzXml(formatOfName(input))
+            ? QStringLiteral("its process was killed, or crashed on a damaged file")
+            : QStringLiteral("its process was killed or crashed");
     }
 
     void end(Worker *worker, const QString &accident, int code = 1)
@@ -125,6 +135,8 @@ private:
             report(QStringLiteral("The program stopped before it came to %1 of %2 files.")
                        .arg(all - done)
                        .arg(all));
+        if (isOne)
+            return;
         if (!failed.isEmpty())
             report(ms_counted_text(
                 "%1 of %2 files [was|were] not converted, or not in full: \"%3\".", failed.size(),
@@ -134,6 +146,7 @@ private:
     }
 
     const ConvertOptions &options;
+    const bool isOne; // file, which needs no summary
     ProgressBar progress;
     QEventLoop loop;
     std::vector<std::unique_ptr<Worker>> workers;

@@ -41,12 +41,15 @@ void onInterruption(int signal)
 
 } // namespace
 
-void watchInterruptions()
+void watchInterruptions(InterruptionWord answer)
 {
-    word = QCoreApplication::applicationName().toUtf8()
-        + ": The program was interrupted and stops at the next scan. Ctrl-C once more ends it at once.\n";
-    if (isatty(STDERR_FILENO))
-        word.prepend('\n'); // behind the "^C" of the terminal
+    if (answer == InterruptionWord::Said) {
+        word = QCoreApplication::applicationName().toUtf8()
+            + ": The program was interrupted and stops at the next scan. Ctrl-C once more ends it at "
+              "once.\n";
+        if (isatty(STDERR_FILENO))
+            word.prepend('\n'); // behind the "^C" of the terminal
+    }
     for (const int signal : watchedSignals) {
         // What the program was started to ignore stays ignored.
         if (std::signal(signal, SIG_IGN) != SIG_IGN)

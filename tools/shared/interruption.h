@@ -2,9 +2,12 @@
 #ifndef INTERRUPTION_H
 #define INTERRUPTION_H
 
-// From now on the first interruption is answered with a word and remembered, so that the program can come
-// to an orderly end. Ctrl-C once more ends it at once, without the file that it was writing.
-void watchInterruptions();
+// Whether an interruption is answered with a word, or a process that this one started does so.
+enum class InterruptionWord { Said, Unsaid };
+
+// From now on the first interruption is answered and remembered, so that the program can come to an
+// orderly end. Ctrl-C once more ends it at once, without the file that it was writing.
+void watchInterruptions(InterruptionWord answer = InterruptionWord::Said);
 
 // Leaves them to the system again: for a process that has no word to say.
 void forgetInterruptions();
