@@ -329,9 +329,12 @@ private slots:
         const MsRun run = make("netcdf made {\ndimensions:\n scan_number = 1 ;\n point_number = 4 ;\nvariables:\n"
                                " short mass_values(point_number) ;\n int intensity_values(point_number) ;\n"
                                " int scan_index(scan_number) ;\n int point_count(scan_number) ;\n"
+                               " intensity_values:add_offset = Infinity ;\n"
                                "data:\n scan_index = 0 ;\n point_count = 4 ;\n mass_values = 1, _, 3, 4 ;\n"
                                " intensity_values = 10, 20, _, 40 ;\n}\n");
         QCOMPARE(massesOf(run), QString("1 4"));
+        QCOMPARE(run.summedTotals(), std::vector<double>{50}); // such an offset doesn't count
+        QVERIFY(codesOf(run).contains("ignored-factor"));
     }
 
     void knowsCompounds()
