@@ -103,9 +103,10 @@ private slots:
                                        "convert b.mzML -o out.cdf",
                                        1, "can't be read"};
         // The library ends the process that reads this one, if it is as it was.
-        row("mzML that lacks a quote") = {"convert plain.cdf -o a.mzML; sed -i '0,/MS:1000285\"/s//MS:1000285/' a.mzML;"
-                                          "ASAN_OPTIONS=handle_segv=0 convert a.mzML -o out.cdf",
-                                          1, "The file \"a.mzML\" can't be converted: it"};
+        row("mzML with a letter for a quote") = {
+            "convert plain.cdf -o a.mzML; sed -i '0,/MS:1000285\"/s//MS:1000285X/' a.mzML;"
+            "ASAN_OPTIONS=handle_segv=0:abort_on_error=1 convert a.mzML -o out.cdf",
+            1, "The file \"a.mzML\" can't be converted: it"};
         row("mzML to mzML") = {"convert plain.cdf -o a.mzML && convert a.mzML -o out.mzML.gz", 1, "become .cdf files"};
         row("spectra of a trace") = {"convert total-ion.cdf -o out.msp --scan 0", 1, "has no masses"};
         row("points of a trace") = {"convert total-ion.cdf -o out.csv --csv points", 1, "has no masses"};
