@@ -12,6 +12,12 @@ struct Opened {
     bool isDotted = false; // as a point lies between gaps
 };
 
+struct Converted {
+    QByteArray program; // what stands for aia-convert beside the window's, if any
+    QString said;
+    bool isMade = false;
+};
+
 struct Stated {
     QString file;
     QString name;
@@ -262,8 +268,6 @@ private slots:
             QVERIFY(QFileInfo(folder.filePath(image)).size() > 1000);
         }
         QVERIFY(page()->saveSpectrum(folder.filePath("plot.txt")).contains("has to end in"));
-        page()->convertTo(folder.filePath("run.mzML"));
-        QVERIFY2(page()->remark().startsWith("The program aia-convert isn't beside"), qPrintable(page()->remark()));
         QVERIFY(!QFile::exists(folder.filePath("plot.txt")));
         const QByteArray before = content(sample("gcms"));
         QVERIFY(!page()->saveUpper(sample("gcms")).isNull() && content(sample("gcms")) == before); // the run itself
@@ -278,6 +282,31 @@ private slots:
         const MsCompound &compound = page()->model()->compounds()[std::size_t(page()->scan())];
         QVERIFY2(content(library).startsWith("Name: " + compound.name.toLatin1()), content(library).left(200));
         QVERIFY(content(library).contains("\nFormula: " + compound.formula.toLatin1()));
+    }
+
+    void converts_data()
+    {
+        const Rows<Converted> row;
+        row("no program") = {"", "The program aia-convert isn't beside"};
+        row("well") = {"cp \"$6\" \"$4\"", "The run was converted to", true};
+        row("ill") = {"echo no room >&2; exit 1", "The run wasn't converted, or not in full. no room"};
+    }
+    void converts()
+    {
+        const Converted &row = Rows<Converted>::current();
+        const QString program = QCoreApplication::applicationDirPath() + "/aia-convert";
+        const QString output = folder.filePath("run.mzML");
+        QFile::remove(program);
+        QFile::remove(output);
+        if (!row.program.isEmpty())
+            QVERIFY(writeFile(program, "#!/bin/sh\n" + row.program)
+                    && QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        openSample("gcms");
+        page()->convertTo(output);
+        QTRY_VERIFY(!page()->remark().startsWith("Converting"));
+        QFile::remove(program);
+        QVERIFY2(page()->remark().startsWith(row.said), qPrintable(page()->remark()));
+        QCOMPARE(QFile::exists(output) && content(output) == content(sample("gcms")), row.isMade);
     }
 
     void doubtsComeFirst()
