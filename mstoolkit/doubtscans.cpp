@@ -292,7 +292,7 @@ void ms_look_at_scans(MsFileState &file)
     file.tally.knows_scans = true;
     if (file.dimensions[MsDim_scan_number].id == -1)
         return;
-    const std::size_t count = scans_looked_at(file); // of none the points are left
+    const std::size_t count = scans_looked_at(file); // if none, points may still be there
     Scans scans(file);
     CountsOfScans counts(scans, file.tally.found);
     PointsOfScans points(file, scans, count);

@@ -1,47 +1,31 @@
 #include "dvimportinterface.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 namespace {
 
-// Returns why there is no such file.
-QString whyMissing(const QString &name)
+// Returns why a file can't be read at all, with %1 for its name; null if it can.
+const char *obstacle(const QFileInfo &file)
 {
-    std::error_code reason;
-    static_cast<void>(std::filesystem::status(QFile::encodeName(name).constData(), reason));
-    return !reason || reason == std::errc::no_such_file_or_directory
-        ? QStringLiteral("The file \"%1\" doesn't exist.").arg(name)
-        : QStringLiteral("The file \"%1\" can't be reached: %2.")
-              .arg(name, qt_error_string(reason.value()));
-}
-
-// Returns why a file can't be read at all; null if it can.
-QString obstacle(const QString &name)
-{
-    const QFileInfo file(name);
     if (!file.exists())
-        return whyMissing(name);
+        return "The file \"%1\" doesn't exist.";
     if (file.isDir())
-        return QStringLiteral("\"%1\" is a folder, not a file.").arg(name);
+        return "\"%1\" is a folder, not a file.";
     if (!file.isFile())
-        return QStringLiteral("\"%1\" isn't a regular file.").arg(name);
+        return "\"%1\" isn't a regular file.";
     if (!file.isReadable())
-        return QStringLiteral("There is no permission to read the file \"%1\".").arg(name);
-    return QString();
+        return "There is no permission to read the file \"%1\".";
+    return nullptr;
 }
 
 } // namespace
 
 bool DVImportInterface::canImport(TFileBuffer *, const QString &name, QString &text)
 {
-    const QString reason = obstacle(name);
-    if (!reason.isNull()) {
-        text = reason;
+    if (const char *reason = obstacle(QFileInfo(name))) {
+        text = QString::fromLatin1(reason).arg(name);
         return false;
     }
     if (!matchExtension(name)) {

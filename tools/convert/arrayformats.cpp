@@ -59,21 +59,16 @@ std::string beginningOf(const QString &input)
 
 } // namespace
 
-bool lacksKind(const QString &input)
-{
-    const std::string beginning = beginningOf(input);
-    return has(beginning, "<mzXML") && !has(beginning, " centroided=");
-}
-
-ArrayFormats firstArrayFormats(const QString &input)
+UntoldFormats untoldFormats(const QString &input)
 {
     const std::string beginning = beginningOf(input);
     const bool isNarrowMzXml = has(beginning, "precision=\"32\"") && !has(beginning, "precision=\"64\"");
-    ArrayFormats formats;
+    UntoldFormats formats;
     const char *const kinds[] = {"\"MS:1000514\"", "\"MS:1000515\""}; // arrays of m/z and intensities
-    std::transform(std::begin(kinds), std::end(kinds), formats.begin(), [&](const char *kind) {
+    std::transform(std::begin(kinds), std::end(kinds), formats.arrays.begin(), [&](const char *kind) {
         const bool isNarrow = isNarrowMzXml || has(paramsOfArray(beginning, kind), "\"MS:1000521\"");
         return qint32(isNarrow ? MsFloatFormat : MsDoubleFormat);
     });
+    formats.lacksKind = has(beginning, "<mzXML") && !has(beginning, " centroided=");
     return formats;
 }

@@ -7,15 +7,15 @@
 
 #include <array>
 
-// The formats of masses and of intensities, MsFloatFormat or MsDoubleFormat.
-using ArrayFormats = std::array<qint32, 2>;
+struct UntoldFormats {
+    // Of masses and of intensities, MsFloatFormat or MsDoubleFormat, as the first arrays of the file have
+    // them. They are a guess, as later arrays may have others; the numbers themselves decide then.
+    std::array<qint32, 2> arrays;
+    // Whether it is mzXML that doesn't say whether its spectra are centroided, so that the library makes
+    // it up.
+    bool lacksKind;
+};
 
-// Returns the formats of the first arrays of the file. They are a guess, as later arrays may have others;
-// the numbers themselves decide then.
-ArrayFormats firstArrayFormats(const QString &input);
-
-// Whether the file is mzXML that doesn't say whether its spectra are centroided, so that the library
-// makes it up.
-bool lacksKind(const QString &input);
+UntoldFormats untoldFormats(const QString &input);
 
 #endif // ARRAYFORMATS_H

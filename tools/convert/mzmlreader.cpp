@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <deque>
@@ -102,9 +103,10 @@ public:
         if (!chooseSpectra(*source.run.spectrumListPtr, options, &choice, log))
             return false;
         findTrace(); // the spectra have the total ion current
-        warnOfKinds();
+        const UntoldFormats untold = untoldFormats(input);
+        warnOfKinds(untold.lacksKind);
         description.emplace(source, input, choice);
-        formats = firstArrayFormats(input);
+        formats = untold.arrays;
         bool doesFit = true;
         bool isWritten = false;
         do
@@ -115,12 +117,12 @@ public:
 
 private:
     // The template has one word for the kind of all spectra.
-    void warnOfKinds() const
+    void warnOfKinds(bool isKindMadeUp) const
     {
         if (choice.isProfile && choice.isCentroided)
             log->warn(QStringLiteral(
                 "Some spectra are centroided and some are profiles; all are taken for profiles."));
-        if (choice.isOfUnsaidKind || lacksKind(input))
+        if (choice.isOfUnsaidKind || isKindMadeUp)
             log->warn(QStringLiteral("The file doesn't say whether its spectra are centroided; they are "
                                      "taken for %1.")
                           .arg(choice.isProfile ? QStringLiteral("profiles")
@@ -401,7 +403,7 @@ private:
     qint64 withoutData = 0;                        // points of all spectra
     std::vector<qint32> numbers;                   // of all spectra
     qint64 unnumbered = 0;                         // spectra
-    ArrayFormats formats = {MsDoubleFormat, MsDoubleFormat};
+    std::array<qint32, 2> formats = {MsDoubleFormat, MsDoubleFormat};
     std::vector<double> doubles[2];
     std::vector<float> floats[2];
 };

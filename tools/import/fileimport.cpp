@@ -239,11 +239,11 @@ QString FileImport::refusal(const QString &hostText)
     // Neither is reported by itself: the sentence says what the notes say, and it has the errors in it.
     const QStringList traces = messages.take(MessageList::Level::Debug);
     const QString errors = messages.takeSentences(MessageList::Level::Error).join(QLatin1Char(' '));
-    if (!hostText.isEmpty())
-        return hostText;
     const QString obstacle = whyUnreadable(fileName);
     if (!obstacle.isEmpty())
         return obstacle;
+    if (!hostText.isEmpty())
+        return hostText;
 
     QString reason;
     if (traces.contains(QStringLiteral("ms_open_read failed!"))) {
